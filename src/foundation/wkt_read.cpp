@@ -1,0 +1,406 @@
+// SPDX-License-Identifier: MIT
+//
+// Reads well-known text by recursive descent over its bytes, in one pass. Numbers are read by
+// std::from_chars, which knows no locale.
+//
+// A tag may be followed by Z, M or ZM, joined or apart. Without it two to four ordinates are taken:
+// the third is z, the fourth m.
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "foundation/wkt.h"
+#include "jw_geometry_collection.h"
+
+namespace jws::wkt {
+
+namespace {
+
+constexpr int kMaxDepth = 128;
+
+struct Tag {
+    std::string_view name;
+    enumJWGeometryType type;  ///< `JWGeometryNone`: known, but of no class here
+};
+
+constexpr Tag kTags[] = {
+    {"POINT", JWGeometryPoint},
+    {"LINESTRING", JWGeometryLineString},
+    {"LINEARRING", JWGeometryRing},
+    {"POLYGON", JWGeometryPolygon},
+    {"MULTIPOINT", JWGeometryMultiPoint},
+    {"MULTILINESTRING", JWGeometryMultiLineString},
+    {"MULTIPOLYGON", JWGeometryMultiPolygon},
+    {"GEOMETRYCOLLECTION", JWGeometryGeometryBag},
+    {"CIRCULARSTRING", JWGeometryNone},
+    {"COMPOUNDCURVE", JWGeometryNone},
+    {"CURVEPOLYGON", JWGeometryNone},
+    {"MULTICURVE", JWGeometryNone},
+    {"MULTISURFACE", JWGeometryNone},
+    {"POLYHEDRALSURFACE", JWGeometryNone},
+    {"TIN", JWGeometryNone},
+    {"TRIANGLE", JWGeometryNone},
+};
+
+/// What the tag says: the type, and which ordinates follow when it says so.
+struct Header {
+    enumJWGeometryType type = JWGeometryNone;
+    bool hasZ = false;
+    bool hasM = false;
+};
+
+bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+bool isLetter(char c) { return upper(c) >= 'A' && upper(c) <= 'Z'; }
+
+class Reader {
+  public:
+    explicit Reader(const char* text) : at_(text), end_(text + std::strlen(text)) {}
+
+    enumJWDataErr error() const { return error_; }
+    const char* position() const { return at_; }
+
+    /// True when nothing but white space is left.
+    bool atEnd() {
+        skipSpace();
+        return at_ == end_;
+    }
+
+    /// Skips a leading "SRID=n;".
+    bool prefix() {
+        skipSpace();
+        const char* start = at_;
+        if (word() != "SRID") {
+            at_ = start;
+            return true;
+        }
+        double id;
+        return (skipIf('=') && number(id) && skipIf(';')) || unexpected();
+    }
+
+    bool header(Header& h) {
+        std::string tag = word();
+        if (tag.empty()) return unexpected();
+        if (!lookUp(tag, h)) {
+            h.hasM = tag.back() == 'M';
+            if (h.hasM) tag.pop_back();
+            h.hasZ = !tag.empty() && tag.back() == 'Z';
+            if (h.hasZ) tag.pop_back();
+            if (!(h.hasZ || h.hasM) || !lookUp(tag, h)) return fail(JWDataErrCorruptData);
+        } else {
+            const char* start = at_;
+            const std::string suffix = word();
+            h.hasZ = suffix == "Z" || suffix == "ZM";
+            h.hasM = suffix == "M" || suffix == "ZM";
+            if (!h.hasZ && !h.hasM) at_ = start;
+        }
+        return h.type != JWGeometryNone || fail(JWDataErrUnsupportedGeometryType);
+    }
+
+    bool body(const Header& h, JWPoint& point) {
+        if (empty()) {
+            point.setEmpty();
+            return true;
+        }
+        return open() && ordinates(h, point) && close();
+    }
+
+    bool body(const Header& h, JWLineString& line) { return sequence(h, line); }
+
+    bool body(const Header& h, JWRing& ring) {
+        if (!sequence(h, ring)) return false;
+        ring.closeRing();
+        return true;
+    }
+
+    bool body(const Header& h, JWPolygon& polygon) {
+        return list([&] { return body(h, polygon.getRingList().emplace_back()); });
+    }
+
+    bool body(const Header& h, JWMultiPoint& points) {
+        return list([&] {
+            JWPoint& p = points.getPointList().emplace_back();
+            skipSpace();
+            const bool bare = at_ < end_ && *at_ != '(' && !isEmptyWord();
+            return bare ? ordinates(h, p) : body(h, p);
+        });
+    }
+    bool body(const Header& h, JWMultiLineString& lines) { return members(h, lines); }
+    bool body(const Header& h, JWMultiPolygon& polygons) { return members(h, polygons); }
+
+    bool body(const Header&, JWGeometryBag& bag) {
+        if (++depth_ > kMaxDepth) return fail(JWDataErrCorruptData);
+        const bool read = list([&] {
+            Header member;
+            if (!header(member)) return false;
+            return bag.addGeometry(geometry(member));
+        });
+        --depth_;
+        return read;
+    }
+
+    /// Reads a geometry of the type in the header; null on an error.
+    std::unique_ptr<JWGeometry> geometry(const Header& h) {
+        switch (h.type) {
+            case JWGeometryPoint:
+                return make<JWPoint>(h);
+            case JWGeometryLineString:
+                return make<JWLineString>(h);
+            case JWGeometryRing:
+                return make<JWRing>(h);
+            case JWGeometryPolygon:
+                return make<JWPolygon>(h);
+            case JWGeometryMultiPoint:
+                return make<JWMultiPoint>(h);
+            case JWGeometryMultiLineString:
+                return make<JWMultiLineString>(h);
+            case JWGeometryMultiPolygon:
+                return make<JWMultiPolygon>(h);
+            default:
+                return make<JWGeometryBag>(h);
+        }
+    }
+
+    bool fail(enumJWDataErr err) {
+        if (error_ == JWDataErrNone) error_ = err;
+        return false;
+    }
+
+  private:
+    static bool lookUp(const std::string& word, Header& h) {
+        for (const Tag& tag : kTags) {
+            if (tag.name == word) {
+                h.type = tag.type;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// Something else stands here, or nothing any more.
+    bool unexpected() { return fail(atEnd() ? JWDataErrNotEnoughData : JWDataErrCorruptData); }
+
+    void skipSpace() {
+        while (at_ < end_ && isSpace(*at_)) ++at_;
+    }
+
+    /// Reads letters, as capitals; empty when there is none.
+    std::string word() {
+        skipSpace();
+        std::string letters;
+        while (at_ < end_ && isLetter(*at_)) letters.push_back(upper(*at_++));
+        return letters;
+    }
+
+    bool isEmptyWord() {
+        const char* start = at_;
+        const bool is = word() == "EMPTY";
+        at_ = start;
+        return is;
+    }
+
+    /// Reads "EMPTY" when it stands here.
+    bool empty() {
+        if (!isEmptyWord()) return false;
+        word();
+        return true;
+    }
+
+    bool skipIf(char c) {
+        skipSpace();
+        if (at_ == end_ || *at_ != c) return false;
+        ++at_;
+        return true;
+    }
+
+    bool open() { return skipIf('(') || unexpected(); }
+    bool close() { return skipIf(')') || unexpected(); }
+
+    bool number(double& value) {
+        skipSpace();
+        if (end_ - at_ > 1 && at_[0] == '+' && at_[1] != '-') ++at_;
+        const auto [next, err] = std::from_chars(at_, end_, value);
+        if (err == std::errc::invalid_argument) return unexpected();
+        if (err == std::errc::result_out_of_range) value = outOfRange(at_, next);
+        at_ = next;
+        // Numbers stand apart: "1-2" and "1.2.3" are not two.
+        return at_ == end_ || isSpace(*at_) || std::strchr(",);", *at_) != nullptr || unexpected();
+    }
+
+    /// A number too large for a double is infinite, one too small is zero: which of the two, says
+    /// the place of its first digit other than zero.
+    static double outOfRange(const char* first, const char* last) {
+        const bool negative = *first == '-';
+        const char* at = negative ? first + 1 : first;
+        long long place = 0;
+        bool counting = false, fraction = false;
+        for (; at < last && upper(*at) != 'E'; ++at) {
+            fraction = fraction || *at == '.';
+            counting = counting || (*at >= '1' && *at <= '9');
+            if (counting && !fraction) ++place;
+            if (!counting && fraction && *at == '0') --place;
+        }
+        int exponent = 0;
+        if (at < last) {
+            at += at[1] == '+' ? 2 : 1;
+            const bool huge = std::from_chars(at, last, exponent).ec != std::errc();
+            if (huge) exponent = *at == '-' ? -2000000000 : 2000000000;
+        }
+        const double size = place + exponent < 0 ? 0.0 : std::numeric_limits<double>::infinity();
+        return negative ? -size : size;
+    }
+
+    bool ordinates(const Header& h, JWPoint& point) {
+        double value[4] = {0, 0, 0, 0};
+        if (!number(value[0]) || !number(value[1])) return false;
+        int n = 2;
+        skipSpace();
+        while (n < 4 && at_ < end_ && *at_ != ',' && *at_ != ')') {
+            if (!number(value[n++])) return false;
+            skipSpace();
+        }
+        const bool told = h.hasZ || h.hasM;
+        if (told && n != 2 + int(h.hasZ) + int(h.hasM)) return fail(JWDataErrCorruptData);
+        if (h.hasM && !h.hasZ) std::swap(value[2], value[3]);
+        point = JWPoint(value[0], value[1], value[2], value[3]);
+        return true;
+    }
+
+    template <class Sequence>
+    bool sequence(const Header& h, Sequence& points) {
+        return list([&] {
+            JWPoint p;
+            if (!ordinates(h, p)) return false;
+            points.addPoint(p.getX(), p.getY());
+            return true;
+        });
+    }
+
+    /// Reads "EMPTY" or items between parentheses.
+    template <class Item>
+    bool list(const Item& item) {
+        if (empty()) return true;
+        if (!open()) return false;
+        do {
+            if (!item()) return false;
+        } while (skipIf(','));
+        return close();
+    }
+
+    template <class Collection>
+    bool members(const Header& h, Collection& collection) {
+        return list([&] { return body(h, collection.getMemberList().emplace_back()); });
+    }
+
+    template <class Class>
+    std::unique_ptr<JWGeometry> make(const Header& h) {
+        auto made = std::make_unique<Class>();
+        if (!body(h, *made)) return nullptr;
+        return made;
+    }
+
+    const char* at_;
+    const char* end_;
+    enumJWDataErr error_ = JWDataErrNone;
+    int depth_ = 0;
+};
+
+template <class Class>
+bool readBody(Reader& reader, const Header& h, JWGeometry& into) {
+    return reader.body(h, static_cast<Class&>(into));
+}
+
+/// A segment is read from a line string of two points.
+bool readLine(Reader& reader, const Header& h, JWLine& into) {
+    JWLineString line;
+    if (!reader.body(h, line)) return false;
+    if (line.getPointCount() != 2) return reader.fail(JWDataErrUnsupportedGeometryType);
+    into.putCoords(line.getPointAt(0), line.getPointAt(1));
+    return true;
+}
+
+/// A ring is read from a `LINEARRING` or from a polygon of at most one ring.
+bool readRing(Reader& reader, const Header& h, JWRing& into) {
+    if (h.type == JWGeometryRing) return reader.body(h, into);
+    JWPolygon polygon;
+    if (!reader.body(h, polygon)) return false;
+    if (polygon.getRingCount() > 1) return reader.fail(JWDataErrUnsupportedGeometryType);
+    if (polygon.getRingCount() == 1) into = std::move(*polygon.getRingPtrAt(0));
+    return true;
+}
+
+bool readInto(Reader& reader, JWGeometry& into) {
+    Header h;
+    if (!reader.prefix() || !reader.header(h)) return false;
+    const enumJWGeometryType type = into.getGeometryType();
+    if (type == JWGeometryLine && h.type == JWGeometryLineString) {
+        return readLine(reader, h, static_cast<JWLine&>(into));
+    }
+    if (type == JWGeometryRing && (h.type == JWGeometryRing || h.type == JWGeometryPolygon)) {
+        return readRing(reader, h, static_cast<JWRing&>(into));
+    }
+    if (type != h.type) return reader.fail(JWDataErrUnsupportedGeometryType);
+    switch (type) {
+        case JWGeometryPoint:
+            return readBody<JWPoint>(reader, h, into);
+        case JWGeometryLineString:
+            return readBody<JWLineString>(reader, h, into);
+        case JWGeometryPolygon:
+            return readBody<JWPolygon>(reader, h, into);
+        case JWGeometryMultiPoint:
+            return readBody<JWMultiPoint>(reader, h, into);
+        case JWGeometryMultiLineString:
+            return readBody<JWMultiLineString>(reader, h, into);
+        case JWGeometryMultiPolygon:
+            return readBody<JWMultiPolygon>(reader, h, into);
+        default:
+            return readBody<JWGeometryBag>(reader, h, into);
+    }
+}
+
+}  // namespace
+
+enumJWDataErr read(JWGeometry& into, const char* text, bool allowTrailing) {
+    into.setEmpty();
+    if (text == nullptr) return JWDataErrInvalidHandle;
+    Reader reader(text);
+    try {
+        if (readInto(reader, into) && !allowTrailing && !reader.atEnd()) {
+            reader.fail(JWDataErrCorruptData);
+        }
+    } catch (const std::exception&) {
+        reader.fail(JWDataErrNotEnoughMemory);
+    }
+    if (reader.error() != JWDataErrNone) {
+        into.setEmpty();
+    } else {
+        into.updateEnvelop();
+    }
+    return reader.error();
+}
+
+enumJWDataErr create(const char* text, std::unique_ptr<JWGeometry>& geometry, std::size_t* used) {
+    geometry.reset();
+    if (text == nullptr) return JWDataErrInvalidHandle;
+    Reader reader(text);
+    try {
+        Header h;
+        if (reader.prefix() && reader.header(h)) geometry = reader.geometry(h);
+    } catch (const std::exception&) {
+        reader.fail(JWDataErrNotEnoughMemory);
+    }
+    if (used != nullptr) {
+        *used = static_cast<std::size_t>(reader.position() - text);
+    } else if (geometry != nullptr && !reader.atEnd()) {
+        reader.fail(JWDataErrCorruptData);
+    }
+    if (reader.error() != JWDataErrNone) geometry.reset();
+    if (geometry != nullptr) geometry->updateEnvelop();
+    return reader.error();
+}
+
+}  // namespace jws::wkt
