@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+//
+// What a JWFeatureLayer consists of. Its operations are spread over several sources: description,
+// reading, filters and writing.
+#ifndef JW_FOUNDATION_FEATURE_LAYER_IMPL_H
+#define JW_FOUNDATION_FEATURE_LAYER_IMPL_H
+
+#include <ogrsf_frmts.h>
+
+#include <memory>
+#include <string>
+
+#include "foundation/api_guard.h"
+#include "foundation/feature_cache.h"
+#include "foundation/layer_reader.h"
+#include "foundation/source_handle.h"
+#include "jw_feature.h"
+
+namespace jws {
+
+struct JWFeatureLayer::Impl {
+    Impl(std::shared_ptr<JWSourceHandle> handle, OGRLayer& ogrLayer);
+    ~Impl();
+
+    /// Runs an operation through the guard and keeps the number of an error that it sets. An error
+    /// from before stays the thread's last one when the operation sets none.
+    template <class Result, class Body>
+    Result run(const char* function, Result failure, Body&& body) {
+        JWError before;
+        const bool pending = JWReport::lastError().kind != JWErrorNone;
+        if (pending) {
+            before = JWReport::lastError();
+            JWReport::clearError();
+        }
+        Result result = detail::guarded(function, failure, body);
+        if (JWReport::lastError().kind != JWErrorNone) {
+            errorNumber = JWReport::lastError().kind;
+        } else if (pending) {
+            JWReport::setError(before.kind, before.text, before.feature);
+        }
+        return result;
+    }
+
+    /// "file, layer name" for error texts.
+    std::string title() const { return source->name() + ", layer " + layer.GetName(); }
+    enumJWWKBGeometryType geometryType() const;
+    const JWSpatialReference* referencePtr() const {
+        return reference.isEmpty() ? nullptr : &reference;
+    }
+    /// Makes a class empty and one of this layer's type and reference.
+    void prepare(JWFeatureClass& out) const;
+    bool canWrite() const { return writable; }
+    /// Sets the last error and returns false when the layer cannot be written.
+    bool requireWritable() const;
+    /// The same for reading.
+    bool requireReadable();
+    /// Reads the definition of the OGR layer into a new schema.
+    void refreshFields();
+    /// Drops what was kept of features when the layer was written to.
+    void noticeChanges();
+    /// Decodes a feature; null with the last error set when its geometry is of no known kind.
+    std::unique_ptr<JWFeature> decode(OGRFeature& feature) const;
+    bool createField(const JWField& field);
+    bool createFeature(const JWFeature& feature, bool keepFID);
+    /// The geometry as the layer can store it; null, with the reason, when it cannot.
+    std::unique_ptr<OGRGeometry> storableGeometry(const JWGeometry& geometry, std::string& why);
+    /// Gives the layer a type that holds single and multi geometries alike, where that is possible.
+    bool widenGeometryType();
+    bool alterGeometryType(OGRwkbGeometryType type);
+    bool alterGeoPackageType(OGRwkbGeometryType type);
+    /// Reads the candidates of a rectangle query in position order.
+    bool visitCandidates(const JWEnvelop& rectangle, bool all,
+                         const std::function<void(std::unique_ptr<JWFeature>)>& visit);
+
+    std::shared_ptr<JWSourceHandle> source;
+    OGRLayer& layer;
+    detail::LayerReader reader;
+    const bool writable;
+    detail::FeatureCache cache;
+    JWFields* fields = nullptr;
+    JWSpatialReference reference;
+    JWEnvelop envelop;
+    bool envelopKnown = false;
+    /// Type asked for where the OGR layer takes any.
+    enumJWWKBGeometryType wantedType = JWWKBUnknown;
+    std::unique_ptr<JWSpatialIndex> index;
+    std::uint64_t changesSeen = 0;
+    int errorNumber = 0;
+};
+
+}  // namespace jws
+
+#endif  // JW_FOUNDATION_FEATURE_LAYER_IMPL_H

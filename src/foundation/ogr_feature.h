@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+//
+// Features and schemas between this library and OGR.
+#ifndef JW_FOUNDATION_OGR_FEATURE_H
+#define JW_FOUNDATION_OGR_FEATURE_H
+
+#include <ogr_feature.h>
+
+#include <memory>
+#include <string>
+
+#include "jw_feature_class.h"
+
+namespace jws::detail {
+
+/// A new schema with the fields of an OGR definition; count 0.
+std::unique_ptr<JWFields> fieldsFromOgr(OGRFeatureDefn& definition);
+
+/// Copies a feature whose schema `fields` was made from its definition. Returns null when its
+/// geometry cannot be expressed.
+std::unique_ptr<JWFeature> featureFromOgr(OGRFeature& source, JWFields* fields);
+
+/// Copies the values of `source` into `target`, field k to field k, converted to the target's
+/// types; null and unset stay what they are. Returns the name of the first field whose value the
+/// target cannot hold, empty when all could be stored. Fields beyond the target's count must be
+/// unset or null.
+std::string valuesToOgr(const JWFeature& source, OGRFeature& target);
+
+/// Makes the field definition that a driver with the given list of types (GDAL's
+/// "Integer Integer64 Real …", null for all) can store without loss: a type that it lacks becomes a
+/// wider number or text.
+std::unique_ptr<OGRFieldDefn> fieldToOgr(const JWField& field, const char* name,
+                                         const char* driverTypes);
+
+}  // namespace jws::detail
+
+#endif  // JW_FOUNDATION_OGR_FEATURE_H

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+//
+// The parallel index loop of the library, and the only place with OpenMP pragmas.
+//
+// A loop over n items is cut into chunks of neighbouring items; chunk c goes to worker c modulo the
+// team's size (static schedule). Workers write only into slots of their own items; whatever must
+// happen one at a time (reading a layer, writing results) goes through `exclusive`, the library's
+// one critical section, which must not be nested. What a loop computes therefore does not depend on
+// the number of threads. An exception in a worker stops the loop and is thrown again by the
+// caller's thread.
+#ifndef JW_FOUNDATION_PARALLEL_H
+#define JW_FOUNDATION_PARALLEL_H
+
+#include <omp.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <exception>
+
+#include "jw_report.h"
+
+namespace jws::detail {
+
+/// Size of the team of all `_mp`, `_lmp` and `_mp1` forms.
+constexpr int fixedTeamSize = 8;
+
+/// The number of threads that a wish for `threads` comes to: one per core for 0 or less, and at
+/// most four per core (or the fixed team), since the runtime ends the process when it cannot start
+/// one.
+inline int teamSize(int threads) {
+    const int cores = omp_get_num_procs();
+    return threads > 0 ? std::min(threads, std::max(fixedTeamSize, 4 * cores)) : cores;
+}
+
+/// Holds a team of a given size for the length of a scope and puts the caller's OpenMP settings
+/// back at its end. A team of one leaves them alone.
+class Team {
+  public:
+    explicit Team(int threads) : m_threads(teamSize(threads)) {
+        if (m_threads == 1) return;
+        m_dynamicBefore = omp_get_dynamic();
+        m_threadsBefore = omp_get_max_threads();
+        omp_set_dynamic(0);
+        if (omp_get_dynamic() != 0) {
+            JWReport::message("Warning: dynamic adjustment of threads has been set\n");
+        }
+        omp_set_num_threads(m_threads);
+    }
+    ~Team() {
+        if (m_threads == 1) return;
+        omp_set_num_threads(m_threadsBefore);
+        omp_set_dynamic(m_dynamicBefore);
+    }
+    Team(const Team&) = delete;
+    Team& operator=(const Team&) = delete;
+
+    int size() const { return m_threads; }
+
+  private:
+    int m_threads;
+    int m_dynamicBefore = 0;
+    int m_threadsBefore = 1;
+};
+
+/// Runs `body` inside the one critical section of the layer operations.
+template <class Body>
+void exclusive(Body&& body) {
+    std::exception_ptr thrown;
+#pragma omp critical(jw_layer_access)
+    {
+        try {
+            body();
+        } catch (...) {
+            thrown = std::current_exception();
+        }
+    }
+    if (thrown) std::rethrow_exception(thrown);
+}
+
+/// Calls `body(begin, end)` for the chunks [begin, end) of 0 .. count − 1. A body that returns
+/// false stops the loop: chunks not begun yet are left out. Returns false when it was stopped.
+template <class Body>
+bool parallelChunks(const Team& team, std::int64_t count, std::int64_t chunkSize, Body&& body) {
+    const std::int64_t chunks = (count + chunkSize - 1) / chunkSize;
+    std::atomic<bool> stopped{false};
+    std::exception_ptr thrown;
+    auto run = [&](std::int64_t chunk) {
+        if (stopped.load(std::memory_order_relaxed)) return;
+        const std::int64_t begin = chunk * chunkSize;
+        if (!body(begin, std::min(begin + chunkSize, count))) stopped = true;
+    };
+    if (team.size() == 1) {
+        for (std::int64_t chunk = 0; chunk < chunks; ++chunk) run(chunk);
+        return !stopped;
+    }
+#pragma omp parallel for schedule(static, 1) num_threads(team.size())
+    for (std::int64_t chunk = 0; chunk < chunks; ++chunk) {
+        try {
+            run(chunk);
+        } catch (...) {
+            stopped = true;
+#pragma omp critical(jw_parallel_exception)
+            if (!thrown) thrown = std::current_exception();
+        }
+    }
+    if (thrown) std::rethrow_exception(thrown);
+    return !stopped;
+}
+
+}  // namespace jws::detail
+
+#endif  // JW_FOUNDATION_PARALLEL_H

@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/source_handle.h"
+
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
+
+#include "foundation/api_guard.h"
+#include "foundation/source_check.h"
+
+namespace jws {
+namespace {
+
+template <std::size_t Count>
+bool isOneOf(const std::string& name, const char* const (&names)[Count]) {
+    for (const char* other : names) {
+        if (name == other) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+using detail::GdalErrors;
+
+JWSourceHandle::JWSourceHandle(GDALDataset* dataset, std::string name, bool update, bool created)
+    : m_dataset(dataset),
+      m_name(std::move(name)),
+      m_driver(dataset->GetDriverName()),
+      m_update(update),
+      m_created(created),
+      m_transactions(dataset->TestCapability(ODsCTransactions) != 0) {}
+
+JWSourceHandle::~JWSourceHandle() {
+    detail::guarded("JWSourceHandle", false, [this] { return close(); });
+}
+
+bool JWSourceHandle::isDatabase() const {
+    static const char* const names[] = {"GPKG", "SQLite", "PostgreSQL", "MySQL", "MSSQLSpatial"};
+    return isOneOf(m_driver, names);
+}
+
+const void*& JWSourceHandle::cursorOwner(const OGRLayer& layer) {
+    static const char* const independent[] = {"GPKG",       "SQLite",     "ESRI Shapefile",
+                                              "Memory",     "GeoJSON",    "CSV",
+                                              "FlatGeobuf", "GeoJSONSeq", "OpenFileGDB"};
+    const void* key = isOneOf(m_driver, independent) ? static_cast<const void*>(&layer) : nullptr;
+    return m_states[key].cursorOwner;
+}
+
+bool JWSourceHandle::fail(const GdalErrors& errors, const char* what) const {
+    errors.report(JWErrorOutputUnwritable, m_name + ": " + what, isMemory() ? "" : m_name);
+    return false;
+}
+
+void JWSourceHandle::forgetCursors() {
+    for (auto& entry : m_states) entry.second.cursorOwner = nullptr;
+}
+
+bool JWSourceHandle::begin() {
+    if (m_depth == 0) {
+        if (!commitImplicit()) return false;
+        GdalErrors errors;
+        if (m_transactions && m_dataset->StartTransaction() != OGRERR_NONE) {
+            return fail(errors, "cannot begin a transaction");
+        }
+        m_undo.clear();
+    }
+    ++m_depth;
+    return true;
+}
+
+bool JWSourceHandle::commit() {
+    if (m_depth == 0) return commitImplicit();
+    if (--m_depth > 0) return true;
+    m_undo.clear();
+    return !m_transactions || store();
+}
+
+bool JWSourceHandle::commitImplicit() {
+    if (!m_implicit) return true;
+    m_implicit = false;
+    return store();
+}
+
+bool JWSourceHandle::store() {
+    GdalErrors errors;
+    if (m_dataset->CommitTransaction() == OGRERR_NONE && !errors.failed()) return true;
+    fail(errors, "the features could not be stored");
+    GdalErrors quiet;
+    m_dataset->RollbackTransaction();
+    outdate();
+    return false;
+}
+
+void JWSourceHandle::outdate() {
+    for (auto& entry : m_states) ++entry.second.changes;
+    forgetCursors();
+}
+
+bool JWSourceHandle::rollback() {
+    if (m_depth == 0) return true;
+    m_depth = 0;
+    outdate();
+    if (!m_transactions) return undoWrites();
+    GdalErrors errors;
+    if (m_dataset->RollbackTransaction() == OGRERR_NONE) return true;
+    return fail(errors, "the transaction could not be rolled back");
+}
+
+/// Deletes what was written since `begin`, last first.
+bool JWSourceHandle::undoWrites() {
+    GdalErrors errors;
+    bool undone = true;
+    std::string repack;
+    for (auto write = m_undo.rbegin(); write != m_undo.rend(); ++write) {
+        if (write->first->DeleteFeature(write->second) != OGRERR_NONE) undone = false;
+        if (isDriver("ESRI Shapefile")) repack = write->first->GetName();
+    }
+    if (!repack.empty()) {
+        m_dataset->ReleaseResultSet(
+            m_dataset->ExecuteSQL(("REPACK " + repack).c_str(), nullptr, nullptr));
+    }
+    m_undo.clear();
+    if (undone && !errors.failed()) return true;
+    return fail(errors, "the format cannot take written features back");
+}
+
+bool JWSourceHandle::beforeWrite() {
+    if (!m_transactions || m_depth > 0 || m_implicit) return true;
+    GdalErrors errors;
+    if (m_dataset->StartTransaction() != OGRERR_NONE) {
+        return fail(errors, "cannot begin a transaction");
+    }
+    m_implicit = true;
+    return true;
+}
+
+void JWSourceHandle::afterWrite(OGRLayer& layer, std::int64_t fid) {
+    ++state(layer).changes;
+    if (m_created) ++m_written[layer.GetName()];
+    if (m_depth > 0 && !m_transactions) m_undo.emplace_back(&layer, fid);
+}
+
+bool JWSourceHandle::isWriteOnly(OGRLayer& layer) const {
+    return m_created && !isDatabase() && layer.TestCapability(OLCRandomRead) == 0;
+}
+
+std::int64_t JWSourceHandle::writtenTo(OGRLayer& layer) const {
+    const auto found = m_written.find(layer.GetName());
+    return found == m_written.end() ? 0 : found->second;
+}
+
+bool JWSourceHandle::flush() {
+    if (!m_update) return true;
+    if (m_depth == 0 && !commitImplicit()) return false;
+    forgetCursors();
+    GdalErrors errors;
+    for (int i = 0; i < m_dataset->GetLayerCount(); ++i) {
+        if (m_dataset->GetLayer(i)->SyncToDisk() != OGRERR_NONE) {
+            return fail(errors, "data could not be written");
+        }
+    }
+    m_dataset->FlushCache(false);
+    return !errors.failed() || fail(errors, "data could not be written");
+}
+
+bool JWSourceHandle::close() {
+    if (m_dataset == nullptr) return true;
+    bool complete = true;
+    if (m_depth > 0) {
+        rollback();
+        JWReport::setError(JWErrorOutputUnwritable,
+                           m_name + ": closed within a transaction, which was rolled back");
+        complete = false;
+    }
+    complete = commitImplicit() && complete;
+    GdalErrors errors;
+    GDALClose(GDALDataset::ToHandle(m_dataset));
+    m_dataset = nullptr;
+    if (!complete) return false;
+    if (errors.failed()) return fail(errors, "data could not be written when closing");
+    std::int64_t written = 0;
+    for (const auto& layer : m_written) written += layer.second;
+    if (written == 0 || isMemory()) return true;
+    const std::string damage = detail::damageOfWrittenFile(m_name, m_driver);
+    if (damage.empty()) return true;
+    errors.clear();
+    return fail(errors, damage.c_str());
+}
+
+bool JWSourceHandle::release(std::shared_ptr<JWSourceHandle>& handle) {
+    const bool last = handle && handle.use_count() == 1;
+    const bool closed = !last || handle->close();
+    handle.reset();
+    return closed;
+}
+
+}  // namespace jws
