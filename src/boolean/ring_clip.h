@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#ifndef JW_BOOLEAN_RING_CLIP_H
+#define JW_BOOLEAN_RING_CLIP_H
+
+#include <stdexcept>
+
+#include "boolean/gpc_interface.h"
+#include "boolean/ring_set.h"
+#include "jw_blgeometrybasic.h"
+
+namespace jws::detail {
+
+/// The engine could not resolve two operands.
+struct ClipFailure : std::runtime_error {
+    ClipFailure() : std::runtime_error("the clipping engine gave up on its input") {}
+};
+
+/// The contours of a clip result, in the engine's order, in the engine's own memory.
+class ClippedContours {
+  public:
+    ClippedContours() = default;
+    ClippedContours(ClippedContours&& other) noexcept : polygon_(other.polygon_) {
+        other.polygon_ = {};
+    }
+    ClippedContours(const ClippedContours&) = delete;
+    ClippedContours& operator=(const ClippedContours&) = delete;
+    ~ClippedContours() {
+        if (polygon_.num_contours > 0) gpc_free_polygon(&polygon_);
+    }
+
+    int count() const { return polygon_.num_contours; }
+    RingView view(int i) const;
+    int hole(int i) const { return polygon_.hole[i]; }
+    /// Makes the closed ring of contour i, its envelope up to date.
+    JWRing ring(int i) const;
+
+  private:
+    friend ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanType type);
+    ::gpc_polygon polygon_ = {};
+};
+
+/// Clips two sets of rings, each read by the even-odd rule; rings of fewer than three points count
+/// as empty. A coordinate that is not finite gives no contours and the thread's last error. Throws
+/// when memory runs out, and ClipFailure when the engine gives up.
+ClippedContours clipRings(const RingViews& a, const RingViews& b, enumJWBooleanType type);
+
+/// Clips operands in the engine's own form; otherwise as `clipRings`. The operands stay the
+/// caller's.
+ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanType type);
+
+}  // namespace jws::detail
+
+#endif  // JW_BOOLEAN_RING_CLIP_H

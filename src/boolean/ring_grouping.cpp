@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+//
+// Assigns holes to outer rings.
+//
+// Both groupings ask, for each hole, which ring comes first of those that contain it. Tested ring
+// against ring that is quadratic in rings and reads all their points. A ring that contains a point
+// has it in its rectangle, so an R-tree over the rectangles, bulk-loaded, names the few candidates;
+// they are tried in ring order, so that the answer is the one of the plain scan. Few rings are
+// scanned without a tree.
+#include "boolean/ring_grouping.h"
+
+#include <algorithm>
+#include <boost/geometry/geometries/box.hpp>
+#include <boost/geometry/geometries/point.hpp>
+#include <boost/geometry/index/rtree.hpp>
+#include <utility>
+
+#include "jw_cpgeometrybasic.h"
+#include "jw_srgeometrybasic.h"
+
+namespace jws::detail {
+namespace {
+
+namespace bg = boost::geometry;
+
+/// Finds rings by a point that they contain.
+class RingFinder {
+  public:
+    explicit RingFinder(const std::vector<JWRing>& rings) : rings_(rings) {
+        if (rings.size() <= kScanned) return;
+        std::vector<Entry> entries;
+        entries.reserve(rings.size());
+        for (std::size_t i = 0; i < rings.size(); ++i) {
+            const JWEnvelop e = rings[i].getEnvelop();
+            if (!e.isValid()) continue;
+            entries.emplace_back(Box(Point(e.minX, e.minY), Point(e.maxX, e.maxY)),
+                                 static_cast<int>(i));
+        }
+        tree_ = Tree(entries);
+    }
+
+    /// Returns the first ring whose envelope contains `p` and for which `test(index)` holds; -1 if
+    /// there is none.
+    template <class Test>
+    int first(const JWRawPoint& p, Test test) {
+        if (rings_.size() <= kScanned) {
+            for (std::size_t i = 0; i < rings_.size(); ++i) {
+                const int index = static_cast<int>(i);
+                if (rings_[i].getEnvelop().contains(p) && test(index)) return index;
+            }
+            return -1;
+        }
+        found_.clear();
+        const Box place(Point(p.x, p.y), Point(p.x, p.y));
+        for (auto it = tree_.qbegin(bg::index::intersects(place)); it != tree_.qend(); ++it) {
+            found_.push_back(it->second);
+        }
+        std::sort(found_.begin(), found_.end());
+        for (const int index : found_) {
+            if (test(index)) return index;
+        }
+        return -1;
+    }
+
+  private:
+    using Point = bg::model::point<double, 2, bg::cs::cartesian>;
+    using Box = bg::model::box<Point>;
+    using Entry = std::pair<Box, int>;
+    using Tree = bg::index::rtree<Entry, bg::index::rstar<16>>;
+    static constexpr std::size_t kScanned = 32;
+
+    const std::vector<JWRing>& rings_;
+    Tree tree_;
+    std::vector<int> found_;
+};
+
+}  // namespace
+
+JWMultiPolygon groupByContainment(std::vector<JWRing>&& rings, const std::vector<int>& flags,
+                                  Orphans orphans) {
+    const int count = static_cast<int>(rings.size());
+    std::vector<std::vector<int>> children(rings.size());
+    RingFinder finder(rings);
+    for (int i = 0; i < count; ++i) {
+        if (flags[i] == 0) continue;
+        int parent = finder.first(rings[i].getEnvelop().bottom_left(), [&](int j) {
+            return j != i && JWSRGeometryBasic::isRingWithinRing(&rings[i], &rings[j]) == 1;
+        });
+        if (parent < 0 && orphans == Orphans::JoinFirstRing) parent = 0;
+        if (parent >= 0) children[parent].push_back(i);
+    }
+    JWMultiPolygon result;
+    for (int i = 0; i < count; ++i) {
+        if (flags[i] != 0) continue;
+        JWPolygon polygon(std::move(rings[i]));
+        polygon.reserve(1 + static_cast<int>(children[i].size()));
+        for (const int hole : children[i]) polygon.addRing(std::move(rings[hole]));
+        result.addPolygon(std::move(polygon));
+    }
+    result.updateEnvelop();
+    return result;
+}
+
+JWMultiPolygon groupFirstFit(std::vector<JWRing>& outers, std::vector<JWRing>& holes) {
+    std::vector<std::vector<int>> children(outers.size());
+    RingFinder finder(outers);
+    for (std::size_t h = 0; !holes.empty() && h < holes.size(); ++h) {
+        const JWRing& hole = holes[h];
+        int parent = -1;
+        for (const int corner : {0, (hole.getPointCount() + 1) / 2}) {
+            const JWRawPoint p = hole[corner];
+            const int found = finder.first(p, [&](int i) {
+                return JWCPGeometryBasic::isPointWithinRingCN(&p, &outers[i]) == 1;
+            });
+            if (found >= 0 && (parent < 0 || found < parent)) parent = found;
+        }
+        if (parent >= 0) children[parent].push_back(static_cast<int>(h));
+    }
+    JWMultiPolygon result;
+    for (std::size_t i = 0; i < outers.size(); ++i) {
+        JWPolygon polygon(std::move(outers[i]));
+        polygon.reserve(1 + static_cast<int>(children[i].size()));
+        for (const int hole : children[i]) polygon.addRing(std::move(holes[hole]));
+        result.addPolygon(std::move(polygon));
+    }
+    result.updateEnvelop();
+    outers.clear();
+    holes.clear();
+    return result;
+}
+
+}  // namespace jws::detail
