@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "overlay/feature_io.h"
+
+#include <algorithm>
+#include <climits>
+
+#include "overlay/block_filter.h"
+
+namespace jws::detail {
+namespace {
+
+class LayerInput : public FeatureInput {
+  public:
+    explicit LayerInput(JWFeatureLayer& layer) : m_layer(layer) {}
+
+    const char* name() const override { return m_layer.getLayerName(); }
+    const char* source() const override { return m_layer.getDataSourceName(); }
+    enumJWWKBGeometryType geometryType() const override { return m_layer.getGeometryType(); }
+    const JWFields* fields() const override { return m_layer.getFieldsDefnPtr(); }
+    bool identifiersFitInt() override { return m_layer.getMaximumFID() <= INT_MAX; }
+
+    std::int64_t count() override {
+        const std::int64_t count = m_layer.getFeatureCount64();
+        if (count < 0) throw LayerFailure();
+        return count;
+    }
+
+    std::shared_ptr<const JWFeature> feature(std::int64_t position) override {
+        if (position > INT_MAX) {
+            JWReport::setError(JWErrorInvalidArgument,
+                               std::string(source()) + ", layer " + name() +
+                                   ": has more features than an overlay can search");
+            throw LayerFailure();
+        }
+        std::shared_ptr<const JWFeature> feature =
+            m_layer.getSharedFeature(static_cast<int>(position));
+        if (!feature) throw LayerFailure();
+        return feature;
+    }
+
+    std::shared_ptr<const JWFeature> next(std::int64_t position) override {
+        std::shared_ptr<const JWFeature> feature;
+        JWReport::clearError();
+        if (!m_layer.getNextSharedFeature(position, feature) &&
+            JWReport::lastError().kind != JWErrorNone) {
+            throw LayerFailure();
+        }
+        return feature;
+    }
+
+    void readBlock(std::int64_t first, std::int64_t count,
+                   std::vector<std::shared_ptr<const JWFeature>>& block) override {
+        block.clear();
+        const auto features = std::make_shared<JWFeatureClass>();
+        if (readFeatures(m_layer, nullptr, first + 1, first + count, *features) < 0) {
+            throw LayerFailure();
+        }
+        block.reserve(features->getFeatureCount());
+        for (int i = 0; i < features->getFeatureCount(); ++i) {
+            block.emplace_back(features, features->getFeatureAt(i));
+        }
+    }
+
+  private:
+    JWFeatureLayer& m_layer;
+};
+
+class ClassInput : public FeatureInput {
+  public:
+    ClassInput(const char* name, const JWFeatureClass& features)
+        : m_name(name != nullptr ? name : ""), m_features(features) {}
+
+    const char* name() const override { return m_name.c_str(); }
+    const char* source() const override { return ""; }
+    enumJWWKBGeometryType geometryType() const override { return m_features.getGeometryType(); }
+    std::int64_t count() override { return m_features.getFeatureCount(); }
+
+    /// The first feature's schema stands for all.
+    const JWFields* fields() const override {
+        const JWFeature* first = m_features.getFeatureAt(0);
+        return first != nullptr ? first->getFieldsDefPtr() : nullptr;
+    }
+
+    bool identifiersFitInt() override {
+        for (int i = 0; i < m_features.getFeatureCount(); ++i) {
+            if (m_features.getFeatureAt(i)->getFID64() > INT_MAX) return false;
+        }
+        return true;
+    }
+
+    std::shared_ptr<const JWFeature> feature(std::int64_t position) override {
+        return borrowed(static_cast<int>(position));
+    }
+
+    std::shared_ptr<const JWFeature> next(std::int64_t position) override {
+        return position < count() ? borrowed(static_cast<int>(position)) : nullptr;
+    }
+
+    void readBlock(std::int64_t first, std::int64_t count,
+                   std::vector<std::shared_ptr<const JWFeature>>& block) override {
+        block.clear();
+        const std::int64_t end = std::min(first + count, this->count());
+        for (std::int64_t i = first; i < end; ++i) block.push_back(borrowed(static_cast<int>(i)));
+    }
+
+  private:
+    /// A pointer that owns nothing: the class outlives the overlay.
+    std::shared_ptr<const JWFeature> borrowed(int i) const {
+        return std::shared_ptr<const JWFeature>(std::shared_ptr<void>(),
+                                                m_features.getFeatureAt(i));
+    }
+
+    std::string m_name;
+    const JWFeatureClass& m_features;
+};
+
+class LayerOutput : public FeatureOutput {
+  public:
+    explicit LayerOutput(JWFeatureLayer& layer) : m_layer(layer) {}
+
+    JWFields* createFields(const std::vector<JWField>& fields) override {
+        for (const JWField& field : fields) {
+            if (!m_layer.createField(field)) throw LayerFailure();
+        }
+        m_layer.updateFieldsDefnRef();
+        return m_layer.getFieldsDefnPtr();
+    }
+
+    void setGeometryType(enumJWWKBGeometryType type) override { m_layer.setGeometryType(type); }
+
+    bool write(std::unique_ptr<JWFeature>& feature) override {
+        return m_layer.createFeature(feature.get());
+    }
+
+    void begin() override {
+        if (!m_layer.beginTransaction()) throw LayerFailure();
+    }
+
+    void commit() override {
+        if (!m_layer.commitTransaction()) throw LayerFailure();
+    }
+
+    void rollback() override { m_layer.rollbackTransaction(); }
+
+  private:
+    JWFeatureLayer& m_layer;
+};
+
+class ClassOutput : public FeatureOutput {
+  public:
+    explicit ClassOutput(JWFeatureClass& features) : m_features(features) {}
+    ~ClassOutput() override {
+        if (m_fields != nullptr) JWFields::destroyFields(m_fields);
+    }
+
+    JWFields* createFields(const std::vector<JWField>& fields) override {
+        m_fields = new JWFields();
+        for (const JWField& field : fields) m_fields->addUniqueField(field);
+        return m_fields;
+    }
+
+    void setGeometryType(enumJWWKBGeometryType type) override { m_features.setGeometryType(type); }
+
+    bool write(std::unique_ptr<JWFeature>& feature) override {
+        feature->setFID(m_features.getFeatureCount() + 1);
+        m_features.addFeature(feature.release());
+        return true;
+    }
+
+    void begin() override {}
+    void commit() override { m_features.updateEnvelop(); }
+    void rollback() override { m_features.clearAll(); }
+
+  private:
+    JWFeatureClass& m_features;
+    JWFields* m_fields = nullptr;
+};
+
+}  // namespace
+
+std::unique_ptr<FeatureInput> inputFrom(JWFeatureLayer& layer) {
+    return std::make_unique<LayerInput>(layer);
+}
+
+std::unique_ptr<FeatureInput> inputFrom(const char* name, const JWFeatureClass& features) {
+    return std::make_unique<ClassInput>(name, features);
+}
+
+std::unique_ptr<FeatureOutput> outputTo(JWFeatureLayer& layer) {
+    return std::make_unique<LayerOutput>(layer);
+}
+
+std::unique_ptr<FeatureOutput> outputTo(JWFeatureClass& features) {
+    return std::make_unique<ClassOutput>(features);
+}
+
+}  // namespace jws::detail

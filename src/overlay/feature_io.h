@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+//
+// What a layer overlay reads from and writes to, as it sees it. Operands come from feature layers
+// or from feature classes in memory, results go to either; the driver and its operations know only
+// the three interfaces below, so that every form of an operation has one body.
+//
+// None of the classes locks anything: the driver calls them from one thread at a time.
+#ifndef JW_OVERLAY_FEATURE_IO_H
+#define JW_OVERLAY_FEATURE_IO_H
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "jw_feature.h"
+#include "jw_report.h"
+
+namespace jws::detail {
+
+/// A source could not be read, a result not be written, or the run was stopped. Carries the last
+/// error of the thread that met it to the one that reports it.
+struct LayerFailure : std::runtime_error {
+    LayerFailure() : std::runtime_error(JWReport::lastError().text), error(JWReport::lastError()) {}
+    JWError error;
+};
+
+/// One operand: features by position, in a fixed order.
+class FeatureInput {
+  public:
+    virtual ~FeatureInput() = default;
+    virtual const char* name() const = 0;
+    /// Name of the data source; empty for features in memory.
+    virtual const char* source() const = 0;
+    virtual std::int64_t count() = 0;
+    virtual enumJWWKBGeometryType geometryType() const = 0;
+    /// Schema of the features, null when there is none.
+    virtual const JWFields* fields() const = 0;
+    /// True when every identifier fits an `int`.
+    virtual bool identifiersFitInt() = 0;
+    /// The feature at `position`, decoded once as far as memory allows. Throws LayerFailure.
+    virtual std::shared_ptr<const JWFeature> feature(std::int64_t position) = 0;
+    /// The same while walking on: null at the end. Throws LayerFailure.
+    virtual std::shared_ptr<const JWFeature> next(std::int64_t position) = 0;
+    /// Fills `block` with features `first` to `first + count - 1` (fewer at the end). Throws
+    /// LayerFailure.
+    virtual void readBlock(std::int64_t first, std::int64_t count,
+                           std::vector<std::shared_ptr<const JWFeature>>& block) = 0;
+};
+
+/// Where result features go.
+class FeatureOutput {
+  public:
+    virtual ~FeatureOutput() = default;
+    /// Gives the result its fields, in order; names are made unique. Returns the schema that result
+    /// features carry. Throws LayerFailure.
+    virtual JWFields* createFields(const std::vector<JWField>& fields) = 0;
+    virtual void setGeometryType(enumJWWKBGeometryType type) = 0;
+    /// Writes one feature. Returns false with the last error set when it is refused.
+    /// An output that keeps features takes it over, another leaves it to the caller.
+    virtual bool write(std::unique_ptr<JWFeature>& feature) = 0;
+    virtual void begin() = 0;
+    /// Throws LayerFailure when the results could not be stored.
+    virtual void commit() = 0;
+    virtual void rollback() = 0;
+};
+
+std::unique_ptr<FeatureInput> inputFrom(JWFeatureLayer& layer);
+/// `name` stands for the layer's name; `features` must outlive the input.
+std::unique_ptr<FeatureInput> inputFrom(const char* name, const JWFeatureClass& features);
+std::unique_ptr<FeatureOutput> outputTo(JWFeatureLayer& layer);
+std::unique_ptr<FeatureOutput> outputTo(JWFeatureClass& features);
+
+}  // namespace jws::detail
+
+#endif  // JW_OVERLAY_FEATURE_IO_H

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "overlay/layer_checks.h"
+
+#include <string>
+
+#include "jw_report.h"
+
+namespace jws::detail {
+namespace {
+
+int fail(int code, enumJWErrorKind kind, const std::string& text) {
+    JWReport::setError(kind, text);
+    return code;
+}
+
+std::string titleOf(const JWFeatureLayer& layer) {
+    return std::string(layer.getDataSourceName()) + ", layer " + layer.getLayerName();
+}
+
+std::string describe(const JWSpatialReference* reference) {
+    if (reference == nullptr || reference->isEmpty()) return "none";
+    char* text = reference->describe();
+    const std::string description = text != nullptr ? text : "unnamed";
+    JWSpatialReference::freeText(text);
+    return description;
+}
+
+}  // namespace
+
+bool checkReferences(const JWSpatialReference* a, const char* nameA, const JWSpatialReference* b,
+                     const char* nameB) {
+    if (JWSpatialReference::areSame(a, b)) return true;
+    fail(0, JWErrorReferencesDiffer,
+         std::string("the spatial references differ: ") + nameA + " has " + describe(a) + ", " +
+             nameB + " has " + describe(b));
+    return false;
+}
+
+int checkOverlayLayers(const JWFeatureLayer* a, const JWFeatureLayer* b,
+                       const JWFeatureLayer* output) {
+    if (a == nullptr || b == nullptr || output == nullptr) {
+        return fail(-1, JWErrorInvalidArgument, "a layer of the overlay is missing");
+    }
+    if (output == a || output == b) {
+        return fail(-1, JWErrorInvalidArgument, titleOf(*output) + ": is input and result at once");
+    }
+    if (!output->isUpdateMode()) {
+        return fail(-1, JWErrorOutputUnwritable, titleOf(*output) + ": is not open for writing");
+    }
+    if (output->getFieldsDefnPtr()->getFieldCount() > 0) {
+        return fail(-3, JWErrorOutputExists,
+                    titleOf(*output) + ": the result layer has fields already");
+    }
+    if (!checkReferences(a->getLayerSpatialRefPtr(), titleOf(*a).c_str(),
+                         b->getLayerSpatialRefPtr(), titleOf(*b).c_str())) {
+        return -2;
+    }
+    return 0;
+}
+
+}  // namespace jws::detail

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+//
+// The checks that every layer overlay makes before it reads a feature, with their codes:
+// −1 a layer is missing or the output cannot be written, −3 the output has fields already,
+// −2 the spatial references differ.
+#ifndef JW_OVERLAY_LAYER_CHECKS_H
+#define JW_OVERLAY_LAYER_CHECKS_H
+
+#include "jw_feature.h"
+
+namespace jws::detail {
+
+/// Checks in the order −1, −3, −2. Returns 0 when the overlay may run; the last error is set
+/// otherwise.
+int checkOverlayLayers(const JWFeatureLayer* a, const JWFeatureLayer* b,
+                       const JWFeatureLayer* output);
+
+/// Sets the last error and returns false when the two references differ; both may be null.
+bool checkReferences(const JWSpatialReference* a, const char* nameA, const JWSpatialReference* b,
+                     const char* nameB);
+
+}  // namespace jws::detail
+
+#endif  // JW_OVERLAY_LAYER_CHECKS_H
