@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+//
+// Nothing half-written, ever: runs that are interrupted, killed by a full disk or refused leave the
+// directory as it was, and a destination that existed keeps its bytes.
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <csignal>
+
+#include "program.h"
+
+namespace jws::test {
+namespace {
+
+using Arguments = std::vector<std::string>;
+using Names = std::vector<std::string>;
+
+class OutputSafety : public ProgramTest {
+  protected:
+    OutputSafety() {
+        write("a.geojson", geoJson({{0, 0, 2, 2, "left"}, {2, 0, 4, 2, "right"}}));
+        write("b.geojson", geoJson({{1, 1, 3, 3, "middle"}}));
+    }
+
+    Outcome intersect(const std::string& output, const Arguments& more = {},
+                      const Conditions& conditions = {}) const {
+        Arguments all{"intersect", "a.geojson", "b.geojson", output};
+        all.insert(all.end(), more.begin(), more.end());
+        return run(all, conditions);
+    }
+
+    bool isWorking() const {
+        const Names names = listing();
+        return std::any_of(names.begin(), names.end(), [](const std::string& name) {
+            return name.compare(0, 6, ".jwcg-") == 0;
+        });
+    }
+};
+
+TEST_F(OutputSafety, InterruptedRunsLeaveNothing) {
+    // 40,000 squares against four each: far longer than it takes to see the work directory appear.
+    writePackage("a.gpkg", "a", grid(200, 0));
+    writePackage("b.gpkg", "b", grid(200, 0.5));
+    const std::string old = "the former file, whatever it was";
+    write("old.gpkg", old);
+    for (int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        for (const char* output : {"new.gpkg", "old.gpkg", "new.geojson", "new.shp"}) {
+            SCOPED_TRACE(std::string(output) + ", signal " + std::to_string(signal));
+            const Names before = listing();
+            Conditions conditions;
+            conditions.meanwhile = [&](pid_t child) {
+                return isWorking() && ::kill(child, signal) == 0;
+            };
+            const Outcome outcome =
+                run({"intersect", "a.gpkg", "b.gpkg", output, "--overwrite"}, conditions);
+            EXPECT_EQ(130, outcome.status);
+            EXPECT_EQ(0u, outcome.err.find("jwcg: interrupted")) << outcome.err;
+            EXPECT_EQ(before, listing());
+            EXPECT_EQ(old, read("old.gpkg"));
+        }
+    }
+}
+
+TEST_F(OutputSafety, SecondInterruptEndsAtOnce) {
+    writePackage("a.gpkg", "a", grid(200, 0));
+    writePackage("b.gpkg", "b", grid(200, 0.5));
+    Conditions conditions;
+    conditions.meanwhile = [&](pid_t child) {
+        return isWorking() && ::kill(child, SIGINT) == 0 && ::kill(child, SIGTERM) == 0;
+    };
+    const Outcome outcome = run({"intersect", "a.gpkg", "b.gpkg", "out.gpkg"}, conditions);
+    EXPECT_EQ(130, outcome.status);
+    EXPECT_FALSE(exists("out.gpkg"));
+}
+
+TEST_F(OutputSafety, FullDiskLeavesTheFormerFile) {
+    write("a.geojson", geoJson(grid(40, 0)));
+    write("b.geojson", geoJson(grid(40, 0.5)));
+    for (const char* output :
+         {"out.gpkg", "out.geojson", "out.shp", "out.fgb", "out.gml", "out.csv", "out.sqlite"}) {
+        SCOPED_TRACE(output);
+        write(output, "former");
+        const Names before = listing();
+        Conditions conditions;
+        conditions.fileSizeLimit = 150000;  // 6,241 pieces need several times as much
+        const Outcome outcome = intersect(output, {"--overwrite"}, conditions);
+        EXPECT_EQ(5, outcome.status) << outcome.err;
+        EXPECT_EQ(0u, outcome.err.find("jwcg: ")) << outcome.err;
+        EXPECT_NE(std::string::npos, outcome.err.find(output)) << outcome.err;
+        EXPECT_EQ(std::string::npos, outcome.err.find(".jwcg-")) << outcome.err;
+        EXPECT_EQ("former", read(output));
+        EXPECT_EQ(before, listing());
+    }
+}
+
+TEST_F(OutputSafety, OverwriteReplacesAllFilesOfAShapefile) {
+    ASSERT_EQ(0, intersect("out.shp").status);
+    write("out.qix", "an index of the former shapes");
+    write("out.txt", "notes");
+    const Outcome refused = intersect("out.shp");
+    EXPECT_EQ(6, refused.status);
+    write("a.geojson", geoJson({{0, 0, 1.5, 1.5, "left"}}));
+    const Outcome outcome = intersect("out.shp", {"--overwrite"});
+    EXPECT_EQ(0, outcome.status) << outcome.err;
+    EXPECT_FALSE(exists("out.qix"));
+    EXPECT_EQ("notes", read("out.txt"));
+    EXPECT_NEAR(0.25, layer("out.shp", "out").area, 1e-12);
+    EXPECT_FALSE(isWorking());
+}
+
+TEST_F(OutputSafety, OverwriteKeepsPermissionsAndFollowsLinks) {
+    write("real.gpkg", "former");
+    ASSERT_EQ(0, ::chmod(path("real.gpkg").c_str(), 0640));
+    std::filesystem::create_symlink("real.gpkg", directory() / "link.gpkg");
+    EXPECT_EQ(0, intersect("link.gpkg", {"--overwrite", "--output-layer", "x"}).status);
+    EXPECT_TRUE(std::filesystem::is_symlink(directory() / "link.gpkg"));
+    EXPECT_EQ(2, layer("real.gpkg", "x").features);
+    struct stat status {};
+    ASSERT_EQ(0, ::stat(path("real.gpkg").c_str(), &status));
+    EXPECT_EQ(0640u, status.st_mode & 0777u);
+}
+
+TEST_F(OutputSafety, InputThroughALinkIsStillAnInput) {
+    std::filesystem::create_symlink("a.geojson", directory() / "link.geojson");
+    std::filesystem::create_hard_link(directory() / "b.geojson", directory() / "hard.geojson");
+    const std::string before = read("a.geojson") + read("b.geojson");
+    EXPECT_EQ(2, intersect("link.geojson", {"--overwrite"}).status);
+    EXPECT_EQ(2, intersect("hard.geojson", {"--overwrite"}).status);
+    EXPECT_EQ(before, read("a.geojson") + read("b.geojson"));
+}
+
+TEST_F(OutputSafety, AppendAddsALayerAndKeepsTheOthers) {
+    writePackage("store.gpkg", "store", {{0, 0, 3, 3, "kept"}});
+    // The file that is read may take the result as a further layer.
+    const Outcome outcome = run({"intersect", "store.gpkg", "b.geojson", "store.gpkg", "--append",
+                                 "--output-layer", "pieces"});
+    EXPECT_EQ(0, outcome.status) << outcome.err;
+    EXPECT_NEAR(9, layer("store.gpkg", "store").area, 1e-12);
+    EXPECT_NEAR(4, layer("store.gpkg", "pieces").area, 1e-12);
+
+    const std::string before = read("store.gpkg");
+    EXPECT_EQ(6, intersect("store.gpkg", {"--append", "--output-layer", "pieces"}).status);
+    EXPECT_EQ(before, read("store.gpkg"));
+
+    EXPECT_EQ(
+        0, intersect("store.gpkg", {"--append", "--overwrite", "--output-layer", "pieces"}).status);
+    EXPECT_NEAR(2, layer("store.gpkg", "pieces").area, 1e-12);
+    EXPECT_NEAR(9, layer("store.gpkg", "store").area, 1e-12);
+    EXPECT_EQ((Names{"a.geojson", "b.geojson", "store.gpkg"}), listing());
+}
+
+TEST_F(OutputSafety, FailedAppendLeavesTheFile) {
+    write("a.geojson", geoJson(grid(40, 0)));
+    write("b.geojson", geoJson(grid(40, 0.5)));
+    writePackage("store.gpkg", "store", {{0, 0, 3, 3, "kept"}});
+    const std::string before = read("store.gpkg");
+    const Names names = listing();
+    Conditions conditions;
+    conditions.fileSizeLimit = 150000;
+    const Outcome outcome =
+        intersect("store.gpkg", {"--append", "--output-layer", "pieces"}, conditions);
+    EXPECT_EQ(5, outcome.status) << outcome.err;
+    EXPECT_EQ(before, read("store.gpkg"));
+    EXPECT_EQ(names, listing());
+}
+
+TEST_F(OutputSafety, AppendCreatesAMissingFile) {
+    EXPECT_EQ(0, intersect("out.gpkg", {"--append"}).status);
+    EXPECT_EQ(2, layer("out.gpkg", "out").features);
+}
+
+}  // namespace
+}  // namespace jws::test

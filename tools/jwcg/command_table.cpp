@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "command_table.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include "commands.h"
+
+namespace jws::cli {
+namespace {
+
+/// Reads the whole of `text` as a decimal number, whatever the locale.
+template <class Number>
+bool parse(const std::string& text, Number& value) {
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc() && stop == end;
+}
+
+}  // namespace
+
+const std::vector<Command>& commandTable() {
+    static const std::vector<Command> table = {
+        intersectCommand(),
+        infoCommand(),
+    };
+    return table;
+}
+
+void addInteger(CLI::App& app, const std::string& names, int& target, int lowest, int highest,
+                const std::string& help) {
+    const auto read = [=, &target](const std::string& text) {
+        int value = 0;
+        if (!parse(text, value) || value < lowest || value > highest) {
+            throw CLI::ValidationError(names, "'" + text + "' is not an integer from " +
+                                                  std::to_string(lowest) + " to " +
+                                                  std::to_string(highest));
+        }
+        target = value;
+    };
+    app.add_option_function<std::string>(names, read, help)
+        ->type_name("N")
+        ->default_str(std::to_string(target));
+}
+
+void addNonNegative(CLI::App& app, const std::string& names, double& target,
+                    const std::string& help) {
+    const auto read = [=, &target](const std::string& text) {
+        double value = 0;
+        if (!parse(text, value) || !std::isfinite(value) || value < 0) {
+            throw CLI::ValidationError(names,
+                                       "'" + text + "' is not a finite number of at least 0");
+        }
+        target = value;
+    };
+    app.add_option_function<std::string>(names, read, help)->type_name("NUMBER")->default_str("0");
+}
+
+void addChoice(CLI::App& app, const std::string& names, std::string& target,
+               const std::vector<std::string>& choices, const std::string& help) {
+    std::string list;
+    for (const std::string& choice : choices) list += (list.empty() ? "" : "|") + choice;
+    const auto read = [=, &target](const std::string& text) {
+        if (std::find(choices.begin(), choices.end(), text) == choices.end()) {
+            throw CLI::ValidationError(names, "'" + text + "' is not one of " + list);
+        }
+        target = text;
+    };
+    app.add_option_function<std::string>(names, read, help)->type_name(list)->default_str(target);
+}
+
+void addFile(CLI::App& app, const std::string& name, std::string& target, const std::string& help) {
+    app.add_option(name, target, help)->type_name("")->required();
+}
+
+void addText(CLI::App& app, const std::string& names, std::string& target, const std::string& type,
+             const std::string& help) {
+    const auto read = [=, &target](const std::string& text) {
+        if (text.empty()) throw CLI::ValidationError(names, "must not be empty");
+        target = text;
+    };
+    app.add_option_function<std::string>(names, read, help)->type_name(type);
+}
+
+}  // namespace jws::cli

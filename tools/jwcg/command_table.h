@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+//
+// The table of commands. A command is one row: its name, what help, manual and completion say about
+// it, how its options are declared and what it does. Everything else is derived from the rows.
+#ifndef JWCG_COMMAND_TABLE_H
+#define JWCG_COMMAND_TABLE_H
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace jws::cli {
+
+/// What the command line asks for. Each command declares the options that it takes.
+struct Settings {
+    std::string input;
+    std::string overlay;
+    std::string output;
+    std::string inputLayer;
+    std::string overlayLayer;
+    std::string outputLayer;
+    std::string outputFormat;
+    std::string attributes = "all";
+    std::string areaField;
+    double tolerance = 0;
+    int blockSize = 4096;
+    int threads = 0;
+    bool overwrite = false;
+    bool append = false;
+    bool scan = false;
+    bool json = false;
+    bool quiet = false;
+    bool verbose = false;
+};
+
+/// One command.
+struct Command {
+    const char* name;
+    const char* summary;      ///< one line, lower case, no full stop
+    const char* description;  ///< paragraphs
+    const char* example;      ///< one call
+    void (*setup)(CLI::App& app, Settings& settings);
+    /// Does it and returns the exit status; throws CommandFailure.
+    int (*run)(const Settings& settings);
+};
+
+/// All commands in the order of help.
+const std::vector<Command>& commandTable();
+
+/// Declares an option that takes a decimal integer from `lowest` to `highest`.
+void addInteger(CLI::App& app, const std::string& names, int& target, int lowest, int highest,
+                const std::string& help);
+/// Declares an option that takes a finite number of at least 0.
+void addNonNegative(CLI::App& app, const std::string& names, double& target,
+                    const std::string& help);
+/// Declares an option that takes one of these words.
+void addChoice(CLI::App& app, const std::string& names, std::string& target,
+               const std::vector<std::string>& choices, const std::string& help);
+/// Declares a positional argument that must be there.
+void addFile(CLI::App& app, const std::string& name, std::string& target, const std::string& help);
+/// Declares an option that takes a text of at least one character.
+void addText(CLI::App& app, const std::string& names, std::string& target, const std::string& type,
+             const std::string& help);
+
+}  // namespace jws::cli
+
+#endif  // JWCG_COMMAND_TABLE_H

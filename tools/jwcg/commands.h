@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+//
+// The rows of the command table, one function each, defined in the file of the command's family.
+#ifndef JWCG_COMMANDS_H
+#define JWCG_COMMANDS_H
+
+#include "command_table.h"
+
+namespace jws::cli {
+
+// overlay_commands.cpp
+Command intersectCommand();
+
+// info_command.cpp
+Command infoCommand();
+
+}  // namespace jws::cli
+
+#endif  // JWCG_COMMANDS_H

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "input_layer.h"
+
+#include <ogr_spatialref.h>
+
+#include "exit_codes.h"
+
+namespace jws::cli {
+
+InputLayer::InputLayer(const std::string& path, const std::string& layer) : m_path(path) {
+    JWReport::clearError();
+    m_source.reset(JWDataSource::open(path.c_str()));
+    if (!m_source) throw libraryFailure(path);
+    m_layer.reset(m_source->openLayer(layer.c_str()));
+    if (m_layer) return;
+    const CommandFailure failure = libraryFailure(path);
+    // A file without any layer is not what the command line got wrong.
+    if (m_source->getLayerCount() == 0) throw CommandFailure(ExitInputUnreadable, failure.what());
+    throw failure;
+}
+
+void InputLayer::requirePolygons() const {
+    const enumJWWKBGeometryType type = m_layer->getGeometryType();
+    if (type == JWWKBPolygon || type == JWWKBMultiPolygon || type == JWWKBUnknown) return;
+    const std::string what = type == JWWKBNone
+                                 ? "has no geometries"
+                                 : std::string("holds ") + geometryTypeName(type) + " geometries";
+    throw CommandFailure(ExitUsage,
+                         m_path + ": layer " + layerName() + " " + what + "; polygons are needed");
+}
+
+void requireSameReference(const InputLayer& a, const InputLayer& b) {
+    if (JWSpatialReference::areSame(a.reference(), b.reference())) return;
+    const auto tell = [](const InputLayer& input) {
+        const std::string name = describe(input.reference());
+        return input.path() + ": layer " + input.layerName() +
+               (name.empty() ? " has no spatial reference" : " is in " + name);
+    };
+    throw CommandFailure(ExitReferencesDiffer,
+                         tell(a) + ", but " + tell(b) + "; both must have the same");
+}
+
+std::string describe(const JWSpatialReference* reference) {
+    if (reference == nullptr || reference->isEmpty()) return {};
+    char* text = reference->describe();
+    std::string name = text != nullptr && *text != '\0' ? text : "an unnamed system";
+    JWSpatialReference::freeText(text);
+    return name;
+}
+
+std::string areaUnit(const JWSpatialReference* reference) {
+    if (reference == nullptr || reference->isEmpty()) return "square units";
+    if (reference->isGeographic() == 1) return "square degrees";
+    const auto* definition =
+        static_cast<const OGRSpatialReference*>(reference->getOGRSpatialRefPtr());
+    const char* unit = nullptr;
+    if (definition == nullptr || definition->GetLinearUnits(&unit) <= 0 || unit == nullptr) {
+        return "square units";
+    }
+    return std::string("square ") + unit + "s";
+}
+
+const char* geometryTypeName(enumJWWKBGeometryType type) {
+    switch (type) {
+        case JWWKBPoint:
+            return "point";
+        case JWWKBLineString:
+            return "line string";
+        case JWWKBPolygon:
+            return "polygon";
+        case JWWKBMultiPoint:
+            return "multi-point";
+        case JWWKBMultiLineString:
+            return "multi-line string";
+        case JWWKBMultiPolygon:
+            return "multi-polygon";
+        case JWWKBGeometryCollection:
+            return "geometry collection";
+        case JWWKBNone:
+            return "none";
+        case JWWKBUnknown:
+            break;
+    }
+    return "any";
+}
+
+}  // namespace jws::cli
