@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+//
+// GEOS through its C interface. Timed: building the tree, the queries, the pretests and the
+// intersections. Not timed: reading and parsing the input, which is valid already.
+#include "support/geos_rival.h"
+
+#include <geos_c.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "support/layer_file.h"
+
+namespace bench {
+
+namespace {
+
+class GeosLoop final : public Rival {
+  public:
+    explicit GeosLoop(GeosPretest pretest) : pretest_(pretest), context_(GEOS_init_r()) {
+        GEOSContext_setErrorMessageHandler_r(context_, &GeosLoop::keepError, this);
+    }
+
+    ~GeosLoop() override {
+        clear();
+        destroy(a_);
+        destroy(b_);
+        GEOS_finish_r(context_);
+    }
+
+    void load(const LayerPair& pair) override {
+        read(pair.a, a_);
+        read(pair.b, b_);
+    }
+
+    void run() override {
+        GEOSSTRtree* tree = GEOSSTRtree_create_r(context_, 10);
+        for (GEOSGeometry* b : b_) GEOSSTRtree_insert_r(context_, tree, b, b);
+        std::vector<const GEOSGeometry*> candidates;
+        for (const GEOSGeometry* a : a_) {
+            candidates.clear();
+            GEOSSTRtree_query_r(context_, tree, a, &GeosLoop::keepCandidate, &candidates);
+            if (!candidates.empty()) intersectWith(a, candidates);
+        }
+        GEOSSTRtree_destroy_r(context_, tree);
+    }
+
+    void summarize(Summary& summary) override {
+        GEOSWKBWriter* writer = GEOSWKBWriter_create_r(context_);
+        GEOSWKBWriter_setByteOrder_r(context_, writer, GEOS_WKB_NDR);
+        for (const GEOSGeometry* piece : pieces_) {
+            std::size_t size = 0;
+            unsigned char* wkb = GEOSWKBWriter_write_r(context_, writer, piece, &size);
+            summary.add(wkb, size);
+            GEOSFree_r(context_, wkb);
+        }
+        GEOSWKBWriter_destroy_r(context_, writer);
+    }
+
+    void clear() override { destroy(pieces_); }
+
+  private:
+    static void keepCandidate(void* item, void* candidates) {
+        static_cast<std::vector<const GEOSGeometry*>*>(candidates)
+            ->push_back(static_cast<const GEOSGeometry*>(item));
+    }
+
+    static void keepError(const char* message, void* self) {
+        static_cast<GeosLoop*>(self)->error_ = message;
+    }
+
+    void check(bool good) const {
+        if (!good) throw std::runtime_error("GEOS: " + error_);
+    }
+
+    void destroy(std::vector<GEOSGeometry*>& geometries) {
+        for (GEOSGeometry* geometry : geometries) GEOSGeom_destroy_r(context_, geometry);
+        geometries.clear();
+    }
+
+    void read(const std::string& path, std::vector<GEOSGeometry*>& geometries) {
+        GEOSWKBReader* reader = GEOSWKBReader_create_r(context_);
+        forEachWkb(path, [&](const unsigned char* wkb, std::size_t size) {
+            geometries.push_back(GEOSWKBReader_read_r(context_, reader, wkb, size));
+            check(geometries.back() != nullptr);
+        });
+        GEOSWKBReader_destroy_r(context_, reader);
+    }
+
+    void intersectWith(const GEOSGeometry* a, const std::vector<const GEOSGeometry*>& candidates) {
+        const bool prepare = pretest_ == GeosPretest::Prepared;
+        const GEOSPreparedGeometry* prepared = prepare ? GEOSPrepare_r(context_, a) : nullptr;
+        for (const GEOSGeometry* b : candidates) {
+            if (prepare && GEOSPreparedIntersects_r(context_, prepared, b) == 0) continue;
+            if (prepare && GEOSPreparedContainsProperly_r(context_, prepared, b) == 1) {
+                pieces_.push_back(GEOSGeom_clone_r(context_, b));
+                continue;
+            }
+            keepPolygons(GEOSIntersection_r(context_, a, b));
+        }
+        if (prepare) GEOSPreparedGeom_destroy_r(context_, prepared);
+    }
+
+    // Takes over an intersection: polygons as they are, of a collection the polygons, of anything
+    // else nothing.
+    void keepPolygons(GEOSGeometry* piece) {
+        check(piece != nullptr);
+        const int type = GEOSGeomTypeId_r(context_, piece);
+        const bool area = type == GEOS_POLYGON || type == GEOS_MULTIPOLYGON;
+        if (area && GEOSisEmpty_r(context_, piece) == 0) {
+            pieces_.push_back(piece);
+            return;
+        }
+        std::vector<GEOSGeometry*> polygons;
+        if (type == GEOS_GEOMETRYCOLLECTION) collectPolygons(piece, polygons);
+        GEOSGeom_destroy_r(context_, piece);
+        if (polygons.empty()) return;
+        pieces_.push_back(GEOSGeom_createCollection_r(context_, GEOS_MULTIPOLYGON, polygons.data(),
+                                                      static_cast<unsigned>(polygons.size())));
+        check(pieces_.back() != nullptr);
+    }
+
+    void collectPolygons(const GEOSGeometry* collection, std::vector<GEOSGeometry*>& polygons) {
+        const int parts = GEOSGetNumGeometries_r(context_, collection);
+        for (int i = 0; i < parts; ++i) {
+            const GEOSGeometry* part = GEOSGetGeometryN_r(context_, collection, i);
+            const int type = GEOSGeomTypeId_r(context_, part);
+            if (type == GEOS_POLYGON) {
+                polygons.push_back(GEOSGeom_clone_r(context_, part));
+            } else if (type == GEOS_MULTIPOLYGON || type == GEOS_GEOMETRYCOLLECTION) {
+                collectPolygons(part, polygons);
+            }
+        }
+    }
+
+    GeosPretest pretest_;
+    GEOSContextHandle_t context_;
+    std::string error_;
+    std::vector<GEOSGeometry*> a_;
+    std::vector<GEOSGeometry*> b_;
+    std::vector<GEOSGeometry*> pieces_;
+};
+
+}  // namespace
+
+std::unique_ptr<Rival> makeGeosLoop(GeosPretest pretest) {
+    return std::make_unique<GeosLoop>(pretest);
+}
+
+}  // namespace bench

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+//
+// Our own contender, through the public headers only. Console texts are swallowed: a terminal is no
+// part of what is measured.
+#include "support/ours.h"
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "jw_feature.h"
+#include "jw_geometryoverlay2.h"
+#include "jw_report.h"
+#include "support/layer_file.h"
+
+namespace bench {
+
+namespace {
+
+using namespace jws;
+
+constexpr int kAttributesOfBoth = 0;
+constexpr double kKeepAll = 0.0;  // no area is too small
+
+[[noreturn]] void fail(const std::string& what) {
+    throw std::runtime_error(what + ": " + JWReport::lastError().text);
+}
+
+void swallow(const char*, void*) {}
+
+struct CloseSource {
+    void operator()(JWDataSource* source) const { JWDataSource::destroyDataSource(source); }
+};
+struct CloseLayer {
+    void operator()(JWFeatureLayer* layer) const { JWFeatureLayer::destroyFeatureLayer(layer); }
+};
+using SourcePtr = std::unique_ptr<JWDataSource, CloseSource>;
+using LayerPtr = std::unique_ptr<JWFeatureLayer, CloseLayer>;
+
+// A layer with the source that it stands on; destroyed in this order, layer first.
+struct OpenLayer {
+    SourcePtr source;
+    LayerPtr layer;
+
+    // Closes both, reporting what could not be written.
+    void close() {
+        const bool layerClosed = JWFeatureLayer::destroyFeatureLayer(layer.release());
+        const bool sourceClosed = JWDataSource::destroyDataSource(source.release());
+        if (!layerClosed || !sourceClosed) fail("cannot close the result");
+    }
+};
+
+OpenLayer openFile(const std::string& path) {
+    OpenLayer file;
+    file.source.reset(JWDataSource::open(path.c_str()));
+    if (file.source) file.layer.reset(file.source->openLayer(0));
+    if (!file.layer) fail("cannot open " + path);
+    return file;
+}
+
+OpenLayer createLayer(SourcePtr source, const char* name, enumJWWKBGeometryType type,
+                      JWFeatureLayer& like) {
+    OpenLayer made{std::move(source), nullptr};
+    if (made.source) {
+        made.layer.reset(made.source->createLayer(name, type, like.getLayerSpatialRefPtr()));
+    }
+    if (!made.layer) fail("cannot create a layer");
+    return made;
+}
+
+OpenLayer copyToMemory(const std::string& path) {
+    const OpenLayer file = openFile(path);
+    OpenLayer memory =
+        createLayer(SourcePtr(JWDataSource::createInMemory()), file.layer->getLayerName(),
+                    file.layer->getGeometryType(), *file.layer);
+    const JWFields& fields = *file.layer->getFieldsDefnPtr();
+    for (int i = 0; i < fields.getFieldCount(); ++i) {
+        if (!memory.layer->createField(*fields.getFieldPtr(i))) fail("cannot create a field");
+    }
+    memory.layer->updateFieldsDefnRef();
+    JWFeatureClass features;
+    if (file.layer->getFeaturesByPosition(0, file.layer->getFeatureCount64(), features) < 0 ||
+        !memory.layer->createFeatures(&features, true)) {
+        fail("cannot copy " + path);
+    }
+    return memory;
+}
+
+void intersect(OurForm form, int blockSize, JWFeatureLayer& a, JWFeatureLayer& b,
+               JWFeatureLayer& result) {
+    const int code = form == OurForm::Mp
+                         ? JWGeometryOverlay2::intersectPolygonLayers_mp(
+                               &a, &b, &result, kAttributesOfBoth, kKeepAll, blockSize)
+                         : JWGeometryOverlay2::intersectPolygonLayers(
+                               &a, &b, &result, kAttributesOfBoth, kKeepAll, blockSize);
+    if (code < 0) fail("intersectPolygonLayers answered " + std::to_string(code));
+}
+
+class OursMemory final : public Rival {
+  public:
+    OursMemory(OurForm form, int blockSize) : form_(form), blockSize_(blockSize) {}
+
+    void load(const LayerPair& pair) override {
+        JWReport::setMessageSink(swallow, nullptr);
+        a_ = copyToMemory(pair.a);
+        b_ = copyToMemory(pair.b);
+    }
+
+    void run() override {
+        result_ = createLayer(SourcePtr(JWDataSource::createInMemory()), "result",
+                              JWWKBMultiPolygon, *a_.layer);
+        intersect(form_, blockSize_, *a_.layer, *b_.layer, *result_.layer);
+    }
+
+    void summarize(Summary& summary) override {
+        const int count = result_.layer->getFeatureCount();
+        JWFeatureClass features;
+        std::vector<unsigned char> wkb;
+        for (int first = 0; first < count; first += kBlock) {
+            if (result_.layer->getFeaturesByPosition(first, kBlock, features) < 0)
+                fail("unreadable");
+            for (int i = 0; i < features.getFeatureCount(); ++i) {
+                const JWGeometry& geometry = *features.getFeatureAt(i)->getGeometryPtr();
+                wkb.resize(geometry.getWKBSize());
+                if (geometry.exportToWkb(JWWKBLittleEndian, wkb.data()) != JWDataErrNone) {
+                    fail("cannot export a result");
+                }
+                summary.add(wkb.data(), wkb.size());
+            }
+        }
+    }
+
+    void clear() override { result_ = OpenLayer(); }
+
+  private:
+    static constexpr int kBlock = 10000;
+
+    OurForm form_;
+    int blockSize_;
+    OpenLayer a_;
+    OpenLayer b_;
+    OpenLayer result_;
+};
+
+class OursFile final : public Rival {
+  public:
+    OursFile(OurForm form, int blockSize) : form_(form), blockSize_(blockSize) {}
+
+    void load(const LayerPair& pair) override {
+        JWReport::setMessageSink(swallow, nullptr);
+        pair_ = pair;
+        path_ = pair.workDirectory + (form_ == OurForm::Mp ? "/ours_mp.gpkg" : "/ours.gpkg");
+        removeGeoPackage(path_);
+    }
+
+    void run() override {
+        const OpenLayer a = openFile(pair_.a);
+        const OpenLayer b = openFile(pair_.b);
+        OpenLayer result = createLayer(SourcePtr(JWDataSource::create(path_.c_str(), "GPKG")),
+                                       "result", JWWKBMultiPolygon, *a.layer);
+        intersect(form_, blockSize_, *a.layer, *b.layer, *result.layer);
+        result.close();
+    }
+
+    void summarize(Summary& summary) override {
+        forEachWkb(path_, [&summary](const unsigned char* wkb, std::size_t size) {
+            summary.add(wkb, size);
+        });
+    }
+
+    void clear() override { removeGeoPackage(path_); }
+
+  private:
+    OurForm form_;
+    int blockSize_;
+    LayerPair pair_;
+    std::string path_;
+};
+
+}  // namespace
+
+std::unique_ptr<Rival> makeOursMemory(OurForm form, int blockSize) {
+    return std::make_unique<OursMemory>(form, blockSize);
+}
+
+std::unique_ptr<Rival> makeOursFile(OurForm form, int blockSize) {
+    return std::make_unique<OursFile>(form, blockSize);
+}
+
+}  // namespace bench
