@@ -1,0 +1,308 @@
+// SPDX-License-Identifier: MIT
+//
+// Labels both sides of every stretch of boundary with the operands that lie there.
+//
+// Most vertices have one edge in and one out, and nothing changes there. So contours are cut into
+// runs at meeting points only; all work below is per run, not per edge. Around each meeting point
+// the run ends are sorted by angle, exactly. Walking round a point, what lies in a sector changes
+// by the operands of the runs crossed; following runs carries sectors to the next point. Within a
+// connected component everything is therefore known relative to one sector.
+//
+// That sector is the one west of the component's lexicographically smallest vertex. A ray from
+// there towards smaller x never meets the component itself, so the number of edges left of it,
+// per operand, tells what the sector is in. One ray per component: nothing is swept, and no ring
+// is tested against another ring.
+#include "arrangement.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <cstring>
+
+namespace jws::gpc {
+namespace {
+
+std::uint64_t hashOf(const Point& p) {
+    const double x = p.x + 0.0;  // -0 and 0 are one place
+    const double y = p.y + 0.0;
+    std::uint64_t a;
+    std::uint64_t b;
+    std::memcpy(&a, &x, sizeof a);
+    std::memcpy(&b, &y, sizeof b);
+    std::uint64_t h = (a ^ (a >> 32)) * 0x9E3779B97F4A7C15u;
+    h = (h ^ (h >> 32) ^ b ^ (b >> 31)) * 0xC2B2AE3D27D4EB4Fu;
+    return h ^ (h >> 32);
+}
+
+inline bool isRightward(const Point& origin, const Point& p) { return origin < p; }
+
+}  // namespace
+
+void Arrangement::build(Noder& noder, bool depth) {
+    depth_ = depth;
+    set_ = &noder.result();
+    makeRuns();
+    gatherHalfEdges();
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) sortAround(n);
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) mergeEqual(n);
+    visited_.fill(nodes_.size(), 0);
+    offset_.clear();
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
+        if (!visited_[n]) labelComponent(n, static_cast<std::uint32_t>(offset_.size()), noder);
+    }
+    for (Run& r : runs_) {
+        if (r.from == kNone) {
+            labelWhole(r, noder);
+        } else if (!r.merged) {
+            r.left = combine(r.left, offset_[r.component - 1]);
+        }
+    }
+}
+
+void Arrangement::growTable(std::size_t size) {
+    table_.fill(size, 0);
+    const std::size_t mask = size - 1;
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
+        std::size_t i = hashOf(nodes_[n].p) & mask;
+        while (table_[i] != 0) i = (i + 1) & mask;
+        table_[i] = n + 1;
+    }
+}
+
+std::uint32_t Arrangement::nodeAt(const Point& p) {
+    if (2 * (nodes_.size() + 1) > table_.size()) growTable(table_.size() * 2);
+    const std::size_t mask = table_.size() - 1;
+    std::size_t i = hashOf(p) & mask;
+    for (; table_[i] != 0; i = (i + 1) & mask) {
+        Point& q = nodes_[table_[i] - 1].p;
+        if (q == p) {
+            if (std::signbit(q.x) != std::signbit(p.x)) q.x = 0;
+            if (std::signbit(q.y) != std::signbit(p.y)) q.y = 0;
+            return table_[i] - 1;
+        }
+    }
+    nodes_.push({p, 0, 0});
+    table_[i] = static_cast<std::uint32_t>(nodes_.size());
+    return table_[i] - 1;
+}
+
+void Arrangement::makeRuns() {
+    runs_.clear();
+    nodes_.clear();
+    table_.resize(0);
+    growTable(64);
+    const ContourSet& set = *set_;
+    for (std::uint32_t c = 0; c < set.contours.size(); ++c) {
+        const Contour& contour = set.contours[c];
+        const std::uint32_t n = contour.last - contour.first;
+        const std::uint8_t* flags = set.flags.data();
+        std::uint32_t start = contour.first;
+        while (start < contour.last && !(flags[start] & kMeeting)) ++start;
+        if (start == contour.last) {
+            runs_.push({kNone, kNone, c, contour.first, n, contour.operand, 0, 0, false});
+            continue;
+        }
+        const std::uint32_t startNode = nodeAt(set.points[start]);
+        std::uint32_t from = startNode;
+        std::uint32_t at = start;
+        while (true) {
+            std::uint32_t next = at + 1;
+            while (next < contour.last && !(flags[next] & kMeeting)) ++next;
+            if (next == contour.last) {
+                runs_.push({from, startNode, c, set.next(contour, at), n - (at - start) - 1,
+                            contour.operand, 0, 0, false});
+                break;
+            }
+            const std::uint32_t to = nodeAt(set.points[next]);
+            runs_.push({from, to, c, at + 1, next - at - 1, contour.operand, 0, 0, false});
+            from = to;
+            at = next;
+        }
+    }
+}
+
+void Arrangement::gatherHalfEdges() {
+    for (const Run& r : runs_) {
+        if (r.from == kNone) continue;
+        ++nodes_[r.from].count;
+        ++nodes_[r.to].count;
+    }
+    std::uint32_t total = 0;
+    cursor_.resize(nodes_.size());
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
+        nodes_[n].first = cursor_[n] = total;
+        total += nodes_[n].count;
+    }
+    around_.resize(total);
+    for (std::uint32_t r = 0; r < runs_.size(); ++r) {
+        if (runs_[r].from == kNone) continue;
+        around_[cursor_[runs_[r].from]++] = 2 * r;
+        around_[cursor_[runs_[r].to]++] = 2 * r + 1;
+    }
+}
+
+Point Arrangement::directionOf(HalfEdge h) const {
+    const Run& r = runs_[h >> 1];
+    if (r.count == 0) return nodes_[(h & 1) ? r.from : r.to].p;
+    return pointOf(r, (h & 1) ? r.count - 1 : 0);
+}
+
+// Counter-clockwise from just after straight down.
+bool Arrangement::before(const Point& origin, const Point& a, const Point& b) const {
+    const bool rightA = isRightward(origin, a);
+    const bool rightB = isRightward(origin, b);
+    if (rightA != rightB) return rightA;
+    return orientation(origin, a, b) > 0;
+}
+
+void Arrangement::sortAround(std::uint32_t node) {
+    const Node& n = nodes_[node];
+    HalfEdge* h = around_.data() + n.first;
+    directions_.resize(n.count);
+    Point* d = directions_.data();
+    if (n.count <= 16) {
+        for (std::uint32_t i = 0; i < n.count; ++i) {
+            const HalfEdge edge = h[i];
+            const Point direction = directionOf(edge);
+            std::uint32_t k = i;
+            for (; k > 0 && before(n.p, direction, d[k - 1]); --k) {
+                h[k] = h[k - 1];
+                d[k] = d[k - 1];
+            }
+            h[k] = edge;
+            d[k] = direction;
+        }
+        return;
+    }
+    std::sort(h, h + n.count, [this, &n](HalfEdge a, HalfEdge b) {
+        const Point da = directionOf(a);
+        const Point db = directionOf(b);
+        if (before(n.p, da, db)) return true;
+        return !before(n.p, db, da) && a < b;
+    });
+}
+
+// Runs that lie on each other are single edges between the same two nodes. The first stands for
+// all; the others leave the arrangement.
+void Arrangement::mergeEqual(std::uint32_t node) {
+    Node& n = nodes_[node];
+    HalfEdge* h = around_.data() + n.first;
+    std::uint32_t kept = 0;
+    for (std::uint32_t i = 0; i < n.count; ++i) {
+        Run& r = runs_[h[i] >> 1];
+        const std::uint32_t far = (h[i] & 1) ? r.from : r.to;
+        bool equal = false;
+        if (kept > 0 && r.count == 0) {
+            const HalfEdge other = h[kept - 1];
+            Run& s = runs_[other >> 1];
+            equal = s.count == 0 && ((other & 1) ? s.from : s.to) == far;
+            if (equal && node < far) {
+                const bool sameWay = ((h[i] ^ other) & 1) == 0;
+                s.step = depth_ ? s.step + (sameWay ? r.step : -r.step) : s.step ^ r.step;
+                r.merged = true;
+            }
+        }
+        if (!equal) h[kept++] = h[i];
+    }
+    n.count = kept;
+}
+
+std::int32_t Arrangement::outside(const Point& p, Noder& noder) const {
+    return depth_ ? noder.depthLeftOf(p) : noder.parityLeftOf(p);
+}
+
+void Arrangement::labelWhole(Run& r, Noder& noder) {
+    const Contour& c = set_->contours[r.contour];
+    const Point* p = set_->points.data();
+    std::uint32_t least = c.first;
+    for (std::uint32_t i = c.first + 1; i < c.last; ++i) {
+        if (p[i] < p[least]) least = i;
+    }
+    const Point& before = p[least == c.first ? c.last - 1 : least - 1];
+    const std::int32_t west = outside(p[least], noder);
+    const bool leftTurn = orientation(before, p[least], p[least + 1]) > 0;
+    r.left = leftTurn ? combine(west, r.step) : west;
+}
+
+// Labels relative to the sector that starts the walk, and finds the offset that makes them
+// absolute.
+void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, Noder& noder) {
+    stack_.clear();
+    stack_.push(start);
+    visited_[start] = 1;
+    bool haveSector = false;
+    Point least = nodes_[start].p;
+    std::int32_t westOfLeast = 0;
+    const auto takeLeast = [&](const Point& p, std::int32_t west) {
+        if (!haveSector || p < least) {
+            haveSector = true;
+            least = p;
+            westOfLeast = west;
+        }
+    };
+    while (!stack_.empty()) {
+        const Node n = nodes_[stack_.back()];
+        stack_.pop();
+        const HalfEdge* h = around_.data() + n.first;
+        // A run that is labelled already tells where to start; the very first node starts at 0.
+        std::uint32_t known = n.count;
+        for (std::uint32_t i = 0; i < n.count && known == n.count; ++i) {
+            if (runs_[h[i] >> 1].component == component + 1) known = i;
+        }
+        std::int32_t state = 0;  // of the sector clockwise before h[i]
+        std::uint32_t i = 0;
+        if (known < n.count) {
+            const Run& r = runs_[h[known] >> 1];
+            state = (h[known] & 1) ? r.left : combine(r.left, -r.step);
+            i = known;
+        }
+        for (std::uint32_t k = 0; k < n.count; ++k, i = i + 1 == n.count ? 0 : i + 1) {
+            Run& r = runs_[h[i] >> 1];
+            const bool forward = (h[i] & 1) == 0;
+            if (i == 0) takeLeast(n.p, state);
+            const std::int32_t after = combine(state, forward ? r.step : -r.step);
+            if (r.component != component + 1) {
+                r.component = component + 1;
+                r.left = forward ? after : state;
+                const Contour& c = set_->contours[r.contour];
+                const Point* p = set_->points.data();
+                std::uint32_t j = r.firstPoint;
+                for (std::uint32_t m = 0; m < r.count; ++m) {
+                    if (p[j] < least) {
+                        const Point& before = p[j == c.first ? c.last - 1 : j - 1];
+                        const bool leftTurn = orientation(before, p[j], p[j + 1]) > 0;
+                        takeLeast(p[j], leftTurn ? combine(r.left, -r.step) : r.left);
+                    }
+                    if (++j == c.last) j = c.first;
+                }
+                const std::uint32_t far = forward ? r.to : r.from;
+                if (!visited_[far]) {
+                    visited_[far] = 1;
+                    stack_.push(far);
+                }
+            }
+            assert(r.left == (forward ? after : state));
+            state = after;
+        }
+    }
+    const std::int32_t west = outside(least, noder);
+    offset_.push(depth_ ? west - westOfLeast : west ^ westOfLeast);
+}
+
+std::size_t Arrangement::bytes() const {
+    return runs_.bytes() + nodes_.bytes() + table_.bytes() + around_.bytes() + stack_.bytes();
+}
+
+void Arrangement::release() {
+    runs_.release();
+    nodes_.release();
+    table_.release();
+    around_.release();
+    directions_.release();
+    visited_.release();
+    stack_.release();
+    offset_.release();
+    cursor_.release();
+}
+
+}  // namespace jws::gpc

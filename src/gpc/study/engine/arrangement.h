@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#ifndef JW_GPC_ARRANGEMENT_H
+#define JW_GPC_ARRANGEMENT_H
+
+#include "noding.h"
+
+namespace jws::gpc {
+
+/// What lies on the two sides of every stretch of boundary.
+class Arrangement {
+  public:
+    static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
+
+    /// A stretch of a contour between two meeting points, or a whole contour that meets nothing.
+    /// Its inner points are `count` points from `firstPoint` on, going round within the contour.
+    struct Run {
+        std::uint32_t from;  ///< node, or kNone for a whole contour
+        std::uint32_t to;
+        std::uint32_t contour;
+        std::uint32_t firstPoint;
+        std::uint32_t count;
+        std::int32_t step;        ///< what crossing it from right to left changes
+        std::int32_t left;        ///< what lies on its left
+        std::uint32_t component;  ///< 1 + its number, or 0
+        bool merged;              ///< lies on another run, which stands for both
+    };
+    /// Half-edge 2r leaves the start of run r, half-edge 2r + 1 its end, backwards.
+    using HalfEdge = std::uint32_t;
+
+    struct Node {
+        Point p;
+        std::uint32_t first;  ///< its half-edges, counter-clockwise, from here on in `around()`
+        std::uint32_t count;
+    };
+
+    /// `depth` false: operands are bit masks, each even-odd. True: every contour runs with its
+    /// inside on its left and counts by one.
+    void build(Noder& noder, bool depth);
+
+    const ContourSet& set() const { return *set_; }
+    Buffer<Run>& runs() { return runs_; }
+    const Buffer<Run>& runs() const { return runs_; }
+    const Buffer<Node>& nodes() const { return nodes_; }
+    const Buffer<HalfEdge>& around() const { return around_; }
+    std::int32_t rightOf(const Run& r) const { return combine(r.left, -r.step); }
+    std::uint32_t nodeOf(HalfEdge h) const {
+        return (h & 1) ? runs_[h >> 1].to : runs_[h >> 1].from;
+    }
+    std::size_t bytes() const;
+    void release();
+
+  private:
+    std::int32_t combine(std::int32_t state, std::int32_t step) const {
+        return depth_ ? state + step : state ^ (step < 0 ? -step : step);
+    }
+    std::uint32_t nodeAt(const Point& p);
+    void growTable(std::size_t size);
+    void makeRuns();
+    void gatherHalfEdges();
+    void sortAround(std::uint32_t node);
+    void mergeEqual(std::uint32_t node);
+    Point directionOf(HalfEdge h) const;
+    bool before(const Point& origin, const Point& a, const Point& b) const;
+    void labelWhole(Run& r, Noder& noder);
+    void labelComponent(std::uint32_t start, std::uint32_t component, Noder& noder);
+    Point pointOf(const Run& r, std::uint32_t k) const {
+        const Contour& c = set_->contours[r.contour];
+        const std::uint32_t i = r.firstPoint + k;
+        return set_->points[i < c.last ? i : i - (c.last - c.first)];
+    }
+    std::int32_t outside(const Point& p, Noder& noder) const;
+
+    const ContourSet* set_ = nullptr;
+    bool depth_ = false;
+    Buffer<Run> runs_;
+    Buffer<Node> nodes_;
+    Buffer<std::uint32_t> table_;
+    Buffer<HalfEdge> around_;
+    Buffer<Point> directions_;
+    Buffer<std::uint32_t> visited_;
+    Buffer<std::uint32_t> stack_;
+    Buffer<std::int32_t> offset_;
+    Buffer<std::uint32_t> cursor_;
+};
+
+}  // namespace jws::gpc
+
+#endif  // JW_GPC_ARRANGEMENT_H
