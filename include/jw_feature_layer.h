@@ -26,6 +26,8 @@ namespace jws {
 
 class JWSpatialIndex;
 class JWSpatialReference;
+/// A feature in the form that a layer stores it in; see `JWFeatureLayer::prepareFeature`.
+struct JWFeatureRecord;
 
 /// Base of all layers: a name and a kind.
 class JW_API JWLayer {
@@ -157,6 +159,13 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// hold, a number or text too large for its field, an identifier that is taken. Returns false
     /// with the last error set then; the feature is unchanged either way.
     bool createFeature(const JWFeature* feature, bool keepFID = false);
+    /// Converts a feature into the layer's own form, so that `createFeature` with it has less left
+    /// to do. Any number of threads may do this while one of them writes. Returns null where that
+    /// cannot be done ahead; `createFeature` then does it all, or says why it cannot.
+    std::shared_ptr<JWFeatureRecord> prepareFeature(const JWFeature& feature) const;
+    /// The same as `createFeature(&feature)`, with what `prepareFeature` made of it; `record` may
+    /// be null and is used up.
+    bool createFeature(const JWFeature& feature, std::shared_ptr<JWFeatureRecord> record);
     /// Writes all features of a class in order, in one transaction. Returns false when one of them
     /// was refused (the others are written).
     bool createFeatures(const JWFeatureClass* features, bool keepFID = false);

@@ -7,6 +7,7 @@
 
 #include <ogrsf_frmts.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -61,9 +62,13 @@ struct JWFeatureLayer::Impl {
     /// Decodes a feature; null with the last error set when its geometry is of no known kind.
     std::unique_ptr<JWFeature> decode(OGRFeature& feature) const;
     bool createField(const JWField& field);
-    bool createFeature(const JWFeature& feature, bool keepFID);
+    /// `record`: what `prepareFeature` made of the feature, or null.
+    bool createFeature(const JWFeature& feature, bool keepFID, JWFeatureRecord* record);
     /// The geometry as the layer can store it; null, with the reason, when it cannot.
     std::unique_ptr<OGRGeometry> storableGeometry(const JWGeometry& geometry, std::string& why);
+    /// The same for a layer that declares `declared`, which is left as it is.
+    std::unique_ptr<OGRGeometry> geometryFor(OGRwkbGeometryType declared,
+                                             const JWGeometry& geometry) const;
     /// Gives the layer a type that holds single and multi geometries alike, where that is possible.
     bool widenGeometryType();
     bool alterGeometryType(OGRwkbGeometryType type);
@@ -83,9 +88,20 @@ struct JWFeatureLayer::Impl {
     bool envelopKnown = false;
     /// Type asked for where the OGR layer takes any.
     enumJWWKBGeometryType wantedType = JWWKBUnknown;
+    /// The OGR layer's type, for threads that prepare features while another one may change it.
+    std::atomic<OGRwkbGeometryType> declaredType;
     std::unique_ptr<JWSpatialIndex> index;
     std::uint64_t changesSeen = 0;
     int errorNumber = 0;
+};
+
+/// A feature in the form of the layer that it was prepared for.
+struct JWFeatureRecord {
+    JWFeatureRecord(OGRFeatureDefn* definition, OGRwkbGeometryType type)
+        : feature(definition), declaredType(type) {}
+
+    OGRFeature feature;
+    OGRwkbGeometryType declaredType;  ///< of the layer at the time
 };
 
 }  // namespace jws

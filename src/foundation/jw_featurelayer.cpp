@@ -27,6 +27,7 @@ JWFeatureLayer::Impl::Impl(std::shared_ptr<JWSourceHandle> handle, OGRLayer& ogr
       reader(source, ogrLayer),
       writable(source->isUpdate() && layer.TestCapability(OLCSequentialWrite) != 0),
       envelop(JWEnvelop::invalid()),
+      declaredType(layer.GetGeomType()),
       changesSeen(source->state(ogrLayer).changes) {
     refreshFields();
     const OGRSpatialReference* system = layer.GetSpatialRef();

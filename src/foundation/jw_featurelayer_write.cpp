@@ -11,6 +11,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 #include "foundation/feature_layer_impl.h"
 #include "foundation/field_names.h"
@@ -60,6 +61,7 @@ bool JWFeatureLayer::setGeometryType(enumJWWKBGeometryType type) {
         impl.wantedType = type;
         if (current == wanted || current == wkbNone || isCollectionOf(current, wanted)) return true;
         impl.alterGeometryType(wanted);
+        impl.declaredType = impl.layer.GetGeomType();
         return true;
     });
 }
@@ -96,7 +98,11 @@ bool JWFeatureLayer::Impl::alterGeometryType(OGRwkbGeometryType type) {
 }
 
 bool JWFeatureLayer::Impl::widenGeometryType() {
-    if (source->isDriver("GPKG")) return alterGeometryType(wkbUnknown);
+    if (source->isDriver("GPKG")) {
+        const bool altered = alterGeometryType(wkbUnknown);
+        declaredType = layer.GetGeomType();
+        return altered;
+    }
     return !source->isDriver("FlatGeobuf");
 }
 
@@ -138,22 +144,27 @@ bool JWFeatureLayer::createField(const JWField& field) {
     return m_impl->run("createField", false, [&] { return m_impl->createField(field); });
 }
 
+std::unique_ptr<OGRGeometry> JWFeatureLayer::Impl::geometryFor(OGRwkbGeometryType declared,
+                                                               const JWGeometry& geometry) const {
+    const bool any = wkbFlatten(declared) == wkbUnknown;
+    return detail::geometryToOgr(geometry, any ? detail::typeToOgr(wantedType) : declared);
+}
+
 std::unique_ptr<OGRGeometry> JWFeatureLayer::Impl::storableGeometry(const JWGeometry& geometry,
                                                                     std::string& why) {
     const OGRwkbGeometryType declared = layer.GetGeomType();
-    const bool any = wkbFlatten(declared) == wkbUnknown;
     if (declared == wkbNone) {
         why = "the layer holds no geometries";
         return nullptr;
     }
-    std::unique_ptr<OGRGeometry> made =
-        detail::geometryToOgr(geometry, any ? detail::typeToOgr(wantedType) : declared);
+    std::unique_ptr<OGRGeometry> made = geometryFor(declared, geometry);
     if (made) return made;
     made = detail::geometryToOgr(geometry, wkbUnknown);
     if (!made) {
         why = "arcs and curves cannot be stored";
-    } else if (!any && !(isCollectionOf(wkbFlatten(made->getGeometryType()), declared) &&
-                         widenGeometryType())) {
+    } else if (wkbFlatten(declared) != wkbUnknown &&
+               !(isCollectionOf(wkbFlatten(made->getGeometryType()), declared) &&
+                 widenGeometryType())) {
         why = std::string("a layer of type ") + OGRGeometryTypeToName(declared) +
               " cannot hold a " + made->getGeometryName();
         made.reset();
@@ -161,7 +172,26 @@ std::unique_ptr<OGRGeometry> JWFeatureLayer::Impl::storableGeometry(const JWGeom
     return made;
 }
 
-bool JWFeatureLayer::Impl::createFeature(const JWFeature& feature, bool keepFID) {
+std::shared_ptr<JWFeatureRecord> JWFeatureLayer::prepareFeature(const JWFeature& feature) const {
+    const Impl& impl = *m_impl;
+    return detail::guarded("prepareFeature", std::shared_ptr<JWFeatureRecord>(), [&] {
+        const std::shared_ptr<JWFeatureRecord> none;
+        const OGRwkbGeometryType declared = impl.declaredType;
+        auto record = std::make_shared<JWFeatureRecord>(impl.layer.GetLayerDefn(), declared);
+        const GdalErrors errors;
+        if (const JWGeometry* geometry = feature.getGeometryPtr()) {
+            if (declared == wkbNone) return none;
+            std::unique_ptr<OGRGeometry> made = impl.geometryFor(declared, *geometry);
+            if (!made) return none;
+            made->assignSpatialReference(impl.layer.GetSpatialRef());
+            record->feature.SetGeometryDirectly(made.release());
+        }
+        return detail::valuesToOgr(feature, record->feature).empty() ? record : none;
+    });
+}
+
+bool JWFeatureLayer::Impl::createFeature(const JWFeature& feature, bool keepFID,
+                                         JWFeatureRecord* prepared) {
     if (!requireWritable() || !source->beforeWrite()) return false;
     GdalErrors errors;
     const std::int64_t number = feature.getFID64();
@@ -173,18 +203,23 @@ bool JWFeatureLayer::Impl::createFeature(const JWFeature& feature, bool keepFID)
                       source->isMemory() ? "" : source->name(), number);
         return false;
     };
-    OGRFeature record(layer.GetLayerDefn());
-    if (const JWGeometry* geometry = feature.getGeometryPtr()) {
-        std::string why;
-        std::unique_ptr<OGRGeometry> made = storableGeometry(*geometry, why);
-        if (!made) return refuse(JWErrorWrongGeometryType, why);
-        made->assignSpatialReference(layer.GetSpatialRef());
-        record.SetGeometryDirectly(made.release());
+    std::optional<OGRFeature> made;
+    if (prepared == nullptr || prepared->declaredType != layer.GetGeomType()) {
+        made.emplace(layer.GetLayerDefn());
+        if (const JWGeometry* geometry = feature.getGeometryPtr()) {
+            std::string why;
+            std::unique_ptr<OGRGeometry> storable = storableGeometry(*geometry, why);
+            if (!storable) return refuse(JWErrorWrongGeometryType, why);
+            storable->assignSpatialReference(layer.GetSpatialRef());
+            made->SetGeometryDirectly(storable.release());
+        }
+        const std::string lost = detail::valuesToOgr(feature, *made);
+        if (!lost.empty()) {
+            return refuse(JWErrorFeatureRejected,
+                          "the value of field " + lost + " cannot be stored");
+        }
     }
-    const std::string lost = detail::valuesToOgr(feature, record);
-    if (!lost.empty()) {
-        return refuse(JWErrorFeatureRejected, "the value of field " + lost + " cannot be stored");
-    }
+    OGRFeature& record = made ? *made : prepared->feature;
     if (source->isDriver("ESRI Shapefile")) {
         if (const char* field = fieldCutByShapefile(record)) {
             return refuse(JWErrorFeatureRejected, std::string("the value of field ") + field +
@@ -209,10 +244,16 @@ bool JWFeatureLayer::Impl::createFeature(const JWFeature& feature, bool keepFID)
 
 bool JWFeatureLayer::createFeature(const JWFeature* feature, bool keepFID) {
     return m_impl->run("createFeature", false, [&] {
-        if (feature != nullptr) return m_impl->createFeature(*feature, keepFID);
+        if (feature != nullptr) return m_impl->createFeature(*feature, keepFID, nullptr);
         JWReport::setError(JWErrorInvalidArgument, m_impl->title() + ": the feature is missing");
         return false;
     });
+}
+
+bool JWFeatureLayer::createFeature(const JWFeature& feature,
+                                   std::shared_ptr<JWFeatureRecord> record) {
+    return m_impl->run("createFeature", false,
+                       [&] { return m_impl->createFeature(feature, false, record.get()); });
 }
 
 bool JWFeatureLayer::createFeatures(const JWFeatureClass* features, bool keepFID) {
@@ -225,7 +266,7 @@ bool JWFeatureLayer::createFeatures(const JWFeatureClass* features, bool keepFID
         if (!impl.requireWritable() || !impl.source->begin()) return false;
         bool complete = true;
         for (int i = 0; i < features->getFeatureCount(); ++i) {
-            complete = impl.createFeature(*features->getFeatureAt(i), keepFID) && complete;
+            complete = impl.createFeature(*features->getFeatureAt(i), keepFID, nullptr) && complete;
         }
         return impl.source->commit() && complete;
     });

@@ -2,12 +2,16 @@
 //
 // The parallel index loop of the library, and the only place with OpenMP pragmas.
 //
-// A loop over n items is cut into chunks of neighbouring items; chunk c goes to worker c modulo the
-// team's size (static schedule). Workers write only into slots of their own items; whatever must
-// happen one at a time (reading a layer, writing results) goes through `exclusive`, the library's
-// one critical section, which must not be nested. What a loop computes therefore does not depend on
-// the number of threads. An exception in a worker stops the loop and is thrown again by the
+// A loop over n items is cut into chunks of neighbouring items, which workers take in order.
+// Workers write only into slots of their own items; whatever must happen one at a time (reading a
+// layer, writing results) goes through `exclusive`, the library's one critical section, which must
+// not be nested. What a loop computes therefore does not depend on the number of threads, nor on
+// who takes which chunk. An exception in a worker stops the loop and is thrown again by the
 // caller's thread.
+//
+// A team may be larger than the machine: no more of it work at a time than there are cores, and the
+// rest stand by. Eight threads taking turns on two cores would be a fifth slower than two, since
+// again and again the one that holds the critical section is not the one that runs.
 #ifndef JW_FOUNDATION_PARALLEL_H
 #define JW_FOUNDATION_PARALLEL_H
 
@@ -32,6 +36,10 @@ inline int teamSize(int threads) {
     const int cores = omp_get_num_procs();
     return threads > 0 ? std::min(threads, std::max(fixedTeamSize, 4 * cores)) : cores;
 }
+
+/// How many of a team of `threads` work at a time: one per core; two at least, so that a team works
+/// in the same way everywhere.
+inline int workersOf(int threads) { return std::min(threads, std::max(2, omp_get_num_procs())); }
 
 /// Holds a team of a given size for the length of a scope and puts the caller's OpenMP settings
 /// back at its end. A team of one leaves them alone.
@@ -82,22 +90,24 @@ void exclusive(Body&& body) {
 /// false stops the loop: chunks not begun yet are left out. Returns false when it was stopped.
 template <class Body>
 bool parallelChunks(const Team& team, std::int64_t count, std::int64_t chunkSize, Body&& body) {
-    const std::int64_t chunks = (count + chunkSize - 1) / chunkSize;
+    std::atomic<std::int64_t> next{0};
     std::atomic<bool> stopped{false};
     std::exception_ptr thrown;
-    auto run = [&](std::int64_t chunk) {
-        if (stopped.load(std::memory_order_relaxed)) return;
-        const std::int64_t begin = chunk * chunkSize;
-        if (!body(begin, std::min(begin + chunkSize, count))) stopped = true;
+    const auto work = [&] {
+        for (;;) {
+            const std::int64_t begin = next.fetch_add(chunkSize);
+            if (begin >= count || stopped.load(std::memory_order_relaxed)) return;
+            if (!body(begin, std::min(begin + chunkSize, count))) stopped = true;
+        }
     };
     if (team.size() == 1) {
-        for (std::int64_t chunk = 0; chunk < chunks; ++chunk) run(chunk);
+        work();
         return !stopped;
     }
-#pragma omp parallel for schedule(static, 1) num_threads(team.size())
-    for (std::int64_t chunk = 0; chunk < chunks; ++chunk) {
+#pragma omp parallel num_threads(team.size())
+    if (omp_get_thread_num() < workersOf(omp_get_num_threads())) {
         try {
-            run(chunk);
+            work();
         } catch (...) {
             stopped = true;
 #pragma omp critical(jw_parallel_exception)

@@ -128,8 +128,13 @@ class LayerOutput : public FeatureOutput {
 
     void setGeometryType(enumJWWKBGeometryType type) override { m_layer.setGeometryType(type); }
 
-    bool write(std::unique_ptr<JWFeature>& feature) override {
-        return m_layer.createFeature(feature.get());
+    std::shared_ptr<JWFeatureRecord> prepare(const JWFeature& feature) const override {
+        return m_layer.prepareFeature(feature);
+    }
+
+    bool write(std::unique_ptr<JWFeature>& feature,
+               const std::shared_ptr<JWFeatureRecord>& record) override {
+        return m_layer.createFeature(*feature, record);
     }
 
     void begin() override {
@@ -161,7 +166,10 @@ class ClassOutput : public FeatureOutput {
 
     void setGeometryType(enumJWWKBGeometryType type) override { m_features.setGeometryType(type); }
 
-    bool write(std::unique_ptr<JWFeature>& feature) override {
+    std::shared_ptr<JWFeatureRecord> prepare(const JWFeature&) const override { return nullptr; }
+
+    bool write(std::unique_ptr<JWFeature>& feature,
+               const std::shared_ptr<JWFeatureRecord>&) override {
         feature->setFID(m_features.getFeatureCount() + 1);
         m_features.addFeature(feature.release());
         return true;

@@ -4,7 +4,8 @@
 // or from feature classes in memory, results go to either; the driver and its operations know only
 // the three interfaces below, so that every form of an operation has one body.
 //
-// None of the classes locks anything: the driver calls them from one thread at a time.
+// None of the classes locks anything: the driver calls them from one thread at a time, but for
+// `prepare`.
 #ifndef JW_OVERLAY_FEATURE_IO_H
 #define JW_OVERLAY_FEATURE_IO_H
 
@@ -57,9 +58,14 @@ class FeatureOutput {
     /// features carry. Throws LayerFailure.
     virtual JWFields* createFields(const std::vector<JWField>& fields) = 0;
     virtual void setGeometryType(enumJWWKBGeometryType type) = 0;
-    /// Writes one feature. Returns false with the last error set when it is refused.
-    /// An output that keeps features takes it over, another leaves it to the caller.
-    virtual bool write(std::unique_ptr<JWFeature>& feature) = 0;
+    /// Does what can be done of writing a feature before its turn comes: the one call that many
+    /// threads may make at a time, and while another one writes. Null when there is nothing.
+    virtual std::shared_ptr<JWFeatureRecord> prepare(const JWFeature& feature) const = 0;
+    /// Writes one feature, `record` being what `prepare` made of it or null. Returns false with the
+    /// last error set when it is refused. An output that keeps features takes it over, another
+    /// leaves it to the caller.
+    virtual bool write(std::unique_ptr<JWFeature>& feature,
+                       const std::shared_ptr<JWFeatureRecord>& record) = 0;
     virtual void begin() = 0;
     /// Throws LayerFailure when the results could not be stored.
     virtual void commit() = 0;

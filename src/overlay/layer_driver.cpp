@@ -96,6 +96,7 @@ bool isRefusal(enumJWErrorKind kind) {
 struct Slot {
     struct Result {
         std::unique_ptr<JWFeature> feature;
+        std::shared_ptr<JWFeatureRecord> record;
         double area;
         std::string lostField;
     };
@@ -109,8 +110,11 @@ struct Slot {
 
 class SlotEmitter : public Emitter {
   public:
-    SlotEmitter(const ResultSchema& schema, const char* nameB, Slot& slot)
-        : m_schema(schema), m_nameB(nameB), m_slot(slot) {}
+    /// `output`: where results are prepared for, so that the one that writes is done sooner; null
+    /// when nobody would gain by it.
+    SlotEmitter(const ResultSchema& schema, const FeatureOutput* output, const char* nameB,
+                Slot& slot)
+        : m_schema(schema), m_output(output), m_nameB(nameB), m_slot(slot) {}
 
     void emit(std::unique_ptr<JWGeometry> geometry, const JWFeature* a,
               const JWFeature* b) override {
@@ -118,6 +122,7 @@ class SlotEmitter : public Emitter {
         result.area = areaOf(*geometry);
         result.feature =
             m_schema.makeFeature(std::move(geometry), a, b, result.area, result.lostField);
+        if (m_output != nullptr) result.record = m_output->prepare(*result.feature);
         m_slot.results.push_back(std::move(result));
     }
 
@@ -128,6 +133,7 @@ class SlotEmitter : public Emitter {
 
   private:
     const ResultSchema& m_schema;
+    const FeatureOutput* m_output;
     const char* m_nameB;
     Slot& m_slot;
 };
@@ -219,6 +225,7 @@ void OverlayRun::indexB() {
 void OverlayRun::process(std::vector<Slot>& slots, std::int64_t begin, std::int64_t end) {
     constexpr std::size_t candidatesInARun = 4096;
     IndexedCandidates candidates(m_b);
+    const FeatureOutput* prepareFor = m_team.size() > 1 ? &m_output : nullptr;
     while (begin < end) {
         candidates.clear();
         std::int64_t runEnd = begin;
@@ -232,7 +239,7 @@ void OverlayRun::process(std::vector<Slot>& slots, std::int64_t begin, std::int6
         for (; begin < runEnd; ++begin) {
             Slot& slot = slots[begin];
             candidates.startFeature(slot.pairs);
-            SlotEmitter emitter(m_schema, m_b.name(), slot);
+            SlotEmitter emitter(m_schema, prepareFor, m_b.name(), slot);
             if (slot.check == AreaCheck::Usable) m_operation(*m_block[begin], candidates, emitter);
             slot.complete = true;
         }
@@ -249,7 +256,7 @@ void OverlayRun::writeSlot(const JWFeature& feature, Slot& slot) {
             reject(m_a, feature.getFID64(),
                    "the result cannot hold the value of field " + result.lostField);
         }
-        if (m_output.write(result.feature)) {
+        if (m_output.write(result.feature, result.record)) {
             ++m_report.written;
             m_report.area += result.area;
         } else if (isRefusal(JWReport::lastError().kind)) {
