@@ -130,12 +130,29 @@ gpc_op engineOperation(enumJWBooleanType type) {
     }
 }
 
+bool areFinite(const std::vector<RingViews>& sets) {
+    Operand operand;
+    for (const RingViews& rings : sets) {
+        if (measure(rings, operand)) continue;
+        JWReport::setError(JWErrorInvalidArgument, "a coordinate of a polygon is not finite");
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 RingView ClippedContours::view(int i) const {
     const gpc_vertex_list& contour = polygon_.contour[i];
     return {reinterpret_cast<const JWRawPoint*>(contour.vertex), contour.num_vertices,
             polygon_.hole[i]};
+}
+
+RingViews ClippedContours::views() const {
+    RingViews all;
+    all.reserve(static_cast<std::size_t>(count()));
+    for (int i = 0; i < count(); ++i) all.push_back(view(i));
+    return all;
 }
 
 JWRing ClippedContours::ring(int i) const {
@@ -182,6 +199,36 @@ ClippedContours clipRings(const RingViews& a, const RingViews& b, enumJWBooleanT
     ::gpc_polygon subject = borrow(operandA);
     ::gpc_polygon clip = borrow(operandB);
     return clipPolygons(subject, clip, type);
+}
+
+// In pairs of neighbours, and these in pairs again: a point takes part in as many unions as the
+// number of sets has binary digits.
+ClippedContours uniteRings(const std::vector<RingViews>& sets) {
+    if (!areFinite(sets)) return {};
+    std::vector<ClippedContours> level;
+    for (std::size_t i = 0; i < sets.size(); i += 2) {
+        const RingViews& second = i + 1 < sets.size() ? sets[i + 1] : RingViews();
+        level.push_back(clipRings(sets[i], second, JWBooleanUnion));
+    }
+    for (; level.size() > 1; level.resize((level.size() + 1) / 2)) {
+        for (std::size_t i = 0; i + 1 < level.size(); i += 2) {
+            level[i / 2] = clipRings(level[i].views(), level[i + 1].views(), JWBooleanUnion);
+        }
+        if (level.size() % 2 == 1) std::swap(level[level.size() / 2], level.back());
+    }
+    return level.empty() ? ClippedContours() : std::move(level.front());
+}
+
+ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews>& sets) {
+    if (!areFinite(sets)) return {};
+    Operand whole, other;
+    measure(subject, whole);
+    std::vector<RingViews> near;
+    for (const RingViews& rings : sets) {
+        measure(rings, other);
+        if (other.envelop.intersected(whole.envelop)) near.push_back(rings);
+    }
+    return clipRings(subject, uniteRings(near).views(), JWBooleanDifference);
 }
 
 }  // namespace jws::detail

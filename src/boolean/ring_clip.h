@@ -3,6 +3,8 @@
 #define JW_BOOLEAN_RING_CLIP_H
 
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include "boolean/gpc_interface.h"
 #include "boolean/ring_set.h"
@@ -23,7 +25,10 @@ class ClippedContours {
         other.polygon_ = {};
     }
     ClippedContours(const ClippedContours&) = delete;
-    ClippedContours& operator=(const ClippedContours&) = delete;
+    ClippedContours& operator=(ClippedContours&& other) noexcept {
+        std::swap(polygon_, other.polygon_);
+        return *this;
+    }
     ~ClippedContours() {
         if (polygon_.num_contours > 0) gpc_free_polygon(&polygon_);
     }
@@ -31,6 +36,8 @@ class ClippedContours {
     int count() const { return polygon_.num_contours; }
     RingView view(int i) const;
     int hole(int i) const { return polygon_.hole[i]; }
+    /// Views of all contours; valid as long as this object is.
+    RingViews views() const;
     /// Makes the closed ring of contour i, its envelope up to date.
     JWRing ring(int i) const;
 
@@ -43,6 +50,14 @@ class ClippedContours {
 /// as empty. A coordinate that is not finite gives no contours and the thread's last error. Throws
 /// when memory runs out, and ClipFailure when the engine gives up.
 ClippedContours clipRings(const RingViews& a, const RingViews& b, enumJWBooleanType type);
+
+/// Unites any number of ring sets: what lies in any of them, each read by the even-odd rule. Errors
+/// as of `clipRings`. Sets that lie close together should stand close together.
+ClippedContours uniteRings(const std::vector<RingViews>& sets);
+
+/// Takes any number of ring sets out of `subject`: what lies in it and in none of them. Errors as
+/// of `clipRings`. Sets that miss the subject's rectangle cost next to nothing.
+ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews>& sets);
 
 /// Clips operands in the engine's own form; otherwise as `clipRings`. The operands stay the
 /// caller's.
