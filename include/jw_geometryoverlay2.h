@@ -117,59 +117,365 @@ class JW_API JWGeometryOverlay2 {
     /// the output has fields already.
     ///
     /// - Operands may have overlaps of their own, rings that cross themselves, and several parts;
-    ///   each feature is read by the even-odd rule. Features without a geometry are passed over;
-    ///   those that are no areas or have coordinates that are not finite are passed over. They are
-    ///   listed in the report, like pairs that could not be clipped and results that the output
-    ///   refused; the last error tells the first of them, kind `JWErrorFeatureRejected`.
-    /// - `blockSize` features of A are held at a time; 0 or less means all. B is read once; of its
-    ///   features the layer's cache (`JWFeatureLayer::setCacheLimit`) keeps what fits.
-    /// - Results come in the order of A, for each feature of A in the order of B, the same bit for
-    ///   bit for any block size and any number of threads. They are written in one transaction:
+    ///   each feature is read by the even-odd rule. What features of one layer have in common
+    ///   counts for each of them. Features without a geometry are passed over; those that are no
+    ///   areas or have coordinates that are not finite are passed over. They are listed in the
+    ///   report, like pairs that could not be clipped and results that the output refused; the last
+    ///   error tells the first of them, kind `JWErrorFeatureRejected`.
+    /// - `attributeMode` 0: the fields of A, then of B. 1: the identifiers, in two integer fields
+    ///   "FID_" and layer name (64 bits wide where an identifier needs it). 2: both identifiers,
+    ///   then the fields of A and B. Others act as 0. Names that are taken get "_1", "_2", … behind
+    ///   them.
+    /// - `tolerance` is the smallest absolute ring area kept, square layer units.
+    /// - `multipart`: a result of several parts stays one feature; otherwise each part is one.
+    /// - `blockSize` features of an operand are held at a time; 0 or less means all. Of the
+    /// features
+    ///   around them the layer's cache (`JWFeatureLayer::setCacheLimit`) keeps what fits.
+    /// - Results come in the order of A, for each feature of A in the order of B, and where B has
+    ///   results of its own these follow in the order of B: the same bit for bit for any block size
+    ///   and any number of threads. They are written in one transaction:
     ///   after a failure the output has its fields, but no features (as far as its format can take
     ///   features back, see `JWFeatureLayer::rollbackTransaction`).
+    /// - What lies outside of other features is computed from their union at once.
     /// - `_mp` forms run on a team of eight threads; they may be called from one thread at a time
     ///   for any one layer. OpenMP settings of the caller are put back.
+    /// - Forms that take options have all settings open, and account for every feature and area in
+    ///   `report` (may be null). Each operation obeys an identity of areas, which they check if
+    ///   asked to (`JWOverlayOptions::checkAreas`).
     /// @{
 
-    /// Writes what each feature of A has in common with each feature of B.
+    /// Writes what each feature of A has in common with each feature of B, with the attributes of
+    /// both.
     ///
-    /// \param attributeMode 0: the fields of A, then of B. 1: the identifiers, in two integer
-    ///     fields "FID_" and layer name (64 bits wide where an identifier needs it). 2: both
-    ///     identifiers, then the fields of A and B. Others act as 0. Names that are taken get "_1",
-    ///     "_2", … behind them.
-    /// \param tolerance smallest absolute ring area kept, square layer units
-    /// \return see above
-    ///
-    /// Cost: one pass over A and B, O(log n) per feature for candidates, and one clip per pair of
-    /// features whose envelopes meet.
+    /// Identity: the pieces of a feature of A, overlaps counted once, and A outside of all of B
+    /// make up A. Cost: one pass over A and B, O(log n) per feature for candidates, and one clip
+    /// per pair of features whose envelopes meet.
     static int intersectPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
                                       int attributeMode, double tolerance, int blockSize);
     /// Does the same on a team of eight threads.
     static int intersectPolygonLayers_mp(JWFeatureLayer* a, JWFeatureLayer* b,
                                          JWFeatureLayer* output, int attributeMode,
                                          double tolerance, int blockSize);
-    /// Does the same with all settings open, and accounts for every feature in `report` (may be
-    /// null).
+    /// Does the same with all settings open.
     static int intersectPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
                                       const JWOverlayOptions& options, JWLayerReport* report);
 
-    /// Does the same in memory. `nameA` and `nameB` stand for the layers' names in the identifier
-    /// fields; the first feature of a class gives its schema.
-    /// \return a new class with A's reference, owned by the caller; null for a null class or when
-    ///     the references differ
+    /// Writes what of each feature of A lies outside of all of B, with the attributes of A. A
+    /// feature that no feature of B comes near is copied unchanged.
+    ///
+    /// Identity: |A| = |A outside B| + |A in B|. Cost: as of `intersectPolygonLayers`, and the
+    /// union of each feature's candidates.
+    static int erasePolygonLayer(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                 bool multipart, double tolerance, int blockSize);
+    /// Does the same on a team of eight threads.
+    static int erasePolygonLayer_mp(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                    bool multipart, double tolerance, int blockSize);
+    /// Does the same with all settings open.
+    static int erasePolygonLayer(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                 const JWOverlayOptions& options, JWLayerReport* report);
+
+    /// Grows features that overlap together, whichever layer they are of: two features belong
+    /// together when what they have in common reaches the tolerance and their union has fewer outer
+    /// rings than both, or when a chain of such pairs leads from one to the other; touching is not
+    /// enough. Every feature of A and B is in exactly one result; one that overlaps no other is
+    /// copied unchanged. Results come in the order of their first feature, A before B, and carry
+    /// the attributes of their first feature of A and of their first feature of B (mode 0).
+    ///
+    /// Identity: a result's area is the sum of its features' areas, each outside of those before
+    /// it. Cost: one clip per pair whose envelopes meet, O(n log n) for the union of a cluster.
+    static int unionPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                  bool multipart, double tolerance, int blockSize);
+    /// Does the same on a team of eight threads.
+    static int unionPolygonLayers_mp(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                     bool multipart, double tolerance, int blockSize);
+    /// Does the same with all settings open.
+    static int unionPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                  const JWOverlayOptions& options, JWLayerReport* report);
+
+    /// Writes the planar union: for each feature of A the pieces that `intersectPolygonLayers`
+    /// makes and the rest outside of B, then what of each feature of B lies outside of A. The
+    /// attributes of the side that is missing stay unset.
+    ///
+    /// Identity: those of `identityPolygonLayers` for A and of `erasePolygonLayer` for B.
+    static int unionPolygonLayers2(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                   bool multipart, int attributeMode, double tolerance,
+                                   int blockSize);
+    /// Does the same on a team of eight threads.
+    static int unionPolygonLayers2_mp(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                      bool multipart, int attributeMode, double tolerance,
+                                      int blockSize);
+    /// Does the same with all settings open.
+    static int unionPolygonLayers2(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                   const JWOverlayOptions& options, JWLayerReport* report);
+
+    /// Writes the pieces of each feature of A in the features of B, with the attributes of both,
+    /// then what of it lies outside of all of B, with those of A.
+    ///
+    /// Identity: |A| = |pieces| + |rest|, where overlaps of the pieces count once.
+    static int identityPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                     bool multipart, int attributeMode, double tolerance,
+                                     int blockSize);
+    /// Does the same on a team of eight threads.
+    static int identityPolygonLayers_mp(JWFeatureLayer* a, JWFeatureLayer* b,
+                                        JWFeatureLayer* output, bool multipart, int attributeMode,
+                                        double tolerance, int blockSize);
+    /// Does the same with all settings open.
+    static int identityPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                     const JWOverlayOptions& options, JWLayerReport* report);
+
+    /// Writes what of each feature of A lies outside of B, then what of each feature of B lies
+    /// outside of A, with the attributes of that side.
+    ///
+    /// Identity: that of `erasePolygonLayer`, for A and for B.
+    static int symmetricalDifferencePolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b,
+                                                  JWFeatureLayer* output, bool multipart,
+                                                  int attributeMode, double tolerance,
+                                                  int blockSize);
+    /// Does the same on a team of eight threads.
+    static int symmetricalDifferencePolygonLayers_mp(JWFeatureLayer* a, JWFeatureLayer* b,
+                                                     JWFeatureLayer* output, bool multipart,
+                                                     int attributeMode, double tolerance,
+                                                     int blockSize);
+    /// Does the same with all settings open.
+    static int symmetricalDifferencePolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b,
+                                                  JWFeatureLayer* output,
+                                                  const JWOverlayOptions& options,
+                                                  JWLayerReport* report);
+
+    /// Lays B over A, with the attributes of the side that a result comes from (mode 0).
+    ///
+    /// With borders: what of each feature of A lies outside of B, then the features of B as they
+    /// are. Without: a feature of A that overlaps features of B goes, as far as it lies outside of
+    /// B, to the first of them in the order of B, which grows by it; features of A that overlap
+    /// none stay on their own.
+    ///
+    /// Identity: that of `erasePolygonLayer` for A; a grown feature of B is itself and the rests
+    /// that it took in.
+    static int updatePolygonLayer(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                  bool keepBorders, double tolerance, int blockSize,
+                                  bool multipart);
+    /// Does the same on a team of eight threads.
+    static int updatePolygonLayer_mp(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                     bool keepBorders, double tolerance, int blockSize,
+                                     bool multipart);
+    /// Does the same with all settings open.
+    static int updatePolygonLayer(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                  const JWOverlayOptions& options, JWLayerReport* report);
+
+    /// Writes the features of A, unchanged, with the attributes of features of B that they overlap
+    /// (in an area that reaches the tolerance), and how many those are in an integer field
+    /// "join_count" behind the others.
+    ///
+    /// \param keepUnmatched features of A that overlap none are written as well, count 0
+    /// \param rowPerPair one row for each feature of B that is overlapped, in the order of B;
+    ///     otherwise one row for each feature of A, with the attributes of the first
+    ///
+    /// Identity: none; no geometry changes.
+    static int spatialJoinPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b,
+                                        JWFeatureLayer* output, bool keepUnmatched, bool rowPerPair,
+                                        int attributeMode, double tolerance, int blockSize);
+    /// Does the same on a team of eight threads.
+    static int spatialJoinPolygonLayers_mp(JWFeatureLayer* a, JWFeatureLayer* b,
+                                           JWFeatureLayer* output, bool keepUnmatched,
+                                           bool rowPerPair, int attributeMode, double tolerance,
+                                           int blockSize);
+    /// Does the same with all settings open.
+    static int spatialJoinPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b,
+                                        JWFeatureLayer* output, const JWOverlayOptions& options,
+                                        JWLayerReport* report);
+
+    /// @}
+
+    /// @name Overlay within one layer
+    ///
+    /// As for two layers, with one operand: −1 and −3 are the codes. Features are compared with
+    /// those in front of and behind them in the layer.
+    /// @{
+
+    /// Grows features of one layer that overlap together, by the rule of `unionPolygonLayers`, with
+    /// the attributes of the first feature of each cluster.
+    static int unionPolygonsInSameLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                                        double tolerance, int blockSize);
+    /// Does the same on a team of eight threads.
+    static int unionPolygonsInSameLayer_mp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                           double tolerance, int blockSize);
+    /// Does the same with all settings open.
+    static int unionPolygonsInSameLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                                        const JWOverlayOptions& options, JWLayerReport* report);
+
+    /// Writes the pieces into which the features of a layer cut one another: for every set of
+    /// features what lies in all of them and in no other. No two pieces overlap, and together they
+    /// cover what the layer covers. A piece carries the attributes of its first feature and, as
+    /// those of B, of its second, if there is one. Pieces come in the order of their first feature.
+    ///
+    /// Identity: the pieces whose first feature is a certain one make up that feature outside of
+    /// those before it.
+    static int unionPolygonsInSameLayer2(JWFeatureLayer* input, JWFeatureLayer* output,
+                                         int attributeMode, double tolerance, int blockSize);
+    /// Does the same on a team of eight threads.
+    static int unionPolygonsInSameLayer2_mp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                            int attributeMode, double tolerance, int blockSize);
+    /// Does the same with all settings open.
+    static int unionPolygonsInSameLayer2(JWFeatureLayer* input, JWFeatureLayer* output,
+                                         const JWOverlayOptions& options, JWLayerReport* report);
+
+    /// Writes for each feature what it has in common with the features behind it, all in one, with
+    /// its attributes; nothing for a feature that overlaps none of them.
+    ///
+    /// Identity: |feature| = |in those behind it| + |outside of them|.
+    static int intersectPolygonsInSameLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                                            double tolerance, int blockSize);
+    /// Does the same on a team of eight threads.
+    static int intersectPolygonsInSameLayer_mp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                               double tolerance, int blockSize);
+    /// Does the same with all settings open.
+    static int intersectPolygonsInSameLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                                            const JWOverlayOptions& options, JWLayerReport* report);
+
+    /// Writes the pieces of `unionPolygonsInSameLayer2` that lie in two features or more: each
+    /// overlap once.
+    static int intersectPolygonsInSameLayer2(JWFeatureLayer* input, JWFeatureLayer* output,
+                                             int attributeMode, double tolerance, int blockSize);
+    /// Does the same on a team of eight threads.
+    static int intersectPolygonsInSameLayer2_mp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                int attributeMode, double tolerance, int blockSize);
+    /// Does the same with all settings open.
+    static int intersectPolygonsInSameLayer2(JWFeatureLayer* input, JWFeatureLayer* output,
+                                             const JWOverlayOptions& options,
+                                             JWLayerReport* report);
+
+    /// @}
+
+    /// @name Overlay of feature classes
+    ///
+    /// The same in memory. Names stand for those of the layers in the identifier fields; the first
+    /// feature of a class gives its schema. Results are new classes with A's reference, owned by
+    /// the caller; null for a null class and when the references differ.
+    /// @{
+
+    /// Does what `intersectPolygonLayers` does.
     static JWFeatureClass* polygonsIntersectPolygons(const char* nameA, JWFeatureClass* a,
                                                      const char* nameB, JWFeatureClass* b,
                                                      int attributeMode, double tolerance);
+    /// Does what `erasePolygonLayer` does.
+    static JWFeatureClass* polygonsErasePolygons(JWFeatureClass* a, JWFeatureClass* b,
+                                                 bool multipart, double tolerance);
+    /// Does the same on a team of eight threads.
+    static JWFeatureClass* polygonsErasePolygons_mp(JWFeatureClass* a, JWFeatureClass* b,
+                                                    bool multipart, double tolerance);
+    /// Does what `identityPolygonLayers` does.
+    static JWFeatureClass* polygonsIdentityPolygons(const char* nameA, JWFeatureClass* a,
+                                                    const char* nameB, JWFeatureClass* b,
+                                                    bool multipart, int attributeMode,
+                                                    double tolerance);
+    /// Does what `unionPolygonsInSameLayer2` does.
+    static JWFeatureClass* unionPolygons(const char* name, JWFeatureClass* features,
+                                         int attributeMode, double tolerance);
+    /// Does what `symmetricalDifferencePolygonLayers` does. `result` is emptied first.
+    /// \return the number of features written; −1 for a null class, −2 when the references differ
+    static int symmetricalDifferencePolygons(JWFeatureClass* a, JWFeatureClass* b,
+                                             JWFeatureClass& result, bool multipart,
+                                             double tolerance);
+    /// @}
 
-    // Compatibility names
-    /// Same as `intersectPolygonLayers_mp`.
+    /// @name Compatibility names
+    /// Names with "mp" are the same as the `_mp` form of the operation, the others the same as its
+    /// plain form.
+    /// @{
     static int intersectPolygonLayers_lmp(JWFeatureLayer* a, JWFeatureLayer* b,
                                           JWFeatureLayer* output, int attributeMode,
                                           double tolerance, int blockSize);
-    /// Same as `intersectPolygonLayers_mp`.
     static int intersectPolygonLayers_old_mp(JWFeatureLayer* a, JWFeatureLayer* b,
                                              JWFeatureLayer* output, int attributeMode,
                                              double tolerance, int blockSize);
+    static int erasePolygonLayer_lmp(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                     bool multipart, double tolerance, int blockSize);
+    static int erasePolygonLayer_mp_old(JWFeatureLayer* a, JWFeatureLayer* b,
+                                        JWFeatureLayer* output, bool multipart, double tolerance,
+                                        int blockSize);
+    static int unionPolygonLayers_lmp(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                      bool multipart, double tolerance, int blockSize);
+    static int unionPolygonLayers_old(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                      bool multipart, double tolerance, int blockSize);
+    static int unionPolygonLayers_old_old(JWFeatureLayer* a, JWFeatureLayer* b,
+                                          JWFeatureLayer* output, bool multipart, double tolerance,
+                                          int blockSize);
+    static int unionPolygonLayers_new(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                      bool multipart, double tolerance, int blockSize);
+    static int unionPolygonLayers2_lmp(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                       bool multipart, int attributeMode, double tolerance,
+                                       int blockSize);
+    static int unionPolygonLayers2_old(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                       bool multipart, int attributeMode, double tolerance,
+                                       int blockSize);
+    static int identityPolygonLayers_lmp(JWFeatureLayer* a, JWFeatureLayer* b,
+                                         JWFeatureLayer* output, bool multipart, int attributeMode,
+                                         double tolerance, int blockSize);
+    static int identityPolygonLayers_old(JWFeatureLayer* a, JWFeatureLayer* b,
+                                         JWFeatureLayer* output, bool multipart, int attributeMode,
+                                         double tolerance, int blockSize);
+    static int symmetricalDifferencePolygonLayers_lmp(JWFeatureLayer* a, JWFeatureLayer* b,
+                                                      JWFeatureLayer* output, bool multipart,
+                                                      int attributeMode, double tolerance,
+                                                      int blockSize);
+    static int symmetricalDifferencePolygonLayers_old(JWFeatureLayer* a, JWFeatureLayer* b,
+                                                      JWFeatureLayer* output, bool multipart,
+                                                      int attributeMode, double tolerance,
+                                                      int blockSize);
+    static int symmetricalDifferencePolygonLayers_new(JWFeatureLayer* a, JWFeatureLayer* b,
+                                                      JWFeatureLayer* output, bool multipart,
+                                                      int attributeMode, double tolerance,
+                                                      int blockSize);
+    static int updatePolygonLayer_lmp(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                      bool keepBorders, double tolerance, int blockSize,
+                                      bool multipart);
+    static int updatePolygonLayer_old(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
+                                      bool keepBorders, double tolerance, int blockSize,
+                                      bool multipart);
+    static int spatialJoinPolygonLayers_lmp(JWFeatureLayer* a, JWFeatureLayer* b,
+                                            JWFeatureLayer* output, bool keepUnmatched,
+                                            bool rowPerPair, int attributeMode, double tolerance,
+                                            int blockSize);
+    static int spatialJoinPolygonLayers_old(JWFeatureLayer* a, JWFeatureLayer* b,
+                                            JWFeatureLayer* output, bool keepUnmatched,
+                                            bool rowPerPair, int attributeMode, double tolerance,
+                                            int blockSize);
+    static int unionPolygonsInSameLayer_lmp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                            double tolerance, int blockSize);
+    static int unionPolygonsInSameLayer_old(JWFeatureLayer* input, JWFeatureLayer* output,
+                                            double tolerance, int blockSize);
+    static int unionPolygonsInSameLayer_old_mp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                               double tolerance, int blockSize);
+    static int unionPolygonsInSameLayer_new(JWFeatureLayer* input, JWFeatureLayer* output,
+                                            double tolerance, int blockSize);
+    static int unionPolygonsInSameLayer2_lmp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                             int attributeMode, double tolerance, int blockSize);
+    static int unionPolygonsInSameLayer2_old(JWFeatureLayer* input, JWFeatureLayer* output,
+                                             int attributeMode, double tolerance, int blockSize);
+    static int unionPolygonsInSameLayer2_old_mp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                int attributeMode, double tolerance, int blockSize);
+    static int unionPolygonsInSameLayer2_new(JWFeatureLayer* input, JWFeatureLayer* output,
+                                             int attributeMode, double tolerance, int blockSize);
+    static int intersectPolygonsInSameLayer_lmp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                double tolerance, int blockSize);
+    static int intersectPolygonsInSameLayer_old(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                double tolerance, int blockSize);
+    static int intersectPolygonsInSameLayer_old_mp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                   double tolerance, int blockSize);
+    static int intersectPolygonsInSameLayer_new(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                double tolerance, int blockSize);
+    static int intersectPolygonsInSameLayer2_lmp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                 int attributeMode, double tolerance,
+                                                 int blockSize);
+    static int intersectPolygonsInSameLayer2_old(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                 int attributeMode, double tolerance,
+                                                 int blockSize);
+    static int intersectPolygonsInSameLayer2_old_mp(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                    int attributeMode, double tolerance,
+                                                    int blockSize);
+    static int intersectPolygonsInSameLayer2_new(JWFeatureLayer* input, JWFeatureLayer* output,
+                                                 int attributeMode, double tolerance,
+                                                 int blockSize);
     /// @}
 
   private:

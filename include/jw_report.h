@@ -85,7 +85,21 @@ struct JWLayerReport {
     std::int64_t emptyB = 0;
     std::int64_t pairs = 0;    ///< candidate pairs whose envelopes meet
     std::int64_t written = 0;  ///< features written to the result
-    double area = 0;           ///< summed area of the features written, square layer units
+
+    // Areas in square layer units, summed over features: what features of one layer have in common
+    // counts for each of them.
+    double areaA = 0;        ///< of the features read from the input layer
+    double areaB = 0;        ///< of the features read from the overlay layer
+    double area = 0;         ///< of the features written
+    double areaDropped = 0;  ///< of rings below the tolerance: outer rings minus holes
+    /// The identity that the operation obeys was checked (`JWOverlayOptions::checkAreas`).
+    bool checked = false;
+    /// What the identity misses by, summed over features without regard to the sign; 0 would be
+    /// exact arithmetic.
+    double residual = 0;
+    /// One sentence when the residual is above 1e-9 of the input area; empty otherwise.
+    std::string warning;
+
     /// Features that were read but could not be processed, or were refused by the result layer.
     std::vector<JWRejectedFeature> rejected;
     double secondsIndex = 0;    ///< reading and indexing the overlay layer

@@ -114,6 +114,46 @@ class ClassInput : public FeatureInput {
     const JWFeatureClass& m_features;
 };
 
+class JoinedInput : public FeatureInput {
+  public:
+    JoinedInput(FeatureInput& a, FeatureInput& b) : m_a(a), m_b(b), m_first(a.count()) {}
+
+    FeatureOrigin originOf(std::int64_t position) override {
+        return {position < m_first ? &m_a : &m_b, position >= m_first};
+    }
+    const char* name() const override { return m_a.name(); }
+    const char* source() const override { return m_a.source(); }
+    std::int64_t count() override { return m_first + m_b.count(); }
+    enumJWWKBGeometryType geometryType() const override { return m_a.geometryType(); }
+    const JWFields* fields() const override { return m_a.fields(); }
+    bool identifiersFitInt() override { return m_a.identifiersFitInt() && m_b.identifiersFitInt(); }
+
+    std::shared_ptr<const JWFeature> feature(std::int64_t position) override {
+        return position < m_first ? m_a.feature(position) : m_b.feature(position - m_first);
+    }
+
+    std::shared_ptr<const JWFeature> next(std::int64_t position) override {
+        return position < m_first ? m_a.next(position) : m_b.next(position - m_first);
+    }
+
+    void readBlock(std::int64_t first, std::int64_t count,
+                   std::vector<std::shared_ptr<const JWFeature>>& block) override {
+        block.clear();
+        const std::int64_t end = first + count;
+        if (first < m_first) m_a.readBlock(first, std::min(end, m_first) - first, block);
+        if (end <= m_first) return;
+        std::vector<std::shared_ptr<const JWFeature>> others;
+        const std::int64_t from = std::max(first, m_first);
+        m_b.readBlock(from - m_first, end - from, others);
+        block.insert(block.end(), others.begin(), others.end());
+    }
+
+  private:
+    FeatureInput& m_a;
+    FeatureInput& m_b;
+    std::int64_t m_first;
+};
+
 class LayerOutput : public FeatureOutput {
   public:
     explicit LayerOutput(JWFeatureLayer& layer) : m_layer(layer) {}
@@ -192,6 +232,10 @@ std::unique_ptr<FeatureInput> inputFrom(JWFeatureLayer& layer) {
 
 std::unique_ptr<FeatureInput> inputFrom(const char* name, const JWFeatureClass& features) {
     return std::make_unique<ClassInput>(name, features);
+}
+
+std::unique_ptr<FeatureInput> joinedInput(FeatureInput& a, FeatureInput& b) {
+    return std::make_unique<JoinedInput>(a, b);
 }
 
 std::unique_ptr<FeatureOutput> outputTo(JWFeatureLayer& layer) {

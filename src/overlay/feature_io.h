@@ -27,10 +27,19 @@ struct LayerFailure : std::runtime_error {
     JWError error;
 };
 
+class FeatureInput;
+
+/// Which layer a feature of an operand belongs to.
+struct FeatureOrigin {
+    FeatureInput* input;
+    bool second;  ///< it is the second of two layers that make one operand
+};
+
 /// One operand: features by position, in a fixed order.
 class FeatureInput {
   public:
     virtual ~FeatureInput() = default;
+    virtual FeatureOrigin originOf(std::int64_t /*position*/) { return {this, false}; }
     virtual const char* name() const = 0;
     /// Name of the data source; empty for features in memory.
     virtual const char* source() const = 0;
@@ -75,6 +84,8 @@ class FeatureOutput {
 std::unique_ptr<FeatureInput> inputFrom(JWFeatureLayer& layer);
 /// `name` stands for the layer's name; `features` must outlive the input.
 std::unique_ptr<FeatureInput> inputFrom(const char* name, const JWFeatureClass& features);
+/// The features of `a`, then those of `b`, as one operand; both must outlive it.
+std::unique_ptr<FeatureInput> joinedInput(FeatureInput& a, FeatureInput& b);
 std::unique_ptr<FeatureOutput> outputTo(JWFeatureLayer& layer);
 std::unique_ptr<FeatureOutput> outputTo(JWFeatureClass& features);
 

@@ -68,19 +68,8 @@ std::unique_ptr<JWGeometry> assembleOne(JWRing&& outer, std::vector<JWRing>& hol
     return polygon;
 }
 
-/// Builds the result of a clip; null when no outer ring reaches the tolerance.
 std::unique_ptr<JWGeometry> build(const ClippedContours& contours, double tolerance) {
-    thread_local std::vector<JWRing> outers, holes;
-    emptyKept(outers);
-    emptyKept(holes);
-    for (int i = 0; i < contours.count(); ++i) {
-        JWRing ring = contours.ring(i);
-        if (std::fabs(ring.getArea()) < tolerance) continue;
-        (contours.hole(i) == 0 ? outers : holes).push_back(std::move(ring));
-    }
-    if (outers.empty()) return nullptr;
-    if (outers.size() == 1) return assembleOne(std::move(outers.front()), holes);
-    return std::make_unique<JWMultiPolygon>(groupFirstFit(outers, holes));
+    return buildArea(contours, tolerance).geometry;
 }
 
 std::unique_ptr<JWGeometry> clip(const RingViews& a, const RingViews& b, enumJWBooleanType type,
@@ -92,15 +81,6 @@ RingViews viewsOf(const ClippedContours& contours) {
     RingViews views;
     for (int i = 0; i < contours.count(); ++i) views.push_back(contours.view(i));
     return views;
-}
-
-double areaOf(const ClippedContours& contours) {
-    double area = 0;
-    for (int i = 0; i < contours.count(); ++i) {
-        const double contour = std::fabs(contours.ring(i).getArea());
-        area += contours.hole(i) == 0 ? contour : -contour;
-    }
-    return area;
 }
 
 /// Tells where a polygon of A xor B comes from: by how much of its area lies in A. One that is
@@ -122,6 +102,49 @@ int originOf(const JWPolygon& piece, const Operands& operands) {
 }
 
 }  // namespace
+
+BuiltArea buildArea(const ClippedContours& contours, double tolerance) {
+    thread_local std::vector<JWRing> outers, holes;
+    emptyKept(outers);
+    emptyKept(holes);
+    BuiltArea built;
+    for (int i = 0; i < contours.count(); ++i) {
+        JWRing ring = contours.ring(i);
+        const double area = std::fabs(ring.getArea());
+        if (area < tolerance) {
+            built.dropped += contours.hole(i) == 0 ? area : -area;
+        } else {
+            (contours.hole(i) == 0 ? outers : holes).push_back(std::move(ring));
+        }
+    }
+    if (outers.size() == 1) {
+        built.geometry = assembleOne(std::move(outers.front()), holes);
+    } else if (outers.size() > 1) {
+        built.geometry = std::make_unique<JWMultiPolygon>(groupFirstFit(outers, holes));
+    }
+    return built;
+}
+
+/// About the first point.
+double areaOf(const RingView& ring) {
+    if (ring.count < 3) return 0;
+    const JWRawPoint o = ring.points[0];
+    double twice = 0;
+    for (int i = 1; i + 1 < ring.count; ++i) {
+        const JWRawPoint &p = ring.points[i], &q = ring.points[i + 1];
+        twice += (p.x - o.x) * (q.y - o.y) - (q.x - o.x) * (p.y - o.y);
+    }
+    return std::fabs(twice) / 2;
+}
+
+double areaOf(const ClippedContours& contours) {
+    double area = 0;
+    for (int i = 0; i < contours.count(); ++i) {
+        const double contour = areaOf(contours.view(i));
+        area += contours.hole(i) == 0 ? contour : -contour;
+    }
+    return area;
+}
 
 std::unique_ptr<JWGeometry> intersect(const JWGeometry& a, const JWGeometry& b, double tolerance) {
     if (!overlap(a, b)) return nullptr;

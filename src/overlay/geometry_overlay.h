@@ -10,6 +10,7 @@
 #include <memory>
 #include <vector>
 
+#include "boolean/ring_clip.h"
 #include "jw_geometry.h"
 
 namespace jws::detail {
@@ -27,6 +28,21 @@ struct OverlayPiece {
 };
 
 using OverlayPieces = std::vector<OverlayPiece>;
+
+/// A clip result as a geometry.
+struct BuiltArea {
+    std::unique_ptr<JWGeometry> geometry;  ///< null when no outer ring reaches the tolerance
+    double dropped = 0;  ///< area of the outer rings below the tolerance minus that of such holes
+};
+
+/// Builds polygons from contours, without rings of an area below `tolerance`.
+BuiltArea buildArea(const ClippedContours& contours, double tolerance);
+
+/// |area| of a ring.
+double areaOf(const RingView& ring);
+
+/// The area that contours enclose, holes taken off.
+double areaOf(const ClippedContours& contours);
 
 /// Returns what A and B have in common, without rings of an area below `tolerance`; null when
 /// nothing is left or the envelopes do not overlap.

@@ -2,21 +2,38 @@
 #include "overlay/result_schema.h"
 
 namespace jws::detail {
+namespace {
 
-ResultSchema::ResultSchema(FeatureInput& a, FeatureInput& b, int attributeMode,
-                           const std::string& areaField) {
-    if (attributeMode == 1 || attributeMode == 2) {
+JWField renamed(const JWField& field, const std::string& name) {
+    JWField copy(name.c_str(), field.getFieldType(), field.getWidth(), field.getPrecision(),
+                 field.getJustify());
+    copy.setSubType(field.getSubType());
+    return copy;
+}
+
+}  // namespace
+
+ResultSchema::ResultSchema(FeatureInput& a, FeatureInput& b, const JWOverlayOptions& options) {
+    const int mode = options.attributeMode;
+    if (mode == 1 || mode == 2) {
         addIdentifier(a, Origin::IdentifierA);
         addIdentifier(b, Origin::IdentifierB);
     }
-    if (attributeMode != 1) {
-        addFields(a, Origin::FieldA);
-        addFields(b, Origin::FieldB);
+    if (mode != 1) {
+        addFields(a, Origin::FieldA, {options.prefixA, b.fields()});
+        addFields(b, Origin::FieldB, {options.prefixB, a.fields()});
     }
-    if (!areaField.empty()) {
-        m_fields.emplace_back(areaField.c_str(), JWFieldReal);
-        m_columns.push_back({Origin::Area, 0});
-    }
+}
+
+void ResultSchema::addJoinCount() {
+    m_fields.emplace_back("join_count", JWFieldInteger);
+    m_columns.push_back({Origin::JoinCount, 0});
+}
+
+void ResultSchema::addArea(const std::string& name) {
+    if (name.empty()) return;
+    m_fields.emplace_back(name.c_str(), JWFieldReal);
+    m_columns.push_back({Origin::Area, 0});
 }
 
 void ResultSchema::addIdentifier(FeatureInput& input, Origin origin) {
@@ -26,10 +43,14 @@ void ResultSchema::addIdentifier(FeatureInput& input, Origin origin) {
     m_columns.push_back({origin, 0});
 }
 
-void ResultSchema::addFields(const FeatureInput& input, Origin origin) {
+void ResultSchema::addFields(const FeatureInput& input, Origin origin, const Prefix& prefix) {
     const JWFields* fields = input.fields();
     for (int i = 0; fields != nullptr && i < fields->getFieldCount(); ++i) {
-        m_fields.push_back(*fields->getFieldPtr(i));
+        const JWField& field = *fields->getFieldPtr(i);
+        const char* name = field.getFieldName();
+        const bool shared = !prefix.text.empty() && prefix.other != nullptr &&
+                            prefix.other->getFieldIndex(name) >= 0;
+        m_fields.push_back(shared ? renamed(field, prefix.text + name) : field);
         m_columns.push_back({origin, i});
     }
 }
@@ -37,20 +58,20 @@ void ResultSchema::addFields(const FeatureInput& input, Origin origin) {
 void ResultSchema::create(FeatureOutput& output) { m_schema = output.createFields(m_fields); }
 
 std::unique_ptr<JWFeature> ResultSchema::makeFeature(std::unique_ptr<JWGeometry> geometry,
-                                                     const JWFeature* a, const JWFeature* b,
-                                                     double area, std::string& lostField) const {
+                                                     const ResultValues& values,
+                                                     std::string& lostField) const {
     auto feature = std::make_unique<JWFeature>(m_schema);
     feature->setGeometryDirectly(geometry.release());
     for (std::size_t k = 0; k < m_columns.size(); ++k) {
         const int field = static_cast<int>(k);
-        if (!fill(*feature, field, m_columns[k], a, b, area))
-            lostField = m_fields[k].getFieldName();
+        if (!fill(*feature, field, m_columns[k], values)) lostField = m_fields[k].getFieldName();
     }
     return feature;
 }
 
-bool ResultSchema::fill(JWFeature& feature, int field, const Column& column, const JWFeature* a,
-                        const JWFeature* b, double area) {
+bool ResultSchema::fill(JWFeature& feature, int field, const Column& column,
+                        const ResultValues& values) {
+    const JWFeature *a = values.a, *b = values.b;
     switch (column.origin) {
         case Origin::IdentifierA:
             return a == nullptr || feature.setFieldValue(field, a->getFID64());
@@ -60,8 +81,10 @@ bool ResultSchema::fill(JWFeature& feature, int field, const Column& column, con
             return a == nullptr || feature.copyFieldFrom(field, *a, column.sourceField);
         case Origin::FieldB:
             return b == nullptr || feature.copyFieldFrom(field, *b, column.sourceField);
+        case Origin::JoinCount:
+            return feature.setFieldValue(field, values.joined);
         case Origin::Area:
-            return feature.setFieldValue(field, area);
+            return feature.setFieldValue(field, values.area);
     }
     return false;
 }

@@ -5,48 +5,71 @@
 #ifndef JW_OVERLAY_RESULT_SCHEMA_H
 #define JW_OVERLAY_RESULT_SCHEMA_H
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "jw_feature.h"
+#include "jw_overlayoptions.h"
 #include "overlay/feature_io.h"
 
 namespace jws::detail {
 
+/// Where the values of one result feature come from.
+struct ResultValues {
+    const JWFeature* a;   ///< null: its fields stay unset
+    const JWFeature* b;   ///< likewise
+    std::int64_t joined;  ///< for the count field
+    double area;          ///< for the area field
+};
+
 class ResultSchema {
   public:
-    /// Lays out the result fields for an attribute mode: 0 the fields of A, then of B; 1 one
-    /// identifier field for each, "FID_" and the operand's name; 2 both identifiers, then A's and
-    /// B's fields; any other mode acts as 0. Identifier fields are integers, 64 bits wide where the
-    /// operand's identifiers need it. `areaField`, unless empty, adds a real field at the end.
-    ResultSchema(FeatureInput& a, FeatureInput& b, int attributeMode, const std::string& areaField);
+    /// An empty schema; the result has the fields that are added.
+    ResultSchema() = default;
+    /// Lays out the fields of A, as `add` would.
+    explicit ResultSchema(const FeatureInput& a) { addFields(a, Origin::FieldA, {}); }
+    /// Lays out the fields of two operands for the options' attribute mode: 0 the fields of A, then
+    /// of B; 1 one identifier field for each, "FID_" and the operand's name; 2 both identifiers,
+    /// then A's and B's fields; any other mode acts as 0. Identifier fields are integers, 64 bits
+    /// wide where the operand's identifiers need it. Names that both have get the options'
+    /// prefixes.
+    ResultSchema(FeatureInput& a, FeatureInput& b, const JWOverlayOptions& options);
 
+    /// Adds an integer field "join_count".
+    void addJoinCount();
+    /// Adds a real field for the area; not for an empty name.
+    void addArea(const std::string& name);
     /// Creates the fields in the output and remembers the schema that it answers.
     void create(FeatureOutput& output);
 
-    /// Makes a result feature of `geometry`; `a` or `b` may be null, its fields stay unset then.
-    /// Thread-safe. `area` goes into the area field if there is one. `lostField` is set to the name
-    /// of a field whose value the result cannot hold, and left alone when all fit.
-    std::unique_ptr<JWFeature> makeFeature(std::unique_ptr<JWGeometry> geometry, const JWFeature* a,
-                                           const JWFeature* b, double area,
+    /// Makes a result feature of `geometry`. Thread-safe. `lostField` is set to the name of a field
+    /// whose value the result cannot hold, and left alone when all fit.
+    std::unique_ptr<JWFeature> makeFeature(std::unique_ptr<JWGeometry> geometry,
+                                           const ResultValues& values,
                                            std::string& lostField) const;
 
   private:
-    enum class Origin { IdentifierA, IdentifierB, FieldA, FieldB, Area };
+    enum class Origin { IdentifierA, IdentifierB, FieldA, FieldB, JoinCount, Area };
     struct Column {
         Origin origin;
         int sourceField;
     };
+    /// What goes in front of names that both operands have, and which those are.
+    struct Prefix {
+        std::string text;
+        const JWFields* other = nullptr;
+    };
     void addIdentifier(FeatureInput& input, Origin origin);
-    void addFields(const FeatureInput& input, Origin origin);
+    void addFields(const FeatureInput& input, Origin origin, const Prefix& prefix);
     /// Fills one field; false when it cannot hold the value.
-    static bool fill(JWFeature& feature, int field, const Column& column, const JWFeature* a,
-                     const JWFeature* b, double area);
+    static bool fill(JWFeature& feature, int field, const Column& column,
+                     const ResultValues& values);
 
     std::vector<JWField> m_fields;
     std::vector<Column> m_columns;
-    JWFields* m_schema = nullptr;
+    JWFields* m_schema = nullptr;  ///< borrowed from the output
 };
 
 }  // namespace jws::detail

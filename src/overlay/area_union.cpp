@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "overlay/area_union.h"
+
+#include <limits>
+#include <utility>
+
+#include "overlay/geometry_overlay.h"
+
+namespace jws::detail {
+namespace {
+
+constexpr std::size_t kBatch = 32;
+
+/// The rings of an area as far as they decide about a rectangle, in lists that outlive the call.
+struct Extract {
+    RingSet shortened;
+    RingViews rings;
+    void take(const Area& area, const JWEnvelop& window) {
+        shortened.clear();
+        emptyKept(rings);
+        area.appendWithin(window, shortened, rings);
+    }
+};
+
+/// Unites areas as far as they decide about a rectangle.
+ClippedContours unite(const std::vector<Area>& areas, const JWEnvelop& window) {
+    std::vector<Extract> extracts(areas.size());
+    std::vector<RingViews> sets;
+    sets.reserve(areas.size());
+    for (std::size_t i = 0; i < areas.size(); ++i) {
+        extracts[i].take(areas[i], window);
+        sets.push_back(std::move(extracts[i].rings));
+    }
+    return uniteRings(sets);
+}
+
+}  // namespace
+
+ClippedContours intersectAreas(const Area& a, const Area& b) {
+    thread_local Extract fromA, fromB;
+    JWEnvelop common;
+    if (!a.overlaps(b) || !common.intersect(a.envelop(), b.envelop())) return {};
+    fromA.take(a, common);
+    fromB.take(b, common);
+    return clipRings(fromA.rings, fromB.rings, JWBooleanIntersection);
+}
+
+bool reaches(const ClippedContours& contours, double tolerance) {
+    for (int i = 0; i < contours.count(); ++i) {
+        if (contours.hole(i) == 0 && !(areaOf(contours.view(i)) < tolerance)) return true;
+    }
+    return false;
+}
+
+JWEnvelop everywhere() {
+    constexpr double most = std::numeric_limits<double>::max();
+    return JWEnvelop(-most, -most, most, most);
+}
+
+void AreaUnion::add(const Area& area) {
+    if (area.isEmpty() || !area.envelop().intersected(m_window)) return;
+    m_batch.push_back(area);
+    if (m_batch.size() == kBatch) flush();
+}
+
+void AreaUnion::flush() {
+    if (m_batch.empty()) return;
+    m_united.push_back({unite(m_batch, m_window), 0});
+    m_batch.clear();
+    while (m_united.size() > 1 && m_united.back().rank >= m_united[m_united.size() - 2].rank) {
+        mergeLast();
+    }
+}
+
+void AreaUnion::mergeLast() {
+    const ClippedContours last = std::move(m_united.back().contours);
+    m_united.pop_back();
+    const United before = std::move(m_united.back());
+    m_united.pop_back();
+    m_united.push_back(
+        {clipRings(before.contours.views(), last.views(), JWBooleanUnion), before.rank + 1});
+}
+
+const RingViews& AreaUnion::rings() {
+    m_rings.clear();
+    if (m_united.empty() && m_batch.size() == 1) {
+        m_shortened.clear();
+        m_batch.front().appendWithin(m_window, m_shortened, m_rings);
+        return m_rings;
+    }
+    flush();
+    while (m_united.size() > 1) mergeLast();
+    if (!m_united.empty()) m_rings = m_united.front().contours.views();
+    return m_rings;
+}
+
+ClippedContours AreaUnion::contours() {
+    flush();
+    while (m_united.size() > 1) mergeLast();
+    if (m_united.empty()) return {};
+    ClippedContours all = std::move(m_united.front().contours);
+    m_united.clear();
+    return all;
+}
+
+ClippedContours eraseUnion(const Area& a, AreaUnion& cutters) {
+    return clipRings(a.rings(), cutters.rings(), JWBooleanDifference);
+}
+
+}  // namespace jws::detail

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+//
+// Operations that cut each feature by those around it: the pieces inside, the rest outside, or
+// both. What is outside is the feature minus the union of the others, taken off at once: taken off
+// one after the other they would leave slivers along borders that two of them share.
+#include <utility>
+
+#include "overlay/area_check.h"
+#include "overlay/area_union.h"
+#include "overlay/layer_operations.h"
+
+namespace jws::detail {
+namespace {
+
+/// What becomes of a feature.
+struct Cut {
+    bool pieces;  ///< what it has in common with each other feature, with the attributes of both
+    bool rest;    ///< what is outside of all others, with its own attributes
+    bool overB;   ///< it is a feature of B
+    double tolerance;
+    bool check;
+
+    void operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const;
+    void emitRest(const OverlayFeature& self, AreaUnion& cutters, PieceCheck& made,
+                  Emitter& out) const;
+    void emit(BuiltArea&& built, const OverlayFeature& self, const OverlayFeature* other,
+              Emitter& out) const {
+        const JWFeature* theirs = other != nullptr ? other->get() : nullptr;
+        out.emit(std::move(built), overB ? theirs : self.get(), overB ? self.get() : theirs);
+    }
+};
+
+void Cut::operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const {
+    AreaUnion cutters(self.area.envelop());
+    PieceCheck made(self.area);
+    while (const OverlayFeature* other = around.next()) {
+        if (!self.area.overlaps(other->area)) continue;
+        if (pieces) {
+            try {
+                ClippedContours common = intersectAreas(self.area, other->area);
+                if (common.count() == 0) continue;
+                emit(buildArea(common, tolerance), self, other, out);
+                if (check) made.add(std::move(common));
+            } catch (const ClipFailure& failure) {
+                out.reject(*other, failure.what());
+                continue;  // so that the area stays in the rest
+            }
+        }
+        if (rest || check) cutters.add(other->area);
+    }
+    if (rest) {
+        emitRest(self, cutters, made, out);
+    } else if (check) {
+        out.addMismatch(made.mismatch(cutters, -1));
+    }
+}
+
+void Cut::emitRest(const OverlayFeature& self, AreaUnion& cutters, PieceCheck& made,
+                   Emitter& out) const {
+    if (cutters.isEmpty()) {
+        emit({std::unique_ptr<JWGeometry>(self.geometry().clone())}, self, nullptr, out);
+        return;
+    }
+    const ClippedContours outside = eraseUnion(self.area, cutters);
+    emit(buildArea(outside, tolerance), self, nullptr, out);
+    if (!check) return;
+    const double area = areaOf(outside);
+    out.addMismatch(pieces ? made.mismatch(cutters, area)
+                           : mismatchOfCut(self.area, cutters, area));
+}
+
+OverlayPass cutPass(const JWOverlayOptions& options, bool pieces, bool rest, bool overB) {
+    return {overB, Cut{pieces, rest, overB, options.tolerance, options.checkAreas}};
+}
+
+OverlayPass remainderOfB(const JWOverlayOptions& options) {
+    return cutPass(options, false, true, true);
+}
+
+}  // namespace
+
+Passes intersectPasses(const JWOverlayOptions& options, std::int64_t) {
+    return {cutPass(options, true, false, false)};
+}
+
+Passes erasePasses(const JWOverlayOptions& options, std::int64_t) {
+    return {cutPass(options, false, true, false)};
+}
+
+Passes identityPasses(const JWOverlayOptions& options, std::int64_t) {
+    OverlayPass pass = cutPass(options, true, true, false);
+    pass.texts.start = [](int group) {
+        JWReport::message("group %d checking overlap in identity layer...\n", group);
+        JWReport::message("do identity in group %d\n", group);
+    };
+    pass.texts.end = [](int group, int written) {
+        JWReport::message("group %d writted %d features to result layer!\n", group, written);
+    };
+    return {std::move(pass)};
+}
+
+Passes planarUnionPasses(const JWOverlayOptions& options, std::int64_t) {
+    OverlayPass ofA = cutPass(options, true, true, false);
+    ofA.texts.start = [](int group) {
+        JWReport::message("group %d doing intersect step TWO...\n", group);
+        JWReport::message("group %d doing erase step ONE...\n", group);
+    };
+    OverlayPass ofB = remainderOfB(options);
+    ofB.texts.start = [](int group) {
+        JWReport::message("group %d doing erase step TWO...\n", group);
+    };
+    return {std::move(ofA), std::move(ofB)};
+}
+
+Passes symmetricalDifferencePasses(const JWOverlayOptions& options, std::int64_t) {
+    OverlayPass ofA = cutPass(options, false, true, false), ofB = remainderOfB(options);
+    ofA.texts.start = [](int group) {
+        JWReport::message("group %d checking overlap in symmetrical difference layer...\n", group);
+        JWReport::message("do symmetrical difference in group %d\n", group);
+        JWReport::message("group %d doing step ONE...\n", group);
+    };
+    ofB.texts.start = [](int group) {
+        JWReport::message("group %d checking overlap in input group...\n", group);
+        JWReport::message("do symmetrical difference in group %d\n", group);
+        JWReport::message("group %d doing step TWO...\n", group);
+    };
+    ofA.texts.end = ofB.texts.end = [](int group, int written) {
+        JWReport::message("group %d writted %d features to result layer!\n", group, written);
+    };
+    return {std::move(ofA), std::move(ofB)};
+}
+
+}  // namespace jws::detail

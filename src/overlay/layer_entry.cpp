@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include "overlay/layer_entry.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+
+#include "foundation/api_guard.h"
+#include "overlay/layer_checks.h"
+
+namespace jws::detail {
+
+const LayerOperation intersectOperation = {"intersectPolygonLayers", Attributes::OfBoth,
+                                           intersectPasses};
+const LayerOperation eraseOperation = {"erasePolygonLayer", Attributes::OfA, erasePasses};
+const LayerOperation identityOperation = {"identityPolygonLayers", Attributes::OfBoth,
+                                          identityPasses};
+const LayerOperation growOperation = {"unionPolygonLayers", Attributes::OfBoth, clusterPasses,
+                                      true};
+const LayerOperation planarUnionOperation = {"unionPolygonLayers2", Attributes::OfBoth,
+                                             planarUnionPasses};
+const LayerOperation symmetricalDifferenceOperation = {
+    "symmetricalDifferencePolygonLayers", Attributes::OfBoth, symmetricalDifferencePasses};
+const LayerOperation updateOperation = {"updatePolygonLayer", Attributes::OfBoth, updatePasses};
+const LayerOperation spatialJoinOperation = {"spatialJoinPolygonLayers", Attributes::OfBothCount,
+                                             spatialJoinPasses};
+const LayerOperation growWithinOperation = {"unionPolygonsInSameLayer", Attributes::OfA,
+                                            clusterPasses, false, true};
+const LayerOperation partitionWithinOperation = {"unionPolygonsInSameLayer2", Attributes::OfBoth,
+                                                 partitionPasses, false, true};
+const LayerOperation overlapWithinOperation = {"intersectPolygonsInSameLayer", Attributes::OfA,
+                                               overlapPasses, false, true};
+const LayerOperation overlapPiecesWithinOperation = {
+    "intersectPolygonsInSameLayer2", Attributes::OfBoth, overlapPiecesPasses, false, true};
+
+namespace {
+
+/// The last error after a run to the end: the first feature that is missing from the result, if
+/// there is one. It stands in for the report where the caller has none.
+void reportRejected(const std::vector<JWRejectedFeature>& rejected) {
+    if (rejected.empty()) return JWReport::clearError();
+    const JWRejectedFeature& first = rejected.front();
+    std::string text = (first.source.empty() ? "" : first.source + ", ") + "layer " + first.layer +
+                       ", feature " + std::to_string(first.fid) + ": " + first.reason;
+    if (rejected.size() > 1) text += "; and " + std::to_string(rejected.size() - 1) + " more";
+    JWReport::setError(JWErrorFeatureRejected, text, first.fid);
+}
+
+ResultSchema schemaOf(const LayerOperation& operation, FeatureInput& a, FeatureInput& b,
+                      const JWOverlayOptions& options) {
+    if (operation.attributes == Attributes::OfA) return ResultSchema(a);
+    ResultSchema schema(a, b, options);
+    if (operation.attributes == Attributes::OfBothCount) schema.addJoinCount();
+    return schema;
+}
+
+/// Judges the residual of a run whose areas were checked.
+void judge(JWLayerReport& report) {
+    constexpr double most = 1e-9;
+    report.checked = true;
+    const double input = report.areaA + report.areaB;
+    if (report.residual <= most * input) return;
+    char text[160];
+    std::snprintf(text, sizeof text,
+                  "the areas do not add up: %.6g square units of %.6g are missing or counted twice",
+                  report.residual, input);
+    report.warning = text;
+}
+
+std::int64_t runJob(const LayerOperation& operation, FeatureInput& a, FeatureInput& b,
+                    FeatureOutput& output, const JWOverlayOptions& options, JWLayerReport& report) {
+    const std::unique_ptr<FeatureInput> joined =
+        operation.joinsLayers ? joinedInput(a, b) : nullptr;
+    FeatureInput& first = joined ? *joined : a;
+    FeatureInput& second = joined ? *joined : b;
+    OverlayJob job = {first, second, output, schemaOf(operation, a, b, options),
+                      operation.passes(options, first.count())};
+    const std::int64_t written = runLayerOverlay(job, options, report);
+    if (options.checkAreas) judge(report);
+    return written;
+}
+
+/// Runs an operation; returns the number of features written or −1 with the last error set.
+int run(const LayerOperation& operation, FeatureInput& a, FeatureInput& b, FeatureOutput& output,
+        const JWOverlayOptions& options, JWLayerReport* report) {
+    JWLayerReport account;
+    int result = -1;
+    try {
+        const std::int64_t written = runJob(operation, a, b, output, options, account);
+        result = static_cast<int>(std::min<std::int64_t>(written, INT_MAX));
+        reportRejected(account.rejected);
+    } catch (const LayerFailure& failure) {
+        JWReport::setError(failure.error.kind, failure.error.text, failure.error.feature);
+    } catch (...) {
+        keepCurrentException(operation.name);
+    }
+    if (report != nullptr) *report = std::move(account);
+    return result;
+}
+
+}  // namespace
+
+int overlayLayers(const LayerOperation& operation, JWFeatureLayer* a, JWFeatureLayer* b,
+                  JWFeatureLayer* output, const JWOverlayOptions& options, JWLayerReport* report) {
+    return guarded(operation.name, -1, [&] {
+        JWReport::clearError();
+        if (report != nullptr) *report = JWLayerReport();
+        const int refused = checkOverlayLayers(a, b, output);
+        if (refused != 0) return refused;
+        return run(operation, *inputFrom(*a), *inputFrom(*b), *outputTo(*output), options, report);
+    });
+}
+
+int overlayWithinLayer(const LayerOperation& operation, JWFeatureLayer* input,
+                       JWFeatureLayer* output, const JWOverlayOptions& options,
+                       JWLayerReport* report) {
+    return guarded(operation.name, -1, [&] {
+        JWReport::clearError();
+        if (report != nullptr) *report = JWLayerReport();
+        const int refused = checkOverlayLayers(input, input, output);
+        if (refused != 0) return refused;
+        const std::unique_ptr<FeatureInput> features = inputFrom(*input);
+        return run(operation, *features, *features, *outputTo(*output), options, report);
+    });
+}
+
+int overlayClasses(const LayerOperation& operation, const NamedClass& a, const NamedClass& b,
+                   JWFeatureClass& output, const JWOverlayOptions& options) {
+    return guarded(operation.name, -1, [&] {
+        JWReport::clearError();
+        if (a.features == nullptr || b.features == nullptr || a.features == &output ||
+            b.features == &output) {
+            JWReport::setError(JWErrorInvalidArgument,
+                               "a feature class of the overlay is missing, or input and result");
+            return -1;
+        }
+        if (!checkReferences(a.features->getSpatialReference(), a.name ? a.name : "A",
+                             b.features->getSpatialReference(), b.name ? b.name : "B")) {
+            return -2;
+        }
+        output.clearAll();
+        output.setSpatialReference(a.features->getSpatialReference());
+        const std::unique_ptr<FeatureInput> inputA = inputFrom(a.name, *a.features);
+        const std::unique_ptr<FeatureInput> inputB =
+            operation.withinLayer ? nullptr : inputFrom(b.name, *b.features);
+        return run(operation, *inputA, inputB ? *inputB : *inputA, *outputTo(output), options,
+                   nullptr);
+    });
+}
+
+JWFeatureClass* overlayClasses(const LayerOperation& operation, const NamedClass& a,
+                               const NamedClass& b, const JWOverlayOptions& options) {
+    return guarded(operation.name, static_cast<JWFeatureClass*>(nullptr), [&] {
+        auto result = std::make_unique<JWFeatureClass>();
+        if (overlayClasses(operation, a, b, *result, options) < 0) result.reset();
+        return result.release();
+    });
+}
+
+}  // namespace jws::detail

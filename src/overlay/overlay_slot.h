@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+//
+// What becomes of one feature on its way through an overlay: the slot that a worker fills, to be
+// written when its turn comes, and the emitter through which an operation fills it.
+#ifndef JW_OVERLAY_OVERLAY_SLOT_H
+#define JW_OVERLAY_OVERLAY_SLOT_H
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "overlay/feature_check.h"
+#include "overlay/feature_io.h"
+#include "overlay/geometry_overlay.h"
+#include "overlay/layer_side.h"
+#include "overlay/result_schema.h"
+
+namespace jws::detail {
+
+struct Slot {
+    struct Result {
+        std::unique_ptr<JWFeature> feature;
+        std::shared_ptr<JWFeatureRecord> record;
+        double area;
+        std::string lostField;
+    };
+    using Results = std::vector<Result>;
+
+    AreaCheck check = AreaCheck::Usable;
+    JWEnvelop envelop = JWEnvelop::invalid();
+    double inputArea = 0;
+    std::size_t pairs = 0;
+    Results results;
+    double dropped = 0;
+    double mismatch = 0;
+    std::vector<std::string> failures;
+    std::atomic<bool> complete{false};
+};
+
+/// Takes what an operation makes of one feature, in order.
+class Emitter {
+  public:
+    /// `prepareFor`: the output that results are prepared for ahead of their turn; may be null.
+    /// `others`: the operand that the feature is overlaid with. `multipart`: whether a result of
+    /// several parts stays one feature.
+    Emitter(const ResultSchema& schema, const FeatureOutput* prepareFor, FeatureInput& others,
+            bool multipart, Slot& slot)
+        : m_schema(schema),
+          m_prepareFor(prepareFor),
+          m_others(others),
+          m_multipart(multipart),
+          m_slot(slot) {}
+
+    /// Adds a result with the attributes of `a` and `b`, either of which may be null; `joined` goes
+    /// into the count field, if there is one.
+    void emit(std::unique_ptr<JWGeometry> geometry, const JWFeature* a, const JWFeature* b,
+              std::int64_t joined = 0);
+    /// Adds a clip result, if something of it reached the tolerance, and accounts for the rest.
+    void emit(BuiltArea&& built, const JWFeature* a, const JWFeature* b);
+    /// Puts the feature at hand on the list of those not processed in full: it and `other` could
+    /// not be overlaid.
+    void reject(const OverlayFeature& other, const char* reason);
+    void reject(const char* reason) { m_slot.failures.emplace_back(reason); }
+    /// Adds to what the areas of the results differ by from what they should be.
+    void addMismatch(double area) { m_slot.mismatch += area; }
+
+  private:
+    void add(std::unique_ptr<JWGeometry> geometry, const JWFeature* a, const JWFeature* b,
+             std::int64_t joined);
+
+    const ResultSchema& m_schema;
+    const FeatureOutput* m_prepareFor;
+    FeatureInput& m_others;
+    bool m_multipart;
+    Slot& m_slot;
+};
+
+}  // namespace jws::detail
+
+#endif  // JW_OVERLAY_OVERLAY_SLOT_H
