@@ -87,7 +87,9 @@ struct JWLayerReport {
     std::int64_t written = 0;  ///< features written to the result
 
     // Areas in square layer units, summed over features: what features of one layer have in common
-    // counts for each of them.
+    // counts for each of them. The area of a feature that is read, and of its copy in the result,
+    // is that of its outer rings minus its holes; when areas are checked, that of the area which
+    // its rings, crossing ones too, enclose by the even-odd rule.
     double areaA = 0;        ///< of the features read from the input layer
     double areaB = 0;        ///< of the features read from the overlay layer
     double area = 0;         ///< of the features written

@@ -33,54 +33,33 @@ int groupsOf(int count) { return (count + kFan - 1) / kFan; }
 
 }  // namespace
 
-/// Walks a ring from run to run and hands on the points that stay.
-class ChainBoxes::Shortener {
+/// Takes the points of a ring in order and hands on those that stay.
+class Shortener {
   public:
-    Shortener(const ChainBoxes& boxes, const Chains& chains, const RingView& ring,
-              const JWEnvelop& window, RingSet& out)
-        : m_boxes(boxes), m_chains(chains), m_ring(ring), m_window(window), m_out(out) {}
+    Shortener(const JWEnvelop& window, RingSet& out) : m_window(window), m_out(out) {}
 
-    void run() {
-        walk(m_chains.levelCount - 1, 0);
-        m_out.addPoint(m_pending);
-        m_out.endRing(m_ring.hole);
+    void takeAll(const RingView& ring) {
+        for (int i = 0; i < ring.count; ++i) take(ring.points[i]);
+    }
+
+    void take(const JWRawPoint& p) { takeLast(p, sidesBeyond(p, m_window)); }
+
+    /// Takes a run of points that all lie beyond `sides`.
+    void takeRun(const JWRawPoint* first, const JWRawPoint* last, unsigned sides) {
+        const bool turns = (m_common & sides) == 0;
+        if (turns) take(*first);
+        if (!turns || last != first) takeLast(*last, sides);
+    }
+
+    void end(int hole) {
+        if (m_started) m_out.addPoint(m_pending);
+        m_out.endRing(hole);
     }
 
   private:
-    void walk(std::size_t level, int group) {
-        const Level& boxes = m_boxes.m_levels[m_chains.firstLevel + level];
-        const unsigned sides =
-            sidesBeyond(m_boxes.m_boxes[boxes.first + static_cast<std::size_t>(group)], m_window);
-        if (sides != 0) {
-            skip(level, group, sides);
-            return;
-        }
-        const int below =
-            level == 0 ? m_ring.count : m_boxes.m_levels[m_chains.firstLevel + level - 1].count;
-        const int end = std::min((group + 1) * kFan, below);
-        for (int i = group * kFan; i < end; ++i) {
-            if (level == 0) {
-                take(m_ring.points[i], sidesBeyond(m_ring.points[i], m_window));
-            } else {
-                walk(level - 1, i);
-            }
-        }
-    }
-
-    /// A run of points that all lie beyond `sides`.
-    void skip(std::size_t level, int group, unsigned sides) {
-        std::int64_t size = kFan;
-        for (std::size_t l = 0; l < level; ++l) size *= kFan;
-        const std::int64_t first = group * size;
-        const std::int64_t end = std::min<std::int64_t>(first + size, m_ring.count);
-        const bool turns = (m_common & sides) == 0;
-        if (turns) take(m_ring.points[first], sidesBeyond(m_ring.points[first], m_window));
-        if (!turns || end - 1 > first) take(m_ring.points[end - 1], sides);
-    }
-
     /// The next point, or the last of a run beyond `sides`: the one before it is kept unless the
     /// stretch since the last point kept lies beyond a side.
-    void take(const JWRawPoint& p, unsigned sides) {
+    void takeLast(const JWRawPoint& p, unsigned sides) {
         if (!m_started) {
             m_started = true;
         } else if ((m_common & sides) == 0) {
@@ -92,15 +71,36 @@ class ChainBoxes::Shortener {
         m_pending = p;
     }
 
-    const ChainBoxes& m_boxes;
-    const Chains& m_chains;
-    const RingView& m_ring;
     const JWEnvelop& m_window;
     RingSet& m_out;
     JWRawPoint m_pending = {};
     unsigned m_common = 0;  ///< sides that the stretch since the last point kept lies beyond
     bool m_started = false;
 };
+
+void ChainBoxes::walk(const Chains& chains, std::size_t level, int group, const RingView& ring,
+                      const JWEnvelop& window, Shortener& shortener) const {
+    const Level& boxes = m_levels[chains.firstLevel + level];
+    const unsigned sides =
+        sidesBeyond(m_boxes[boxes.first + static_cast<std::size_t>(group)], window);
+    if (sides != 0) {
+        std::int64_t size = kFan;
+        for (std::size_t l = 0; l < level; ++l) size *= kFan;
+        const std::int64_t first = group * size;
+        const std::int64_t last = std::min<std::int64_t>(first + size, ring.count) - 1;
+        shortener.takeRun(ring.points + first, ring.points + last, sides);
+        return;
+    }
+    const int below = level == 0 ? ring.count : m_levels[chains.firstLevel + level - 1].count;
+    const int end = std::min((group + 1) * kFan, below);
+    for (int i = group * kFan; i < end; ++i) {
+        if (level == 0) {
+            shortener.take(ring.points[i]);
+        } else {
+            walk(chains, level - 1, i, ring, window, shortener);
+        }
+    }
+}
 
 ChainBoxes::ChainBoxes(const RingViews& rings) {
     std::size_t total = 0;
@@ -143,7 +143,9 @@ void ChainBoxes::appendWithin(const RingViews& rings, const JWEnvelop& box, Ring
         if (box.isContain(whole)) {
             views.push_back(rings[i]);
         } else {
-            Shortener(*this, chains, rings[i], box, storage).run();
+            Shortener shortener(box, storage);
+            walk(chains, chains.levelCount - 1, 0, rings[i], box, shortener);
+            shortener.end(rings[i].hole);
         }
     }
     for (int i = 0; i < storage.count(); ++i) views.push_back(storage.view(i));
@@ -175,10 +177,17 @@ void Area::prepare() {
 }
 
 void Area::appendWithin(const JWEnvelop& box, RingSet& storage, RingViews& views) const {
-    if (m_chains && !box.isContain(m_envelop)) {
+    if (box.isContain(m_envelop)) {
+        views.insert(views.end(), m_rings.begin(), m_rings.end());
+    } else if (m_chains) {
         m_chains->appendWithin(m_rings, box, storage, views);
     } else {
-        views.insert(views.end(), m_rings.begin(), m_rings.end());
+        for (const RingView& ring : m_rings) {
+            Shortener shortener(box, storage);
+            shortener.takeAll(ring);
+            shortener.end(ring.hole);
+        }
+        for (int i = 0; i < storage.count(); ++i) views.push_back(storage.view(i));
     }
 }
 

@@ -13,6 +13,8 @@
 
 namespace jws::detail {
 
+class Shortener;
+
 /// Boxes over runs of eight points of each ring, boxes over eight of these, and so on.
 class ChainBoxes {
   public:
@@ -32,9 +34,9 @@ class ChainBoxes {
         std::size_t firstLevel;
         std::size_t levelCount;
     };
-    class Shortener;
-
     void addRing(const RingView& ring);
+    void walk(const Chains& chains, std::size_t level, int group, const RingView& ring,
+              const JWEnvelop& window, Shortener& shortener) const;
 
     std::vector<JWEnvelop> m_boxes;
     std::vector<Level> m_levels;

@@ -136,8 +136,7 @@ struct UniteClusters {
         std::shared_ptr<const JWFeature> firsts[2];
         firsts[second ? 1 : 0] = self.feature;
         if (members.size() == 1) {
-            out.emit(std::unique_ptr<JWGeometry>(self.geometry().clone()), firsts[0].get(),
-                     firsts[1].get());
+            out.emitCopy(self, firsts[0].get(), firsts[1].get());
             return;
         }
         AreaUnion united(everywhere());

@@ -58,8 +58,7 @@ void Cut::operator()(const OverlayFeature& self, Surroundings& around, Emitter& 
 void Cut::emitRest(const OverlayFeature& self, AreaUnion& cutters, PieceCheck& made,
                    Emitter& out) const {
     if (cutters.isEmpty()) {
-        emit({std::unique_ptr<JWGeometry>(self.geometry().clone())}, self, nullptr, out);
-        return;
+        return out.emitCopy(self, overB ? nullptr : self.get(), overB ? self.get() : nullptr);
     }
     const ClippedContours outside = eraseUnion(self.area, cutters);
     emit(buildArea(outside, tolerance), self, nullptr, out);

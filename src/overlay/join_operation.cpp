@@ -28,8 +28,7 @@ struct Join {
         }
         if (matches.empty() && options.keepUnmatched) matches.push_back(nullptr);
         for (const auto& match : matches) {
-            out.emit(std::unique_ptr<JWGeometry>(self.geometry().clone()), self.get(), match.get(),
-                     count);
+            out.emitCopy(self, self.get(), match.get(), count);
         }
     }
 };

@@ -12,6 +12,7 @@
 #include <climits>
 
 #include "foundation/parallel.h"
+#include "overlay/area_check.h"
 #include "overlay/block_filter.h"
 
 namespace jws::detail {
@@ -31,12 +32,22 @@ bool isRefusal(enumJWErrorKind kind) {
     return kind == JWErrorFeatureRejected || kind == JWErrorWrongGeometryType;
 }
 
+/// The area of what rings enclose by the even-odd rule, however they cross.
+double resolvedArea(const JWGeometry& geometry) {
+    try {
+        return resolvedArea(Area(geometry));
+    } catch (const ClipFailure&) {
+        return areaOf(geometry);
+    }
+}
+
 /// Fills in what the driver has to know of a feature before the operation sees it.
-void measure(const JWFeature& feature, Slot& slot) {
+void measure(const JWFeature& feature, bool resolve, Slot& slot) {
     slot.check = checkArea(feature);
     if (slot.check != AreaCheck::Usable) return;
-    slot.envelop = envelopOf(*feature.getGeometryPtr());
-    slot.inputArea = areaOf(*feature.getGeometryPtr());
+    const JWGeometry& geometry = *feature.getGeometryPtr();
+    slot.envelop = envelopOf(geometry);
+    slot.inputArea = resolve ? resolvedArea(geometry) : areaOf(geometry);
 }
 
 class OverlayRun {
@@ -122,7 +133,7 @@ void OverlayRun::indexWhole(LayerSide& side) {
         if (!feature) break;
         if (position % 4096 == 0 && !JWReport::progress(m_done, m_total)) stop();
         Slot slot;
-        measure(*feature, slot);
+        measure(*feature, m_options.checkAreas, slot);
         countRead(side, position, *feature, slot);
     }
     side.setRead();
@@ -140,7 +151,7 @@ void OverlayRun::process(const OverlayPass& pass, std::int64_t begin, std::int64
         std::int64_t runEnd = begin;
         for (; runEnd < end && surroundings.size() < neighboursInARun; ++runEnd) {
             Slot& slot = m_slots[runEnd];
-            measure(*m_block[runEnd], slot);
+            measure(*m_block[runEnd], m_options.checkAreas, slot);
             if (slot.check == AreaCheck::Usable) slot.pairs = surroundings.add(slot.envelop);
         }
         for (; begin < runEnd; ++begin) {

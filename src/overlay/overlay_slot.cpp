@@ -5,29 +5,36 @@
 
 namespace jws::detail {
 
-void Emitter::emit(std::unique_ptr<JWGeometry> geometry, const JWFeature* a, const JWFeature* b,
-                   std::int64_t joined) {
-    if (m_multipart || geometry->getGeometryType() != JWGeometryMultiPolygon) {
-        add(std::move(geometry), a, b, joined);
-        return;
-    }
-    auto& parts = static_cast<JWMultiPolygon&>(*geometry);
-    for (int i = 0; i < parts.getPolygonCount(); ++i) {
-        add(std::make_unique<JWPolygon>(std::move(*parts.getPolygonPtrAt(i))), a, b, joined);
-    }
+void Emitter::emitCopy(const OverlayFeature& self, const JWFeature* a, const JWFeature* b,
+                       std::int64_t joined) {
+    add(std::unique_ptr<JWGeometry>(self.geometry().clone()), {a, b, joined}, m_slot.inputArea);
 }
 
 void Emitter::emit(BuiltArea&& built, const JWFeature* a, const JWFeature* b) {
     m_slot.dropped += built.dropped;
-    if (built.geometry) emit(std::move(built.geometry), a, b);
+    if (!built.geometry) return;
+    const double area = areaOf(*built.geometry);
+    add(std::move(built.geometry), {a, b, 0}, area);
 }
 
-void Emitter::add(std::unique_ptr<JWGeometry> geometry, const JWFeature* a, const JWFeature* b,
-                  std::int64_t joined) {
+void Emitter::add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area) {
+    if (m_multipart || geometry->getGeometryType() != JWGeometryMultiPolygon) {
+        addResult(std::move(geometry), values, area);
+        return;
+    }
+    auto& parts = static_cast<JWMultiPolygon&>(*geometry);
+    for (int i = 0; i < parts.getPolygonCount(); ++i) {
+        auto part = std::make_unique<JWPolygon>(std::move(*parts.getPolygonPtrAt(i)));
+        const double partArea = part->getArea();
+        addResult(std::move(part), values, partArea);
+    }
+}
+
+void Emitter::addResult(std::unique_ptr<JWGeometry> geometry, const Values& values, double area) {
     Slot::Result result;
-    result.area = areaOf(*geometry);
-    result.feature =
-        m_schema.makeFeature(std::move(geometry), {a, b, joined, result.area}, result.lostField);
+    result.area = area;
+    result.feature = m_schema.makeFeature(
+        std::move(geometry), {values.a, values.b, values.joined, area}, result.lostField);
     if (m_prepareFor != nullptr) result.record = m_prepareFor->prepare(*result.feature);
     m_slot.results.push_back(std::move(result));
 }

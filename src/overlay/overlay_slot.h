@@ -52,10 +52,10 @@ class Emitter {
           m_multipart(multipart),
           m_slot(slot) {}
 
-    /// Adds a result with the attributes of `a` and `b`, either of which may be null; `joined` goes
-    /// into the count field, if there is one.
-    void emit(std::unique_ptr<JWGeometry> geometry, const JWFeature* a, const JWFeature* b,
-              std::int64_t joined = 0);
+    /// Adds the feature at hand as it is, with the attributes of `a` and `b`, either of which may
+    /// be null; `joined` goes into the count field, if there is one.
+    void emitCopy(const OverlayFeature& self, const JWFeature* a, const JWFeature* b,
+                  std::int64_t joined = 0);
     /// Adds a clip result, if something of it reached the tolerance, and accounts for the rest.
     void emit(BuiltArea&& built, const JWFeature* a, const JWFeature* b);
     /// Puts the feature at hand on the list of those not processed in full: it and `other` could
@@ -66,8 +66,15 @@ class Emitter {
     void addMismatch(double area) { m_slot.mismatch += area; }
 
   private:
-    void add(std::unique_ptr<JWGeometry> geometry, const JWFeature* a, const JWFeature* b,
-             std::int64_t joined);
+    /// What a result carries besides its geometry.
+    struct Values {
+        const JWFeature* a;
+        const JWFeature* b;
+        std::int64_t joined;
+    };
+    /// Adds a geometry of a known area, in parts if need be.
+    void add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);
+    void addResult(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);
 
     const ResultSchema& m_schema;
     const FeatureOutput* m_prepareFor;

@@ -107,8 +107,11 @@ class Partition {
         std::vector<Piece> parts;
         m_neighbours.overlapping(piece.area, [&](const OverlayFeature& other) {
             if (other.position <= piece.last) return true;
+            auto part =
+                std::make_shared<const ClippedContours>(intersectAreas(piece.area, other.area));
+            if (part->count() == 0) return true;
             others.add(other.area);
-            if (other.position > m_self.position) addPart(piece, other, parts);
+            if (other.position > m_self.position) addPart(piece, other, std::move(part), parts);
             covered = covers(other.area, piece.area);
             return !covered;
         });
@@ -124,10 +127,9 @@ class Partition {
         return eraseUnion(piece, cutter).count() == 0;
     }
 
-    /// Adds what of a piece lies in `other` and in no feature between.
-    void addPart(const Piece& piece, const OverlayFeature& other, std::vector<Piece>& parts) const {
-        auto part = std::make_shared<const ClippedContours>(intersectAreas(piece.area, other.area));
-        if (part->count() == 0) return;
+    /// Adds what of `part`, the common part of a piece and `other`, lies in no feature between.
+    void addPart(const Piece& piece, const OverlayFeature& other, SharedContours part,
+                 std::vector<Piece>& parts) const {
         Area area(part->views(), part);
         AreaUnion between(area.envelop());
         m_neighbours.overlapping(area, [&](const OverlayFeature& feature) {
@@ -151,8 +153,7 @@ class Partition {
             emit(*piece.contours, piece);
         } else {
             m_area += resolvedArea(piece.area);
-            m_out.emit(std::unique_ptr<JWGeometry>(m_self.geometry().clone()), m_self.get(),
-                       nullptr);
+            m_out.emitCopy(m_self, m_self.get(), nullptr);
         }
     }
 

@@ -20,10 +20,6 @@ namespace {
 /// write into the slots of their own features only.
 using Owners = std::vector<std::int64_t>;
 
-std::unique_ptr<JWGeometry> copyOf(const OverlayFeature& feature) {
-    return std::unique_ptr<JWGeometry>(feature.geometry().clone());
-}
-
 /// Features of A: finds the owner; those without one are written as far as they are outside of B.
 struct FindOwner {
     std::shared_ptr<Owners> owners;
@@ -39,7 +35,7 @@ struct FindOwner {
             }
             cutters.add(other->area);
         }
-        if (cutters.isEmpty()) return out.emit(copyOf(self), self.get(), nullptr);
+        if (cutters.isEmpty()) return out.emitCopy(self, self.get(), nullptr);
         out.emit(buildArea(eraseUnion(self.area, cutters), options.tolerance), self.get(), nullptr);
     }
 };
@@ -59,7 +55,7 @@ struct Absorb {
             grown.add(area);
             if (options.checkAreas) rests.add(area);
         }
-        if (grown.isEmpty()) return out.emit(copyOf(self), nullptr, self.get());
+        if (grown.isEmpty()) return out.emitCopy(self, nullptr, self.get());
         grown.add(self.area);
         const ClippedContours contours = grown.contours();
         out.emit(buildArea(contours, options.tolerance), nullptr, self.get());
@@ -80,7 +76,7 @@ struct Absorb {
 };
 
 void copyOfB(const OverlayFeature& self, Surroundings&, Emitter& out) {
-    out.emit(copyOf(self), nullptr, self.get());
+    out.emitCopy(self, nullptr, self.get());
 }
 
 void announceRest(int written) {
