@@ -495,7 +495,7 @@ TEST_F(LayerOperations, EveryThreadCountAndBlockSizeGivesTheSameFeatures) {
         const auto expected = run(name, *a, *b, options);
         const JWLayerReport first = report;
         ASSERT_GT(expected.size(), name.find("grow") == 0 ? 3u : 10u) << name;
-        for (const auto [threads, blockSize] :
+        for (const auto& [threads, blockSize] :
              {std::pair(1, 1), std::pair(1, 7), std::pair(2, 1), std::pair(2, 1000),
               std::pair(8, 7), std::pair(8, 1000)}) {
             options.threads = threads;
