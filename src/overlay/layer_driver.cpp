@@ -63,6 +63,7 @@ class OverlayRun {
     }
 
     void run();
+    bool isStopped() const { return m_stopped; }
 
   private:
     bool isOneSided() const { return &m_job.a == &m_job.b; }
@@ -96,7 +97,7 @@ class OverlayRun {
     LayerSide m_sideA;
     LayerSide m_sideB;
     std::int64_t m_total = 0;  ///< features to walk over in all passes
-    std::int64_t m_done = 0;
+    std::atomic<std::int64_t> m_done{0};
     bool m_countsPairs = true;  ///< in the first pass
     std::int64_t m_blockBegin = 0;
     std::vector<std::shared_ptr<const JWFeature>> m_block;
@@ -107,7 +108,7 @@ class OverlayRun {
 };
 
 void OverlayRun::stop() {
-    m_report.cancelled = true;
+    m_stopped = true;
     JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
     throw LayerFailure();
 }
@@ -143,7 +144,11 @@ void OverlayRun::indexWhole(LayerSide& side) {
 void OverlayRun::process(const OverlayPass& pass, std::int64_t begin, std::int64_t end) {
     constexpr std::size_t neighboursInARun = 4096;
     constexpr std::size_t preparedFor = 8;
-    Surroundings surroundings(walked(pass), others(pass));
+    // A feature may have so many neighbours that nothing is written for a long time.
+    const std::function<void()> pulse = [this] {
+        if (!JWReport::progress(m_done, m_total)) stop();
+    };
+    Surroundings surroundings(walked(pass), others(pass), pulse);
     FeatureInput& otherInput = others(pass).input();
     const FeatureOutput* prepareFor = m_team.size() > 1 ? &m_job.output : nullptr;
     while (begin < end) {
@@ -301,14 +306,16 @@ std::int64_t runLayerOverlay(OverlayJob& job, const JWOverlayOptions& options,
     job.schema.addArea(options.areaField);
     job.output.setGeometryType(options.promoteToMulti ? JWWKBMultiPolygon : job.a.geometryType());
     job.schema.create(job.output);
+    OverlayRun run(job, options, report);
     job.output.begin();
     try {
-        OverlayRun(job, options, report).run();
+        run.run();
         job.output.commit();
     } catch (...) {
         job.output.rollback();
         report.written = 0;
         report.area = report.areaDropped = report.residual = 0;
+        report.cancelled = run.isStopped();
         throw;
     }
     JWReport::message("%d features wrote to result layer!\n", shown(report.written));

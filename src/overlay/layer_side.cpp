@@ -85,6 +85,7 @@ void Surroundings::startFeature(std::size_t count) {
 const OverlayFeature* Surroundings::next() {
     if (m_next == m_end) return nullptr;
     if (m_next >= m_batchBegin + m_batch.size()) {
+        m_pulse();
         m_batch.clear();
         m_batchBegin = m_next;
         m_others.fetch(&m_hits[m_next], std::min(LayerSide::kFetched, m_hits.size() - m_next),

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -90,7 +91,9 @@ class LayerSide {
 /// some of them in memory. One thread.
 class Surroundings {
   public:
-    Surroundings(LayerSide& own, LayerSide& others) : m_own(own), m_others(others) {}
+    /// `pulse` is called before each reading, and may throw to end the run.
+    Surroundings(LayerSide& own, LayerSide& others, const std::function<void()>& pulse)
+        : m_own(own), m_others(others), m_pulse(pulse) {}
 
     /// The next feature that meets the one at hand; null at the end. Good until the next call.
     const OverlayFeature* next();
@@ -110,6 +113,7 @@ class Surroundings {
   private:
     LayerSide& m_own;
     LayerSide& m_others;
+    const std::function<void()>& m_pulse;
     Hits m_found;
     Hits m_hits;
     std::vector<OverlayFeature> m_batch;
