@@ -21,6 +21,9 @@
 #include <new>
 
 #include "jw_report.h"
+#ifdef JWCG_GPC_BUILTIN
+#include "gpc/winding_union.h"
+#endif
 
 namespace jws::detail {
 namespace {
@@ -140,6 +143,21 @@ bool areFinite(const std::vector<RingViews>& sets) {
     return true;
 }
 
+/// Runs a call of the engine and turns what it says in errno into exceptions.
+template <class Call>
+void checked(const ClippedContours& result, Call call) {
+    const int before = errno;
+    errno = 0;
+    call();
+    const int failure = result.count() == 0 ? errno : 0;
+    errno = before;
+    if (failure == ENOMEM) throw std::bad_alloc();
+    if (failure == ERANGE) throw ClipFailure();
+    if (failure == EDOM) {
+        JWReport::setError(JWErrorInvalidArgument, "a coordinate of a polygon is not finite");
+    }
+}
+
 }  // namespace
 
 RingView ClippedContours::view(int i) const {
@@ -162,16 +180,21 @@ JWRing ClippedContours::ring(int i) const {
 
 ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanType type) {
     ClippedContours result;
-    const int before = errno;
-    errno = 0;
-    gpc_polygon_clip(engineOperation(type), &a, &b, &result.polygon_);
-    const int failure = result.count() == 0 ? errno : 0;
-    errno = before;
-    if (failure == ENOMEM) throw std::bad_alloc();
-    if (failure == ERANGE) throw ClipFailure();
-    if (failure == EDOM) {
-        JWReport::setError(JWErrorInvalidArgument, "a coordinate of a polygon is not finite");
-    }
+    checked(result, [&] { gpc_polygon_clip(engineOperation(type), &a, &b, &result.polygon_); });
+    return result;
+}
+
+ClippedContours uniteDirected(const RingViews& loops) {
+    ClippedContours result;
+#ifdef JWCG_GPC_BUILTIN
+    thread_local Operand operand;
+    keepAll(loops, operand);
+    const ::gpc_polygon boundaries = borrow(operand);
+    checked(result, [&] { uniteWinding(boundaries, result.polygon_); });
+#else
+    (void)loops;
+    throw ClipFailure();
+#endif
     return result;
 }
 

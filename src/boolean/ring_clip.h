@@ -43,6 +43,7 @@ class ClippedContours {
 
   private:
     friend ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanType type);
+    friend ClippedContours uniteDirected(const RingViews& loops);
     ::gpc_polygon polygon_ = {};
 };
 
@@ -62,6 +63,18 @@ ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews
 /// Clips operands in the engine's own form; otherwise as `clipRings`. The operands stay the
 /// caller's.
 ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanType type);
+
+/// Unites any number of areas from the directed loops around them, interior on the left: gives
+/// where the loops wind at least once. Each area's own loops must wind 0 or 1 time around every
+/// point. Coordinates must be finite. Only the engine of this library can do that.
+ClippedContours uniteDirected(const RingViews& loops);
+
+/// Tells whether `uniteDirected` may be called.
+#ifdef JWCG_GPC_BUILTIN
+constexpr bool canUniteDirected = true;
+#else
+constexpr bool canUniteDirected = false;
+#endif
 
 }  // namespace jws::detail
 

@@ -12,9 +12,9 @@
 // back as corners when a result is clipped once more: without this, edges meant to coincide would
 // leave slivers thinner than a grid step, and holes would hang on their outer rings by them.
 //
-// A closed loop stays one when its edges are bent, so the even-odd parity stays well defined.
-// Pieces that coincide are one segment that carries the parity of each operand; where an operand's
-// boundary runs along itself an even number of times it is no boundary.
+// A closed loop stays one when its edges are bent, so the even-odd parity stays well defined, and
+// so does the winding number. Pieces that coincide are one segment that carries the parity of each
+// operand, or the sum of their directions; where that is nothing there is no boundary.
 //
 // The sides are labelled in one sweep in lexicographic order: among the segments that the sweep
 // line crosses, what lies right of a new segment is what lies left of the one below it. A vertical
@@ -70,15 +70,18 @@ GridPoint crossing(const Segment& s, const Segment& t) {
 
 }  // namespace
 
-void Arrangement::clear() {
+void Arrangement::clear(Rule rule) {
     segments_.clear();
     sources_ = 0;
+    rule_ = rule;
 }
 
 void Arrangement::addEdge(GridPoint from, GridPoint to, int operand) {
     if (from == to) return;
-    if (to < from) std::swap(from, to);
-    Segment s = {from, to, {-1, -1}, static_cast<unsigned char>(1 << operand), 0, true};
+    const bool backward = to < from;
+    if (backward) std::swap(from, to);
+    const int step = rule_ == Rule::Parity ? 1 << operand : backward ? -1 : 1;
+    Segment s = {from, to, {-1, -1}, step, 0, true};
     s.source[operand] = sources_++;
     segments_.push_back(s);
 }
@@ -103,14 +106,14 @@ void Arrangement::sortAndMerge() {
         for (++i; i < segments_.size() && segments_[i].a == merged.a && segments_[i].b == merged.b;
              ++i) {
             const Segment& s = segments_[i];
-            merged.owners ^= s.owners;
+            merged.step = sum(merged.step, s.step);
             merged.fresh = merged.fresh || s.fresh;
             for (int k = 0; k < 2; ++k) merged.source[k] = std::max(merged.source[k], s.source[k]);
         }
-        for (int k = 0; k < 2; ++k) {
-            if (!(merged.owners >> k & 1)) merged.source[k] = -1;
+        for (int k = 0; k < 2 && rule_ == Rule::Parity; ++k) {
+            if (!(merged.step >> k & 1)) merged.source[k] = -1;
         }
-        if (merged.owners != 0) segments_[kept++] = merged;
+        if (merged.step != 0) segments_[kept++] = merged;
     }
     segments_.resize(kept);
 }
@@ -257,7 +260,7 @@ void Arrangement::label() {
         Segment& s = segments_[i];
         while (!(s.a < segments_[byEnd_[ended]].b)) active_.erase(placeOf(byEnd_[ended++]));
         const auto place = placeOf(i);
-        s.right = place == active_.begin() ? 0 : segments_[*(place - 1)].left();
+        s.right = place == active_.begin() ? 0 : left(segments_[*(place - 1)]);
         active_.insert(place, i);
     }
 }

@@ -14,19 +14,21 @@ namespace jws::detail {
 /// Keeps its working memory between runs; one object per thread.
 class Arrangement {
   public:
+    /// How a side is described.
+    enum class Rule {
+        Parity,   ///< bit k: operand k covers it, by the even-odd rule
+        Winding,  ///< how often the directed loops of operand 0 go around it counter-clockwise
+    };
     struct Segment {
         GridPoint a;  ///< a < b
         GridPoint b;
-        int source[2];         ///< the input edge of either operand that it is a piece of, or -1
-        unsigned char owners;  ///< bit k: the boundary of operand k runs here
-        unsigned char right;   ///< bit k: operand k covers the side right of a -> b
+        int source[2];  ///< the input edge of either operand that it is a piece of, or -1
+        int step;       ///< what changes from the right side to the left: bits, or a number
+        int right;      ///< what lies right of a -> b
         bool fresh;
-
-        /// What covers the left side: crossing the segment changes exactly its owners.
-        unsigned char left() const { return right ^ owners; }
     };
 
-    void clear();
+    void clear(Rule rule);
     /// Adds an edge of operand 0 or 1. All edges of an operand together must be closed loops.
     void addEdge(GridPoint from, GridPoint to, int operand);
     /// Cuts the edges until they meet at end points only; false if that comes to no end.
@@ -34,6 +36,8 @@ class Arrangement {
     /// Finds what lies on the sides of each segment; after `resolve`.
     void label();
     const std::vector<Segment>& segments() const { return segments_; }
+    /// What lies left of a segment.
+    int left(const Segment& s) const { return sum(s.right, s.step); }
     /// Number of segments that there is memory for.
     std::size_t capacity() const { return std::max(segments_.capacity(), cuts_.capacity()); }
 
@@ -47,6 +51,7 @@ class Arrangement {
         int segment;
     };
 
+    int sum(int a, int b) const { return rule_ == Rule::Parity ? a ^ b : a + b; }
     void sortAndMerge();
     void findCuts();
     void sweepStrip(const Box* begin, const Box* end, std::int64_t bottom, std::int64_t top);
@@ -64,6 +69,7 @@ class Arrangement {
     std::vector<int> byEnd_;
     std::vector<int> active_;  // segments that the sweep line crosses, from below
     int sources_ = 0;
+    Rule rule_ = Rule::Parity;
 };
 
 }  // namespace jws::detail

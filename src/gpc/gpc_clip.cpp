@@ -26,6 +26,7 @@
 #include "gpc.h"
 #include "gpc/arrangement.h"
 #include "gpc/contour_finish.h"
+#include "gpc/winding_union.h"
 
 namespace {
 
@@ -169,7 +170,7 @@ void addOperand(const gpc_polygon& polygon, int operand, Scratch& s) {
 }
 
 /// `covered`: bit 0 inside the subject, bit 1 inside the clip polygon.
-bool isInside(gpc_op op, unsigned covered) {
+bool isInside(gpc_op op, int covered) {
     switch (op) {
         case GPC_DIFF:
             return covered == 1;
@@ -183,11 +184,12 @@ bool isInside(gpc_op op, unsigned covered) {
 }
 
 /// Keeps the edges between inside and outside, with the inside on their left.
-void pickBoundary(gpc_op op, Scratch& s) {
+template <class Inside>
+void pickBoundary(Inside inside, Scratch& s) {
     s.finisher.clear();
     for (const Arrangement::Segment& segment : s.arrangement.segments()) {
-        const bool left = isInside(op, segment.left());
-        if (left == isInside(op, segment.right)) continue;
+        const bool left = inside(s.arrangement.left(segment));
+        if (left == inside(segment.right)) continue;
         s.finisher.addEdge(left ? segment.a : segment.b, left ? segment.b : segment.a,
                            segment.source);
     }
@@ -217,14 +219,18 @@ void writeResult(const Scratch& s, gpc_polygon& result) {
     }
 }
 
-/// Returns 0 or the errno value that tells why the result is empty.
-int clip(gpc_op op, const gpc_polygon& a, const gpc_polygon& b, gpc_polygon& result) {
+/// Resolves one or two operands (`b` may be null) and writes what is inside. Returns 0 or the errno
+/// value that tells why the result is empty.
+template <class Inside>
+int resolve(Arrangement::Rule rule, const gpc_polygon& a, const gpc_polygon* b, Inside inside,
+            gpc_polygon& result) {
     thread_local Scratch s;
     const Trim trim(s);
     s.x = s.y = Axis();
     bool finite = true;
     std::size_t vertices = 0;
-    for (const gpc_polygon* operand : {&a, &b}) {
+    for (const gpc_polygon* operand : {&a, b}) {
+        if (operand == nullptr) continue;
         forEachVertex(*operand, [&](const gpc_vertex& v) {
             finite = finite && std::isfinite(v.x) && std::isfinite(v.y);
             s.x.include(v.x);
@@ -237,34 +243,49 @@ int clip(gpc_op op, const gpc_polygon& a, const gpc_polygon& b, gpc_polygon& res
         s.x.fit(bits);
         s.y.fit(bits);
         s.inputs.clear(vertices);
-        s.arrangement.clear();
+        s.arrangement.clear(rule);
         addOperand(a, 0, s);
-        addOperand(b, 1, s);
+        if (b != nullptr) addOperand(*b, 1, s);
         if (!s.arrangement.resolve()) continue;
         s.arrangement.label();
-        pickBoundary(op, s);
+        pickBoundary(inside, s);
         writeResult(s, result);
         return 0;
     }
     return ERANGE;
 }
 
+/// The same with exceptions turned into errno values; sets errno on failure.
+template <class Inside>
+void resolveSafely(Arrangement::Rule rule, const gpc_polygon& a, const gpc_polygon* b,
+                   Inside inside, gpc_polygon& result) {
+    result = {0, nullptr, nullptr};
+    int failure = ENOMEM;
+    const int before = errno;
+    try {
+        failure = resolve(rule, a, b, inside, result);
+    } catch (const std::bad_alloc&) {
+        gpc_free_polygon(&result);
+    } catch (...) {
+        gpc_free_polygon(&result);
+        failure = ERANGE;
+    }
+    errno = failure != 0 ? failure : before;
+}
+
 }  // namespace
 
 extern "C" void gpc_polygon_clip(gpc_op set_operation, gpc_polygon* subject_polygon,
                                  gpc_polygon* clip_polygon, gpc_polygon* result_polygon) {
-    *result_polygon = {0, nullptr, nullptr};
-    int failure = ENOMEM;
-    const int before = errno;
-    try {
-        failure = clip(set_operation, *subject_polygon, *clip_polygon, *result_polygon);
-    } catch (const std::bad_alloc&) {
-        gpc_free_polygon(result_polygon);
-    } catch (...) {
-        gpc_free_polygon(result_polygon);
-        failure = ERANGE;
-    }
-    errno = failure != 0 ? failure : before;
+    resolveSafely(
+        Arrangement::Rule::Parity, *subject_polygon, clip_polygon,
+        [set_operation](int covered) { return isInside(set_operation, covered); }, *result_polygon);
+}
+
+void jws::detail::uniteWinding(const ::gpc_polygon& boundaries, ::gpc_polygon& result) {
+    resolveSafely(
+        Arrangement::Rule::Winding, boundaries, nullptr, [](int winding) { return winding > 0; },
+        result);
 }
 
 extern "C" void gpc_free_polygon(gpc_polygon* polygon) {

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+#include "boolean/area_sum.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace jws::detail {
+namespace {
+
+constexpr std::size_t kFirstSlots = 1024;
+
+std::uint64_t bitsOf(double v) {
+    std::uint64_t bits;
+    std::memcpy(&bits, &v, sizeof bits);
+    return bits;
+}
+
+std::uint64_t hashOf(const JWRawPoint& a, const JWRawPoint& b) {
+    std::uint64_t h = bitsOf(a.x) * 0x9E3779B97F4A7C15u;
+    h = (h ^ (h >> 29) ^ bitsOf(a.y)) * 0xBF58476D1CE4E5B9u;
+    h = (h ^ (h >> 32) ^ bitsOf(b.x)) * 0x94D049BB133111EBu;
+    h = (h ^ (h >> 29) ^ bitsOf(b.y)) * 0x9E3779B97F4A7C15u;
+    return h ^ (h >> 32);
+}
+
+/// The same point with one zero only, so that equal points have equal bits.
+JWRawPoint plainZero(const JWRawPoint& p) { return {p.x + 0.0, p.y + 0.0}; }
+
+/// Twice the signed area of an open ring, about its first point.
+double twiceArea(const RingView& ring) {
+    const JWRawPoint o = ring.points[0];
+    double sum = 0;
+    for (int i = 1; i + 1 < ring.count; ++i) {
+        const JWRawPoint &a = ring.points[i], &b = ring.points[i + 1];
+        sum += (a.x - o.x) * (b.y - o.y) - (b.x - o.x) * (a.y - o.y);
+    }
+    return sum;
+}
+
+bool startsBefore(const AreaSum::Edge& a, const AreaSum::Edge& b) {
+    return a.from != b.from ? a.from < b.from : a.to < b.to;
+}
+
+/// Strings directed edges together to loops. Each place is left as often as it is reached.
+class LoopTracer {
+  public:
+    /// `edges` are sorted by their start.
+    explicit LoopTracer(const AreaSum::Edges& edges) : m_edges(edges), m_cursor(edges.size()) {
+        m_left.reserve(edges.size());
+        for (std::size_t i = 0; i < edges.size(); ++i) {
+            m_left.push_back(edges[i].times);
+            m_cursor[i] = i;
+        }
+    }
+
+    void trace(RingSet& loops) {
+        for (std::size_t i = 0; i < m_edges.size(); ++i) {
+            while (m_left[i] > 0) follow(i, loops);
+        }
+    }
+
+  private:
+    void follow(std::size_t first, RingSet& loops) {
+        for (std::size_t i = first; i < m_edges.size(); i = leaving(m_edges[i].to)) {
+            --m_left[i];
+            loops.addPoint(m_edges[i].from);
+            if (m_edges[i].to == m_edges[first].from) break;
+        }
+        loops.endRing(0);
+    }
+
+    /// An edge that starts at `p` and is still there.
+    std::size_t leaving(const JWRawPoint& p) {
+        const auto found = std::lower_bound(
+            m_edges.begin(), m_edges.end(), p,
+            [](const AreaSum::Edge& edge, const JWRawPoint& q) { return edge.from < q; });
+        if (found == m_edges.end()) return m_edges.size();
+        std::size_t& i = m_cursor[static_cast<std::size_t>(found - m_edges.begin())];
+        while (i < m_edges.size() && m_left[i] == 0) ++i;
+        return i;
+    }
+
+    const AreaSum::Edges& m_edges;
+    std::vector<std::size_t> m_cursor;  ///< at the first edge of each start: the next one to take
+    std::vector<int> m_left;
+};
+
+}  // namespace
+
+void AreaSum::clear() {
+    emptyKept(m_edges);
+    if (m_slots.size() > (std::size_t{1} << 18)) m_slots = {};
+    m_used = 0;
+}
+
+void AreaSum::grow() {
+    const std::size_t size = std::max(kFirstSlots, 2 * m_used);
+    m_used = size;
+    if (m_slots.size() < size) m_slots.resize(size);
+    std::fill_n(m_slots.begin(), size, 0u);
+    for (std::size_t k = 0; k < m_edges.size(); ++k) {
+        std::size_t i = hashOf(m_edges[k].from, m_edges[k].to) & (size - 1);
+        while (m_slots[i] != 0) i = (i + 1) & (size - 1);
+        m_slots[i] = static_cast<std::uint32_t>(k + 1);
+    }
+}
+
+void AreaSum::addEdge(const JWRawPoint& from, const JWRawPoint& to, int times) {
+    if (from == to) return;
+    if (to < from) return addEdge(to, from, -times);
+    if (2 * (m_edges.size() + 1) > m_used) grow();
+    const std::size_t mask = m_used - 1;
+    std::size_t i = hashOf(from, to) & mask;
+    for (; m_slots[i] != 0; i = (i + 1) & mask) {
+        Edge& edge = m_edges[m_slots[i] - 1];
+        if (edge.from == from && edge.to == to) {
+            edge.times += times;
+            return;
+        }
+    }
+    m_edges.push_back({from, to, times});
+    m_slots[i] = static_cast<std::uint32_t>(m_edges.size());
+}
+
+void AreaSum::addRing(const RingView& ring, bool forward) {
+    JWRawPoint last = plainZero(ring.points[ring.count - 1]);
+    for (int i = 0; i < ring.count; ++i) {
+        const JWRawPoint p = plainZero(ring.points[i]);
+        addEdge(last, p, forward ? 1 : -1);
+        last = p;
+    }
+}
+
+double AreaSum::add(const JWGeometry& area) {
+    emptyKept(m_rings);
+    appendRings(area, m_rings);
+    m_rings.erase(std::remove_if(m_rings.begin(), m_rings.end(),
+                                 [](const RingView& ring) { return ring.count < 3; }),
+                  m_rings.end());
+    if (m_rings.empty()) return 0;
+    return m_test.isPlain(m_rings) ? addPlain(m_rings) : addResolved(m_rings);
+}
+
+double AreaSum::addPlain(const RingViews& rings) {
+    double twice = 0;
+    for (std::size_t i = 0; i < rings.size(); ++i) {
+        const bool forward = m_test.hasInteriorLeft(static_cast<int>(i));
+        addRing(rings[i], forward);
+        twice += forward ? twiceArea(rings[i]) : -twiceArea(rings[i]);
+    }
+    return 0.5 * twice;
+}
+
+double AreaSum::addResolved(const RingViews& rings) {
+    const ClippedContours contours = clipRings(rings, {}, JWBooleanUnion);
+    double twice = 0;
+    for (int i = 0; i < contours.count(); ++i) {
+        const RingView ring = contours.view(i);
+        const double signedTwice = twiceArea(ring);
+        const bool forward = (signedTwice > 0) == (contours.hole(i) == 0);
+        addRing(ring, forward);
+        twice += forward ? signedTwice : -signedTwice;
+    }
+    return 0.5 * twice;
+}
+
+void AreaSum::add(const Edges& edges) {
+    for (const Edge& edge : edges) addEdge(edge.from, edge.to, edge.times);
+}
+
+AreaSum::Edges AreaSum::rest() const {
+    Edges left;
+    for (const Edge& edge : m_edges) {
+        if (edge.times > 0) left.push_back(edge);
+        if (edge.times < 0) left.push_back({edge.to, edge.from, -edge.times});
+    }
+    return left;
+}
+
+ClippedContours AreaSum::unite(Edges& edges) {
+    std::sort(edges.begin(), edges.end(), startsBefore);
+    RingSet loops;
+    LoopTracer(edges).trace(loops);
+    RingViews views;
+    views.reserve(static_cast<std::size_t>(loops.count()));
+    for (int i = 0; i < loops.count(); ++i) views.push_back(loops.view(i));
+    return uniteDirected(views);
+}
+
+}  // namespace jws::detail
