@@ -96,6 +96,13 @@ class JW_API JWGeometryOverlay2 {
     ///     a null class and when nothing is left
     static JWFeature* unionPolygonsToOne(JWFeatureClass* features, double tolerance);
 
+    /// Unites the geometries of features, all at once, and appends the polygons of the union, each
+    /// a geometry of its own: parts that touch in points only are different polygons. Null features
+    /// and those without a finite area are skipped; the tolerance applies to the whole union.
+    /// \return the number of polygons appended
+    static int unionPolygons(std::vector<JWFeature*> features, std::vector<JWGeometry*>& geometries,
+                             double tolerance);
+
     /// Does what `polygonSymmetricalDifferencePolygon` does with a single clip. Besides the
     /// geometries with code 0 (of A only) and 1 (of B only) there may be a third with code 2: where
     /// a part of A and one of B meet along an edge they form one polygon.

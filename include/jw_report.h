@@ -94,6 +94,8 @@ struct JWLayerReport {
     double areaB = 0;        ///< of the features read from the overlay layer
     double area = 0;         ///< of the features written
     double areaDropped = 0;  ///< of rings below the tolerance: outer rings minus holes
+    /// Dissolve: what features of one group cover more than once, counted for each further cover.
+    double areaOverlap = 0;
     /// The identity that the operation obeys was checked (`JWOverlayOptions::checkAreas`).
     bool checked = false;
     /// What the identity misses by, summed over features without regard to the sign; 0 would be

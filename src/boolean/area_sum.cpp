@@ -132,20 +132,29 @@ void AreaSum::addRing(const RingView& ring, bool forward) {
     }
 }
 
-double AreaSum::add(const JWGeometry& area) {
+void AreaSum::gather(const JWGeometry& area) {
     emptyKept(m_rings);
     appendRings(area, m_rings);
     m_rings.erase(std::remove_if(m_rings.begin(), m_rings.end(),
                                  [](const RingView& ring) { return ring.count < 3; }),
                   m_rings.end());
-    if (m_rings.empty()) return 0;
-    return m_test.isPlain(m_rings) ? addPlain(m_rings) : addResolved(m_rings);
 }
 
-double AreaSum::addPlain(const RingViews& rings) {
+PlainArea AreaSum::classify(const JWGeometry& area) {
+    gather(area);
+    return m_test.test(m_rings);
+}
+
+double AreaSum::add(const JWGeometry& area, PlainArea kind) {
+    gather(area);
+    if (m_rings.empty()) return 0;
+    return kind.plain ? addPlain(m_rings, kind) : addResolved(m_rings);
+}
+
+double AreaSum::addPlain(const RingViews& rings, PlainArea kind) {
     double twice = 0;
     for (std::size_t i = 0; i < rings.size(); ++i) {
-        const bool forward = m_test.hasInteriorLeft(static_cast<int>(i));
+        const bool forward = (kind.interiorLeft >> i & 1u) != 0;
         addRing(rings[i], forward);
         twice += forward ? twiceArea(rings[i]) : -twiceArea(rings[i]);
     }
@@ -178,14 +187,14 @@ AreaSum::Edges AreaSum::rest() const {
     return left;
 }
 
-ClippedContours AreaSum::unite(Edges& edges) {
+ClippedContours AreaSum::unite(Edges& edges, double& overlap) {
     std::sort(edges.begin(), edges.end(), startsBefore);
     RingSet loops;
     LoopTracer(edges).trace(loops);
     RingViews views;
     views.reserve(static_cast<std::size_t>(loops.count()));
     for (int i = 0; i < loops.count(); ++i) views.push_back(loops.view(i));
-    return uniteDirected(views);
+    return uniteDirected(views, overlap);
 }
 
 }  // namespace jws::detail

@@ -36,21 +36,26 @@ class AreaSum {
 
     /// Starts a new sum. Memory stays.
     void clear();
+    /// Finds out how a polygon or multipolygon has to be added. Changes nothing of the sum, and the
+    /// answer is good for any sum.
+    PlainArea classify(const JWGeometry& area);
     /// Adds a polygon or multipolygon, read by the even-odd rule over all its rings; coordinates
-    /// must be finite. Returns its area. An area that is not plain is resolved by the clipping
-    /// engine first. Throws ClipFailure, with nothing added, when the engine gives up.
-    double add(const JWGeometry& area);
+    /// must be finite, and `kind` what `classify` says. Returns its area. An area that is not plain
+    /// is resolved by the clipping engine first. Throws ClipFailure, with nothing added, when the
+    /// engine gives up.
+    double add(const JWGeometry& area, PlainArea kind);
     /// Adds what another sum left.
     void add(const Edges& edges);
     /// What is left, in an order that depends on what was added and in which order.
     Edges rest() const;
 
-    /// Computes the union of all that a sum left; `edges` is sorted on the way. Throws ClipFailure
-    /// and std::bad_alloc.
-    static ClippedContours unite(Edges& edges);
+    /// Computes the union of all that a sum left; `edges` is sorted on the way. `overlap` is that
+    /// of `uniteDirected`. Throws ClipFailure and std::bad_alloc.
+    static ClippedContours unite(Edges& edges, double& overlap);
 
   private:
-    double addPlain(const RingViews& rings);
+    void gather(const JWGeometry& area);
+    double addPlain(const RingViews& rings, PlainArea kind);
     double addResolved(const RingViews& rings);
     void addRing(const RingView& ring, bool forward);
     void addEdge(const JWRawPoint& from, const JWRawPoint& to, int times);

@@ -16,6 +16,7 @@
 
 #include "foundation/edge_tree.h"
 #include "foundation/orientation.h"
+#include "foundation/segment_math.h"
 
 namespace jws::detail {
 namespace {
@@ -32,11 +33,6 @@ bool segmentsMeet(const JWRawPoint& a, const JWRawPoint& b, const JWRawPoint& c,
     if (ca * da > 0) return false;
     const int ac = orientationSign(c, d, a), bc = orientationSign(c, d, b);
     return ac == 2 || bc == 2 || ac * bc <= 0;
-}
-
-bool boxesMeet(const JWRawPoint& a, const JWRawPoint& b, const JWRawPoint& c, const JWRawPoint& d) {
-    return std::min(a.x, b.x) <= std::max(c.x, d.x) && std::min(c.x, d.x) <= std::max(a.x, b.x) &&
-           std::min(a.y, b.y) <= std::max(c.y, d.y) && std::min(c.y, d.y) <= std::max(a.y, b.y);
 }
 
 /// b -> c runs back over a -> b.
@@ -64,28 +60,29 @@ PlainAreaTest::Box PlainAreaTest::common(const Box& a, const Box& b) {
             std::min(a.maxY, b.maxY)};
 }
 
-bool PlainAreaTest::isPlain(const RingViews& rings) {
+PlainArea PlainAreaTest::test(const RingViews& rings) {
     emptyKept(m_points);
     m_rings.clear();
-    if (rings.size() > kMostRings) return false;
+    m_doubt = false;
+    PlainArea answer;
+    if (rings.size() > kMostRings) return answer;
     for (const RingView& ring : rings) {
-        if (!takeRing(ring)) return false;
+        if (!takeRing(ring)) return answer;
     }
     for (const Ring& ring : m_rings) {
-        if (!isSimple(ring)) return false;
+        if (!isSimple(ring)) return answer;
     }
-    m_interiorLeft.clear();
-    m_doubt = false;
     for (std::size_t i = 0; i < m_rings.size(); ++i) {
-        bool inside = false;  // of an odd number of other rings
+        bool inside = false;  // an odd number of other rings
         for (std::size_t j = 0; j < m_rings.size(); ++j) {
             if (i == j || !overlap(m_rings[i].box, m_rings[j].box)) continue;
-            if (i < j && ringsMeet(m_rings[i], m_rings[j])) return false;
+            if (i < j && ringsMeet(m_rings[i], m_rings[j])) return answer;
             if (!isOutside(m_rings[j], m_points[m_rings[i].first])) inside = !inside;
         }
-        m_interiorLeft.push_back(isCounterClockwise(m_rings[i]) != inside);
+        if (isCounterClockwise(m_rings[i]) != inside) answer.interiorLeft |= 1u << i;
     }
-    return !m_doubt;
+    answer.plain = !m_doubt;
+    return answer;
 }
 
 /// Copies a ring without repeated points, closed. False when nothing of three corners is left.
@@ -169,7 +166,7 @@ bool PlainAreaTest::edgesMeet(const Ring& ring, int i, int j) const {
     const JWRawPoint* p = m_points.data() + ring.first;
     if (j == i + 1) return foldsBack(p[i], p[j], p[j + 1]);
     if (i == 0 && j == ring.edges - 1) return foldsBack(p[j], p[0], p[1]);
-    return boxesMeet(p[i], p[i + 1], p[j], p[j + 1]) &&
+    return segmentBoxesMeet(p[i], p[i + 1], p[j], p[j + 1]) &&
            segmentsMeet(p[i], p[i + 1], p[j], p[j + 1]);
 }
 
@@ -181,7 +178,7 @@ bool PlainAreaTest::ringsMeet(const Ring& a, const Ring& b) {
     if (m_edgesA.size() * m_edgesB.size() > kMostPairs) return true;
     for (const int i : m_edgesA) {
         for (const int j : m_edgesB) {
-            if (boxesMeet(m_points[i], m_points[i + 1], m_points[j], m_points[j + 1]) &&
+            if (segmentBoxesMeet(m_points[i], m_points[i + 1], m_points[j], m_points[j + 1]) &&
                 segmentsMeet(m_points[i], m_points[i + 1], m_points[j], m_points[j + 1])) {
                 return true;
             }

@@ -2,27 +2,30 @@
 #ifndef JW_BOOLEAN_PLAIN_AREA_H
 #define JW_BOOLEAN_PLAIN_AREA_H
 
+#include <cstdint>
 #include <vector>
 
 #include "boolean/ring_set.h"
 
 namespace jws::detail {
 
-/// Finds out, without rounding, whether the rings of one area are plain: no ring meets itself or
-/// another one, not even in a point. Keeps its working memory between calls; one object per thread.
+/// What is known of the rings of an area.
+struct PlainArea {
+    /// No ring meets itself or another one, not even in a point. False says nothing: they may be
+    /// plain after all, as rings that touch, or very many that lie close together.
+    bool plain = false;
+    /// Bit i, when plain: ring i runs so that the area, read by the even-odd rule, is on its left.
+    std::uint32_t interiorLeft = 0;
+};
+
+/// Finds out, without rounding, whether the rings of an area are plain. Keeps its working memory
+/// between calls; one object per thread.
 class PlainAreaTest {
   public:
-    /// True when the rings are plain for certain. False says nothing: they may be plain after all,
-    /// as rings that touch, or very many that lie close together. Coordinates must be finite and
-    /// rings of fewer than three points left out.
-    ///
-    /// Cost: some ten nanoseconds a point for rings of up to some hundred points, O(n log n) as a
-    /// rule for longer ones.
-    bool isPlain(const RingViews& rings);
-
-    /// After `isPlain` gave true: whether ring i runs counter-clockwise around the area as the
-    /// even-odd rule reads it, so that the interior lies on its left.
-    bool hasInteriorLeft(int i) const { return m_interiorLeft[static_cast<std::size_t>(i)] != 0; }
+    /// Coordinates must be finite and rings of fewer than three points left out. Cost: some ten
+    /// nanoseconds a point for rings of up to some hundred points, O(n log n) as a rule for longer
+    /// ones.
+    PlainArea test(const RingViews& rings);
 
   private:
     struct Box {
@@ -54,7 +57,6 @@ class PlainAreaTest {
 
     std::vector<JWRawPoint> m_points;
     std::vector<Ring> m_rings;
-    std::vector<char> m_interiorLeft;
     std::vector<Run> m_runs;
     std::vector<int> m_edgesA;
     std::vector<int> m_edgesB;

@@ -184,13 +184,14 @@ ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanTy
     return result;
 }
 
-ClippedContours uniteDirected(const RingViews& loops) {
+ClippedContours uniteDirected(const RingViews& loops, double& overlap) {
     ClippedContours result;
+    overlap = 0;
 #ifdef JWCG_GPC_BUILTIN
     thread_local Operand operand;
     keepAll(loops, operand);
     const ::gpc_polygon boundaries = borrow(operand);
-    checked(result, [&] { uniteWinding(boundaries, result.polygon_); });
+    checked(result, [&] { uniteWinding(boundaries, result.polygon_, overlap); });
 #else
     (void)loops;
     throw ClipFailure();

@@ -43,7 +43,7 @@ class ClippedContours {
 
   private:
     friend ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanType type);
-    friend ClippedContours uniteDirected(const RingViews& loops);
+    friend ClippedContours uniteDirected(const RingViews& loops, double& overlap);
     ::gpc_polygon polygon_ = {};
 };
 
@@ -66,8 +66,9 @@ ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanTy
 
 /// Unites any number of areas from the directed loops around them, interior on the left: gives
 /// where the loops wind at least once. Each area's own loops must wind 0 or 1 time around every
-/// point. Coordinates must be finite. Only the engine of this library can do that.
-ClippedContours uniteDirected(const RingViews& loops);
+/// point. Coordinates must be finite. Only the engine of this library can do that. `overlap`
+/// receives the area that is covered more than once, counted once for each further cover.
+ClippedContours uniteDirected(const RingViews& loops, double& overlap);
 
 /// Tells whether `uniteDirected` may be called.
 #ifdef JWCG_GPC_BUILTIN

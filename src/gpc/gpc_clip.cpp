@@ -57,6 +57,7 @@ class Axis {
     }
 
     std::int64_t toGrid(double v) const { return std::llrint(v * up_[0] * up_[1]) - origin_; }
+    double step() const { return down_[0] * down_[1]; }
     double fromGrid(std::int64_t g) const {
         return static_cast<double>(g + origin_) * down_[0] * down_[1];
     }
@@ -219,11 +220,25 @@ void writeResult(const Scratch& s, gpc_polygon& result) {
     }
 }
 
+/// The integral over the plane of what covers a point more than once: by Green's formula the sum of
+/// each segment's change of it times the area between the segment and the middle of the grid.
+double overlapArea(const Scratch& s) {
+    long double twice = 0;
+    for (const Arrangement::Segment& segment : s.arrangement.segments()) {
+        const int left = std::max(s.arrangement.left(segment) - 1, 0);
+        const int right = std::max(segment.right - 1, 0);
+        if (left == right) continue;
+        twice += static_cast<long double>(left - right) *
+                 static_cast<long double>(cross(segment.a, segment.b));
+    }
+    return static_cast<double>(twice / 2) * s.x.step() * s.y.step();
+}
+
 /// Resolves one or two operands (`b` may be null) and writes what is inside. Returns 0 or the errno
 /// value that tells why the result is empty.
 template <class Inside>
 int resolve(Arrangement::Rule rule, const gpc_polygon& a, const gpc_polygon* b, Inside inside,
-            gpc_polygon& result) {
+            gpc_polygon& result, double* overlap) {
     thread_local Scratch s;
     const Trim trim(s);
     s.x = s.y = Axis();
@@ -250,6 +265,7 @@ int resolve(Arrangement::Rule rule, const gpc_polygon& a, const gpc_polygon* b, 
         s.arrangement.label();
         pickBoundary(inside, s);
         writeResult(s, result);
+        if (overlap != nullptr) *overlap = overlapArea(s);
         return 0;
     }
     return ERANGE;
@@ -258,12 +274,12 @@ int resolve(Arrangement::Rule rule, const gpc_polygon& a, const gpc_polygon* b, 
 /// The same with exceptions turned into errno values; sets errno on failure.
 template <class Inside>
 void resolveSafely(Arrangement::Rule rule, const gpc_polygon& a, const gpc_polygon* b,
-                   Inside inside, gpc_polygon& result) {
+                   Inside inside, gpc_polygon& result, double* overlap = nullptr) {
     result = {0, nullptr, nullptr};
     int failure = ENOMEM;
     const int before = errno;
     try {
-        failure = resolve(rule, a, b, inside, result);
+        failure = resolve(rule, a, b, inside, result, overlap);
     } catch (const std::bad_alloc&) {
         gpc_free_polygon(&result);
     } catch (...) {
@@ -282,10 +298,12 @@ extern "C" void gpc_polygon_clip(gpc_op set_operation, gpc_polygon* subject_poly
         [set_operation](int covered) { return isInside(set_operation, covered); }, *result_polygon);
 }
 
-void jws::detail::uniteWinding(const ::gpc_polygon& boundaries, ::gpc_polygon& result) {
+void jws::detail::uniteWinding(const ::gpc_polygon& boundaries, ::gpc_polygon& result,
+                               double& overlap) {
+    overlap = 0;
     resolveSafely(
         Arrangement::Rule::Winding, boundaries, nullptr, [](int winding) { return winding > 0; },
-        result);
+        result, &overlap);
 }
 
 extern "C" void gpc_free_polygon(gpc_polygon* polygon) {

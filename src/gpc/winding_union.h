@@ -10,7 +10,9 @@ namespace jws::detail {
 /// the loops together wind at least once counter-clockwise. Loops of different areas may cross,
 /// touch and overlap; loops of one area must wind 0 or 1 time around every point. Result, errors
 /// and guarantees are those of `gpc_polygon_clip`; hole flags are not read.
-void uniteWinding(const ::gpc_polygon& boundaries, ::gpc_polygon& result);
+/// \param overlap receives the area covered more than once, counted once for each further cover,
+///     measured on the cut edges and not on the result
+void uniteWinding(const ::gpc_polygon& boundaries, ::gpc_polygon& result, double& overlap);
 
 }  // namespace jws::detail
 

@@ -27,6 +27,11 @@ struct LayerFailure : std::runtime_error {
     JWError error;
 };
 
+/// A result layer refused one feature and can take the next; any other failure ends the run.
+inline bool isRefusal(enumJWErrorKind kind) {
+    return kind == JWErrorFeatureRejected || kind == JWErrorWrongGeometryType;
+}
+
 class FeatureInput;
 
 /// Which layer a feature of an operand belongs to.

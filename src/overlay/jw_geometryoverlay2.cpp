@@ -8,6 +8,8 @@
 #include "foundation/api_guard.h"
 #include "jw_geometryoverlay.h"
 #include "overlay/geometry_overlay.h"
+#include "overlay/group_union.h"
+#include "overlay/multi_parts.h"
 
 namespace jws {
 
@@ -19,6 +21,20 @@ int JWGeometryOverlay2::polygonSymmetricalDifferencePolygon_new(
     if (!a || !b) return 0;
     return guarded("polygonSymmetricalDifferencePolygon_new", 0, [&] {
         return handOver(symmetricalDifferenceAtOnce(*a, *b, tolerance), outGeometries, outCodes);
+    });
+}
+
+int JWGeometryOverlay2::unionPolygons(std::vector<JWFeature*> features,
+                                      std::vector<JWGeometry*>& geometries, double tolerance) {
+    return guarded("unionPolygons", 0, [&] {
+        std::unique_ptr<JWGeometry> united = uniteFeatures(features, tolerance);
+        if (!united) return 0;
+        std::vector<std::unique_ptr<JWGeometry>> polygons = splitPolygons(std::move(united));
+        geometries.reserve(geometries.size() + polygons.size());
+        for (std::unique_ptr<JWGeometry>& polygon : polygons) {
+            geometries.push_back(polygon.release());
+        }
+        return static_cast<int>(polygons.size());
     });
 }
 

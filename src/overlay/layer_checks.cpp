@@ -58,4 +58,13 @@ int checkOverlayLayers(const JWFeatureLayer* a, const JWFeatureLayer* b,
     return 0;
 }
 
+void reportRejected(const std::vector<JWRejectedFeature>& rejected) {
+    if (rejected.empty()) return JWReport::clearError();
+    const JWRejectedFeature& first = rejected.front();
+    std::string text = (first.source.empty() ? "" : first.source + ", ") + "layer " + first.layer +
+                       ", feature " + std::to_string(first.fid) + ": " + first.reason;
+    if (rejected.size() > 1) text += "; and " + std::to_string(rejected.size() - 1) + " more";
+    JWReport::setError(JWErrorFeatureRejected, text, first.fid);
+}
+
 }  // namespace jws::detail

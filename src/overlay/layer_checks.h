@@ -6,7 +6,10 @@
 #ifndef JW_OVERLAY_LAYER_CHECKS_H
 #define JW_OVERLAY_LAYER_CHECKS_H
 
+#include <vector>
+
 #include "jw_feature.h"
+#include "jw_report.h"
 
 namespace jws::detail {
 
@@ -18,6 +21,10 @@ int checkOverlayLayers(const JWFeatureLayer* a, const JWFeatureLayer* b,
 /// Sets the last error and returns false when the two references differ; both may be null.
 bool checkReferences(const JWSpatialReference* a, const char* nameA, const JWSpatialReference* b,
                      const char* nameB);
+
+/// Sets the last error after a run to the end: the first feature that is missing from the result,
+/// if there is one. It stands in for the report where the caller has none.
+void reportRejected(const std::vector<JWRejectedFeature>& rejected);
 
 }  // namespace jws::detail
 

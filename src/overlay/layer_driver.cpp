@@ -27,11 +27,6 @@ double secondsSince(Clock::time_point start) {
 /// A number as messages show it.
 int shown(std::int64_t number) { return static_cast<int>(std::min<std::int64_t>(number, INT_MAX)); }
 
-/// A result layer refused one feature and can take the next; any other failure ends the run.
-bool isRefusal(enumJWErrorKind kind) {
-    return kind == JWErrorFeatureRejected || kind == JWErrorWrongGeometryType;
-}
-
 /// The area of what rings enclose by the even-odd rule, however they cross.
 double resolvedArea(const JWGeometry& geometry) {
     try {

@@ -1,0 +1,440 @@
+// SPDX-License-Identifier: MIT
+#include "overlay/dissolve_driver.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <climits>
+#include <cmath>
+#include <optional>
+
+#include "boolean/ring_set.h"
+#include "foundation/parallel.h"
+#include "overlay/envelope_clusters.h"
+#include "overlay/feature_check.h"
+#include "overlay/group_statistics.h"
+#include "overlay/group_union.h"
+#include "overlay/multi_parts.h"
+#include "overlay/value_groups.h"
+
+namespace jws::detail {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::int64_t kBlock = 4096;   // features read at a time, at most
+constexpr std::size_t kWindow = 32768;  // features whose groups are written together
+
+/// Prints numbers by the thousand: a message each would cost more than the dissolve.
+class NumberPrinter {
+  public:
+    ~NumberPrinter() { flush(); }
+    void print(std::int64_t number, char behind) {
+        char digits[24];
+        const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+        m_text.append(digits, end);
+        m_text.push_back(behind);
+        if (m_text.size() > 8192) flush();
+    }
+    void print(char c) { m_text.push_back(c); }
+
+  private:
+    void flush() {
+        if (!m_text.empty()) JWReport::message("%s", m_text.c_str());
+        m_text.clear();
+    }
+    std::string m_text;
+};
+
+/// The area of a polygon's rings or the like; what a feature is rejected for is in `reason`.
+struct Examination {
+    bool empty = false;
+    const char* reason = nullptr;
+};
+
+/// A group's results, made by one worker and written by one.
+struct GroupResult {
+    struct Piece {
+        std::unique_ptr<JWFeature> feature;
+        double area;
+    };
+    std::vector<Piece> pieces;
+    double areaBefore = 0;
+    double overlap = 0;
+    double dropped = 0;
+    std::int64_t firstFid = -1;
+    std::vector<std::pair<std::int64_t, std::string>> failures;  ///< feature and reason
+};
+
+class DissolveRun {
+  public:
+    DissolveRun(FeatureInput& input, FeatureOutput& output, DissolveKind kind,
+                const std::vector<int>& fields, const JWDissolveOptions& options,
+                JWLayerReport& report)
+        : m_input(input),
+          m_output(output),
+          m_kind(kind),
+          m_fields(fields),
+          m_options(options),
+          m_report(report),
+          m_team(options.threads),
+          m_total(input.count()),
+          m_unions(m_items, options.tolerance) {}
+
+    void createSchema();
+    void read();
+    void group();
+    void write();
+
+  private:
+    bool readNextBlock();
+    void examine(std::size_t position);
+    Examination examineGeometry(DissolveItem& item);
+    void keepAccount();
+    PositionLists clusters() const;
+    bool uniteWindow(std::size_t first, std::size_t end, std::vector<GroupResult>& results);
+    GroupResult makeResult(std::size_t group, std::size_t inWindow);
+    std::vector<std::unique_ptr<JWGeometry>> geometriesOf(std::size_t group, std::size_t inWindow,
+                                                          GroupResult& result);
+    void makeFeatures(std::size_t group, std::vector<std::unique_ptr<JWGeometry>> geometries,
+                      GroupResult& result);
+    void writeResult(GroupResult& result);
+    void reject(std::int64_t fid, const std::string& reason) {
+        m_report.rejected.push_back({m_input.source(), m_input.name(), fid, reason});
+    }
+    /// False when the progress callback asked to stop.
+    bool keepOn(std::int64_t done) { return JWReport::progress(done, 2 * m_total); }
+    [[noreturn]] void stop();
+
+    FeatureInput& m_input;
+    FeatureOutput& m_output;
+    DissolveKind m_kind;
+    const std::vector<int>& m_fields;
+    const JWDissolveOptions& m_options;
+    JWLayerReport& m_report;
+    Team m_team;
+    std::int64_t m_total;
+
+    JWFields* m_schema = nullptr;
+    std::vector<std::string> m_names;  ///< of the result fields, as asked for
+    std::int64_t m_nextBlock = 0;
+    std::vector<DissolveItem> m_items;
+    std::vector<Examination> m_examined;
+    std::vector<std::string> m_keys;
+    PositionLists m_groups;
+    GroupUnions m_unions;
+};
+
+[[noreturn]] void fail(enumJWErrorKind kind, const std::string& text) {
+    JWReport::setError(kind, text);
+    throw LayerFailure();
+}
+
+void DissolveRun::stop() {
+    m_report.cancelled = true;
+    fail(JWErrorCancelled, "the run was stopped; nothing was written");
+}
+
+void DissolveRun::createSchema() {
+    std::vector<JWField> fields;
+    const JWFields none;
+    const JWFields& source = m_input.fields() != nullptr ? *m_input.fields() : none;
+    for (const int field : m_fields) fields.push_back(*source.getFieldPtr(field));
+    for (const JWDissolveStatistic& statistic : m_options.statistics) {
+        const std::string wrong = checkStatistic(statistic, source);
+        if (!wrong.empty()) {
+            fail(JWErrorInvalidArgument,
+                 std::string(m_input.source()) + ", layer " + m_input.name() + ": " + wrong);
+        }
+        fields.push_back(statisticField(statistic, source));
+    }
+    if (!m_options.areaField.empty() && m_kind == DissolveKind::Areas) {
+        fields.emplace_back(m_options.areaField.c_str(), JWFieldReal);
+    }
+    for (const JWField& field : fields) m_names.emplace_back(field.getFieldName());
+    switch (m_kind) {
+        case DissolveKind::Areas:
+            m_output.setGeometryType(m_options.multipart ? JWWKBMultiPolygon : JWWKBPolygon);
+            break;
+        case DissolveKind::Points:
+            m_output.setGeometryType(JWWKBMultiPoint);
+            break;
+        case DissolveKind::Lines:
+            m_output.setGeometryType(JWWKBMultiLineString);
+            break;
+    }
+    m_schema = m_output.createFields(fields);
+}
+
+void DissolveRun::read() {
+    if (m_total > INT_MAX) {
+        fail(JWErrorInvalidArgument, std::string(m_input.source()) + ", layer " + m_input.name() +
+                                         ": has more features than a dissolve can hold");
+    }
+    const auto count = static_cast<std::size_t>(m_total);
+    m_items.resize(count);
+    m_examined.resize(count);
+    m_keys.resize(count);
+    const std::int64_t block =
+        m_options.blockSize > 0 ? std::min<std::int64_t>(m_options.blockSize, kBlock) : kBlock;
+    NumberPrinter printer;
+    const auto readAndExamine = [&](std::int64_t, std::int64_t) {
+        std::int64_t first = 0;
+        std::vector<std::shared_ptr<const JWFeature>> features;
+        bool going = true;
+        exclusive([&] {
+            first = m_nextBlock++ * block;
+            m_input.readBlock(first, block, features);
+            if (first + static_cast<std::int64_t>(features.size()) > m_total) features.clear();
+            for (std::size_t i = 0; i < features.size(); ++i) {
+                printer.print(++m_report.readA, '\n');
+            }
+            going = keepOn(m_report.readA);
+        });
+        for (std::size_t i = 0; i < features.size(); ++i) {
+            const std::size_t position = static_cast<std::size_t>(first) + i;
+            m_items[position].feature = std::move(features[i]);
+            examine(position);
+        }
+        return going;
+    };
+    if (!parallelChunks(m_team, (m_total + block - 1) / block, 1, readAndExamine)) stop();
+    keepAccount();
+}
+
+void DissolveRun::examine(std::size_t position) {
+    DissolveItem& item = m_items[position];
+    Examination& examined = m_examined[position];
+    examined = examineGeometry(item);
+    if (examined.empty || examined.reason != nullptr) {
+        item.envelop = JWEnvelop::invalid();
+        return;
+    }
+    m_keys[position] = valueKey(*item.feature, m_fields);
+}
+
+Examination DissolveRun::examineGeometry(DissolveItem& item) {
+    if (item.feature->isGeometryEmpty()) return {true, nullptr};
+    const JWGeometry& geometry = *item.feature->getGeometryPtr();
+    if (m_kind != DissolveKind::Areas) {
+        const char* reason = m_kind == DissolveKind::Points ? checkPoints(geometry, item.envelop)
+                                                            : checkLines(geometry, item.envelop);
+        return {false, reason};
+    }
+    const AreaCheck check = checkArea(*item.feature);
+    if (check != AreaCheck::Usable) return {check == AreaCheck::Empty, reasonOf(check)};
+    item.envelop = envelopOf(geometry);
+    if (!item.envelop.isValid()) return {true, nullptr};  // rings without points
+    thread_local AreaSum classifier;
+    item.kind = classifier.classify(geometry);
+    return {};
+}
+
+void DissolveRun::keepAccount() {
+    for (std::size_t i = 0; i < m_items.size(); ++i) {
+        if (!m_items[i].feature) continue;
+        if (m_examined[i].empty) ++m_report.emptyA;
+        if (m_examined[i].reason != nullptr) {
+            reject(m_items[i].feature->getFID64(), m_examined[i].reason);
+        }
+    }
+}
+
+/// Everything usable in one list, or cluster by cluster.
+PositionLists DissolveRun::clusters() const {
+    if (m_kind == DissolveKind::Areas && !m_options.acrossClusters) {
+        std::vector<JWEnvelop> envelops;
+        envelops.reserve(m_items.size());
+        for (const DissolveItem& item : m_items) envelops.push_back(item.envelop);
+        PositionLists made = clusterByContact(envelops);
+        NumberPrinter printer;
+        for (std::size_t c = 0; c < made.count(); ++c) {
+            for (const int* p = made.begin(c); p != made.end(c); ++p) printer.print(*p, ',');
+            printer.print('\n');
+        }
+        return made;
+    }
+    PositionLists all;
+    for (std::size_t i = 0; i < m_items.size(); ++i) {
+        if (m_items[i].envelop.isValid()) all.positions.push_back(static_cast<int>(i));
+    }
+    if (!all.positions.empty()) all.ends.push_back(all.positions.size());
+    return all;
+}
+
+void DissolveRun::group() {
+    m_groups = groupByValue(clusters(), m_keys);
+    m_keys = {};
+}
+
+void DissolveRun::write() {
+    std::int64_t done = m_total;
+    for (std::size_t first = 0, end = 0; first < m_groups.count(); first = end) {
+        std::size_t members = 0;
+        for (end = first; end < m_groups.count() && members < kWindow; ++end) {
+            members += static_cast<std::size_t>(m_groups.end(end) - m_groups.begin(end));
+        }
+        std::vector<GroupResult> results(end - first);
+        if (!uniteWindow(first, end, results)) stop();
+        for (std::size_t i = 0; i < results.size(); ++i) {
+            writeResult(results[i]);
+            if (i % 256 == 0 && !keepOn(done)) stop();
+        }
+        done += static_cast<std::int64_t>(members);
+        if (!keepOn(done)) stop();
+    }
+}
+
+bool DissolveRun::uniteWindow(std::size_t first, std::size_t end,
+                              std::vector<GroupResult>& results) {
+    if (m_kind == DissolveKind::Areas) {
+        std::vector<std::pair<const int*, const int*>> groups;
+        for (std::size_t g = first; g < end; ++g) {
+            groups.emplace_back(m_groups.begin(g), m_groups.end(g));
+        }
+        if (!m_unions.prepare(m_team, std::move(groups), [&] { return keepOn(m_total); })) {
+            return false;
+        }
+    }
+    const auto count = static_cast<std::int64_t>(end - first);
+    const std::int64_t chunk =
+        std::clamp<std::int64_t>(count / (std::int64_t{8} * m_team.size()), 1, 64);
+    return parallelChunks(m_team, count, chunk, [&](std::int64_t from, std::int64_t to) {
+        for (auto i = static_cast<std::size_t>(from); i < static_cast<std::size_t>(to); ++i) {
+            results[i] = makeResult(first + i, i);
+        }
+        return keepOn(m_total);
+    });
+}
+
+GroupResult DissolveRun::makeResult(std::size_t group, std::size_t inWindow) {
+    GroupResult result;
+    const int* begin = m_groups.begin(group);
+    const int* end = m_groups.end(group);
+    result.firstFid = m_items[static_cast<std::size_t>(*begin)].feature->getFID64();
+    makeFeatures(group, geometriesOf(group, inWindow, result), result);
+    for (const int* p = begin; p != end; ++p) {
+        m_items[static_cast<std::size_t>(*p)].feature.reset();
+    }
+    return result;
+}
+
+std::vector<std::unique_ptr<JWGeometry>> DissolveRun::geometriesOf(std::size_t group,
+                                                                   std::size_t inWindow,
+                                                                   GroupResult& result) {
+    std::vector<std::unique_ptr<JWGeometry>> geometries;
+    if (m_kind != DissolveKind::Areas) {
+        std::vector<const JWGeometry*> members;
+        for (const int* p = m_groups.begin(group); p != m_groups.end(group); ++p) {
+            members.push_back(m_items[static_cast<std::size_t>(*p)].feature->getGeometryPtr());
+        }
+        if (m_kind == DissolveKind::Points) {
+            geometries.push_back(gatherParts<JWMultiPoint, JWPoint>(members));
+        } else {
+            geometries.push_back(gatherParts<JWMultiLineString, JWLineString>(members));
+        }
+        return geometries;
+    }
+    GroupUnion united = m_unions.unite(inWindow);
+    result.areaBefore = united.areaBefore;
+    result.overlap = united.overlap;
+    result.dropped = united.dropped;
+    for (const auto& [position, reason] : united.failures) {
+        result.failures.emplace_back(
+            m_items[static_cast<std::size_t>(position)].feature->getFID64(), reason);
+    }
+    if (!united.geometry) return geometries;
+    if (m_options.multipart) {
+        geometries.push_back(std::move(united.geometry));
+    } else {
+        geometries = splitPolygons(std::move(united.geometry));
+    }
+    return geometries;
+}
+
+void DissolveRun::makeFeatures(std::size_t group,
+                               std::vector<std::unique_ptr<JWGeometry>> geometries,
+                               GroupResult& result) {
+    if (geometries.empty()) return;
+    std::vector<const JWFeature*> members;
+    for (const int* p = m_groups.begin(group); p != m_groups.end(group); ++p) {
+        members.push_back(m_items[static_cast<std::size_t>(*p)].feature.get());
+    }
+    JWFeature values(m_schema);
+    std::size_t target = 0;
+    const auto check = [&](bool filled) {
+        if (!filled) {
+            result.failures.emplace_back(
+                members.front()->getFID64(),
+                "the result cannot hold the value of field " + m_names[target]);
+        }
+        ++target;
+    };
+    for (const int field : m_fields) {
+        check(values.copyFieldFrom(static_cast<int>(target), *members.front(), field));
+    }
+    for (const JWDissolveStatistic& statistic : m_options.statistics) {
+        check(fillStatistic(statistic, members, static_cast<int>(target), values));
+    }
+    for (std::unique_ptr<JWGeometry>& geometry : geometries) {
+        GroupResult::Piece piece{std::make_unique<JWFeature>(values), areaOf(*geometry)};
+        if (target < m_names.size()) {
+            piece.feature->setFieldValue(static_cast<int>(target), piece.area);
+        }
+        piece.feature->setGeometryDirectly(geometry.release());
+        result.pieces.push_back(std::move(piece));
+    }
+}
+
+void DissolveRun::writeResult(GroupResult& result) {
+    for (const auto& [fid, reason] : result.failures) reject(fid, reason);
+    double after = 0;
+    for (GroupResult::Piece& piece : result.pieces) {
+        after += piece.area;
+        if (m_output.write(piece.feature)) {
+            ++m_report.written;
+            m_report.area += piece.area;
+        } else if (isRefusal(JWReport::lastError().kind)) {
+            reject(result.firstFid, JWReport::lastError().text);
+        } else {
+            throw LayerFailure();
+        }
+        piece.feature.reset();
+    }
+    m_report.areaA += result.areaBefore;
+    m_report.overlap += result.overlap;
+    m_report.residual += result.areaBefore - result.overlap - result.dropped - after;
+}
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+}  // namespace
+
+std::int64_t runDissolve(FeatureInput& input, FeatureOutput& output, DissolveKind kind,
+                         const std::vector<int>& fields, const JWDissolveOptions& options,
+                         JWLayerReport& report) {
+    report = JWLayerReport();
+    DissolveRun run(input, output, kind, fields, options, report);
+    run.createSchema();
+    output.begin();
+    try {
+        const Clock::time_point readStart = Clock::now();
+        run.read();
+        run.group();
+        report.secondsIndex = secondsSince(readStart);
+        const Clock::time_point uniteStart = Clock::now();
+        run.write();
+        output.commit();
+        report.secondsOverlay = secondsSince(uniteStart);
+    } catch (...) {
+        output.rollback();
+        report.written = 0;
+        report.area = 0;
+        throw;
+    }
+    return report.written;
+}
+
+}  // namespace jws::detail

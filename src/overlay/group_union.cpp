@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "overlay/group_union.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "overlay/feature_check.h"
+#include "overlay/geometry_overlay.h"
+
+namespace jws::detail {
+namespace {
+
+constexpr std::ptrdiff_t kPatch = 1024;  // areas; their edges fit a processor's cache
+
+/// The place of a cell of a 65536 x 65536 grid along Hilbert's curve.
+std::uint32_t hilbertIndex(std::uint32_t x, std::uint32_t y) {
+    std::uint32_t index = 0;
+    for (std::uint32_t side = 1u << 15; side > 0; side >>= 1) {
+        const std::uint32_t right = (x & side) != 0 ? 1 : 0;
+        const std::uint32_t upper = (y & side) != 0 ? 1 : 0;
+        index += side * side * ((3 * right) ^ upper);
+        if (upper == 0) {
+            if (right == 1) {
+                x = 0xFFFFu - x;
+                y = 0xFFFFu - y;
+            }
+            std::swap(x, y);
+        }
+    }
+    return index;
+}
+
+/// Scales the middle of an interval to a cell of the grid.
+std::uint32_t cellOf(double low, double high, double from, double to) {
+    const double extent = 0.5 * to - 0.5 * from;
+    const double share = extent > 0 ? (0.25 * low + 0.25 * high - 0.5 * from) / extent : 0;
+    return static_cast<std::uint32_t>(65535.0 * std::min(std::max(share, 0.0), 1.0));
+}
+
+}  // namespace
+
+void GroupUnions::plan(std::vector<std::pair<const int*, const int*>> groups) {
+    m_groups.clear();
+    m_patches.clear();
+    for (const auto& [begin, end] : groups) {
+        m_groups.push_back({begin, end});
+        if (canUniteDirected && end - begin > kPatch) split(m_groups.back());
+    }
+}
+
+void GroupUnions::split(Group& group) {
+    JWEnvelop extent = JWEnvelop::invalid();
+    for (const int* p = group.begin; p != group.end; ++p) {
+        extent.inflates_to_contain(m_items[static_cast<std::size_t>(*p)].envelop);
+    }
+    std::vector<std::pair<std::uint32_t, int>> order;
+    for (const int* p = group.begin; p != group.end; ++p) {
+        const JWEnvelop& e = m_items[static_cast<std::size_t>(*p)].envelop;
+        order.emplace_back(hilbertIndex(cellOf(e.minX, e.maxX, extent.minX, extent.maxX),
+                                        cellOf(e.minY, e.maxY, extent.minY, extent.maxY)),
+                           *p);
+    }
+    std::sort(order.begin(), order.end());
+    group.firstPatch = m_patches.size();
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i % kPatch == 0) m_patches.emplace_back();
+        m_patches.back().positions.push_back(order[i].second);
+    }
+    group.endPatch = m_patches.size();
+}
+
+void GroupUnions::addAreas(const int* begin, const int* end, AreaSum& total, Sum& account) const {
+    for (const int* position = begin; position != end; ++position) {
+        const DissolveItem& item = m_items[static_cast<std::size_t>(*position)];
+        try {
+            account.area += total.add(*item.feature->getGeometryPtr(), item.kind);
+        } catch (const ClipFailure& failure) {
+            account.failures.emplace_back(*position, failure.what());
+        }
+    }
+}
+
+void GroupUnions::sumPatch(Patch& patch) const {
+    thread_local AreaSum total;
+    total.clear();
+    const int* positions = patch.positions.data();
+    addAreas(positions, positions + patch.positions.size(), total, patch.sum);
+    patch.sum.edges = total.rest();
+}
+
+GroupUnion GroupUnions::unite(std::size_t number) const {
+    const Group& group = m_groups[number];
+    if (!canUniteDirected) return uniteOneByOne(group);
+    thread_local AreaSum total;
+    total.clear();
+    Sum account;
+    if (group.firstPatch == group.endPatch) addAreas(group.begin, group.end, total, account);
+    for (std::size_t i = group.firstPatch; i < group.endPatch; ++i) {
+        const Sum& patch = m_patches[i].sum;
+        total.add(patch.edges);
+        account.area += patch.area;
+        account.failures.insert(account.failures.end(), patch.failures.begin(),
+                                patch.failures.end());
+    }
+    GroupUnion result;
+    result.areaBefore = account.area;
+    result.failures = std::move(account.failures);
+    const double tolerance = group.end - group.begin > 1 ? m_tolerance : 0;
+    try {
+        AreaSum::Edges edges = total.rest();
+        const ClippedContours contours = AreaSum::unite(edges, result.overlap);
+        BuiltArea built = buildArea(contours, tolerance);
+        result.dropped = built.dropped;
+        result.geometry = std::move(built.geometry);
+    } catch (const ClipFailure& failure) {
+        result = GroupUnion();
+        for (const int* p = group.begin; p != group.end; ++p) {
+            result.failures.emplace_back(*p, failure.what());
+        }
+    }
+    return result;
+}
+
+std::unique_ptr<JWGeometry> uniteFeatures(const std::vector<JWFeature*>& features,
+                                          double tolerance) {
+    std::vector<const JWGeometry*> areas;
+    for (const JWFeature* feature : features) {
+        if (feature != nullptr && checkArea(*feature) == AreaCheck::Usable) {
+            areas.push_back(feature->getGeometryPtr());
+        }
+    }
+    if (!canUniteDirected) return uniteAll(areas, tolerance);
+    AreaSum total;
+    for (const JWGeometry* area : areas) total.add(*area, total.classify(*area));
+    AreaSum::Edges edges = total.rest();
+    double overlap = 0;
+    return buildArea(AreaSum::unite(edges, overlap), tolerance).geometry;
+}
+
+/// With an engine that unites two operands at a time; what it drops counts as overlap then.
+GroupUnion GroupUnions::uniteOneByOne(const Group& group) const {
+    GroupUnion result;
+    std::vector<const JWGeometry*> areas;
+    for (const int* p = group.begin; p != group.end; ++p) {
+        areas.push_back(m_items[static_cast<std::size_t>(*p)].feature->getGeometryPtr());
+        result.areaBefore += areaOf(*areas.back());
+    }
+    const JWPolygon nothing;
+    result.geometry =
+        areas.size() > 1 ? uniteAll(areas, m_tolerance) : detail::unite(*areas.front(), nothing, 0);
+    result.overlap = result.areaBefore - (result.geometry ? areaOf(*result.geometry) : 0);
+    return result;
+}
+
+}  // namespace jws::detail
