@@ -57,6 +57,7 @@ struct GroupResult {
     struct Piece {
         std::unique_ptr<JWFeature> feature;
         double area;
+        std::shared_ptr<JWFeatureRecord> record;
     };
     std::vector<Piece> pieces;
     double areaBefore = 0;
@@ -377,11 +378,12 @@ void DissolveRun::makeFeatures(std::size_t group,
         check(fillStatistic(statistic, members, static_cast<int>(target), values));
     }
     for (std::unique_ptr<JWGeometry>& geometry : geometries) {
-        GroupResult::Piece piece{std::make_unique<JWFeature>(values), areaOf(*geometry)};
+        GroupResult::Piece piece{std::make_unique<JWFeature>(values), areaOf(*geometry), nullptr};
         if (target < m_names.size()) {
             piece.feature->setFieldValue(static_cast<int>(target), piece.area);
         }
         piece.feature->setGeometryDirectly(geometry.release());
+        if (m_team.size() > 1) piece.record = m_output.prepare(*piece.feature);
         result.pieces.push_back(std::move(piece));
     }
 }
@@ -391,7 +393,7 @@ void DissolveRun::writeResult(GroupResult& result) {
     double after = 0;
     for (GroupResult::Piece& piece : result.pieces) {
         after += piece.area;
-        if (m_output.write(piece.feature)) {
+        if (m_output.write(piece.feature, piece.record)) {
             ++m_report.written;
             m_report.area += piece.area;
         } else if (isRefusal(JWReport::lastError().kind)) {

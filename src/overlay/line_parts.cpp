@@ -50,6 +50,7 @@ class LineCutter {
         if (da == 0 && !isRing) touch(i, j, d);
         if (ac == 0 && !isRing) touch(j, i, a);
         if (bc == 0 && !isNext) touch(j, i, b);
+        if (isNext && da == 0 && dot(difference(b, a), difference(d, c)) < 0) cut(j, c);
         if (ca * da == -1 && ac * bc == -1) {
             const JWRawPoint u = difference(b, a), v = difference(d, c);
             const JWRawPoint p = pointAlong(a, u, cross(difference(c, a), v) / cross(u, v));

@@ -6,8 +6,6 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "foundation/field_value.h"
-
 namespace jws::detail {
 namespace {
 
@@ -25,8 +23,8 @@ void appendReal(std::string& key, double value) {
     appendBytes(key, std::isnan(value) ? std::numeric_limits<double>::quiet_NaN() : value + 0.0);
 }
 
-void appendValue(std::string& key, enumJWFieldType type, const unionJWField& value) {
-    switch (type) {
+void appendValue(std::string& key, const JWFeature& feature, int field, const unionJWField& value) {
+    switch (feature.getFieldDefPtr(field)->getFieldType()) {
         case JWFieldInteger:
             return appendBytes(key, value.integer);
         case JWFieldInteger64:
@@ -39,7 +37,8 @@ void appendValue(std::string& key, enumJWFieldType type, const unionJWField& val
             return appendText(key, reinterpret_cast<const char*>(value.binary.values),
                               static_cast<std::size_t>(value.binary.count));
         default: {
-            const std::string text = valueText(type, value);
+            std::string text;
+            feature.getFieldAsString(field, text);
             return appendText(key, text.data(), text.size());
         }
     }
@@ -53,7 +52,7 @@ std::string valueKey(const JWFeature& feature, const std::vector<int>& fields) {
         const unionJWField* value = feature.getFieldValDefPtr(field);
         key.push_back(value != nullptr ? '\1' : '\0');
         if (value == nullptr) continue;
-        appendValue(key, feature.getFieldDefPtr(field)->getFieldType(), *value);
+        appendValue(key, feature, field, *value);
     }
     return key;
 }
