@@ -4,9 +4,9 @@
 //
 // A cluster grows from its first member: search what meets a member, add it, search from there. A
 // plain R-tree would hand out the same neighbours again and again, n² times where all rectangles
-// overlap. Here what was found is taken out: each node of the tree counts what it still holds, and
-// empty branches are not entered. So every rectangle is handed out once, and a search costs the way
-// to what it finds. About O(n log n).
+// overlap. Here what was found is taken out: each node of the tree keeps the rectangle around what
+// it still holds, so that a search enters only where something is left to be found. Every rectangle
+// is handed out once, and a search costs about the way to what it finds. About O(n log n).
 //
 // The tree is packed: rectangles sorted by their middles into strips and tiles
 // (sort-tile-recursive, Leutenegger, Lopez and Edgington 1997), eight to a leaf, and eight nodes to
@@ -28,103 +28,96 @@ class ShrinkingTree {
     bool holds(int position) const { return m_held[static_cast<std::size_t>(position)] != 0; }
     /// Takes out everything that meets `query` and appends it to `found`.
     void takeOut(const JWEnvelop& query, std::vector<int>& found) {
-        if (!m_levels.empty()) takeOut(m_levels.size() - 1, 0, query, found);
+        if (m_levels.size() > 1) takeOut(m_levels.size() - 1, 0, query, found);
     }
 
   private:
-    struct Node {
-        JWEnvelop box;
-        int held;
-    };
+    /// The rectangle around what a node still holds, invalid when that is nothing. Level 0 are the
+    /// rectangles themselves, in the order of the tree.
+    using Level = std::vector<JWEnvelop>;
 
-    void sortIntoTiles();
-    void buildLevels();
-    int takeOut(std::size_t level, std::size_t node, const JWEnvelop& query,
-                std::vector<int>& found);
+    void sortIntoTiles(const std::vector<JWEnvelop>& envelops);
+    JWEnvelop boxOfMembers(std::size_t level, std::size_t node) const;
+    bool takeOut(std::size_t level, std::size_t node, const JWEnvelop& query,
+                 std::vector<int>& found);
 
-    const std::vector<JWEnvelop>& m_envelops;
     std::vector<int> m_order;
     std::vector<char> m_held;
-    std::vector<std::vector<Node>> m_levels;  // leaves first
+    std::vector<Level> m_levels;
 };
 
-/// Half of each first: a sum may overflow.
-double middleX(const JWEnvelop& e) { return 0.5 * e.minX + 0.5 * e.maxX; }
-double middleY(const JWEnvelop& e) { return 0.5 * e.minY + 0.5 * e.maxY; }
-
-ShrinkingTree::ShrinkingTree(const std::vector<JWEnvelop>& envelops)
-    : m_envelops(envelops), m_held(envelops.size(), 0) {
+ShrinkingTree::ShrinkingTree(const std::vector<JWEnvelop>& envelops) : m_held(envelops.size(), 0) {
     for (std::size_t i = 0; i < envelops.size(); ++i) {
         if (!envelops[i].isValid()) continue;
         m_held[i] = 1;
         m_order.push_back(static_cast<int>(i));
     }
     if (m_order.empty()) return;
-    sortIntoTiles();
-    buildLevels();
+    sortIntoTiles(envelops);
+    m_levels.emplace_back();
+    for (const int i : m_order) m_levels[0].push_back(envelops[static_cast<std::size_t>(i)]);
+    do {
+        const std::size_t level = m_levels.size();
+        const std::size_t nodes = (m_levels.back().size() + kFan - 1) / kFan;
+        m_levels.emplace_back();
+        for (std::size_t i = 0; i < nodes; ++i) m_levels[level].push_back(boxOfMembers(level, i));
+    } while (m_levels.back().size() > 1);
 }
 
-void ShrinkingTree::sortIntoTiles() {
-    const auto by = [this](double (*middle)(const JWEnvelop&)) {
-        return [this, middle](int i, int j) {
-            const double a = middle(m_envelops[static_cast<std::size_t>(i)]);
-            const double b = middle(m_envelops[static_cast<std::size_t>(j)]);
-            return a != b ? a < b : i < j;
-        };
+void ShrinkingTree::sortIntoTiles(const std::vector<JWEnvelop>& envelops) {
+    struct Middle {
+        double x, y;
+        int position;
     };
-    const std::size_t count = m_order.size();
-    std::sort(m_order.begin(), m_order.end(), by(middleX));
+    std::vector<Middle> middles;
+    for (const int i : m_order) {  // half of each first: a sum may overflow
+        const JWEnvelop& e = envelops[static_cast<std::size_t>(i)];
+        middles.push_back({0.5 * e.minX + 0.5 * e.maxX, 0.5 * e.minY + 0.5 * e.maxY, i});
+    }
+    const std::size_t count = middles.size();
+    std::sort(middles.begin(), middles.end(), [](const Middle& a, const Middle& b) {
+        return a.x != b.x ? a.x < b.x : a.position < b.position;
+    });
     const double leaves = std::ceil(static_cast<double>(count) / kFan);
     const auto strips = static_cast<std::size_t>(std::ceil(std::sqrt(leaves)));
     const std::size_t perStrip = (count + strips - 1) / strips;
     for (std::size_t first = 0; first < count; first += perStrip) {
         const std::size_t end = std::min(first + perStrip, count);
-        std::sort(m_order.begin() + static_cast<std::ptrdiff_t>(first),
-                  m_order.begin() + static_cast<std::ptrdiff_t>(end), by(middleY));
+        std::sort(middles.begin() + static_cast<std::ptrdiff_t>(first),
+                  middles.begin() + static_cast<std::ptrdiff_t>(end),
+                  [](const Middle& a, const Middle& b) {
+                      return a.y != b.y ? a.y < b.y : a.position < b.position;
+                  });
     }
+    for (std::size_t i = 0; i < count; ++i) m_order[i] = middles[i].position;
 }
 
-void ShrinkingTree::buildLevels() {
-    std::vector<Node> nodes;
-    for (std::size_t i = 0; i < m_order.size(); ++i) {
-        if (i % kFan == 0) nodes.push_back({JWEnvelop::invalid(), 0});
-        nodes.back().box.inflates_to_contain(m_envelops[static_cast<std::size_t>(m_order[i])]);
-        ++nodes.back().held;
+JWEnvelop ShrinkingTree::boxOfMembers(std::size_t level, std::size_t node) const {
+    const Level& below = m_levels[level - 1];
+    JWEnvelop box = JWEnvelop::invalid();
+    for (std::size_t i = node * kFan; i < std::min((node + 1) * kFan, below.size()); ++i) {
+        box.inflates_to_contain(below[i]);
     }
-    for (;;) {
-        m_levels.push_back(nodes);
-        if (nodes.size() == 1) return;
-        std::vector<Node> above;
-        for (std::size_t i = 0; i < nodes.size(); ++i) {
-            if (i % kFan == 0) above.push_back({JWEnvelop::invalid(), 0});
-            above.back().box.inflates_to_contain(nodes[i].box);
-            above.back().held += nodes[i].held;
-        }
-        nodes = std::move(above);
-    }
+    return box;
 }
 
-int ShrinkingTree::takeOut(std::size_t level, std::size_t node, const JWEnvelop& query,
-                           std::vector<int>& found) {
-    Node& here = m_levels[level][node];
-    if (here.held == 0 || here.box.isDisjoin(query)) return 0;
-    const std::size_t below = level > 0 ? m_levels[level - 1].size() : m_order.size();
-    const std::size_t end = std::min((node + 1) * kFan, below);
-    int taken = 0;
+/// Returns true when something was taken out.
+bool ShrinkingTree::takeOut(std::size_t level, std::size_t node, const JWEnvelop& query,
+                            std::vector<int>& found) {
+    JWEnvelop& box = m_levels[level][node];
+    if (!box.isValid() || box.isDisjoin(query)) return false;
+    if (level == 0) {
+        m_held[static_cast<std::size_t>(m_order[node])] = 0;
+        found.push_back(m_order[node]);
+        box.setInvalid();
+        return true;
+    }
+    bool taken = false;
+    const std::size_t end = std::min((node + 1) * kFan, m_levels[level - 1].size());
     for (std::size_t i = node * kFan; i < end; ++i) {
-        if (level > 0) {
-            taken += takeOut(level - 1, i, query, found);
-            continue;
-        }
-        const int position = m_order[i];
-        if (!holds(position) || m_envelops[static_cast<std::size_t>(position)].isDisjoin(query)) {
-            continue;
-        }
-        m_held[static_cast<std::size_t>(position)] = 0;
-        found.push_back(position);
-        ++taken;
+        taken = takeOut(level - 1, i, query, found) || taken;
     }
-    here.held -= taken;
+    if (taken) box = boxOfMembers(level, node);
     return taken;
 }
 

@@ -11,6 +11,7 @@ namespace jws::detail {
 namespace {
 
 constexpr std::ptrdiff_t kPatch = 1024;  // areas; their edges fit a processor's cache
+constexpr std::size_t kMerge = 16;       // patches that are merged to one
 
 /// The place of a cell of a 65536 x 65536 grid along Hilbert's curve.
 std::uint32_t hilbertIndex(std::uint32_t x, std::uint32_t y) {
@@ -80,12 +81,41 @@ void GroupUnions::addAreas(const int* begin, const int* end, AreaSum& total, Sum
     }
 }
 
+void GroupUnions::addSum(const Sum& part, AreaSum& total, Sum& account) {
+    total.add(part.edges);
+    account.area += part.area;
+    account.failures.insert(account.failures.end(), part.failures.begin(), part.failures.end());
+}
+
 void GroupUnions::sumPatch(Patch& patch) const {
     thread_local AreaSum total;
     total.clear();
     const int* positions = patch.positions.data();
     addAreas(positions, positions + patch.positions.size(), total, patch.sum);
+    for (const Sum& part : patch.parts) addSum(part, total, patch.sum);
+    patch.parts = {};
     patch.sum.edges = total.rest();
+}
+
+bool GroupUnions::planMerge() {
+    std::vector<Patch> merged;
+    bool more = false;
+    for (Group& group : m_groups) {
+        const std::size_t first = merged.size();
+        const bool merge = group.endPatch - group.firstPatch > kMerge;
+        more = more || merge;
+        for (std::size_t i = group.firstPatch; i < group.endPatch; ++i) {
+            if (!merge || (i - group.firstPatch) % kMerge == 0) merged.emplace_back();
+            merged.back().parts.push_back(std::move(m_patches[i].sum));
+        }
+        group.firstPatch = first;
+        group.endPatch = merged.size();
+    }
+    if (!more) {  // nothing to sum: each patch is its one part
+        for (Patch& patch : merged) patch.sum = std::move(patch.parts.front());
+    }
+    m_patches = std::move(merged);
+    return more;
 }
 
 GroupUnion GroupUnions::unite(std::size_t number) const {
@@ -96,11 +126,7 @@ GroupUnion GroupUnions::unite(std::size_t number) const {
     Sum account;
     if (group.firstPatch == group.endPatch) addAreas(group.begin, group.end, total, account);
     for (std::size_t i = group.firstPatch; i < group.endPatch; ++i) {
-        const Sum& patch = m_patches[i].sum;
-        total.add(patch.edges);
-        account.area += patch.area;
-        account.failures.insert(account.failures.end(), patch.failures.begin(),
-                                patch.failures.end());
+        addSum(m_patches[i].sum, total, account);
     }
     GroupUnion result;
     result.areaBefore = account.area;

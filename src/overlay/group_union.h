@@ -2,9 +2,9 @@
 //
 // The union of groups of areas on a team of threads. Small groups are dealt out whole. A large one
 // is split into patches of areas that lie close together: their boundaries are summed in parallel
-// (area_sum.h), and as a patch keeps little but its outline, what is left of all patches is summed
-// and united in no time. How a group is split depends on the group alone, so the result does not
-// depend on the team.
+// (area_sum.h), then those of a few neighbouring patches, and so on; as a patch keeps little but
+// its outline, what is left in the end is united in no time. How a group is split depends on the
+// group alone, so the result does not depend on the team.
 #ifndef JW_OVERLAY_GROUP_UNION_H
 #define JW_OVERLAY_GROUP_UNION_H
 
@@ -51,11 +51,16 @@ class GroupUnions {
     bool prepare(const Team& team, std::vector<std::pair<const int*, const int*>> groups,
                  KeepOn&& keepOn) {
         plan(std::move(groups));
-        return parallelChunks(team, static_cast<std::int64_t>(m_patches.size()), 1,
-                              [&](std::int64_t i, std::int64_t) {
-                                  sumPatch(m_patches[static_cast<std::size_t>(i)]);
-                                  return keepOn();
-                              });
+        for (bool more = !m_patches.empty(); more; more = planMerge()) {
+            const bool finished =
+                parallelChunks(team, static_cast<std::int64_t>(m_patches.size()), 1,
+                               [&](std::int64_t i, std::int64_t) {
+                                   sumPatch(m_patches[static_cast<std::size_t>(i)]);
+                                   return keepOn();
+                               });
+            if (!finished) return false;
+        }
+        return true;
     }
 
     /// Computes the union of a group; on any number of threads at once.
@@ -69,6 +74,7 @@ class GroupUnions {
     };
     struct Patch {
         std::vector<int> positions;
+        std::vector<Sum> parts;  ///< sums of smaller patches that it consists of instead
         Sum sum;
     };
     struct Group {
@@ -80,7 +86,10 @@ class GroupUnions {
 
     void plan(std::vector<std::pair<const int*, const int*>> groups);
     void split(Group& group);
+    /// Makes patches of neighbouring patches; false when each group has few enough.
+    bool planMerge();
     void sumPatch(Patch& patch) const;
+    static void addSum(const Sum& part, AreaSum& total, Sum& account);
     /// Adds the areas at these positions to `total`.
     void addAreas(const int* begin, const int* end, AreaSum& total, Sum& account) const;
     GroupUnion uniteOneByOne(const Group& group) const;
