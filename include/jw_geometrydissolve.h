@@ -136,9 +136,9 @@ class JW_API JWGeometryDissolve {
     /// Does the same with all settings open, statistics included, and accounts for every feature in
     /// `report` (may be null). All of `fieldIndexes` are used.
     ///
-    /// The account: `areaA` is the area of the features, `area` that of the result, `overlap` what
-    /// the features of a group cover more than once, and `residual` what remains of areaA = area +
-    /// overlap + rings dropped by the tolerance.
+    /// The identity: `areaA`, the sum of the features' areas, is `area` + `areaOverlap` +
+    /// `areaDropped`. What each group misses by adds to `residual`. The overlap is measured on the
+    /// cut edges, not on the result, so that a part lost or counted twice would show.
     static int dissolvePolygonLayer(JWFeatureLayer* input, JWFeatureLayer* output,
                                     const std::vector<int>& fieldIndexes,
                                     const JWDissolveOptions& options, JWLayerReport* report);

@@ -14,6 +14,7 @@
 #include "overlay/feature_check.h"
 #include "overlay/group_statistics.h"
 #include "overlay/group_union.h"
+#include "overlay/layer_checks.h"
 #include "overlay/multi_parts.h"
 #include "overlay/value_groups.h"
 
@@ -404,8 +405,9 @@ void DissolveRun::writeResult(GroupResult& result) {
         piece.feature.reset();
     }
     m_report.areaA += result.areaBefore;
-    m_report.overlap += result.overlap;
-    m_report.residual += result.areaBefore - result.overlap - result.dropped - after;
+    m_report.areaOverlap += result.overlap;
+    m_report.areaDropped += result.dropped;
+    m_report.residual += std::fabs(result.areaBefore - result.overlap - result.dropped - after);
 }
 
 double secondsSince(Clock::time_point start) {
@@ -433,9 +435,10 @@ std::int64_t runDissolve(FeatureInput& input, FeatureOutput& output, DissolveKin
     } catch (...) {
         output.rollback();
         report.written = 0;
-        report.area = 0;
+        report.area = report.areaOverlap = report.areaDropped = report.residual = 0;
         throw;
     }
+    if (kind == DissolveKind::Areas) judge(report);
     return report.written;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "overlay/layer_checks.h"
 
+#include <cstdio>
 #include <string>
 
 #include "jw_report.h"
@@ -65,6 +66,18 @@ void reportRejected(const std::vector<JWRejectedFeature>& rejected) {
                        ", feature " + std::to_string(first.fid) + ": " + first.reason;
     if (rejected.size() > 1) text += "; and " + std::to_string(rejected.size() - 1) + " more";
     JWReport::setError(JWErrorFeatureRejected, text, first.fid);
+}
+
+void judge(JWLayerReport& report) {
+    constexpr double most = 1e-9;
+    report.checked = true;
+    const double input = report.areaA + report.areaB;
+    if (report.residual <= most * input) return;
+    char text[160];
+    std::snprintf(text, sizeof text,
+                  "the areas do not add up: %.6g square units of %.6g are missing or counted twice",
+                  report.residual, input);
+    report.warning = text;
 }
 
 }  // namespace jws::detail

@@ -26,6 +26,9 @@ bool checkReferences(const JWSpatialReference* a, const char* nameA, const JWSpa
 /// if there is one. It stands in for the report where the caller has none.
 void reportRejected(const std::vector<JWRejectedFeature>& rejected);
 
+/// Judges the residual of a run whose areas were checked: a warning above 1e-9 of the input area.
+void judge(JWLayerReport& report);
+
 }  // namespace jws::detail
 
 #endif  // JW_OVERLAY_LAYER_CHECKS_H

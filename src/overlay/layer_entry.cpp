@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdio>
 
 #include "foundation/api_guard.h"
 #include "overlay/layer_checks.h"
@@ -35,36 +34,12 @@ const LayerOperation overlapPiecesWithinOperation = {
 
 namespace {
 
-/// The last error after a run to the end: the first feature that is missing from the result, if
-/// there is one. It stands in for the report where the caller has none.
-void reportRejected(const std::vector<JWRejectedFeature>& rejected) {
-    if (rejected.empty()) return JWReport::clearError();
-    const JWRejectedFeature& first = rejected.front();
-    std::string text = (first.source.empty() ? "" : first.source + ", ") + "layer " + first.layer +
-                       ", feature " + std::to_string(first.fid) + ": " + first.reason;
-    if (rejected.size() > 1) text += "; and " + std::to_string(rejected.size() - 1) + " more";
-    JWReport::setError(JWErrorFeatureRejected, text, first.fid);
-}
-
 ResultSchema schemaOf(const LayerOperation& operation, FeatureInput& a, FeatureInput& b,
                       const JWOverlayOptions& options) {
     if (operation.attributes == Attributes::OfA) return ResultSchema(a);
     ResultSchema schema(a, b, options);
     if (operation.attributes == Attributes::OfBothCount) schema.addJoinCount();
     return schema;
-}
-
-/// Judges the residual of a run whose areas were checked.
-void judge(JWLayerReport& report) {
-    constexpr double most = 1e-9;
-    report.checked = true;
-    const double input = report.areaA + report.areaB;
-    if (report.residual <= most * input) return;
-    char text[160];
-    std::snprintf(text, sizeof text,
-                  "the areas do not add up: %.6g square units of %.6g are missing or counted twice",
-                  report.residual, input);
-    report.warning = text;
 }
 
 std::int64_t runJob(const LayerOperation& operation, FeatureInput& a, FeatureInput& b,

@@ -333,7 +333,7 @@ TEST_F(Dissolve, AnyTeamAndAnyBlockGiveTheSame) {
                                                      &report);
             EXPECT_EQ(contentOf(*first), contentOf(*output));
             EXPECT_EQ(expected.residual, report.residual);
-            EXPECT_EQ(expected.overlap, report.overlap);
+            EXPECT_EQ(expected.areaOverlap, report.areaOverlap);
         }
     }
     // The fixed forms, and the layer from back to front.
@@ -441,7 +441,7 @@ TEST_F(Dissolve, CleanCoverageLeavesItsOutline) {
     const Strings content = run(rows);
     ASSERT_EQ(4u, content.size());
     EXPECT_EQ(3600, report.area);
-    EXPECT_EQ(4, report.overlap);  // the four that are there twice
+    EXPECT_EQ(4, report.areaOverlap);  // the four that are there twice
     EXPECT_EQ(0, report.residual);
     for (const std::string& feature : content) {
         EXPECT_EQ(120, std::count(feature.begin(), feature.end(), ','));

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <sstream>
+#include <utility>
 
 #include "commands.h"
 
@@ -19,12 +21,21 @@ bool parse(const std::string& text, Number& value) {
     return error == std::errc() && stop == end;
 }
 
+std::vector<std::string> split(const std::string& text) {
+    std::vector<std::string> members;
+    std::istringstream list(text);
+    for (std::string member; std::getline(list, member, ',');) members.push_back(member);
+    if (text.empty() || text.back() == ',') members.emplace_back();
+    return members;
+}
+
 }  // namespace
 
 const std::vector<Command>& commandTable() {
     static const std::vector<Command> table = {
-        intersectCommand(),
-        infoCommand(),
+        intersectCommand(), unionCommand(),         mergeCommand(),    eraseCommand(),
+        identityCommand(),  symdiffCommand(),       updateCommand(),   spatialJoinCommand(),
+        selfUnionCommand(), selfIntersectCommand(), dissolveCommand(), infoCommand(),
     };
     return table;
 }
@@ -56,6 +67,44 @@ void addNonNegative(CLI::App& app, const std::string& names, double& target,
         target = value;
     };
     app.add_option_function<std::string>(names, read, help)->type_name("NUMBER")->default_str("0");
+}
+
+void addRectangle(CLI::App& app, const std::string& names, std::vector<double>& target,
+                  const std::string& help) {
+    const auto read = [=, &target](const std::string& text) {
+        std::vector<double> numbers;
+        for (const std::string& member : split(text)) {
+            numbers.push_back(0);
+            if (!parse(member, numbers.back()) || !std::isfinite(numbers.back())) numbers.clear();
+            if (numbers.empty()) break;
+        }
+        if (numbers.size() != 4) {
+            throw CLI::ValidationError(names, "'" + text + "' is not x1,y1,x2,y2");
+        }
+        if (numbers[0] > numbers[2]) std::swap(numbers[0], numbers[2]);
+        if (numbers[1] > numbers[3]) std::swap(numbers[1], numbers[3]);
+        target = numbers;
+    };
+    app.add_option_function<std::string>(names, read, help)->type_name("X1,Y1,X2,Y2");
+}
+
+void addList(CLI::App& app, const std::string& names, std::vector<std::string>& target,
+             const std::string& type, const std::string& help) {
+    const auto read = [=, &target](const std::vector<std::string>& texts) {
+        target.clear();
+        for (const std::string& text : texts) {
+            for (const std::string& member : split(text)) {
+                if (member.empty()) {
+                    throw CLI::ValidationError(names, "'" + text + "' has an empty member");
+                }
+                target.push_back(member);
+            }
+        }
+    };
+    app.add_option_function<std::vector<std::string>>(names, read, help)
+        ->type_name(type)
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
 void addChoice(CLI::App& app, const std::string& names, std::string& target,

@@ -25,6 +25,22 @@ struct Settings {
     std::string outputFormat;
     std::string attributes = "all";
     std::string areaField;
+    std::string where;
+    std::string overlayWhere;
+    std::vector<double> bbox;  ///< empty, or minimum x and y, maximum x and y
+    std::string prefixA;
+    std::string prefixB;
+    std::vector<std::string> dissolveFields;
+    std::vector<std::string> statistics;
+    bool multipart = false;
+    bool acrossClusters = false;
+    bool singleParts = false;
+    bool noBorders = false;
+    bool dropUnmatched = false;
+    bool rowPerPair = false;
+    bool merge = false;
+    bool perFeature = false;
+    bool noCheck = false;
     double tolerance = 0;
     int blockSize = 4096;
     int threads = 0;
@@ -56,6 +72,13 @@ void addInteger(CLI::App& app, const std::string& names, int& target, int lowest
 /// Declares an option that takes a finite number of at least 0.
 void addNonNegative(CLI::App& app, const std::string& names, double& target,
                     const std::string& help);
+/// Declares an option that takes a rectangle, four numbers with commas between them; two opposite
+/// corners will do.
+void addRectangle(CLI::App& app, const std::string& names, std::vector<double>& target,
+                  const std::string& help);
+/// Declares an option that takes a list with commas between its members, and may be repeated.
+void addList(CLI::App& app, const std::string& names, std::vector<std::string>& target,
+             const std::string& type, const std::string& help);
 /// Declares an option that takes one of these words.
 void addChoice(CLI::App& app, const std::string& names, std::string& target,
                const std::vector<std::string>& choices, const std::string& help);

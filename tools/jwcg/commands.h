@@ -10,6 +10,18 @@ namespace jws::cli {
 
 // overlay_commands.cpp
 Command intersectCommand();
+Command unionCommand();
+Command mergeCommand();
+Command eraseCommand();
+Command identityCommand();
+Command symdiffCommand();
+Command updateCommand();
+Command spatialJoinCommand();
+Command selfUnionCommand();
+Command selfIntersectCommand();
+
+// dissolve_command.cpp
+Command dissolveCommand();
 
 // info_command.cpp
 Command infoCommand();

@@ -16,15 +16,25 @@ class InputLayer {
     /// geometries. Throws CommandFailure: input unreadable; usage when there is no such layer.
     InputLayer(const std::string& path, const std::string& layer);
 
+    /// Leaves the features that satisfy `where` (a condition in SQL; empty for all) and whose
+    /// geometries meet a rectangle (null for all). They are held in memory from then on, with their
+    /// identifiers. Throws CommandFailure: usage for a condition that is not understood.
+    void restrictTo(const std::string& where, const JWEnvelop* rectangle);
+
     JWFeatureLayer& layer() { return *m_layer; }
     const std::string& path() const { return m_path; }
     std::string layerName() const { return m_layer->getLayerName(); }
     /// Null when there is none.
     const JWSpatialReference* reference() const { return m_layer->getSpatialReference(); }
+    /// What the layer may hold: 3 polygons, 1 points, 2 lines, 0 any, 100 none; multi-types count
+    /// as their single ones.
+    enumJWWKBGeometryType kind() const;
     /// Throws CommandFailure (usage) unless the layer may hold polygons.
     void requirePolygons() const;
 
   private:
+    void keep(JWFeatureClass& features);
+
     std::string m_path;
     SourcePointer m_source;
     LayerPointer m_layer;

@@ -162,24 +162,34 @@ void OutputFile::open() {
     }
 }
 
-JWFeatureLayer& OutputFile::createLayer(const JWSpatialReference* reference) {
+JWFeatureLayer& OutputFile::createLayer(enumJWWKBGeometryType type,
+                                        const JWSpatialReference* reference) {
     throwIfInterrupted();
     open();
-    m_layer.reset(m_source->createLayer(m_layerName.c_str(), JWWKBMultiPolygon, reference,
-                                        layerOptions(m_format)));
+    m_layer.reset(
+        m_source->createLayer(m_layerName.c_str(), type, reference, layerOptions(m_format)));
     if (!m_layer) throw writeFailure();
-    checkLayer();
+    checkLayer(type);
     m_layerName = m_layer->getLayerName();
     throwIfInterrupted();
     return *m_layer;
 }
 
 /// Some formats create another layer than the one asked for.
-void OutputFile::checkLayer() const {
+void OutputFile::checkLayer(enumJWWKBGeometryType wanted) const {
+    const struct {
+        enumJWWKBGeometryType multi, single;
+        const char* name;
+    } kinds[] = {{JWWKBMultiPoint, JWWKBPoint, "points"},
+                 {JWWKBMultiLineString, JWWKBLineString, "lines"},
+                 {JWWKBMultiPolygon, JWWKBPolygon, "polygons"}};
     const enumJWWKBGeometryType type = m_layer->getGeometryType();
-    if (type != JWWKBUnknown && type != JWWKBPolygon && type != JWWKBMultiPolygon &&
-        type != JWWKBGeometryCollection) {
-        throw usage(m_request.path + ": format " + m_format + " does not hold polygons");
+    for (const auto& kind : kinds) {
+        if (kind.multi != wanted || type == kind.multi || type == kind.single ||
+            type == JWWKBUnknown || type == JWWKBGeometryCollection) {
+            continue;
+        }
+        throw usage(m_request.path + ": format " + m_format + " does not hold " + kind.name);
     }
     if (m_layer->getFieldsDefnPtr()->getFieldCount() > 0) {
         throw usage(m_request.path + ": format " + m_format +

@@ -48,9 +48,9 @@ class OutputFile {
     /// Throws CommandFailure (usage) when the output would replace this layer of an input.
     void checkInputLayer(const std::string& path, const std::string& layer) const;
 
-    /// Starts the output: makes the hidden directory and the layer in it, multipolygons under
+    /// Starts the output: makes the hidden directory and the layer in it, of this type, under
     /// `reference` (may be null). Throws CommandFailure when that cannot be done.
-    JWFeatureLayer& createLayer(const JWSpatialReference* reference);
+    JWFeatureLayer& createLayer(enumJWWKBGeometryType type, const JWSpatialReference* reference);
     /// Ends the output: closes it, verifies that `features` features are in it, and moves it to its
     /// final place. Returns features whose geometry the format did not keep. Throws CommandFailure;
     /// the destination is unharmed then.
@@ -71,7 +71,7 @@ class OutputFile {
     void checkInputs() const;
     void checkAppend();
     void open();
-    void checkLayer() const;
+    void checkLayer(enumJWWKBGeometryType wanted) const;
     std::vector<JWRejectedFeature> verify(std::int64_t features) const;
     void checkUnchanged() const;
     bool destinationIs(const std::string& input) const;

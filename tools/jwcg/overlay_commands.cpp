@@ -1,40 +1,21 @@
 // SPDX-License-Identifier: MIT
 //
-// The commands that overlay two polygon layers. They share their options and one course of action:
-// check what can be checked, open both inputs, start the output, run the library's operation, move
-// the output into place, report. An operation is one library call.
+// The commands that overlay two polygon layers, or one with itself. They differ in the library's
+// operation, and in which options mean something to it.
 #include <CLI/CLI.hpp>
-#include <chrono>
-#include <climits>
 
 #include "commands.h"
-#include "input_layer.h"
 #include "jw_geometryoverlay2.h"
 #include "jw_overlayoptions.h"
-#include "output_file.h"
-#include "progress_bar.h"
-#include "run_summary.h"
+#include "layer_job.h"
 
 namespace jws::cli {
 namespace {
 
-using LayerOverlay = int (*)(JWFeatureLayer*, JWFeatureLayer*, JWFeatureLayer*,
-                             const JWOverlayOptions&, JWLayerReport*);
-
-/// Seconds since the last call.
-class Stopwatch {
-  public:
-    double lap() {
-        const Clock::time_point now = Clock::now();
-        const double seconds = std::chrono::duration<double>(now - m_last).count();
-        m_last = now;
-        return seconds;
-    }
-
-  private:
-    using Clock = std::chrono::steady_clock;
-    Clock::time_point m_last = Clock::now();
-};
+using Overlay = JWGeometryOverlay2;
+using TwoLayers = int (*)(JWFeatureLayer*, JWFeatureLayer*, JWFeatureLayer*,
+                          const JWOverlayOptions&, JWLayerReport*);
+using OneLayer = int (*)(JWFeatureLayer*, JWFeatureLayer*, const JWOverlayOptions&, JWLayerReport*);
 
 int attributeMode(const std::string& attributes) {
     if (attributes == "fid") return 1;
@@ -47,146 +28,99 @@ JWOverlayOptions optionsOf(const Settings& settings) {
     options.tolerance = settings.tolerance;
     options.blockSize = settings.blockSize;
     options.threads = settings.threads;
+    options.multipart = !settings.singleParts;
+    options.keepBorders = !settings.noBorders;
+    options.keepUnmatched = !settings.dropUnmatched;
+    options.rowPerPair = settings.rowPerPair;
+    options.checkAreas = !settings.noCheck;
     options.promoteToMulti = true;
     options.areaField = settings.areaField;
+    options.prefixA = settings.prefixA;
+    options.prefixB = settings.prefixB;
     return options;
 }
 
 Json parametersOf(const Settings& settings) {
     return {{"attributes", settings.attributes},
-            {"tolerance", settings.tolerance},
-            {"block_size", settings.blockSize},
-            {"threads", settings.threads},
-            {"area_field", settings.areaField.empty() ? Json(nullptr) : Json(settings.areaField)},
-            {"overwrite", settings.overwrite},
-            {"append", settings.append}};
+            {"prefix_a", settings.prefixA},
+            {"prefix_b", settings.prefixB},
+            {"single_parts", settings.singleParts},
+            {"check", !settings.noCheck}};
 }
 
-OutputRequest outputOf(const Settings& settings) {
-    OutputRequest request;
-    request.path = settings.output;
-    request.format = settings.outputFormat;
-    request.layer = settings.outputLayer;
-    request.overwrite = settings.overwrite;
-    request.append = settings.append;
-    request.inputs = {settings.input, settings.overlay};
-    return request;
+int runTwo(const Settings& settings, const char* command, TwoLayers operation,
+           const Json& own = Json::object()) {
+    Json parameters = parametersOf(settings);
+    parameters.update(own);
+    return runLayerJob(settings,
+                       {command, "overlaying", true, std::move(parameters), requirePolygons,
+                        [&](const JobLayers& layers, JWLayerReport& report) {
+                            return operation(&layers.input.layer(), &layers.overlay->layer(),
+                                             &layers.output, optionsOf(settings), &report);
+                        }});
 }
 
-/// Runs the library's operation into the output layer. Throws CommandFailure when it fails.
-void overlay(LayerOverlay operation, InputLayer& a, InputLayer& b, JWFeatureLayer& result,
-             const JWOverlayOptions& options, const OutputFile& output, JWLayerReport& report) {
-    JWReport::clearError();
-    if (operation(&a.layer(), &b.layer(), &result, options, &report) >= 0) return;
-    if (report.cancelled || interruptRequested()) {
-        throw CommandFailure(ExitInterrupted, "interrupted; nothing was written");
-    }
-    // The text names the input.
-    if (JWReport::lastError().kind == JWErrorInputUnreadable) throw libraryFailure("");
-    CommandFailure failure = output.writeFailure();
-    // The place was fine when the output was started.
-    const bool lateWrite = JWReport::lastError().kind == JWErrorOutputUnwritable;
-    if (lateWrite && failure.code() == ExitUsage) {
-        throw CommandFailure(ExitInternal, failure.what());
-    }
-    throw failure;
+int runOne(const Settings& settings, const char* command, OneLayer operation, const Json& own) {
+    Json parameters = parametersOf(settings);
+    parameters.update(own);
+    return runLayerJob(settings,
+                       {command, "overlaying", false, std::move(parameters), requirePolygons,
+                        [&](const JobLayers& layers, JWLayerReport& report) {
+                            return operation(&layers.input.layer(), &layers.output,
+                                             optionsOf(settings), &report);
+                        }});
 }
 
-RunSummary runOverlay(const Settings& settings, LayerOverlay operation, ProgressBar& bar) {
-    Stopwatch watch;
-    RunSummary summary;
-    bar.startPhase("opening");
-    OutputFile output(outputOf(settings));
-    InputLayer a(settings.input, settings.inputLayer);
-    InputLayer b(settings.overlay, settings.overlayLayer);
-    a.requirePolygons();
-    b.requirePolygons();
-    requireSameReference(a, b);
-    output.checkInputLayer(a.path(), a.layerName());
-    output.checkInputLayer(b.path(), b.layerName());
-    JWFeatureLayer& result = output.createLayer(a.reference());
-    const double opening = watch.lap();
-
-    bar.startPhase("overlaying");
-    JWLayerReport& report = summary.report;
-    overlay(operation, a, b, result, optionsOf(settings), output, report);
-    if (!report.rejected.empty() && output.isOutOfSpace()) {
-        throw CommandFailure(ExitOutOfSpace, settings.output + ": out of disk space");
-    }
-    for (JWRejectedFeature& rejected : report.rejected) {
-        rejected.reason = output.withFinalPath(rejected.reason);
-    }
-    const double running = watch.lap();
-
-    bar.startPhase("finishing");
-    for (JWRejectedFeature& lost : output.commit(report.written)) {
-        lost.source = settings.output;
-        report.rejected.push_back(std::move(lost));
-    }
-    bar.clear();
-
-    summary.parameters = parametersOf(settings);
-    summary.input = {a.path(), a.layerName(), report.readA, report.emptyA};
-    summary.overlay = {b.path(), b.layerName(), report.readB, report.emptyB};
-    summary.output = {settings.output, output.layerName(), report.written, 0};
-    summary.format = output.format();
-    summary.reference = describe(a.reference());
-    summary.areaUnit = areaUnit(a.reference());
-    const double writing = std::max(0.0, running - report.secondsIndex - report.secondsOverlay);
-    summary.seconds = {{"open", opening},
-                       {"index", report.secondsIndex},
-                       {"overlay", report.secondsOverlay},
-                       {"finish", writing + watch.lap()}};
-    if (!report.rejected.empty()) summary.exitCode = ExitFeaturesRejected;
-    return summary;
+/// What all of them take.
+void setupPlain(CLI::App& app, Settings& settings, bool takesOverlay) {
+    addLayerOptions(app, settings, takesOverlay);
+    addRunOptions(app, settings);
+    app.add_flag("--single-parts", settings.singleParts,
+                 "Make each part of a result a feature of its own");
+    app.add_flag("--no-check", settings.noCheck,
+                 "Do not check that the areas add up, which costs up to as much as the operation");
 }
 
-/// The common course of the overlay commands.
-int runAndReport(const Settings& settings, const char* command, LayerOverlay operation) {
-    ProgressBar bar(!settings.quiet);
-    bar.attachToLibrary(settings.verbose);
-    RunSummary summary = runOverlay(settings, operation, bar);
-    summary.command = command;
-    listRejected(summary, settings.verbose);
-    if (settings.json) {
-        printJson(asJson(summary));
-    } else if (!settings.quiet) {
-        const std::string text = asText(summary);
-        std::fwrite(text.data(), 1, text.size(), stdout);
-    }
-    return summary.exitCode;
-}
-
-void setupOverlay(CLI::App& app, Settings& settings) {
-    addFile(app, "INPUT", settings.input, "File with the input layer");
-    addFile(app, "OVERLAY", settings.overlay, "File with the overlay layer");
-    addFile(app, "OUTPUT", settings.output, "File that receives the result");
-    addText(app, "--input-layer", settings.inputLayer, "NAME",
-            "Layer of INPUT; default: the only one, or the first with geometries");
-    addText(app, "--overlay-layer", settings.overlayLayer, "NAME", "Layer of OVERLAY; likewise");
-    addText(app, "--output-layer", settings.outputLayer, "NAME",
-            "Layer of OUTPUT; default: the name of the file");
-    addText(app, "-f,--output-format", settings.outputFormat, "FORMAT",
-            "GDAL's short name of the format, or a file ending; default: by the ending of OUTPUT");
+/// What those take whose results carry attributes of two features.
+void setupJoining(CLI::App& app, Settings& settings, bool takesOverlay) {
+    setupPlain(app, settings, takesOverlay);
     addChoice(app, "--attributes", settings.attributes, {"all", "fid", "both"},
-              "Attributes of the result: those of both layers, the identifiers of the two source "
-              "features, or both");
-    addNonNegative(app, "--tolerance", settings.tolerance,
-                   "Smallest area of a ring that is kept, square layer units");
-    addText(app, "--area-field", settings.areaField, "NAME",
-            "Add a field with the area of each result feature, square layer units");
-    addInteger(app, "--block-size", settings.blockSize, 0, INT_MAX,
-               "Features of INPUT held in memory at a time; 0 for all");
-    addInteger(app, "--threads", settings.threads, 0, 1024,
-               "Threads; 0 for one per core. The result is the same for any number");
-    app.add_flag("--overwrite", settings.overwrite, "Replace OUTPUT, once the result is complete");
-    app.add_flag("--append", settings.append,
-                 "Add a layer to OUTPUT, if it exists; with --overwrite a layer of that name is "
-                 "replaced");
+              "Attributes of the result: those of both source features, their two identifiers, or "
+              "both");
+    addText(app, "--prefix-a", settings.prefixA, "TEXT",
+            "Put in front of the first feature's fields whose names collide");
+    addText(app, "--prefix-b", settings.prefixB, "TEXT",
+            "Put in front of the second feature's fields whose names collide");
 }
 
-int runIntersect(const Settings& settings) {
-    return runAndReport(settings, "intersect", &JWGeometryOverlay2::intersectPolygonLayers);
+void setupTwo(CLI::App& app, Settings& settings) { setupPlain(app, settings, true); }
+void setupTwoJoining(CLI::App& app, Settings& settings) { setupJoining(app, settings, true); }
+
+void setupUpdate(CLI::App& app, Settings& settings) {
+    setupTwo(app, settings);
+    app.add_flag("--no-borders", settings.noBorders,
+                 "Let each feature of OVERLAY take in the features of INPUT that it overlaps");
+}
+
+void setupSpatialJoin(CLI::App& app, Settings& settings) {
+    setupTwoJoining(app, settings);
+    app.add_flag("--drop-unmatched", settings.dropUnmatched,
+                 "Leave out features of INPUT that meet none of OVERLAY");
+    app.add_flag("--row-per-pair", settings.rowPerPair,
+                 "Write a row for every feature of OVERLAY that is met; default: one row for each "
+                 "feature of INPUT, with the attributes of the first");
+}
+
+void setupSelfUnion(CLI::App& app, Settings& settings) {
+    setupJoining(app, settings, false);
+    app.add_flag("--merge", settings.merge,
+                 "Grow features that overlap together instead, with the attributes of the first");
+}
+
+void setupSelfIntersect(CLI::App& app, Settings& settings) {
+    setupJoining(app, settings, false);
+    app.add_flag("--per-feature", settings.perFeature,
+                 "Write for each feature what it shares with later ones, all in one, instead");
 }
 
 }  // namespace
@@ -197,8 +131,131 @@ Command intersectCommand() {
             "Writes, for every pair of a polygon of INPUT and a polygon of OVERLAY that share an "
             "area, the shared area as one multi-polygon with the attributes of both.",
             "jwcg intersect counties.gpkg climate_cells.gpkg county_cells.gpkg",
-            setupOverlay,
-            runIntersect};
+            setupTwoJoining,
+            [](const Settings& settings) {
+                return runTwo(settings, "intersect", &Overlay::intersectPolygonLayers);
+            }};
+}
+
+Command unionCommand() {
+    return {"union",
+            "cut two layers at each other's borders and keep everything",
+            "Writes the pieces that polygons of INPUT and OVERLAY share, with the attributes of "
+            "both, then what lies in one of the layers only; attributes of the side that is "
+            "missing stay unset.",
+            "jwcg union counties.gpkg climate_cells.gpkg everything.gpkg",
+            setupTwoJoining,
+            [](const Settings& settings) {
+                return runTwo(settings, "union", &Overlay::unionPolygonLayers2);
+            }};
+}
+
+Command mergeCommand() {
+    return {"merge",
+            "grow overlapping polygons of two layers together",
+            "Writes one multi-polygon for every set of polygons of INPUT and OVERLAY that overlap "
+            "one another, directly or through others, with the attributes of the first of each "
+            "layer. Polygons that touch stay apart.",
+            "jwcg merge burnt_2020.gpkg burnt_2021.gpkg burnt.gpkg",
+            setupTwo,
+            [](const Settings& settings) {
+                return runTwo(settings, "merge", &Overlay::unionPolygonLayers);
+            }};
+}
+
+Command eraseCommand() {
+    return {"erase",
+            "take the polygons of one layer out of another",
+            "Writes what of each polygon of INPUT lies outside of all of OVERLAY, with its "
+            "attributes.",
+            "jwcg erase countries.gpkg lakes.gpkg land.gpkg",
+            setupTwo,
+            [](const Settings& settings) {
+                return runTwo(settings, "erase", &Overlay::erasePolygonLayer);
+            }};
+}
+
+Command identityCommand() {
+    return {"identity",
+            "cut the polygons of one layer by those of another and keep the rest",
+            "Writes the pieces of each polygon of INPUT in the polygons of OVERLAY, with the "
+            "attributes of both, then what of it lies outside of OVERLAY.",
+            "jwcg identity counties.gpkg climate_cells.gpkg counties_cut.gpkg",
+            setupTwoJoining,
+            [](const Settings& settings) {
+                return runTwo(settings, "identity", &Overlay::identityPolygonLayers);
+            }};
+}
+
+Command symdiffCommand() {
+    return {"symdiff",
+            "keep what lies in just one of two layers",
+            "Writes what of each polygon of INPUT lies outside of OVERLAY, then what of each "
+            "polygon of OVERLAY lies outside of INPUT, with the attributes of that layer.",
+            "jwcg symdiff land_2010.gpkg land_2020.gpkg changed.gpkg",
+            setupTwoJoining,
+            [](const Settings& settings) {
+                return runTwo(settings, "symdiff", &Overlay::symmetricalDifferencePolygonLayers);
+            }};
+}
+
+Command updateCommand() {
+    return {"update",
+            "lay the polygons of one layer over another",
+            "Writes what of each polygon of INPUT lies outside of OVERLAY, then the polygons of "
+            "OVERLAY, with the attributes of the layer that a result comes from.",
+            "jwcg update parcels.gpkg new_parcels.gpkg parcels_now.gpkg",
+            setupUpdate,
+            [](const Settings& settings) {
+                return runTwo(settings, "update", &Overlay::updatePolygonLayer,
+                              {{"borders", !settings.noBorders}});
+            }};
+}
+
+Command spatialJoinCommand() {
+    return {"spatial-join",
+            "give polygons the attributes of those that they overlap",
+            "Writes the polygons of INPUT, unchanged, with the attributes of the first polygon of "
+            "OVERLAY that each overlaps, and how many those are in a field join_count.",
+            "jwcg spatial-join counties.gpkg climate_cells.gpkg joined.gpkg",
+            setupSpatialJoin,
+            [](const Settings& settings) {
+                return runTwo(settings, "spatial-join", &Overlay::spatialJoinPolygonLayers,
+                              {{"drop_unmatched", settings.dropUnmatched},
+                               {"row_per_pair", settings.rowPerPair}});
+            }};
+}
+
+Command selfUnionCommand() {
+    return {"self-union",
+            "cut the polygons of a layer at each other's borders",
+            "Writes the pieces into which the polygons of a layer cut one another: each overlap "
+            "once, with the attributes of its first two polygons, and each remainder once. No two "
+            "pieces overlap.",
+            "jwcg self-union permits.gpkg permits_flat.gpkg",
+            setupSelfUnion,
+            [](const Settings& settings) {
+                return runOne(settings, "self-union",
+                              settings.merge ? OneLayer(&Overlay::unionPolygonsInSameLayer)
+                                             : OneLayer(&Overlay::unionPolygonsInSameLayer2),
+                              {{"merge", settings.merge}});
+            }};
+}
+
+Command selfIntersectCommand() {
+    return {"self-intersect",
+            "find where the polygons of a layer overlap",
+            "Writes each area that two or more polygons of a layer share, once, with the "
+            "attributes of its first two polygons.",
+            "jwcg self-intersect permits.gpkg conflicts.gpkg",
+            setupSelfIntersect,
+            [](const Settings& settings) {
+                return runOne(settings, "self-intersect",
+                              settings.perFeature
+                                  ? OneLayer(&Overlay::intersectPolygonsInSameLayer)
+                                  : OneLayer(&Overlay::intersectPolygonsInSameLayer2),
+                              {{"per_feature", settings.perFeature}});
+            }};
 }
 
 }  // namespace jws::cli

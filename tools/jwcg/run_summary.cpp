@@ -41,6 +41,33 @@ Json rejectedAsJson(const std::vector<JWRejectedFeature>& rejected) {
     return {{"count", rejected.size()}, {"features", std::move(list)}};
 }
 
+/// Where the input's area went, in one line; nothing for points and lines.
+std::string accountText(const RunSummary& summary) {
+    const JWLayerReport& report = summary.report;
+    if (report.areaA == 0 && report.areaB == 0) return {};
+    std::string text = "account  input " + formatted("%.10g", report.areaA);
+    if (summary.overlay) text += ", overlay " + formatted("%.10g", report.areaB);
+    text += ", result " + formatted("%.10g", report.area);
+    if (report.areaOverlap != 0) text += ", overlaps " + formatted("%.3g", report.areaOverlap);
+    if (report.areaDropped != 0) text += ", dropped " + formatted("%.3g", report.areaDropped);
+    text += report.checked ? "; areas add up to " + formatted("%.1g", report.residual)
+                           : "; not checked";
+    return text + "\n";
+}
+
+Json accountAsJson(const RunSummary& summary) {
+    const JWLayerReport& report = summary.report;
+    Json account = {{"input_area", report.areaA}};
+    if (summary.overlay) account["overlay_area"] = report.areaB;
+    account["output_area"] = report.area;
+    account["dropped_area"] = report.areaDropped;
+    if (summary.command == "dissolve") account["overlap_area"] = report.areaOverlap;
+    account["checked"] = report.checked;
+    account["residual"] = report.checked ? Json(report.residual) : Json(nullptr);
+    account["warning"] = report.warning.empty() ? Json(nullptr) : Json(report.warning);
+    return account;
+}
+
 }  // namespace
 
 const char* version() { return JWCG_VERSION; }
@@ -63,10 +90,14 @@ std::int64_t peakMemory() {
 std::string asText(const RunSummary& summary) {
     const JWLayerReport& report = summary.report;
     std::ostringstream out;
-    out << line("input", summary.input) << line("overlay", summary.overlay)
-        << line("output", summary.output) << "area     " << formatted("%.10g", report.area) << ' '
+    out << line("input", summary.input);
+    if (summary.overlay) out << line("overlay", *summary.overlay);
+    out << line("output", summary.output) << "area     " << formatted("%.10g", report.area) << ' '
         << summary.areaUnit << "\n"
-        << "pairs    " << grouped(report.pairs) << " with envelopes that meet\n";
+        << accountText(summary);
+    if (summary.overlay) {
+        out << "pairs    " << grouped(report.pairs) << " with envelopes that meet\n";
+    }
     if (!report.rejected.empty()) {
         out << "rejected " << grouped(static_cast<std::int64_t>(report.rejected.size())) << "\n";
     }
@@ -89,6 +120,18 @@ Json asJson(const RunSummary& summary) {
     output["format"] = summary.format;
     output["area"] = report.area;
     output["area_unit"] = summary.areaUnit;
+    Json object = {
+        {"command", summary.command},
+        {"version", version()},
+        {"exit_code", summary.exitCode},
+        {"parameters", summary.parameters},
+        {"spatial_reference", summary.reference.empty() ? Json(nullptr) : Json(summary.reference)},
+        {"input", layerAsJson(summary.input)}};
+    if (summary.overlay) object["overlay"] = layerAsJson(*summary.overlay);
+    object["output"] = std::move(output);
+    if (summary.overlay) object["pairs"] = report.pairs;
+    object["account"] = accountAsJson(summary);
+    object["rejected"] = rejectedAsJson(report.rejected);
     double total = 0;
     Json seconds = Json::object();
     for (const auto& [phase, value] : summary.seconds) {
@@ -96,19 +139,9 @@ Json asJson(const RunSummary& summary) {
         total += value;
     }
     seconds["total"] = total;
-    return {
-        {"command", summary.command},
-        {"version", version()},
-        {"exit_code", summary.exitCode},
-        {"parameters", summary.parameters},
-        {"spatial_reference", summary.reference.empty() ? Json(nullptr) : Json(summary.reference)},
-        {"input", layerAsJson(summary.input)},
-        {"overlay", layerAsJson(summary.overlay)},
-        {"output", std::move(output)},
-        {"pairs", report.pairs},
-        {"rejected", rejectedAsJson(report.rejected)},
-        {"seconds", std::move(seconds)},
-        {"peak_memory_bytes", peakMemory()}};
+    object["seconds"] = std::move(seconds);
+    object["peak_memory_bytes"] = peakMemory();
+    return object;
 }
 
 Json failureAsJson(const std::string& command, ExitCode code, const std::string& text) {

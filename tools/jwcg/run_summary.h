@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,7 +22,7 @@ using Json = nlohmann::ordered_json;
 /// The version of the program.
 const char* version();
 
-/// One side of an overlay.
+/// A layer that took part.
 struct LayerSummary {
     std::string file;
     std::string layer;
@@ -34,7 +35,7 @@ struct RunSummary {
     std::string command;
     Json parameters;
     LayerSummary input;
-    LayerSummary overlay;
+    std::optional<LayerSummary> overlay;
     LayerSummary output;
     std::string format;
     std::string reference;  ///< spatial reference for people, empty for none

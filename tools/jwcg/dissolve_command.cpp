@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+//
+// `jwcg dissolve`: polygons, points or lines, as the layer has them.
+#include <CLI/CLI.hpp>
+
+#include "commands.h"
+#include "jw_geometrydissolve.h"
+#include "layer_job.h"
+
+namespace jws::cli {
+namespace {
+
+int fieldOf(const InputLayer& input, const JWFields& fields, const std::string& name) {
+    const int index = fields.getFieldIndex(name.c_str());
+    if (index >= 0) return index;
+    std::string known;
+    for (int i = 0; i < fields.getFieldCount(); ++i) {
+        known += (i == 0 ? "" : ", ") + std::string(fields.getFieldPtr(i)->getFieldName());
+    }
+    throw CommandFailure(ExitUsage, input.path() + ": layer " + input.layerName() +
+                                        " has no field '" + name + "'; it has " +
+                                        (known.empty() ? "none" : known));
+}
+
+/// "sum:pop", "count:pop" or "count".
+JWDissolveStatistic statisticOf(const InputLayer& input, const JWFields& fields,
+                                const std::string& text) {
+    const struct {
+        const char* name;
+        enumJWStatistic statistic;
+    } known[] = {{"sum", JWStatisticSum}, {"mean", JWStatisticMean},   {"min", JWStatisticMin},
+                 {"max", JWStatisticMax}, {"count", JWStatisticCount}, {"first", JWStatisticFirst}};
+    const std::size_t colon = text.find(':');
+    const bool hasField = colon != std::string::npos;
+    for (const auto& row : known) {
+        if (text.compare(0, colon, row.name) != 0) continue;
+        if (!hasField && row.statistic != JWStatisticCount) break;
+        const int field = hasField ? fieldOf(input, fields, text.substr(colon + 1)) : -1;
+        return {row.statistic, field, ""};
+    }
+    throw CommandFailure(ExitUsage, "--stat: '" + text +
+                                        "' is not sum:FIELD, mean:FIELD, min:FIELD, max:FIELD, "
+                                        "first:FIELD, count:FIELD or count");
+}
+
+using Form = int (*)(JWFeatureLayer*, JWFeatureLayer*, const std::vector<int>&,
+                     const JWDissolveOptions&, JWLayerReport*);
+
+/// What the command line comes to for a layer.
+struct Request {
+    Form form = nullptr;
+    enumJWWKBGeometryType type = JWWKBMultiPolygon;
+    std::vector<int> fields;
+    JWDissolveOptions options;
+};
+
+/// Chooses by the kind of the layer.
+void chooseForm(const Settings& settings, const InputLayer& input, Request& request) {
+    switch (input.kind()) {
+        case JWWKBPoint:
+            request.form = &JWGeometryDissolve::dissolvePointLayerByAttributes;
+            request.type = JWWKBMultiPoint;
+            break;
+        case JWWKBLineString:
+            request.form = &JWGeometryDissolve::dissolveLineLayerByAttributes;
+            request.type = JWWKBMultiLineString;
+            break;
+        default:
+            input.requirePolygons();
+            request.form = &JWGeometryDissolve::dissolvePolygonLayer;
+            return;
+    }
+    if (settings.dissolveFields.empty()) {
+        throw CommandFailure(ExitUsage, input.path() + ": layer " + input.layerName() +
+                                            " holds no polygons and needs --by");
+    }
+}
+
+Request requestFor(const Settings& settings, InputLayer& input) {
+    Request request;
+    chooseForm(settings, input, request);
+    const JWFields& fields = *input.layer().getFieldsDefnPtr();
+    for (const std::string& name : settings.dissolveFields) {
+        request.fields.push_back(fieldOf(input, fields, name));
+    }
+    request.options.multipart = settings.multipart || settings.acrossClusters;
+    request.options.acrossClusters = settings.acrossClusters;
+    request.options.tolerance = settings.tolerance;
+    request.options.blockSize = settings.blockSize;
+    request.options.threads = settings.threads;
+    request.options.areaField = settings.areaField;
+    for (const std::string& text : settings.statistics) {
+        request.options.statistics.push_back(statisticOf(input, fields, text));
+    }
+    return request;
+}
+
+void setupDissolve(CLI::App& app, Settings& settings) {
+    addLayerOptions(app, settings, false);
+    addList(app, "--by", settings.dissolveFields, "FIELD,...",
+            "Fields whose values must be equal; none: all that lies together");
+    app.add_flag("--multipart", settings.multipart,
+                 "Write one feature per group; default: one per polygon");
+    app.add_flag("--across", settings.acrossClusters,
+                 "Write one feature per set of values, wherever its polygons lie");
+    addList(app, "--stat", settings.statistics, "STATISTIC:FIELD,...",
+            "Statistics over the features of a group: sum, mean, min, max, first or count of a "
+            "field, or count alone");
+    addRunOptions(app, settings);
+}
+
+int runDissolve(const Settings& settings) {
+    Request request;
+    return runLayerJob(settings, {"dissolve",
+                                  "dissolving",
+                                  false,
+                                  {{"by", settings.dissolveFields},
+                                   {"multipart", settings.multipart || settings.acrossClusters},
+                                   {"across", settings.acrossClusters},
+                                   {"stat", settings.statistics}},
+                                  [&](InputLayer& input) {
+                                      request = requestFor(settings, input);
+                                      return request.type;
+                                  },
+                                  [&](const JobLayers& layers, JWLayerReport& report) {
+                                      return request.form(&layers.input.layer(), &layers.output,
+                                                          request.fields, request.options, &report);
+                                  }});
+}
+
+}  // namespace
+
+Command dissolveCommand() {
+    return {"dissolve",
+            "merge features that share attribute values",
+            "Unites the polygons of a layer that have equal values in the fields of --by and lie "
+            "together: whose envelopes meet, directly or through other polygons. The result has "
+            "these fields and the statistics asked for. Points and lines are gathered to "
+            "multi-points and multi-lines, wherever they lie. Values that are missing are equal.",
+            "jwcg dissolve counties.gpkg states.gpkg --by state --across --stat count,first:name",
+            setupDissolve,
+            runDissolve};
+}
+
+}  // namespace jws::cli

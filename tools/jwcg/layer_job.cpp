@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+#include "layer_job.h"
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <climits>
+#include <cstdio>
+#include <optional>
+
+#include "output_file.h"
+#include "progress_bar.h"
+
+namespace jws::cli {
+namespace {
+
+/// Seconds since the last call.
+class Stopwatch {
+  public:
+    double lap() {
+        const Clock::time_point now = Clock::now();
+        const double seconds = std::chrono::duration<double>(now - m_last).count();
+        m_last = now;
+        return seconds;
+    }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point m_last = Clock::now();
+};
+
+Json textOrNull(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
+
+Json parametersOf(const Settings& settings, const LayerJob& job) {
+    Json parameters = job.parameters.is_null() ? Json::object() : job.parameters;
+    parameters["tolerance"] = settings.tolerance;
+    parameters["block_size"] = settings.blockSize;
+    parameters["threads"] = settings.threads;
+    parameters["area_field"] = textOrNull(settings.areaField);
+    parameters["where"] = textOrNull(settings.where);
+    if (job.takesOverlay) parameters["overlay_where"] = textOrNull(settings.overlayWhere);
+    parameters["bbox"] = settings.bbox.empty() ? Json(nullptr) : Json(settings.bbox);
+    parameters["overwrite"] = settings.overwrite;
+    parameters["append"] = settings.append;
+    return parameters;
+}
+
+OutputRequest outputOf(const Settings& settings, const LayerJob& job) {
+    OutputRequest request;
+    request.path = settings.output;
+    request.format = settings.outputFormat;
+    request.layer = settings.outputLayer;
+    request.overwrite = settings.overwrite;
+    request.append = settings.append;
+    request.inputs = {settings.input};
+    if (job.takesOverlay) request.inputs.push_back(settings.overlay);
+    return request;
+}
+
+void restrictInputs(const Settings& settings, InputLayer& a, InputLayer* b) {
+    std::optional<JWEnvelop> window;
+    if (!settings.bbox.empty()) {
+        window.emplace(settings.bbox[0], settings.bbox[1], settings.bbox[2], settings.bbox[3]);
+    }
+    a.restrictTo(settings.where, window ? &*window : nullptr);
+    if (b != nullptr) b->restrictTo(settings.overlayWhere, nullptr);
+}
+
+/// Runs the library's operation into the output layer. Throws CommandFailure when it fails.
+void operate(const LayerJob& job, const JobLayers& layers, const OutputFile& output,
+             JWLayerReport& report) {
+    JWReport::clearError();
+    if (job.operation(layers, report) >= 0) return;
+    if (report.cancelled || interruptRequested()) {
+        throw CommandFailure(ExitInterrupted, "interrupted; nothing was written");
+    }
+    // The text names the input.
+    const enumJWErrorKind kind = JWReport::lastError().kind;
+    if (kind == JWErrorInputUnreadable || kind == JWErrorInvalidArgument) throw libraryFailure("");
+    CommandFailure failure = output.writeFailure();
+    // The place was fine when the output was started.
+    if (kind == JWErrorOutputUnwritable && failure.code() == ExitUsage) {
+        throw CommandFailure(ExitInternal, failure.what());
+    }
+    throw failure;
+}
+
+/// Features held in memory know their layer, not the file that they come from.
+void nameSources(const InputLayer& a, const InputLayer* b, const OutputFile& output,
+                 JWLayerReport& report) {
+    for (JWRejectedFeature& rejected : report.rejected) {
+        rejected.reason = output.withFinalPath(rejected.reason);
+        if (!rejected.source.empty()) continue;
+        const bool isOverlay = b != nullptr && rejected.layer == b->layerName();
+        rejected.source = isOverlay ? b->path() : a.path();
+    }
+}
+
+RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& bar) {
+    Stopwatch watch;
+    RunSummary summary;
+    bar.startPhase("opening");
+    OutputFile output(outputOf(settings, job));
+    InputLayer a(settings.input, settings.inputLayer);
+    std::optional<InputLayer> b;
+    const enumJWWKBGeometryType type = job.prepare(a);
+    if (job.takesOverlay) {
+        b.emplace(settings.overlay, settings.overlayLayer);
+        b->requirePolygons();
+        requireSameReference(a, *b);
+        output.checkInputLayer(b->path(), b->layerName());
+    }
+    output.checkInputLayer(a.path(), a.layerName());
+    restrictInputs(settings, a, b ? &*b : nullptr);
+    JWFeatureLayer& result = output.createLayer(type, a.reference());
+    const double opening = watch.lap();
+
+    bar.startPhase(job.phase);
+    JWLayerReport& report = summary.report;
+    operate(job, {a, b ? &*b : nullptr, result}, output, report);
+    if (!report.rejected.empty() && output.isOutOfSpace()) {
+        throw CommandFailure(ExitOutOfSpace, settings.output + ": out of disk space");
+    }
+    nameSources(a, b ? &*b : nullptr, output, report);
+    const double running = watch.lap();
+
+    bar.startPhase("finishing");
+    for (JWRejectedFeature& lost : output.commit(report.written)) {
+        lost.source = settings.output;
+        report.rejected.push_back(std::move(lost));
+    }
+    bar.clear();
+
+    summary.command = job.command;
+    summary.parameters = parametersOf(settings, job);
+    summary.input = {a.path(), a.layerName(), report.readA, report.emptyA};
+    if (b) summary.overlay = LayerSummary{b->path(), b->layerName(), report.readB, report.emptyB};
+    summary.output = {settings.output, output.layerName(), report.written, 0};
+    summary.format = output.format();
+    summary.reference = describe(a.reference());
+    summary.areaUnit = areaUnit(a.reference());
+    const double writing = std::max(0.0, running - report.secondsIndex - report.secondsOverlay);
+    summary.seconds = {{"open", opening},
+                       {"index", report.secondsIndex},
+                       {"overlay", report.secondsOverlay},
+                       {"finish", writing + watch.lap()}};
+    if (!report.rejected.empty()) summary.exitCode = ExitFeaturesRejected;
+    return summary;
+}
+
+}  // namespace
+
+int runLayerJob(const Settings& settings, const LayerJob& job) {
+    ProgressBar bar(!settings.quiet);
+    bar.attachToLibrary(settings.verbose);
+    const RunSummary summary = runJob(settings, job, bar);
+    listRejected(summary, settings.verbose);
+    if (!summary.report.warning.empty()) {
+        std::fprintf(stderr, "jwcg: warning: %s\n", summary.report.warning.c_str());
+    }
+    if (settings.json) {
+        printJson(asJson(summary));
+    } else if (!settings.quiet) {
+        const std::string text = asText(summary);
+        std::fwrite(text.data(), 1, text.size(), stdout);
+    }
+    return summary.exitCode;
+}
+
+enumJWWKBGeometryType requirePolygons(InputLayer& input) {
+    input.requirePolygons();
+    return JWWKBMultiPolygon;
+}
+
+void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay) {
+    addFile(app, "INPUT", settings.input, "File with the input layer");
+    if (takesOverlay) addFile(app, "OVERLAY", settings.overlay, "File with the overlay layer");
+    addFile(app, "OUTPUT", settings.output, "File that receives the result");
+    addText(app, "--input-layer", settings.inputLayer, "NAME",
+            "Layer of INPUT; default: the only one, or the first with geometries");
+    if (takesOverlay) {
+        addText(app, "--overlay-layer", settings.overlayLayer, "NAME",
+                "Layer of OVERLAY; likewise");
+    }
+    addText(app, "--output-layer", settings.outputLayer, "NAME",
+            "Layer of OUTPUT; default: the name of the file");
+    addText(app, "-f,--output-format", settings.outputFormat, "FORMAT",
+            "GDAL's short name of the format, or a file ending; default: by the ending of OUTPUT");
+    addText(app, "--where", settings.where, "SQL",
+            "Take the features of INPUT that satisfy a condition, such as \"pop > 1000\"; fid is "
+            "the identifier");
+    if (takesOverlay) {
+        addText(app, "--overlay-where", settings.overlayWhere, "SQL",
+                "Take the features of OVERLAY that satisfy a condition");
+    }
+    addRectangle(app, "--bbox", settings.bbox,
+                 "Take the features of INPUT that meet a rectangle, in its coordinates");
+    app.add_flag("--overwrite", settings.overwrite, "Replace OUTPUT, once the result is complete");
+    app.add_flag("--append", settings.append,
+                 "Add a layer to OUTPUT, if it exists; with --overwrite a layer of that name is "
+                 "replaced");
+}
+
+void addRunOptions(CLI::App& app, Settings& settings) {
+    addNonNegative(app, "--tolerance", settings.tolerance,
+                   "Smallest area of a ring that is kept, square layer units");
+    addText(app, "--area-field", settings.areaField, "NAME",
+            "Add a field with the area of each result feature, square layer units");
+    addInteger(app, "--block-size", settings.blockSize, 0, INT_MAX,
+               "Features of INPUT read at a time; 0 for all");
+    addInteger(app, "--threads", settings.threads, 0, 1024,
+               "Threads; 0 for one per core. The result is the same for any number");
+}
+
+}  // namespace jws::cli

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+//
+// The course that every command from layers to a layer takes: check what can be checked, open the
+// inputs, start the output, run the library's operation, move the output into place, report. A
+// command says what is its own in a job; the options that they share are declared here.
+#ifndef JWCG_LAYER_JOB_H
+#define JWCG_LAYER_JOB_H
+
+#include <functional>
+
+#include "command_table.h"
+#include "input_layer.h"
+#include "jw_report.h"
+#include "run_summary.h"
+
+namespace CLI {
+class App;
+}
+
+namespace jws::cli {
+
+/// What a job works on.
+struct JobLayers {
+    InputLayer& input;
+    InputLayer* overlay;  ///< null for jobs with one input
+    JWFeatureLayer& output;
+};
+
+struct LayerJob {
+    const char* command;
+    const char* phase;  ///< what the progress line says while the operation runs
+    bool takesOverlay;
+    Json parameters;  ///< of its own, beside the shared ones
+    /// Looks at the input before the output is started; throws CommandFailure. Returns the type of
+    /// the output.
+    std::function<enumJWWKBGeometryType(InputLayer& input)> prepare;
+    /// Runs the library's operation and returns its code.
+    std::function<int(const JobLayers& layers, JWLayerReport& report)> operation;
+};
+
+/// Runs a job, prints its account, and returns the exit status; throws CommandFailure.
+int runLayerJob(const Settings& settings, const LayerJob& job);
+
+/// Declares the positional arguments and the options that choose files, layers and features.
+void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay);
+/// Declares --tolerance, --area-field, --block-size, --threads.
+void addRunOptions(CLI::App& app, Settings& settings);
+
+/// For `prepare`: polygons in, multi-polygons out.
+enumJWWKBGeometryType requirePolygons(InputLayer& input);
+
+}  // namespace jws::cli
+
+#endif  // JWCG_LAYER_JOB_H
