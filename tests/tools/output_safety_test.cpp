@@ -62,6 +62,54 @@ TEST_F(OutputSafety, InterruptedRunsLeaveNothing) {
     }
 }
 
+const Arguments everyOperation[] = {
+    {"union", "a", "b"},        {"merge", "a", "b"},   {"erase", "a", "b"},
+    {"identity", "a", "b"},     {"symdiff", "a", "b"}, {"update", "a", "b"},
+    {"spatial-join", "a", "b"}, {"self-union", "a"},   {"self-intersect", "a"},
+    {"dissolve", "a"},
+};
+
+TEST_F(OutputSafety, EveryOperationCanBeInterrupted) {
+    writePackage("a", "a", grid(200, 0));
+    writePackage("b", "b", grid(200, 0.5));
+    for (Arguments arguments : everyOperation) {
+        SCOPED_TRACE(arguments[0]);
+        const Names before = listing();
+        Conditions conditions;
+        conditions.meanwhile = [&](pid_t child) {
+            return isWorking() && ::kill(child, SIGINT) == 0;
+        };
+        arguments.push_back("new.gpkg");
+        if (arguments[0] == "dissolve") arguments.insert(arguments.end(), {"--by", "name"});
+        const Outcome outcome = run(arguments, conditions);
+        EXPECT_EQ(130, outcome.status);
+        EXPECT_EQ(0u, outcome.err.find("jwcg: interrupted")) << outcome.err;
+        EXPECT_EQ(before, listing());
+    }
+}
+
+TEST_F(OutputSafety, EveryOperationLeavesTheFormerFileOnAFullDisk) {
+    // Overlapping squares, so that every operation has much to write.
+    std::vector<Box> boxes = grid(40, 0), moved = grid(40, 0.4);
+    boxes.insert(boxes.end(), moved.begin(), moved.end());
+    writePackage("a", "a", boxes);
+    writePackage("b", "b", grid(20, 0.5));
+    for (Arguments arguments : everyOperation) {
+        SCOPED_TRACE(arguments[0]);
+        write("out.gpkg", "former");
+        const Names before = listing();
+        Conditions conditions;
+        conditions.fileSizeLimit = 150000;
+        arguments.insert(arguments.end(), {"out.gpkg", "--overwrite"});
+        if (arguments[0] == "dissolve") arguments.insert(arguments.end(), {"--by", "name"});
+        if (arguments[0] == "merge") continue;  // everything grows together: one feature
+        const Outcome outcome = run(arguments, conditions);
+        EXPECT_EQ(5, outcome.status) << outcome.err;
+        EXPECT_TRUE(read("out.gpkg") == "former");
+        EXPECT_EQ(before, listing());
+    }
+}
+
 TEST_F(OutputSafety, SecondInterruptEndsAtOnce) {
     writePackage("a.gpkg", "a", grid(200, 0));
     writePackage("b.gpkg", "b", grid(200, 0.5));

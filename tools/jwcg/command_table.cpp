@@ -103,8 +103,7 @@ void addList(CLI::App& app, const std::string& names, std::vector<std::string>& 
     };
     app.add_option_function<std::vector<std::string>>(names, read, help)
         ->type_name(type)
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+        ->allow_extra_args(false);
 }
 
 void addChoice(CLI::App& app, const std::string& names, std::string& target,

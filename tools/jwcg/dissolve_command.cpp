@@ -97,13 +97,13 @@ Request requestFor(const Settings& settings, InputLayer& input) {
 
 void setupDissolve(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, false);
-    addList(app, "--by", settings.dissolveFields, "FIELD,...",
+    addList(app, "--by", settings.dissolveFields, "FIELD[,FIELD]",
             "Fields whose values must be equal; none: all that lies together");
     app.add_flag("--multipart", settings.multipart,
                  "Write one feature per group; default: one per polygon");
     app.add_flag("--across", settings.acrossClusters,
                  "Write one feature per set of values, wherever its polygons lie");
-    addList(app, "--stat", settings.statistics, "STATISTIC:FIELD,...",
+    addList(app, "--stat", settings.statistics, "STATISTIC[:FIELD]",
             "Statistics over the features of a group: sum, mean, min, max, first or count of a "
             "field, or count alone");
     addRunOptions(app, settings);

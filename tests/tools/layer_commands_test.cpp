@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+//
+// The commands from layers to a layer, beside intersect: what is in their results, that each gives
+// an account that closes, and the options that choose features and names.
+#include "program.h"
+
+namespace jws::test {
+namespace {
+
+using Arguments = std::vector<std::string>;
+using nlohmann::json;
+
+class LayerCommands : public ProgramTest {
+  protected:
+    LayerCommands() {
+        write("a.geojson", geoJson({{0, 0, 2, 2, "left"}, {2, 0, 4, 2, "right"}}));
+        write("b.geojson", geoJson({{1, 1, 3, 3, "middle"}, {9, 9, 10, 10, "far"}}));
+        write("self.geojson", geoJson({{0, 0, 2, 2, "x"}, {1, 0, 3, 2, "y"}, {2, 0, 4, 2, "x"}}));
+    }
+};
+
+TEST_F(LayerCommands, EachGivesItsResultAndAccount) {
+    const struct {
+        Arguments arguments;  // without the output
+        long long features;
+        double area;
+        std::vector<std::string> fields;
+    } rows[] = {
+        {{"union", "a.geojson", "b.geojson"}, 6, 11, {"name", "name_1"}},
+        {{"merge", "a.geojson", "b.geojson"}, 2, 11, {"name", "name_1"}},
+        {{"erase", "a.geojson", "b.geojson"}, 2, 6, {"name"}},
+        {{"identity", "a.geojson", "b.geojson"}, 4, 8, {"name", "name_1"}},
+        {{"symdiff", "a.geojson", "b.geojson"}, 4, 9, {"name", "name_1"}},
+        {{"update", "a.geojson", "b.geojson"}, 4, 11, {"name", "name_1"}},
+        {{"update", "a.geojson", "b.geojson", "--no-borders"}, 2, 11, {"name", "name_1"}},
+        {{"spatial-join", "a.geojson", "b.geojson", "--area-field", "size"},
+         2,
+         8,
+         {"name", "name_1", "join_count", "size"}},
+        {{"spatial-join", "b.geojson", "a.geojson", "--drop-unmatched", "--row-per-pair",
+          "--attributes", "fid"},
+         2,
+         8,
+         {"FID_b", "FID_a", "join_count"}},
+        {{"self-union", "self.geojson"}, 4, 8, {"name", "name_1"}},
+        {{"self-union", "self.geojson", "--merge"}, 1, 8, {"name"}},
+        {{"self-intersect", "self.geojson"}, 2, 4, {"name", "name_1"}},
+        {{"self-intersect", "self.geojson", "--per-feature"}, 2, 4, {"name"}},
+        {{"dissolve", "self.geojson", "--by", "name", "--stat", "count,first:name"},
+         2,
+         12,
+         {"name", "count", "first_name"}},
+        {{"dissolve", "self.geojson"}, 1, 8, {}},
+        {{"dissolve", "b.geojson"}, 2, 5, {}},
+        {{"intersect", "a.geojson", "b.geojson", "--prefix-a", "a_", "--prefix-b", "b_"},
+         2,
+         2,
+         {"a_name", "b_name"}},
+    };
+    for (const auto& row : rows) {
+        Arguments all = row.arguments;
+        SCOPED_TRACE(all[0] + " " + all.back());
+        all.insert(all.end(), {"out.gpkg", "--overwrite", "--json"});
+        const Outcome outcome = run(all);
+        EXPECT_EQ(0, outcome.status) << outcome.err;
+        EXPECT_EQ("", outcome.err);
+        const LayerContent content = layer("out.gpkg", "out");
+        EXPECT_EQ(row.features, content.features);
+        EXPECT_NEAR(row.area, content.area, 1e-12);
+        EXPECT_EQ(row.fields, content.fields);
+        const json object = parse(outcome);
+        EXPECT_EQ(row.arguments[0], object["command"]);
+        const json& account = object["account"];
+        EXPECT_EQ(true, account["checked"]);
+        EXPECT_GE(1e-12, account["residual"].get<double>());
+        EXPECT_TRUE(account["warning"].is_null());
+        EXPECT_DOUBLE_EQ(content.area, account["output_area"].get<double>());
+        EXPECT_EQ(row.arguments[1] != "self.geojson" && row.arguments[0] != "dissolve",
+                  object.count("overlay") == 1);
+    }
+    const Outcome unchecked = run({"erase", "a.geojson", "b.geojson", "plain.gpkg", "--no-check"});
+    EXPECT_NE(std::string::npos, unchecked.out.find("; not checked"));
+}
+
+TEST_F(LayerCommands, DissolveKeepsApartWhatLiesApart) {
+    write("far.geojson", geoJson({{0, 0, 1, 1, "x"}, {5, 5, 6, 6, "x"}, {1, 0, 2, 1, "x"}}));
+    const struct {
+        Arguments more;
+        long long features;
+    } rows[] = {{{}, 2}, {{"--multipart"}, 2}, {{"--across"}, 1}};
+    for (const auto& row : rows) {
+        Arguments all{"dissolve", "far.geojson", "out.gpkg", "--by", "name", "--overwrite"};
+        all.insert(all.end(), row.more.begin(), row.more.end());
+        EXPECT_EQ(0, run(all).status);
+        EXPECT_EQ(row.features, layer("out.gpkg", "out").features);
+    }
+}
+
+TEST_F(LayerCommands, DissolveTakesPointsAndLines) {
+    const std::string head = R"({"type":"FeatureCollection","features":[)";
+    const struct {
+        const char *one, *two, *three, *type;
+    } rows[] = {
+        {R"("Point","coordinates":[1,2])", R"("Point","coordinates":[9,9])",
+         R"("Point","coordinates":[3,4])", "Multi Point"},
+        {R"("LineString","coordinates":[[0,0],[1,1]])",
+         R"("LineString","coordinates":[[5,5],[6,6]])",
+         R"("LineString","coordinates":[[0,9],[9,9]])", "Multi Line String"},
+    };
+    for (const auto& row : rows) {
+        std::string text = head;
+        for (const char* geometry : {row.one, row.two, row.three}) {
+            text += std::string(geometry == row.one ? "" : ",") +
+                    R"({"type":"Feature","properties":{"k":")" + (geometry == row.two ? "b" : "a") +
+                    R"("},"geometry":{"type":)" + geometry + "}}";
+        }
+        write("in.geojson", text + "]}");
+        const Outcome outcome =
+            run({"dissolve", "in.geojson", "out.gpkg", "--by", "k", "--overwrite"});
+        EXPECT_EQ(0, outcome.status) << outcome.err;
+        EXPECT_EQ(2, layer("out.gpkg", "out").features);
+        EXPECT_EQ(row.type, layer("out.gpkg", "out").geometryType);
+        EXPECT_EQ(2, run({"dissolve", "in.geojson", "none.gpkg"}).status);
+    }
+}
+
+TEST_F(LayerCommands, ConditionsAndRectanglesChooseFeatures) {
+    const struct {
+        Arguments more;
+        int input;
+        long long features;
+    } rows[] = {
+        {{"--where", "name = 'left'"}, 1, 1},
+        {{"--where", "fid > 0"}, 1, 1},
+        {{"--bbox", "2.5,0.5,3,1"}, 1, 1},
+        {{"--bbox", "3,1,-1,-1"}, 2, 2},  // two opposite corners
+        {{"--bbox", "-9,-9,-8,-8"}, 0, 0},
+        {{"--where", "name = 'left'", "--bbox", "2.5,0.5,3,1"}, 0, 0},
+        {{"--overlay-where", "name = 'far'"}, 2, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.more[1]);
+        Arguments all{"intersect",   "a.geojson",    "b.geojson", "out.gpkg",
+                      "--overwrite", "--attributes", "both",      "--json"};
+        all.insert(all.end(), row.more.begin(), row.more.end());
+        const Outcome outcome = run(all);
+        EXPECT_EQ(0, outcome.status) << outcome.err;
+        EXPECT_EQ(row.input, parse(outcome)["input"]["features"]);
+        EXPECT_EQ(row.features, layer("out.gpkg", "out").features);
+        EXPECT_EQ("FID_a", layer("out.gpkg", "out").fields.at(0));
+    }
+}
+
+}  // namespace
+}  // namespace jws::test
