@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "jw_geometry.h"
+#include "support/rings.h"
+#include "support/slab_areas.h"
 
 namespace jwtest {
 
@@ -27,8 +29,6 @@ struct GeosDeleter {
     void operator()(GEOSGeometry* g) const { GEOSGeom_destroy_r(geosContext(), g); }
 };
 using GeosPtr = std::unique_ptr<GEOSGeometry, GeosDeleter>;
-
-using Ring = std::vector<jws::JWRawPoint>;  // without the closing point
 
 inline GEOSGeometry* geosRing(const Ring& ring) {
     GEOSContextHandle_t h = geosContext();
@@ -89,11 +89,6 @@ inline std::string validReason(const GEOSGeometry* geometry) {
     GEOSFree_r(geosContext(), text);
     return reason;
 }
-
-/// Areas of A minus B, A and B, A xor B, A or B: in the order of the clipping engine's operations.
-struct FourAreas {
-    double of[4];
-};
 
 inline FourAreas geosAreas(const GEOSGeometry* a, const GEOSGeometry* b) {
     GEOSContextHandle_t h = geosContext();

@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: MIT
+//
+// Workers take chunks of pairs from a common count; what a pair is depends on its number alone. A
+// watch looks on: an engine that hangs is caught in the act, one that crashes leaves the name of
+// the pair.
+#include "campaign_run.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+#include "support/clip_check.h"
+#include "support/clip_families.h"
+#include "support/reduce.h"
+
+namespace jwtest {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::uint64_t kChunk = 64;
+
+double secondsNow() {
+    return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
+}
+
+/// What is in a worker's hands, for the watch and the crash handler.
+struct InHand {
+    std::atomic<double> since{0};  // 0: nothing
+    char name[160] = "";
+};
+thread_local InHand* inHand = nullptr;
+
+void reportCrash(int signal) {
+    const char* name = inHand ? inHand->name : "no pair";
+    const char head[] = "\nCRASH in ";
+    (void)!write(STDOUT_FILENO, head, sizeof head - 1);
+    (void)!write(STDOUT_FILENO, name, std::strlen(name));
+    (void)!write(STDOUT_FILENO, "\n", 1);
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+/// A miss without its figures: what misses of one cause have in common.
+std::string kindOf(const Miss& miss) {
+    return miss.operation + ": " +
+           miss.what.substr(0, std::min({miss.what.find(':'), miss.what.find('['),
+                                         miss.what.find(" at "), miss.what.size()}));
+}
+
+struct Tally {
+    std::uint64_t pairs = 0;
+    std::uint64_t misses = 0;
+    double seconds = 0;
+    std::map<std::string, std::uint64_t> kinds;
+
+    void add(const Tally& other) {
+        pairs += other.pairs;
+        misses += other.misses;
+        seconds += other.seconds;
+        for (const auto& [kind, count] : other.kinds) kinds[kind] += count;
+    }
+};
+
+class Campaign {
+  public:
+    explicit Campaign(const CampaignSettings& settings) : settings_(settings) {
+        for (const std::string& name : settings.families) {
+            const ClipFamily* family = familyNamed(name);
+            if (!family) throw std::invalid_argument("no family is called " + name);
+            families_.push_back(family);
+        }
+        if (families_.empty()) {
+            for (const ClipFamily& family : clipFamilies()) families_.push_back(&family);
+        }
+        tallies_.resize(families_.size());
+        total_ = settings.only < 0 ? settings.pairs : families_.size();
+    }
+
+    std::uint64_t run() {
+        for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGBUS}) {
+            std::signal(signal, reportCrash);
+        }
+        const double start = secondsNow();
+        std::vector<InHand> hands(static_cast<std::size_t>(settings_.threads));
+        std::atomic<int> running{settings_.threads};
+        std::vector<std::thread> team;
+        for (InHand& hand : hands) {
+            team.emplace_back([&] {
+                work(hand);
+                --running;
+            });
+        }
+        while (running > 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            for (const InHand& hand : hands) watch(hand);
+        }
+        for (std::thread& worker : team) worker.join();
+        return summarize(secondsNow() - start);
+    }
+
+  private:
+    void work(InHand& hand) {
+        inHand = &hand;
+        std::vector<Tally> mine(families_.size());
+        for (;;) {
+            const std::uint64_t first = next_.fetch_add(kChunk);
+            if (first >= total_) break;
+            for (std::uint64_t i = first; i < std::min(first + kChunk, total_); ++i) {
+                const std::size_t f = i % families_.size();
+                const std::uint64_t pair = settings_.only < 0
+                                               ? i / families_.size()
+                                               : static_cast<std::uint64_t>(settings_.only);
+                one(*families_[f], pair, mine[f], hand);
+            }
+        }
+        const std::lock_guard<std::mutex> lock(mutex_);
+        for (std::size_t f = 0; f < mine.size(); ++f) tallies_[f].add(mine[f]);
+    }
+
+    void one(const ClipFamily& family, std::uint64_t number, Tally& tally, InHand& hand) {
+        std::snprintf(hand.name, sizeof hand.name, "--family %s --seed %llu --pair %llu",
+                      family.name, static_cast<unsigned long long>(settings_.seed),
+                      static_cast<unsigned long long>(number));
+        const double start = secondsNow();
+        hand.since = start;
+        RandomRings random = generatorOf(family, settings_.seed, number);
+        const RingPair pair = family.make(random);
+        const Miss miss = check(pair, random);
+        tally.seconds += secondsNow() - start;
+        ++tally.pairs;
+        if (miss) {
+            ++tally.misses;
+            ++tally.kinds[kindOf(miss)];
+            if (tally.misses <= static_cast<std::uint64_t>(settings_.show)) {
+                print(hand.name, pair, random, miss);
+            }
+        }
+        hand.since = 0;
+    }
+
+    Miss check(const RingPair& pair, RandomRings random) const {
+        return checkPair(pair, random, {settings_.geos});
+    }
+
+    void print(const char* name, RingPair pair, const RandomRings& random, Miss miss) {
+        if (settings_.reduce) {
+            const std::string kind = kindOf(miss);
+            pair = reduced(pair, [&](const RingPair& smaller) {
+                return kindOf(check(smaller, random)) == kind;
+            });
+            miss = check(pair, random);
+        }
+        const std::lock_guard<std::mutex> lock(mutex_);
+        std::printf("# MISS %s\n# %s: %s\n%s\n%s\n\n", name, miss.operation.c_str(),
+                    miss.what.c_str(), wktOf(pair.a).c_str(), wktOf(pair.b).c_str());
+        std::fflush(stdout);
+    }
+
+    void watch(const InHand& hand) {
+        const double since = hand.since;
+        if (since == 0 || settings_.reduce || secondsNow() - since < settings_.limit) return;
+        std::printf("# HANG over %g s in %s\n", settings_.limit, hand.name);
+        std::fflush(stdout);
+        std::_Exit(1);
+    }
+
+    std::uint64_t summarize(double elapsed) const {
+        std::printf("%-22s %10s %8s %10s\n", "family", "pairs", "misses", "pairs/s");
+        Tally all;
+        for (std::size_t f = 0; f < families_.size(); ++f) {
+            const Tally& t = tallies_[f];
+            std::printf("%-22s %10llu %8llu %10.0f\n", families_[f]->name,
+                        static_cast<unsigned long long>(t.pairs),
+                        static_cast<unsigned long long>(t.misses),
+                        static_cast<double>(t.pairs) / std::max(t.seconds, 1e-9));
+            for (const auto& [kind, count] : t.kinds) {
+                std::printf("    %6llu  %s\n", static_cast<unsigned long long>(count),
+                            kind.c_str());
+            }
+            all.add(t);
+        }
+        std::printf("%llu pairs, seed %llu, %llu misses; %.0f s, %.0f pairs/s on %d threads\n",
+                    static_cast<unsigned long long>(all.pairs),
+                    static_cast<unsigned long long>(settings_.seed),
+                    static_cast<unsigned long long>(all.misses), elapsed,
+                    static_cast<double>(all.pairs) / elapsed, settings_.threads);
+        return all.misses;
+    }
+
+    const CampaignSettings& settings_;
+    std::vector<const ClipFamily*> families_;
+    std::vector<Tally> tallies_;
+    std::uint64_t total_ = 0;
+    std::atomic<std::uint64_t> next_{0};
+    std::mutex mutex_;
+};
+
+}  // namespace
+
+std::uint64_t runCampaign(const CampaignSettings& settings) { return Campaign(settings).run(); }
+
+std::uint64_t checkFile(const CampaignSettings& settings) {
+    std::ifstream file(settings.wktFile);
+    if (!file) throw std::runtime_error("cannot read " + settings.wktFile);
+    std::uint64_t pairs = 0, misses = 0;
+    std::string a;
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        if (a.empty()) {
+            a = line;
+            continue;
+        }
+        RandomRings random(settings.seed);
+        const Miss miss = checkPair({ringsOf(a), ringsOf(line)}, random, {settings.geos});
+        ++pairs;
+        if (miss) {
+            ++misses;
+            std::printf("# MISS pair %llu of the file\n# %s: %s\n%s\n%s\n\n",
+                        static_cast<unsigned long long>(pairs), miss.operation.c_str(),
+                        miss.what.c_str(), a.c_str(), line.c_str());
+        }
+        a.clear();
+    }
+    std::printf("%llu pairs, %llu misses\n", static_cast<unsigned long long>(pairs),
+                static_cast<unsigned long long>(misses));
+    return misses;
+}
+
+}  // namespace jwtest
