@@ -44,6 +44,9 @@ struct ClipCase {
     double tolerance = 0;
 
     bool sameArea(double a, double b) const;
+    /// The area between `other` and the result of `op`; 0 if they are the same set bit for bit.
+    /// Of large ones it is the difference of their areas only.
+    double apart(int op, const ClipResult& other) const;
     /// A miss if `other`, which came of some change to the operands, is not the same set as the
     /// result of `op`, vertices included.
     Miss compare(int op, const ClipResult& other, const char* change) const;

@@ -118,10 +118,13 @@ void forSomeCorners(const Rings& rings, RandomRings& random, Visit visit) {
     }
 }
 
-/// Whether the corner's edges leave it in clearly different directions.
-bool isOpen(const JWRawPoint& before, const JWRawPoint& at, const JWRawPoint& after, double clear) {
-    return distance(before, at, after) > clear && distance(after, at, before) > clear &&
-           distance(at, before, before) > clear;
+/// Whether the corner's edges leave it in clearly different directions. The tip of a sliver is
+/// not a safe corner: for some way it is thinner than a grid step.
+bool isOpen(const JWRawPoint& before, const JWRawPoint& at, const JWRawPoint& after) {
+    const double ux = before.x - at.x, uy = before.y - at.y;
+    const double vx = after.x - at.x, vy = after.y - at.y;
+    const double lengths = std::hypot(ux, uy) * std::hypot(vx, vy);
+    return lengths > 0 && (ux * vx + uy * vy < 0 || std::fabs(ux * vy - uy * vx) > 1e-3 * lengths);
 }
 
 /// A corner that no other edge comes near is a corner of the result, bit for bit, exactly where
@@ -135,7 +138,7 @@ Miss checkOwnCorners(const ClipCase& c, RandomRings& random, const std::vector<R
         forSomeCorners(*operand, random, [&](const Ring& ring, std::size_t i) {
             const std::size_t n = ring.size();
             const JWRawPoint& p = ring[i];
-            if (miss || !isOpen(ring[(i + n - 1) % n], p, ring[(i + 1) % n], clear)) return;
+            if (miss || !isOpen(ring[(i + n - 1) % n], p, ring[(i + 1) % n])) return;
             if (edgesNear(c, p, clear) != 2) return;
             const bool in = contains(other, p);
             for (int op = 0; op < 4 && !miss; ++op) {

@@ -4,6 +4,7 @@
 #ifndef JW_TESTS_SUPPORT_RINGS_H
 #define JW_TESTS_SUPPORT_RINGS_H
 
+#include <cstddef>
 #include <vector>
 
 #include "jw_envelop.h"
@@ -55,6 +56,12 @@ Ring comb(int teeth, double offset, double back, Height height) {
     ring.emplace_back(2.0 * teeth + offset, -back);
     ring.emplace_back(offset, -back);
     return ring;
+}
+
+inline std::size_t verticesOf(const Rings& rings) {
+    std::size_t count = 0;
+    for (const Ring& ring : rings) count += ring.size();
+    return count;
 }
 
 /// The rings with `change(p)` in place of every point p.
