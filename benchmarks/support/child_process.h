@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -33,9 +34,10 @@ void setError(ChildResult<T>& result, const char* text) {
 }
 
 /// Runs `work`, a callable returning `T`, in a forked process and returns its value. An exception
-/// and the death of the child become the error.
+/// and the death of the child become the error. With `seconds` above 0 the child is stopped after
+/// that time, which is an error too.
 template <class T, class Work>
-ChildResult<T> inChild(Work work) {
+ChildResult<T> inChild(Work work, unsigned seconds = 0) {
     static_assert(std::is_trivially_copyable<T>::value, "T travels through a pipe as bytes");
     ChildResult<T> result;
     setError(result, "the process died");
@@ -45,6 +47,7 @@ ChildResult<T> inChild(Work work) {
     const pid_t child = fork();
     if (child == 0) {
         close(ends[0]);
+        alarm(seconds);  // its default action ends the process
         ChildResult<T> mine;
         try {
             mine.value = work();
@@ -60,7 +63,11 @@ ChildResult<T> inChild(Work work) {
     const bool whole = child > 0 && read(ends[0], &received, sizeof received) ==
                                         static_cast<ssize_t>(sizeof received);
     close(ends[0]);
-    if (child > 0) waitpid(child, nullptr, 0);
+    int status = 0;
+    if (child > 0) waitpid(child, &status, 0);
+    if (child > 0 && WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM) {
+        std::snprintf(result.error, sizeof result.error, "over %u s", seconds);
+    }
     return whole ? received : result;
 }
 

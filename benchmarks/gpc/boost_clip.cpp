@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include <boost/geometry.hpp>
+#include <boost/geometry/geometries/multi_polygon.hpp>
+#include <boost/geometry/geometries/point_xy.hpp>
+#include <boost/geometry/geometries/polygon.hpp>
+
+#include "gpc/clip_rival.h"
+
+namespace bench {
+namespace {
+
+namespace bg = boost::geometry;
+using Point = bg::model::d2::point_xy<double>;
+using Polygon = bg::model::polygon<Point, false, true>;  // counter-clockwise, closed
+using MultiPolygon = bg::model::multi_polygon<Polygon>;
+
+class BoostClip final : public ClipRival {
+  public:
+    void load(const std::vector<ClipOperands>& pairs) override {
+        for (const ClipOperands& pair : pairs) {
+            operands_.push_back(multiPolygon(pair.a));
+            operands_.push_back(multiPolygon(pair.b));
+        }
+    }
+
+    void run(ClipOp op) override {
+        for (std::size_t i = 0; i < operands_.size(); i += 2) {
+            clip(op, operands_[i], operands_[i + 1]);
+        }
+    }
+
+    double area(ClipOp op) override {
+        double sum = 0;
+        for (std::size_t i = 0; i < operands_.size(); i += 2) {
+            sum += bg::area(clip(op, operands_[i], operands_[i + 1]));
+        }
+        return sum;
+    }
+
+  private:
+    static MultiPolygon clip(ClipOp op, const MultiPolygon& a, const MultiPolygon& b) {
+        MultiPolygon result;
+        switch (op) {
+            case ClipOp::Intersection:
+                bg::intersection(a, b, result);
+                break;
+            case ClipOp::Union:
+                bg::union_(a, b, result);
+                break;
+            case ClipOp::Difference:
+                bg::difference(a, b, result);
+                break;
+            case ClipOp::Xor:
+                bg::sym_difference(a, b, result);
+                break;
+        }
+        return result;
+    }
+
+    static void append(const jwtest::Ring& from, Polygon::ring_type& to) {
+        for (const jws::JWRawPoint& p : from) to.emplace_back(p.x, p.y);
+    }
+
+    static MultiPolygon multiPolygon(const ClipOperand& polygons) {
+        MultiPolygon multi;
+        for (const ClipPolygon& polygon : polygons) {
+            Polygon one;
+            append(polygon.outer, one.outer());
+            for (const jwtest::Ring& hole : polygon.holes) {
+                one.inners().emplace_back();
+                append(hole, one.inners().back());
+            }
+            multi.push_back(std::move(one));
+        }
+        bg::correct(multi);  // closes rings and turns holes round
+        return multi;
+    }
+
+    std::vector<MultiPolygon> operands_;
+};
+
+}  // namespace
+
+std::unique_ptr<ClipRival> makeBoostClip() { return std::make_unique<BoostClip>(); }
+
+}  // namespace bench

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include <gpc.h>
+
+#include <cerrno>
+#include <stdexcept>
+
+#include "gpc/clip_rival.h"
+
+namespace bench {
+namespace {
+
+/// An operand in the interface's form.
+class Operand {
+  public:
+    explicit Operand(const ClipOperand& polygons) {
+        for (const ClipPolygon& polygon : polygons) {
+            add(polygon.outer);
+            for (const jwtest::Ring& hole : polygon.holes) add(hole);
+        }
+    }
+    gpc_polygon polygon() {
+        lists_.clear();
+        std::size_t first = 0;
+        for (const int size : sizes_) {
+            lists_.push_back({size, vertices_.data() + first});
+            first += static_cast<std::size_t>(size);
+        }
+        return {static_cast<int>(lists_.size()), nullptr, lists_.data()};
+    }
+
+  private:
+    void add(const jwtest::Ring& ring) {
+        for (const jws::JWRawPoint& p : ring) vertices_.push_back({p.x, p.y});
+        sizes_.push_back(static_cast<int>(ring.size()));
+    }
+
+    std::vector<gpc_vertex> vertices_;
+    std::vector<int> sizes_;
+    std::vector<gpc_vertex_list> lists_;
+};
+
+class OursClip final : public ClipRival {
+  public:
+    void load(const std::vector<ClipOperands>& pairs) override {
+        for (const ClipOperands& pair : pairs) {
+            operands_.emplace_back(pair.a);
+            operands_.emplace_back(pair.b);
+        }
+        for (Operand& operand : operands_) polygons_.push_back(operand.polygon());
+    }
+
+    void run(ClipOp op) override {
+        forEachResult(op, [](gpc_polygon&) {});
+    }
+
+    double area(ClipOp op) override {
+        double sum = 0;
+        forEachResult(op, [&sum](gpc_polygon& result) {
+            for (int c = 0; c < result.num_contours; ++c) {
+                jwtest::Ring ring;
+                for (int i = 0; i < result.contour[c].num_vertices; ++i) {
+                    ring.emplace_back(result.contour[c].vertex[i].x, result.contour[c].vertex[i].y);
+                }
+                sum += jwtest::signedArea(ring);
+            }
+        });
+        return sum;
+    }
+
+  private:
+    template <class Use>
+    void forEachResult(ClipOp op, Use use) {
+        constexpr gpc_op codes[] = {GPC_INT, GPC_UNION, GPC_DIFF, GPC_XOR};
+        for (std::size_t i = 0; i < polygons_.size(); i += 2) {
+            gpc_polygon result;
+            errno = 0;
+            gpc_polygon_clip(codes[static_cast<int>(op)], &polygons_[i], &polygons_[i + 1],
+                             &result);
+            if (errno != 0) throw std::runtime_error("gave up");
+            use(result);
+            gpc_free_polygon(&result);
+        }
+    }
+
+    std::vector<Operand> operands_;
+    std::vector<gpc_polygon> polygons_;
+};
+
+}  // namespace
+
+std::unique_ptr<ClipRival> makeOursClip() { return std::make_unique<OursClip>(); }
+
+}  // namespace bench
