@@ -117,8 +117,8 @@ Miss checkAgainstGeos(const ClipCase& c, RandomRings& random) {
     // GEOS cannot read self-crossing contours by the even-odd rule.
     const JWMultiPolygon polygonsA = byFirstFit(c.cleanA), polygonsB = byFirstFit(c.cleanB);
     const GeosPtr a = toGeos(&polygonsA), b = toGeos(&polygonsB);
-    // GEOS nodes with a tolerance of its own where it has to.
-    const double slack = 40 * c.tolerance + 1e-9 * (c.areaA + c.areaB);
+    // Where it has to, GEOS snaps by 1e-12 of the largest coordinate.
+    const double slack = c.tolerance + 1e-9 * (c.areaA + c.areaB) + 2e-12 * c.reach * c.length;
     GeosPtr of[4];
     double area[4];
     for (int op = 0; op < 4; ++op) {
