@@ -1,268 +1,311 @@
 // SPDX-License-Identifier: MIT
 //
-// The arrangement of two operands' edges on the integer grid.
+// Labels both sides of every stretch of boundary with the operands that lie there.
 //
-// Edges are cut wherever they cross, touch or overlap. A crossing is rounded to the grid, which
-// bends the two edges a little, and a bent edge may meet others that it missed before: so cutting
-// is repeated with the new pieces until nothing meets except at end points. Every decision is
-// exact, so that from there on the picture is a plane graph without exceptions (iterated snapping
-// after Hobby 1999).
+// Most vertices have one edge in and one out, and nothing changes there. So contours are cut into
+// runs at meeting points only; all work below is per run, not per edge. Around each meeting point
+// the run ends are sorted by angle, exactly. Walking round a point, what lies in a sector changes
+// by the operands of the runs crossed; following runs carries sectors to the next point. Within a
+// connected component everything is therefore known relative to one sector.
 //
-// An edge that passes a corner within a few grid steps is cut there, too. Rounded crossings come
-// back as corners when a result is clipped once more: without this, edges meant to coincide would
-// leave slivers thinner than a grid step, and holes would hang on their outer rings by them.
-//
-// A closed loop stays one when its edges are bent, so the even-odd parity stays well defined, and
-// so does the winding number. Pieces that coincide are one segment that carries the parity of each
-// operand, or the sum of their directions; where that is nothing there is no boundary.
-//
-// The sides are labelled in one sweep in lexicographic order: among the segments that the sweep
-// line crosses, what lies right of a new segment is what lies left of the one below it. A vertical
-// segment counts as the limit of ever steeper ones.
-//
-// Pairs that may meet are found by a sweep over boxes from left to right, in horizontal strips
-// about as high as edges are on the average. O((n + k) log n) for the outlines of practice; edges
-// as long as the whole extent are compared with one another.
+// That sector is the one west of the component's lexicographically smallest vertex. A ray from
+// there towards smaller x never meets the component itself, so the number of edges left of it,
+// per operand, tells what the sector is in. One ray per component: nothing is swept, and no ring
+// is tested against another ring.
 #include "gpc/arrangement.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
+#include <cstring>
 
-namespace jws::detail {
+namespace jws::gpc {
 namespace {
 
-using Segment = Arrangement::Segment;
-
-/// Lexicographic by a, then counter-clockwise around a, then by b.
-bool precedes(const Segment& s, const Segment& t) {
-    if (s.a != t.a) return s.a < t.a;
-    if (s.b == t.b) return s.source[0] + s.source[1] < t.source[0] + t.source[1];
-    const Wide turn = cross(s.b - s.a, t.b - t.a);
-    return turn != 0 ? turn > 0 : s.b < t.b;
+std::uint64_t hashOf(const Point& p) {
+    const double x = p.x + 0.0;  // -0 and 0 are one place
+    const double y = p.y + 0.0;
+    std::uint64_t a;
+    std::uint64_t b;
+    std::memcpy(&a, &x, sizeof a);
+    std::memcpy(&b, &y, sizeof b);
+    std::uint64_t h = (a ^ (a >> 32)) * 0x9E3779B97F4A7C15u;
+    h = (h ^ (h >> 32) ^ b ^ (b >> 31)) * 0xC2B2AE3D27D4EB4Fu;
+    return h ^ (h >> 32);
 }
 
-int sign(const Wide& w) { return w > 0 ? 1 : (w < 0 ? -1 : 0); }
-
-/// A segment's direction and how far off, as a cross product, a point is still on it.
-struct Ruler {
-    GridPoint direction;
-    Wide reach;
-
-    explicit Ruler(const Segment& s) : direction(s.b - s.a), reach(cutReach(direction)) {}
-};
-
-/// `turn` is the cross product of the direction with s.a -> p.
-bool passes(const Segment& s, const Ruler& ruler, const GridPoint& p, const Wide& turn) {
-    if (turn > ruler.reach || turn < -ruler.reach || p == s.a || p == s.b) return false;
-    return dot(p - s.a, ruler.direction) > 0 && dot(p - s.b, ruler.direction) < 0;
-}
-
-/// The crossing of two segments, rounded to the grid. `along` over `across` is where s.a -> s.b
-/// meets t; 64 bits of mantissa place it within a thousandth of a grid step.
-GridPoint crossing(const Segment& s, const Segment& t) {
-    const GridPoint d = s.b - s.a;
-    const GridPoint e = t.b - t.a;
-    const long double share =
-        static_cast<long double>(cross(t.a - s.a, e)) / static_cast<long double>(cross(d, e));
-    return {s.a.x + std::llround(share * static_cast<long double>(d.x)),
-            s.a.y + std::llround(share * static_cast<long double>(d.y))};
-}
+inline bool isRightward(const Point& origin, const Point& p) { return origin < p; }
 
 }  // namespace
 
-void Arrangement::clear(Rule rule) {
-    segments_.clear();
-    sources_ = 0;
-    rule_ = rule;
-}
-
-void Arrangement::addEdge(GridPoint from, GridPoint to, int operand) {
-    if (from == to) return;
-    const bool backward = to < from;
-    if (backward) std::swap(from, to);
-    const int step = rule_ == Rule::Parity ? 1 << operand : backward ? -1 : 1;
-    Segment s = {from, to, {-1, -1}, step, 0, true};
-    s.source[operand] = sources_++;
-    segments_.push_back(s);
-}
-
-bool Arrangement::resolve() {
-    constexpr int kRounds = 40;
-    sortAndMerge();
-    for (int round = 0; round < kRounds; ++round) {
-        findCuts();
-        if (cuts_.empty()) return true;
-        applyCuts();
-        sortAndMerge();
+void Arrangement::build(Noder& noder, bool depth) {
+    depth_ = depth;
+    noder_ = &noder;
+    set_ = &noder.result();
+    makeRuns();
+    gatherHalfEdges();
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) sortAround(n);
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) mergeEqual(n);
+    visited_.fill(nodes_.size(), 0);
+    offset_.clear();
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
+        if (!visited_[n]) labelComponent(n, static_cast<std::uint32_t>(offset_.size()), noder);
     }
-    return false;
-}
-
-void Arrangement::sortAndMerge() {
-    std::sort(segments_.begin(), segments_.end(), precedes);
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < segments_.size();) {
-        Segment merged = segments_[i];
-        for (++i; i < segments_.size() && segments_[i].a == merged.a && segments_[i].b == merged.b;
-             ++i) {
-            const Segment& s = segments_[i];
-            merged.step = sum(merged.step, s.step);
-            merged.fresh = merged.fresh || s.fresh;
-            for (int k = 0; k < 2; ++k) merged.source[k] = std::max(merged.source[k], s.source[k]);
+    for (Run& r : runs_) {
+        if (r.from == kNone) {
+            labelWhole(r, noder);
+        } else if (!r.merged) {
+            r.left = combine(r.left, offset_[r.component - 1]);
         }
-        for (int k = 0; k < 2 && rule_ == Rule::Parity; ++k) {
-            if (!(merged.step >> k & 1)) merged.source[k] = -1;
-        }
-        if (merged.step != 0) segments_[kept++] = merged;
     }
-    segments_.resize(kept);
 }
 
-void Arrangement::findCuts() {
-    cuts_.clear();
-    boxes_.clear();
-    if (segments_.empty()) return;
-    std::int64_t bottom = segments_[0].a.y;
-    std::int64_t top = bottom;
-    double heights = 0;
-    for (std::size_t i = 0; i < segments_.size(); ++i) {
-        const Segment& s = segments_[i];
-        const Box box = {s.a.x, s.b.x + kCutSteps, std::min(s.a.y, s.b.y),
-                         std::max(s.a.y, s.b.y) + kCutSteps, static_cast<int>(i)};
-        boxes_.push_back(box);
-        bottom = std::min(bottom, box.bottom);
-        top = std::max(top, box.top);
-        heights += static_cast<double>(box.top - box.bottom);
+void Arrangement::growTable(std::size_t size) {
+    table_.fill(size, 0);
+    const std::size_t mask = size - 1;
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
+        std::size_t i = hashOf(nodes_[n].p) & mask;
+        while (table_[i] != 0) i = (i + 1) & mask;
+        table_[i] = n + 1;
     }
-    const double n = static_cast<double>(segments_.size());
-    const double extent = static_cast<double>(top - bottom);
-    const double wanted = std::min(n / 16, heights > 0 ? extent * n / heights : n / 16);
-    constexpr double kFew = 256;  // compared in one strip
-    const auto strips = n < kFew ? 1 : static_cast<std::int64_t>(std::max(1.0, wanted));
-    const std::int64_t height = (top - bottom) / strips + 1;
-    if (strips == 1) {
-        sweepStrip(boxes_.data(), boxes_.data() + boxes_.size(), bottom, top);
+}
+
+std::uint32_t Arrangement::nodeAt(const Point& p) {
+    if (2 * (nodes_.size() + 1) > table_.size()) growTable(table_.size() * 2);
+    const std::size_t mask = table_.size() - 1;
+    std::size_t i = hashOf(p) & mask;
+    for (; table_[i] != 0; i = (i + 1) & mask) {
+        Point& q = nodes_[table_[i] - 1].p;
+        if (q == p) {
+            if (std::signbit(q.x) != std::signbit(p.x)) q.x = 0;
+            if (std::signbit(q.y) != std::signbit(p.y)) q.y = 0;
+            return table_[i] - 1;
+        }
+    }
+    nodes_.push({p, 0, 0});
+    table_[i] = static_cast<std::uint32_t>(nodes_.size());
+    return table_[i] - 1;
+}
+
+void Arrangement::makeRuns() {
+    runs_.clear();
+    nodes_.clear();
+    table_.resize(0);
+    growTable(64);
+    const ContourSet& set = *set_;
+    for (std::uint32_t c = 0; c < set.contours.size(); ++c) {
+        const Contour& contour = set.contours[c];
+        const std::uint32_t n = contour.last - contour.first;
+        const std::uint8_t* flags = set.flags.data();
+        std::uint32_t start = contour.first;
+        while (start < contour.last && !(flags[start] & kMeeting)) ++start;
+        if (start == contour.last) {
+            runs_.push({kNone, kNone, c, contour.first, n, contour.operand, 0, 0, false, kNone});
+            continue;
+        }
+        const std::uint32_t startNode = nodeAt(set.points[start]);
+        std::uint32_t from = startNode;
+        std::uint32_t at = start;
+        while (true) {
+            std::uint32_t next = at + 1;
+            while (next < contour.last && !(flags[next] & kMeeting)) ++next;
+            if (next == contour.last) {
+                runs_.push({from, startNode, c, set.next(contour, at), n - (at - start) - 1,
+                            contour.operand, 0, 0, false, kNone});
+                break;
+            }
+            const std::uint32_t to = nodeAt(set.points[next]);
+            runs_.push({from, to, c, at + 1, next - at - 1, contour.operand, 0, 0, false, kNone});
+            from = to;
+            at = next;
+        }
+    }
+}
+
+void Arrangement::gatherHalfEdges() {
+    for (const Run& r : runs_) {
+        if (r.from == kNone) continue;
+        ++nodes_[r.from].count;
+        ++nodes_[r.to].count;
+    }
+    std::uint32_t total = 0;
+    cursor_.resize(nodes_.size());
+    for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
+        nodes_[n].first = cursor_[n] = total;
+        total += nodes_[n].count;
+    }
+    around_.resize(total);
+    for (std::uint32_t r = 0; r < runs_.size(); ++r) {
+        if (runs_[r].from == kNone) continue;
+        around_[cursor_[runs_[r].from]++] = 2 * r;
+        around_[cursor_[runs_[r].to]++] = 2 * r + 1;
+    }
+}
+
+Point Arrangement::directionOf(HalfEdge h) const {
+    const Run& r = runs_[h >> 1];
+    if (r.count == 0) return nodes_[(h & 1) ? r.from : r.to].p;
+    return pointOf(r, (h & 1) ? r.count - 1 : 0);
+}
+
+// Counter-clockwise from just after straight down.
+bool Arrangement::before(const Point& origin, const Point& a, const Point& b) const {
+    const bool rightA = isRightward(origin, a);
+    const bool rightB = isRightward(origin, b);
+    if (rightA != rightB) return rightA;
+    return orientation(origin, a, b) > 0;
+}
+
+void Arrangement::sortAround(std::uint32_t node) {
+    const Node& n = nodes_[node];
+    HalfEdge* h = around_.data() + n.first;
+    directions_.resize(n.count);
+    Point* d = directions_.data();
+    if (n.count <= 16) {
+        for (std::uint32_t i = 0; i < n.count; ++i) {
+            const HalfEdge edge = h[i];
+            const Point direction = directionOf(edge);
+            std::uint32_t k = i;
+            for (; k > 0 && before(n.p, direction, d[k - 1]); --k) {
+                h[k] = h[k - 1];
+                d[k] = d[k - 1];
+            }
+            h[k] = edge;
+            d[k] = direction;
+        }
         return;
     }
-    // The boxes of each strip, strip by strip, still from left to right (a counting sort).
-    auto forEachStrip = [&](auto visit) {
-        for (const Box& box : boxes_) {
-            const std::int64_t last = (box.top - bottom) / height;
-            for (std::int64_t k = (box.bottom - bottom) / height; k <= last; ++k) visit(k, box);
-        }
-    };
-    stripEnds_.assign(strips + 1, 0);
-    forEachStrip([&](std::int64_t k, const Box&) { ++stripEnds_[k + 1]; });
-    for (std::int64_t k = 0; k < strips; ++k) stripEnds_[k + 1] += stripEnds_[k];
-    inStrips_.resize(stripEnds_[strips]);
-    forEachStrip([&](std::int64_t k, const Box& box) { inStrips_[stripEnds_[k]++] = box; });
-    std::size_t from = 0;
-    for (std::int64_t k = 0; k < strips; ++k) {
-        sweepStrip(inStrips_.data() + from, inStrips_.data() + stripEnds_[k], bottom + k * height,
-                   bottom + (k + 1) * height - 1);
-        from = stripEnds_[k];
-    }
-}
-
-// Compares the boxes of a strip. A pair that shares several strips belongs to the lowest.
-void Arrangement::sweepStrip(const Box* begin, const Box* end, std::int64_t bottom,
-                             std::int64_t top) {
-    for (const Box* p = begin; p != end; ++p) {
-        const bool fresh = segments_[p->segment].fresh;
-        for (const Box* q = p + 1; q != end && q->left <= p->right; ++q) {
-            if (q->bottom > p->top || q->top < p->bottom) continue;
-            const std::int64_t common = std::max(p->bottom, q->bottom);
-            if (common < bottom || common > top) continue;
-            if (fresh || segments_[q->segment].fresh) meet(p->segment, q->segment);
-        }
-    }
-}
-
-void Arrangement::meet(int i, int j) {
-    const Segment& s = segments_[i];
-    const Segment& t = segments_[j];
-    const Ruler onS(s);
-    const Ruler onT(t);
-    const Wide ta = cross(onS.direction, t.a - s.a);
-    const Wide tb = cross(onS.direction, t.b - s.a);
-    if (ta > onS.reach && tb > onS.reach) return;
-    if (ta < -onS.reach && tb < -onS.reach) return;
-    const Wide sa = cross(onT.direction, s.a - t.a);
-    const Wide sb = cross(onT.direction, s.b - t.a);
-    const std::size_t before = cuts_.size();
-    if (passes(s, onS, t.a, ta)) cuts_.push_back({i, t.a});
-    if (passes(s, onS, t.b, tb)) cuts_.push_back({i, t.b});
-    if (passes(t, onT, s.a, sa)) cuts_.push_back({j, s.a});
-    if (passes(t, onT, s.b, sb)) cuts_.push_back({j, s.b});
-    if (cuts_.size() > before) return;  // the pieces meet again in the next round
-    if (sign(ta) * sign(tb) < 0 && sign(sa) * sign(sb) < 0) {
-        const GridPoint p = crossing(s, t);
-        cutAt(i, p);
-        cutAt(j, p);
-    }
-}
-
-void Arrangement::cutAt(int segment, const GridPoint& p) {
-    if (p != segments_[segment].a && p != segments_[segment].b) cuts_.push_back({segment, p});
-}
-
-void Arrangement::applyCuts() {
-    std::sort(cuts_.begin(), cuts_.end(), [this](const Cut& c, const Cut& d) {
-        if (c.segment != d.segment) return c.segment < d.segment;
-        if (c.point == d.point) return false;
-        const Segment& s = segments_[c.segment];
-        const Wide along = dot(d.point - c.point, s.b - s.a);
-        return along != 0 ? along > 0 : c.point < d.point;
+    std::sort(h, h + n.count, [this, &n](HalfEdge a, HalfEdge b) {
+        const Point da = directionOf(a);
+        const Point db = directionOf(b);
+        if (before(n.p, da, db)) return true;
+        return !before(n.p, db, da) && a < b;
     });
-    pieces_.clear();
-    std::size_t next = 0;
-    for (std::size_t i = 0; i < segments_.size(); ++i) {
-        Segment piece = segments_[i];
-        piece.fresh = next < cuts_.size() && cuts_[next].segment == static_cast<int>(i);
-        GridPoint from = piece.a;
-        const GridPoint end = piece.b;
-        auto add = [&](const GridPoint& to) {
-            if (to == from) return;
-            piece.a = std::min(from, to);
-            piece.b = std::max(from, to);
-            pieces_.push_back(piece);
-            from = to;
-        };
-        for (; next < cuts_.size() && cuts_[next].segment == static_cast<int>(i); ++next) {
-            add(cuts_[next].point);
+}
+
+// Runs that lie on each other are single edges between the same two nodes. The first stands for
+// all; the others leave the arrangement.
+void Arrangement::mergeEqual(std::uint32_t node) {
+    Node& n = nodes_[node];
+    HalfEdge* h = around_.data() + n.first;
+    std::uint32_t kept = 0;
+    for (std::uint32_t i = 0; i < n.count; ++i) {
+        Run& r = runs_[h[i] >> 1];
+        const std::uint32_t far = (h[i] & 1) ? r.from : r.to;
+        bool equal = false;
+        if (kept > 0 && r.count == 0) {
+            const HalfEdge other = h[kept - 1];
+            Run& s = runs_[other >> 1];
+            equal = s.count == 0 && ((other & 1) ? s.from : s.to) == far;
+            if (equal && node < far) {
+                const bool sameWay = ((h[i] ^ other) & 1) == 0;
+                s.step = depth_ ? s.step + (sameWay ? r.step : -r.step) : s.step ^ r.step;
+                r.merged = true;
+                r.twin = s.twin;
+                s.twin = h[i] >> 1;
+            }
         }
-        add(end);
+        if (!equal) h[kept++] = h[i];
     }
-    segments_.swap(pieces_);
+    n.count = kept;
 }
 
-bool Arrangement::isBelow(int i, int j) const {
-    const Segment& s = segments_[i];
-    const Segment& t = segments_[j];
-    if (s.a == t.a) return orientation(s.a, s.b, t.b) > 0;
-    if (s.a < t.a) return orientation(s.a, s.b, t.a) > 0;
-    return orientation(t.a, t.b, s.a) < 0;
+std::int32_t Arrangement::outside(const Point& p, Noder& noder) const {
+    return depth_ ? noder.depthLeftOf(p) : noder.parityLeftOf(p);
 }
 
-void Arrangement::label() {
-    const int count = static_cast<int>(segments_.size());
-    byEnd_.resize(count);
-    for (int i = 0; i < count; ++i) byEnd_[i] = i;
-    std::sort(byEnd_.begin(), byEnd_.end(),
-              [this](int i, int j) { return segments_[i].b < segments_[j].b; });
-    active_.clear();
-    auto placeOf = [this](int i) {
-        return std::partition_point(active_.begin(), active_.end(),
-                                    [this, i](int j) { return j != i && isBelow(j, i); });
+void Arrangement::labelWhole(Run& r, Noder& noder) {
+    const Contour& c = set_->contours[r.contour];
+    const Point* p = set_->points.data();
+    std::uint32_t least = c.first;
+    for (std::uint32_t i = c.first + 1; i < c.last; ++i) {
+        if (p[i] < p[least]) least = i;
+    }
+    const Point& before = p[least == c.first ? c.last - 1 : least - 1];
+    const std::int32_t west = outside(p[least], noder);
+    const bool leftTurn = orientation(before, p[least], p[least + 1]) > 0;
+    r.left = leftTurn ? combine(west, r.step) : west;
+}
+
+// Labels relative to the sector that starts the walk, and finds the offset that makes them
+// absolute.
+void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, Noder& noder) {
+    stack_.clear();
+    stack_.push(start);
+    visited_[start] = 1;
+    bool haveSector = false;
+    Point least = nodes_[start].p;
+    std::int32_t westOfLeast = 0;
+    const auto takeLeast = [&](const Point& p, std::int32_t west) {
+        if (!haveSector || p < least) {
+            haveSector = true;
+            least = p;
+            westOfLeast = west;
+        }
     };
-    std::size_t ended = 0;
-    for (int i = 0; i < count; ++i) {
-        Segment& s = segments_[i];
-        while (!(s.a < segments_[byEnd_[ended]].b)) active_.erase(placeOf(byEnd_[ended++]));
-        const auto place = placeOf(i);
-        s.right = place == active_.begin() ? 0 : left(segments_[*(place - 1)]);
-        active_.insert(place, i);
+    while (!stack_.empty()) {
+        const Node n = nodes_[stack_.back()];
+        stack_.pop();
+        const HalfEdge* h = around_.data() + n.first;
+        // A run that is labelled already tells where to start; the very first node starts at 0.
+        std::uint32_t known = n.count;
+        for (std::uint32_t i = 0; i < n.count && known == n.count; ++i) {
+            if (runs_[h[i] >> 1].component == component + 1) known = i;
+        }
+        std::int32_t state = 0;  // of the sector clockwise before h[i]
+        std::uint32_t i = 0;
+        if (known < n.count) {
+            const Run& r = runs_[h[known] >> 1];
+            state = (h[known] & 1) ? r.left : combine(r.left, -r.step);
+            i = known;
+        }
+        for (std::uint32_t k = 0; k < n.count; ++k, i = i + 1 == n.count ? 0 : i + 1) {
+            Run& r = runs_[h[i] >> 1];
+            const bool forward = (h[i] & 1) == 0;
+            if (i == 0) takeLeast(n.p, state);
+            const std::int32_t after = combine(state, forward ? r.step : -r.step);
+            if (r.component != component + 1) {
+                r.component = component + 1;
+                r.left = forward ? after : state;
+                const Contour& c = set_->contours[r.contour];
+                const Point* p = set_->points.data();
+                std::uint32_t j = r.firstPoint;
+                for (std::uint32_t m = 0; m < r.count; ++m) {
+                    if (p[j] < least) {
+                        const Point& before = p[j == c.first ? c.last - 1 : j - 1];
+                        const bool leftTurn = orientation(before, p[j], p[j + 1]) > 0;
+                        takeLeast(p[j], leftTurn ? combine(r.left, -r.step) : r.left);
+                    }
+                    if (++j == c.last) j = c.first;
+                }
+                const std::uint32_t far = forward ? r.to : r.from;
+                if (!visited_[far]) {
+                    visited_[far] = 1;
+                    stack_.push(far);
+                }
+            }
+            assert(r.left == (forward ? after : state));
+            state = after;
+        }
     }
+    const std::int32_t west = outside(least, noder);
+    offset_.push(depth_ ? west - westOfLeast : west ^ westOfLeast);
 }
 
-}  // namespace jws::detail
+std::size_t Arrangement::bytes() const {
+    return runs_.bytes() + nodes_.bytes() + table_.bytes() + around_.bytes() + stack_.bytes();
+}
+
+void Arrangement::release() {
+    runs_.release();
+    nodes_.release();
+    table_.release();
+    around_.release();
+    directions_.release();
+    visited_.release();
+    stack_.release();
+    offset_.release();
+    cursor_.release();
+}
+
+}  // namespace jws::gpc

@@ -2,76 +2,102 @@
 #ifndef JW_GPC_ARRANGEMENT_H
 #define JW_GPC_ARRANGEMENT_H
 
-#include <algorithm>
-#include <cstddef>
-#include <vector>
+#include "gpc/noding.h"
 
-#include "gpc/grid_point.h"
+namespace jws::gpc {
 
-namespace jws::detail {
-
-/// The edges of two operands, cut where they meet, each with what lies on its two sides.
-/// Keeps its working memory between runs; one object per thread.
+/// What lies on the two sides of every stretch of boundary.
 class Arrangement {
   public:
-    /// How a side is described.
-    enum class Rule {
-        Parity,   ///< bit k: operand k covers it, by the even-odd rule
-        Winding,  ///< how often the directed loops of operand 0 go around it counter-clockwise
+    static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
+
+    /// A stretch of a contour between two meeting points, or a whole contour that meets nothing.
+    /// Its inner points are `count` points from `firstPoint` on, going round within the contour.
+    struct Run {
+        std::uint32_t from;  ///< node, or kNone for a whole contour
+        std::uint32_t to;
+        std::uint32_t contour;
+        std::uint32_t firstPoint;
+        std::uint32_t count;
+        std::int32_t step;        ///< what crossing it from right to left changes
+        std::int32_t left;        ///< what lies on its left
+        std::uint32_t component;  ///< 1 + its number, or 0
+        bool merged;              ///< lies on another run, which stands for both
+        std::uint32_t twin;       ///< another run that lies on this one, or kNone
     };
-    struct Segment {
-        GridPoint a;  ///< a < b
-        GridPoint b;
-        int source[2];  ///< the input edge of either operand that it is a piece of, or -1
-        int step;       ///< what changes from the right side to the left: bits, or a number
-        int right;      ///< what lies right of a -> b
-        bool fresh;
+    /// Half-edge 2r leaves the start of run r, half-edge 2r + 1 its end, backwards.
+    using HalfEdge = std::uint32_t;
+
+    struct Node {
+        Point p;
+        std::uint32_t first;  ///< its half-edges, counter-clockwise, from here on in `around()`
+        std::uint32_t count;
     };
 
-    void clear(Rule rule);
-    /// Adds an edge of operand 0 or 1. All edges of an operand together must be closed loops.
-    void addEdge(GridPoint from, GridPoint to, int operand);
-    /// Cuts the edges until they meet at end points only; false if that comes to no end.
-    bool resolve();
-    /// Finds what lies on the sides of each segment; after `resolve`.
-    void label();
-    const std::vector<Segment>& segments() const { return segments_; }
-    /// What lies left of a segment.
-    int left(const Segment& s) const { return sum(s.right, s.step); }
-    /// Number of segments that there is memory for.
-    std::size_t capacity() const { return std::max(segments_.capacity(), cuts_.capacity()); }
+    /// `depth` false: operands are bit masks, each even-odd. True: every contour runs with its
+    /// inside on its left and counts by one.
+    void build(Noder& noder, bool depth);
+
+    const ContourSet& set() const { return *set_; }
+    Noder& noder() const { return *noder_; }
+    Buffer<Run>& runs() { return runs_; }
+    const Buffer<Run>& runs() const { return runs_; }
+    const Buffer<Node>& nodes() const { return nodes_; }
+    const Buffer<HalfEdge>& around() const { return around_; }
+    /// The edges of `set()` that the run starts and ends with; not for a whole contour.
+    std::uint32_t firstEdge(const Run& r) const {
+        const Contour& c = set_->contours[r.contour];
+        return r.firstPoint == c.first ? c.last - 1 : r.firstPoint - 1;
+    }
+    std::uint32_t lastEdge(const Run& r) const {
+        if (r.count == 0) return firstEdge(r);
+        const Contour& c = set_->contours[r.contour];
+        const std::uint32_t i = r.firstPoint + r.count - 1;
+        return i < c.last ? i : i - (c.last - c.first);
+    }
+    /// The run's inner point k.
+    Point pointOf(const Run& r, std::uint32_t k) const {
+        const Contour& c = set_->contours[r.contour];
+        const std::uint32_t i = r.firstPoint + k;
+        return set_->points[i < c.last ? i : i - (c.last - c.first)];
+    }
+    std::int32_t rightOf(const Run& r) const { return combine(r.left, -r.step); }
+    std::uint32_t nodeOf(HalfEdge h) const {
+        return (h & 1) ? runs_[h >> 1].to : runs_[h >> 1].from;
+    }
+    std::size_t bytes() const;
+    void release();
 
   private:
-    struct Cut {
-        int segment;
-        GridPoint point;
-    };
-    struct Box {
-        std::int64_t left, right, bottom, top;
-        int segment;
-    };
+    std::int32_t combine(std::int32_t state, std::int32_t step) const {
+        return depth_ ? state + step : state ^ (step < 0 ? -step : step);
+    }
+    std::uint32_t nodeAt(const Point& p);
+    void growTable(std::size_t size);
+    void makeRuns();
+    void gatherHalfEdges();
+    void sortAround(std::uint32_t node);
+    void mergeEqual(std::uint32_t node);
+    Point directionOf(HalfEdge h) const;
+    bool before(const Point& origin, const Point& a, const Point& b) const;
+    void labelWhole(Run& r, Noder& noder);
+    void labelComponent(std::uint32_t start, std::uint32_t component, Noder& noder);
+    std::int32_t outside(const Point& p, Noder& noder) const;
 
-    int sum(int a, int b) const { return rule_ == Rule::Parity ? a ^ b : a + b; }
-    void sortAndMerge();
-    void findCuts();
-    void sweepStrip(const Box* begin, const Box* end, std::int64_t bottom, std::int64_t top);
-    void meet(int s, int t);
-    void cutAt(int segment, const GridPoint& p);
-    void applyCuts();
-    bool isBelow(int s, int t) const;
-
-    std::vector<Segment> segments_;
-    std::vector<Segment> pieces_;
-    std::vector<Cut> cuts_;
-    std::vector<Box> boxes_;     // of all segments, from left to right
-    std::vector<Box> inStrips_;  // by horizontal strip
-    std::vector<std::size_t> stripEnds_;
-    std::vector<int> byEnd_;
-    std::vector<int> active_;  // segments that the sweep line crosses, from below
-    int sources_ = 0;
-    Rule rule_ = Rule::Parity;
+    Noder* noder_ = nullptr;
+    const ContourSet* set_ = nullptr;
+    bool depth_ = false;
+    Buffer<Run> runs_;
+    Buffer<Node> nodes_;
+    Buffer<std::uint32_t> table_;
+    Buffer<HalfEdge> around_;
+    Buffer<Point> directions_;
+    Buffer<std::uint32_t> visited_;
+    Buffer<std::uint32_t> stack_;
+    Buffer<std::int32_t> offset_;
+    Buffer<std::uint32_t> cursor_;
 };
 
-}  // namespace jws::detail
+}  // namespace jws::gpc
 
 #endif  // JW_GPC_ARRANGEMENT_H

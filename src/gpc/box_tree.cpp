@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+//
+// Boxes over runs of edges.
+//
+// Leaves are runs of up to eight consecutive edges of one contour; above them, four neighbours
+// along the contour share a parent until the contour has one node. Neighbours along an outline
+// lie close together, so no sorting is needed for good boxes. Contours among themselves come in
+// any order; they are put along a Hilbert curve and joined upwards in the same way.
+//
+// A node of a single contour answers ray parity at once when the ray passes its whole box: only
+// whether its two ends lie on different sides of the ray's height counts. So a ray opens just the
+// boxes around its start, and a contour whose box does not hold the start is skipped.
+#include "gpc/box_tree.h"
+
+#include <algorithm>
+
+namespace jws::gpc {
+namespace {
+
+std::uint64_t hilbertKey(std::uint32_t x, std::uint32_t y) {
+    std::uint64_t key = 0;
+    for (std::uint32_t s = 1u << 15; s > 0; s >>= 1) {
+        const std::uint32_t rx = (x & s) ? 1 : 0;
+        const std::uint32_t ry = (y & s) ? 1 : 0;
+        key = (key << 2) | ((3 * rx) ^ ry);
+        if (ry == 0) {
+            if (rx == 1) {
+                x = 0xFFFF - x;
+                y = 0xFFFF - y;
+            }
+            std::swap(x, y);
+        }
+    }
+    return key;
+}
+
+std::uint32_t cellOf(double v, double low, double scale) {
+    const double c = (v - low) * scale;
+    return c <= 0 ? 0 : c >= 65535 ? 65535 : static_cast<std::uint32_t>(c);
+}
+
+}  // namespace
+
+void BoxTree::build(ContourSet& set, double margin) {
+    margin_ = margin;
+    nodes_.clear();
+    group_.clear();
+    if (set.contours.empty()) return;
+    nodes_.reserve(set.points.size() / 5 + 2 * set.contours.size());
+    for (std::uint32_t c = 0; c < set.contours.size(); ++c) {
+        set.contours[c].tree = buildContour(set, c);
+    }
+    root_ = set.contours.size() == 1 ? set.contours[0].tree : buildGroups(set);
+}
+
+std::uint32_t BoxTree::buildContour(const ContourSet& set, std::uint32_t c) {
+    const Contour& contour = set.contours[c];
+    std::uint32_t from = static_cast<std::uint32_t>(nodes_.size());
+    for (std::uint32_t e = contour.first; e < contour.last; e += kLeafEdges) {
+        const std::uint32_t end = std::min(e + kLeafEdges, contour.last);
+        Box box;
+        std::uint8_t flags = 0;
+        int sense = 0;
+        box.include(set.points[e]);
+        for (std::uint32_t i = e; i < end; ++i) {
+            const Point& p = set.points[i];
+            const Point& q = set.points[i + 1];
+            box.include(q);
+            flags |= set.flags[i];
+            sense |= (q.x > p.x) | (q.x < p.x) << 1 | (q.y > p.y) << 2 | (q.y < p.y) << 3;
+        }
+        box.grow(margin_);
+        nodes_.push({box, e, end, e, end, c, kLeaf, static_cast<std::uint8_t>(sense),
+                     (flags & kUnchecked) != 0});
+    }
+    std::uint32_t to = static_cast<std::uint32_t>(nodes_.size());
+    while (to - from > 1) {
+        for (std::uint32_t i = from; i < to; i += kFanout) {
+            const std::uint32_t end = std::min(i + kFanout, to);
+            Node parent = nodes_[i];
+            for (std::uint32_t k = i + 1; k < end; ++k) {
+                parent.box.include(nodes_[k].box);
+                parent.unchecked |= nodes_[k].unchecked;
+                parent.sense |= nodes_[k].sense;
+            }
+            parent.lastEdge = nodes_[end - 1].lastEdge;
+            parent.first = i;
+            parent.last = end;
+            parent.kind = kChain;
+            nodes_.push(parent);
+        }
+        from = to;
+        to = static_cast<std::uint32_t>(nodes_.size());
+    }
+    return from;
+}
+
+std::uint32_t BoxTree::buildGroups(const ContourSet& set) {
+    const std::uint32_t count = static_cast<std::uint32_t>(set.contours.size());
+    order_.resize(count);
+    for (std::uint32_t c = 0; c < count; ++c) order_[c] = c;
+    if (count > kFanout) {
+        Box all;
+        for (const Contour& c : set.contours) all.include(nodes_[c.tree].box);
+        const double width = std::max(all.maxX - all.minX, all.maxY - all.minY);
+        const double scale = width > 0 ? 65535.0 / width : 0;
+        keys_.resize(count);
+        for (std::uint32_t c = 0; c < count; ++c) {
+            const Box& b = nodes_[set.contours[c].tree].box;
+            const std::uint64_t key = hilbertKey(cellOf(b.minX / 2 + b.maxX / 2, all.minX, scale),
+                                                 cellOf(b.minY / 2 + b.maxY / 2, all.minY, scale));
+            keys_[c] = key << 32 | c;
+        }
+        std::sort(keys_.begin(), keys_.end());
+        for (std::uint32_t c = 0; c < count; ++c) {
+            order_[c] = static_cast<std::uint32_t>(keys_[c]);
+        }
+    }
+    // Children must lie together, so the contours' nodes are copied in order.
+    std::uint32_t from = static_cast<std::uint32_t>(nodes_.size());
+    for (std::uint32_t c = 0; c < count; ++c) {
+        const Node copy = nodes_[set.contours[order_[c]].tree];
+        nodes_.push(copy);
+    }
+    std::uint32_t to = static_cast<std::uint32_t>(nodes_.size());
+    while (to - from > 1) {
+        for (std::uint32_t i = from; i < to; i += kFanout) {
+            const std::uint32_t end = std::min(i + kFanout, to);
+            Node parent = nodes_[i];
+            for (std::uint32_t k = i + 1; k < end; ++k) {
+                parent.box.include(nodes_[k].box);
+                parent.unchecked |= nodes_[k].unchecked;
+            }
+            parent.first = i;
+            parent.last = end;
+            parent.kind = kGroup;
+            parent.sense = 15;
+            parent.firstEdge = 0;  // no edge number ends a run of edges there
+            parent.lastEdge = 0xFFFFFFFFu;
+            nodes_.push(parent);
+        }
+        from = to;
+        to = static_cast<std::uint32_t>(nodes_.size());
+    }
+    return from;
+}
+
+int BoxTree::parityLeftOf(const ContourSet& set, const Point& p) const {
+    return nodes_.empty() ? 0 : parity(set, nodes_[root_], p);
+}
+
+int BoxTree::depthLeftOf(const ContourSet& set, const Point& p) const {
+    return nodes_.empty() ? 0 : depth(set, nodes_[root_], p);
+}
+
+int BoxTree::parity(const ContourSet& set, const Node& n, const Point& p) const {
+    if (!n.box.holds(p)) return 0;
+    if (n.kind != kGroup) return downLeftOf(set, n, p) & 1 ? set.contours[n.contour].operand : 0;
+    int odd = 0;
+    for (std::uint32_t i = n.first; i < n.last; ++i) odd ^= parity(set, nodes_[i], p);
+    return odd;
+}
+
+int BoxTree::depth(const ContourSet& set, const Node& n, const Point& p) const {
+    if (!n.box.holds(p)) return 0;
+    if (n.kind != kGroup) return downLeftOf(set, n, p);
+    int sum = 0;
+    for (std::uint32_t i = n.first; i < n.last; ++i) sum += depth(set, nodes_[i], p);
+    return sum;
+}
+
+int BoxTree::downLeftOf(const ContourSet& set, const Node& n, const Point& p) const {
+    if (p.y < n.box.minY || p.y >= n.box.maxY || p.x <= n.box.minX) return 0;
+    const Point* q = set.points.data();
+    if (p.x > n.box.maxX) return (q[n.firstEdge].y > p.y) - (q[n.lastEdge].y > p.y);
+    int down = 0;
+    if (n.kind == kChain) {
+        for (std::uint32_t i = n.first; i < n.last; ++i) down += downLeftOf(set, nodes_[i], p);
+        return down;
+    }
+    for (std::uint32_t i = n.first; i < n.last; ++i) {
+        const int step = (q[i].y > p.y) - (q[i + 1].y > p.y);
+        if (step != 0 && isLeftOf(q[i], q[i + 1], p)) down += step;
+    }
+    return down;
+}
+
+}  // namespace jws::gpc

@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+//
+// The clipping engine.
+//
+// Four steps, each a file of its own: contour_set.h reads the operands; noding.h splits their
+// edges until they meet at shared points only, exactly; arrangement.h labels what lies on either
+// side of every stretch of boundary; contour_builder.h traces the result. Coordinates stay doubles
+// throughout: an input vertex keeps its bits, only crossings are rounded, and the arrangement is
+// exact after rounding, so that contours are valid without any tolerance.
+//
+// A union of many polygons first resolves each for itself, so that its contours run with the
+// inside on their left; then one arrangement of all of them counts how many polygons cover each
+// area. Every pair of boundaries is compared once, where unions two by two would compare the
+// growing result again and again.
+//
+// Crossings are rounded to the last place of the largest coordinate, for x and for y. To that end
+// the axis of smaller magnitude is scaled up by a power of two, which changes no sign and no
+// digit. Magnitudes far from one are brought near it as well, lest products overflow.
+//
+// O((n + k) log n) for n vertices and k crossings. Scratch memory belongs to the thread and is kept
+// between calls unless it has grown large, so that a call allocates nothing but its result.
+#include "gpc/clip_engine.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <new>
+
+#include "gpc/contour_builder.h"
+
+namespace jws::gpc {
+namespace {
+
+constexpr std::size_t kKeptScratch = std::size_t{64} << 20;
+
+/// Brings both axes to one magnitude, so that each is rounded by its own last place, and near one
+/// where products would overflow; and back.
+struct Frame {
+    Scale to;
+    Scale from;
+    int exponent = 0;   ///< scaled coordinates are below 2^exponent
+    double aspect = 1;  ///< by how much y is scaled more than x
+
+    explicit Frame(const Box& box) {
+        const int x = exponentOf(box.minX, box.maxX);
+        const int y = exponentOf(box.minY, box.maxY);
+        exponent = std::abs(x) < 200 && std::abs(y) < 200 ? std::max(x, y) : 0;
+        fit(to.x, from.x, exponent - x);
+        fit(to.y, from.y, exponent - y);
+        aspect = std::ldexp(1.0, std::clamp(x - y, -1000, 1000));
+    }
+
+  private:
+    static int exponentOf(double low, double high) {
+        int exponent = 0;
+        std::frexp(std::fmax(std::fabs(low), std::fabs(high)), &exponent);
+        return exponent;
+    }
+    static void fit(double up[2], double down[2], int shift) {
+        up[0] = std::ldexp(1.0, shift / 2);
+        up[1] = std::ldexp(1.0, shift - shift / 2);
+        down[0] = std::ldexp(1.0, -(shift / 2));
+        down[1] = std::ldexp(1.0, -(shift - shift / 2));
+    }
+};
+
+struct Engine {
+    ContourSet set;
+    ContourSet resolved;
+    Noder noder;
+    Arrangement arrangement;
+    ContourBuilder builder;
+
+    void trim() {
+        if (set.points.bytes() + resolved.points.bytes() + noder.bytes() + arrangement.bytes() +
+                builder.bytes() <=
+            kKeptScratch) {
+            return;
+        }
+        set.release();
+        resolved.release();
+        noder.release();
+        arrangement.release();
+        builder.release();
+    }
+
+    void arrange(ContourSet& contours, const Frame& frame, bool depth) {
+        contours.flags.fill(contours.points.size(), 0);
+        noder.run(contours, frame.exponent, frame.aspect);
+#ifdef JW_GPC_SELF_CHECK
+        if (noder.countConflicts() != 0) std::abort();
+#endif
+        arrangement.build(noder, depth);
+    }
+};
+
+Engine& engine() {
+    thread_local Engine scratch;
+    return scratch;
+}
+
+struct Trim {
+    ~Trim() { engine().trim(); }
+};
+
+Box overlapOf(const Box& a, const Box& b) {
+    Box w;
+    w.minX = a.minX > b.minX ? a.minX : b.minX;
+    w.minY = a.minY > b.minY ? a.minY : b.minY;
+    w.maxX = a.maxX < b.maxX ? a.maxX : b.maxX;
+    w.maxY = a.maxY < b.maxY ? a.maxY : b.maxY;
+    return w;
+}
+
+bool isEmpty(const Box& box) { return !(box.minX <= box.maxX); }
+
+bool boundsOf(const Operand& o, Box& box) {
+    if (!o.prepared) return !o.polygon || boundsOf(*o.polygon, box);
+    box = o.prepared->box();
+    return o.prepared->isFinite();
+}
+
+void add(const Operand& o, ContourSet& set, int mask, const Scale& scale, const Box* window) {
+    if (o.prepared) {
+        o.prepared->addTo(set, mask, scale, window);
+    } else if (o.polygon) {
+        set.add(*o.polygon, mask, scale, window);
+    }
+}
+
+Rule ruleOf(gpc_op op) {
+    switch (op) {
+        case GPC_DIFF:
+            return {Rule::kDifference};
+        case GPC_INT:
+            return {Rule::kIntersection};
+        case GPC_XOR:
+            return {Rule::kXor};
+        default:
+            return {Rule::kUnion};
+    }
+}
+
+int clipInto(gpc_op op, const Operand& a, const Operand& b, gpc_polygon& result) {
+    Box boxA;
+    Box boxB;
+    if (!boundsOf(a, boxA) || !boundsOf(b, boxB)) return EDOM;
+    const bool meet = boxA.overlaps(boxB);
+    if (op == GPC_INT && !meet) return 0;
+    Box all = boxA;
+    all.include(boxB);
+    if (isEmpty(all)) return 0;
+    const Frame frame(all);
+    Engine& e = engine();
+    const Trim trim;
+    e.set.clear();
+    const Box overlap = frame.to(overlapOf(boxA, boxB));
+    const Box nearA = frame.to(boxA);
+    add(a, e.set, 1, frame.to, op == GPC_INT ? &overlap : nullptr);
+    if (op != GPC_DIFF || meet) {
+        add(b, e.set, 2, frame.to, op == GPC_INT ? &overlap : op == GPC_DIFF ? &nearA : nullptr);
+    }
+    e.arrange(e.set, frame, false);
+    e.builder.build(e.arrangement, ruleOf(op), frame.from, result);
+    return 0;
+}
+
+int uniteInto(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon& result) {
+    Box all;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (polygons[i] && !boundsOf(*polygons[i], all)) return EDOM;
+    }
+    if (isEmpty(all)) return 0;
+    const Frame frame(all);
+    Engine& e = engine();
+    const Trim trim;
+    e.resolved.clear();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!polygons[i]) continue;
+        e.set.clear();
+        e.set.add(*polygons[i], 1, frame.to, nullptr);
+        e.arrange(e.set, frame, false);
+        e.builder.append(e.arrangement, {Rule::kUnion}, e.resolved);
+    }
+    e.arrange(e.resolved, frame, true);
+    e.builder.build(e.arrangement, {Rule::kCovered}, frame.from, result);
+    return 0;
+}
+
+template <class F>
+int guarded(gpc_polygon& result, F&& work) noexcept {
+    result = {0, nullptr, nullptr};
+    try {
+        return work();
+    } catch (const std::bad_alloc&) {
+        gpc_free_polygon(&result);
+        return ENOMEM;
+    } catch (...) {
+        gpc_free_polygon(&result);
+        return ERANGE;
+    }
+}
+
+}  // namespace
+
+int clip(gpc_op op, const Operand& subject, const Operand& other, gpc_polygon& result) noexcept {
+    return guarded(result, [&] { return clipInto(op, subject, other, result); });
+}
+
+int uniteAll(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon& result) noexcept {
+    return guarded(result, [&] { return uniteInto(polygons, count, result); });
+}
+
+}  // namespace jws::gpc

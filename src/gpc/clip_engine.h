@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#ifndef JW_GPC_CLIP_ENGINE_H
+#define JW_GPC_CLIP_ENGINE_H
+
+#include <gpc.h>
+
+#include <cstddef>
+
+#include "gpc/box_tree.h"
+#include "gpc/contour_set.h"
+
+namespace jws::gpc {
+
+/// An operand read once, to be clipped against many others. Only the parts near the other operand
+/// are looked at where the operation allows it, so that a large polygon against a small one costs
+/// little more than the small one. Immutable once made: safe to use from several threads.
+class PreparedOperand {
+  public:
+    /// Copies `polygon`. Throws std::bad_alloc.
+    explicit PreparedOperand(const gpc_polygon& polygon);
+
+    /// False if a coordinate is not finite: clipping then gives an empty result.
+    bool isFinite() const { return finite_; }
+    const Box& box() const { return box_; }
+
+    /// Appends the contours to `set`, as `ContourSet::add` does with the polygon itself.
+    void addTo(ContourSet& set, int operand, const Scale& scale, const Box* window) const;
+
+  private:
+    void addNode(ContourSet& set, const BoxTree::Node& n, const Scale& scale,
+                 const Box& window) const;
+    ContourSet set_;
+    BoxTree tree_;
+    Box box_;
+    bool finite_ = true;
+};
+
+/// An operand of `clip`: a polygon or a prepared one.
+struct Operand {
+    const gpc_polygon* polygon = nullptr;
+    const PreparedOperand* prepared = nullptr;
+};
+
+/// Does what `gpc_polygon_clip` does, with operands that may be prepared; the answers are equal
+/// bit for bit. Sets every field of `result`; returns 0 or the errno value that tells why the
+/// result is empty.
+int clip(gpc_op op, const Operand& subject, const Operand& other, gpc_polygon& result) noexcept;
+
+/// Computes the union of any number of polygons, each read by the even-odd rule, in one go.
+/// The result is as from `gpc_polygon_clip`, errors as from `clip`. Null entries are skipped.
+int uniteAll(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon& result) noexcept;
+
+}  // namespace jws::gpc
+
+#endif  // JW_GPC_CLIP_ENGINE_H

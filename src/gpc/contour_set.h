@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#ifndef JW_GPC_CONTOUR_SET_H
+#define JW_GPC_CONTOUR_SET_H
+
+#include <gpc.h>
+
+#include <cstdint>
+
+#include "gpc/buffer.h"
+#include "gpc/exact.h"
+
+namespace jws::gpc {
+
+struct Box {
+    double minX = 1e308 * 10;
+    double minY = 1e308 * 10;
+    double maxX = -1e308 * 10;
+    double maxY = -1e308 * 10;
+
+    void include(const Point& p) {
+        minX = p.x < minX ? p.x : minX;
+        minY = p.y < minY ? p.y : minY;
+        maxX = p.x > maxX ? p.x : maxX;
+        maxY = p.y > maxY ? p.y : maxY;
+    }
+    void include(const Box& b) {
+        minX = b.minX < minX ? b.minX : minX;
+        minY = b.minY < minY ? b.minY : minY;
+        maxX = b.maxX > maxX ? b.maxX : maxX;
+        maxY = b.maxY > maxY ? b.maxY : maxY;
+    }
+    void grow(double margin) {
+        minX -= margin;
+        minY -= margin;
+        maxX += margin;
+        maxY += margin;
+    }
+    bool holds(const Point& p) const {
+        return (p.x >= minX) & (p.x <= maxX) & (p.y >= minY) & (p.y <= maxY);
+    }
+    bool overlaps(const Box& b) const {
+        return (minX <= b.maxX) & (b.minX <= maxX) & (minY <= b.maxY) & (b.minY <= maxY);
+    }
+};
+
+/// Powers of two that bring coordinates to a convenient magnitude, for each axis in two factors,
+/// since one alone may overflow.
+struct Scale {
+    double x[2] = {1, 1};
+    double y[2] = {1, 1};
+
+    Point operator()(double px, double py) const { return {px * x[0] * x[1], py * y[0] * y[1]}; }
+    Box operator()(const Box& box) const {
+        Box scaled;
+        scaled.include((*this)(box.minX, box.minY));
+        scaled.include((*this)(box.maxX, box.maxY));
+        return scaled;
+    }
+};
+
+/// What is known of a point, and of the edge that leaves it.
+enum PointFlag : std::uint8_t {
+    kMeeting = 1,    ///< another contour, or another part of this one, comes here
+    kSuspect = 4,    ///< the edge from here may get into trouble when it is bent
+    kUnchecked = 2,  ///< the edge from here has not been compared with its surroundings
+};
+
+/// One closed contour: edge i runs from point i to point i + 1 for i in [first, last), and point
+/// `last` repeats point `first`.
+struct Contour {
+    std::uint32_t first;
+    std::uint32_t last;
+    std::int32_t operand;  ///< 1 subject, 2 clip; or the number of a ring set
+    std::uint32_t tree;    ///< the box tree's node over its edges
+};
+
+/// Contours of both operands in one array of points. No edge has zero length.
+struct ContourSet {
+    Buffer<Point> points;
+    Buffer<std::uint8_t> flags;  ///< of `PointFlag`, one per point
+    Buffer<Contour> contours;
+
+    void clear();
+    void release();
+    std::uint32_t next(const Contour& c, std::uint32_t i) const {
+        return i + 1 == c.last ? c.first : i + 1;
+    }
+    /// Appends a polygon's contours, scaled. Where `window` is given, stretches on one side of it
+    /// are cut short: the area inside the window, and on its border, stays as it is.
+    void add(const gpc_polygon& polygon, int operand, const Scale& scale, const Box* window);
+
+    /// Cuts the points from `first` on, which become a contour, short in the same way.
+    void shorten(std::size_t first, const Box& window);
+    /// Makes a contour of the points from `first` on; drops repeated points, and all of them if
+    /// fewer than three are left.
+    void close(std::size_t first, int operand);
+};
+
+/// Tells whether the box lies beyond one side of the window.
+bool isBeyond(const Box& box, const Box& window);
+/// Tells whether all of the box counts as beyond one and the same side of the window.
+bool isOneSided(const Box& box, const Box& window);
+
+/// Box of all vertices; false if a coordinate is not finite. An empty polygon leaves `box` as
+/// it is.
+bool boundsOf(const gpc_polygon& polygon, Box& box);
+
+}  // namespace jws::gpc
+
+#endif  // JW_GPC_CONTOUR_SET_H

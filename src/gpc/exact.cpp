@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: MIT
+//
+// Exact orientation and accurate crossing points on doubles.
+//
+// The sign of an orientation determinant is certain whenever the plain value exceeds its error
+// bound. Otherwise the determinant is evaluated without error: differences and products are
+// written as sums of two doubles (Dekker 1971), and where the differences are exact, which is
+// the rule for coordinates of one magnitude, comparing two such products is enough. The rest goes
+// through an exact sum of sixteen terms (Shewchuk 1997).
+#include "gpc/exact.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace jws::gpc {
+namespace {
+
+/// An unevaluated sum of two doubles, high part rounded to nearest.
+struct Two {
+    double h;
+    double l;
+};
+
+inline Two twoSum(double a, double b) {
+    const double s = a + b;
+    const double bb = s - a;
+    return {s, (a - (s - bb)) + (b - bb)};
+}
+
+inline Two quickTwoSum(double a, double b) {
+    const double s = a + b;
+    return {s, b - (s - a)};
+}
+
+inline Two twoDiff(double a, double b) { return twoSum(a, -b); }
+
+inline Two split(double a) {
+    const double c = 134217729.0 * a;
+    const double high = c - (c - a);
+    return {high, a - high};
+}
+
+inline Two twoProduct(double a, double b) {
+    const double p = a * b;
+    const Two as = split(a);
+    const Two bs = split(b);
+    return {p, ((as.h * bs.h - p) + as.h * bs.l + as.l * bs.h) + as.l * bs.l};
+}
+
+inline Two add(Two a, Two b) {
+    Two s = twoSum(a.h, b.h);
+    const Two t = twoSum(a.l, b.l);
+    s = quickTwoSum(s.h, s.l + t.h);
+    return quickTwoSum(s.h, s.l + t.l);
+}
+
+inline Two negate(Two a) { return {-a.h, -a.l}; }
+
+inline Two multiply(Two a, Two b) {
+    Two p = twoProduct(a.h, b.h);
+    p.l += a.h * b.l + a.l * b.h;
+    return quickTwoSum(p.h, p.l);
+}
+
+inline Two divide(Two a, Two b) {
+    const double q1 = a.h / b.h;
+    Two r = add(a, negate(multiply({q1, 0}, b)));
+    const double q2 = r.h / b.h;
+    r = add(r, negate(multiply({q2, 0}, b)));
+    const double q3 = r.h / b.h;
+    return add(quickTwoSum(q1, q2), {q3, 0});
+}
+
+inline int sign(double v) { return (v > 0) - (v < 0); }
+
+/// Sign of a sum of terms, by growing a nonoverlapping expansion.
+class ExactSum {
+  public:
+    void add(double term) {
+        int kept = 0;
+        for (int i = 0; i < size_; ++i) {
+            const Two s = twoSum(parts_[i], term);
+            term = s.h;
+            if (s.l != 0) parts_[kept++] = s.l;
+        }
+        if (term != 0) parts_[kept++] = term;
+        size_ = kept;
+    }
+    void add(Two t) {
+        add(t.l);
+        add(t.h);
+    }
+    int sign() const { return size_ == 0 ? 0 : gpc::sign(parts_[size_ - 1]); }
+
+  private:
+    double parts_[20];
+    int size_ = 0;
+};
+
+inline Two cross(Two ax, Two ay, Two bx, Two by) {
+    return add(multiply(ax, by), negate(multiply(ay, bx)));
+}
+
+double longestSide(const Point& a, const Point& b) {
+    return std::max(std::fabs(b.x - a.x), std::fabs(b.y - a.y));
+}
+
+double within(double v, double a, double b, double c, double d) {
+    const double low = std::max(std::min(a, b), std::min(c, d));
+    const double high = std::min(std::max(a, b), std::max(c, d));
+    return std::min(std::max(v, low), high);
+}
+
+}  // namespace
+
+int orientationExact(const Point& a, const Point& b, const Point& c) {
+    const Two ax = twoDiff(a.x, c.x);
+    const Two by = twoDiff(b.y, c.y);
+    const Two ay = twoDiff(a.y, c.y);
+    const Two bx = twoDiff(b.x, c.x);
+    if (ax.l == 0 && by.l == 0 && ay.l == 0 && bx.l == 0) {
+        if ((ax.h == 0 || by.h == 0) && (ay.h == 0 || bx.h == 0)) return 0;
+        const Two left = twoProduct(ax.h, by.h);
+        const Two right = twoProduct(ay.h, bx.h);
+        return left.h != right.h ? sign(left.h - right.h) : sign(left.l - right.l);
+    }
+    ExactSum sum;
+    sum.add(twoProduct(ax.l, by.l));
+    sum.add(twoProduct(-ay.l, bx.l));
+    sum.add(twoProduct(ax.l, by.h));
+    sum.add(twoProduct(ax.h, by.l));
+    sum.add(twoProduct(-ay.l, bx.h));
+    sum.add(twoProduct(-ay.h, bx.l));
+    sum.add(twoProduct(ax.h, by.h));
+    sum.add(twoProduct(-ay.h, bx.h));
+    return sum.sign();
+}
+
+// A long double holds differences of coordinates exactly and places the point within a thousandth
+// of a unit. What lies between the ends does not depend on the reach, so that a smaller reach finds
+// nothing that a larger one would not.
+bool Nearness::holds(const Point& p, Point a, Point b) const {
+    if (b < a) std::swap(a, b);
+    const double low = std::min(a.y, b.y);
+    const double high = std::max(a.y, b.y);
+    const double beyond =
+        std::max(std::max(a.x - p.x, p.x - b.x) * aspect, std::max(low - p.y, p.y - high));
+    if (beyond > 0) {
+        const bool alongX = isAlongX(a, b);
+        if (!(alongX ? p.x > a.x && p.x < b.x : p.y > low && p.y < high)) return false;
+        if (beyond * 8 > (alongX ? (b.x - a.x) * aspect : high - low)) return false;
+    } else if (p == a || p == b) {
+        return false;
+    }
+    const long double dx = static_cast<long double>(b.x) - a.x;
+    const long double dy = static_cast<long double>(b.y) - a.y;
+    const long double cross =
+        dx * (static_cast<long double>(p.y) - a.y) - dy * (static_cast<long double>(p.x) - a.x);
+    return std::fabs(cross) <= reach * (dx + std::fabs(dy));
+}
+
+void CrossingGrid::fit(int exponent) {
+    step = std::ldexp(1.0, exponent);
+    limit = 0x1p52 * step;
+}
+
+Point crossingPoint(Point a, Point b, Point c, Point d, const CrossingGrid& grid) {
+    if (a.y == b.y && c.x == d.x) return {c.x, a.y};
+    if (a.x == b.x && c.y == d.y) return {a.x, c.y};
+    if (b < a) std::swap(a, b);
+    if (d < c) std::swap(c, d);
+    const double lengthE = longestSide(a, b);
+    const double lengthF = longestSide(c, d);
+    if (lengthF < lengthE || (lengthF == lengthE && (c < a || (c == a && d < b)))) {
+        std::swap(a, c);
+        std::swap(b, d);
+    }
+    const Two ex = twoDiff(b.x, a.x);
+    const Two ey = twoDiff(b.y, a.y);
+    const Two fx = twoDiff(d.x, c.x);
+    const Two fy = twoDiff(d.y, c.y);
+    const Two gx = twoDiff(c.x, a.x);
+    const Two gy = twoDiff(c.y, a.y);
+    const Two t = divide(cross(gx, gy, fx, fy), cross(ex, ey, fx, fy));
+    const Two x = add({a.x, 0}, multiply(t, ex));
+    const Two y = add({a.y, 0}, multiply(t, ey));
+    return {within(grid.round(x.h), a.x, b.x, c.x, d.x) + 0.0,
+            within(grid.round(y.h), a.y, b.y, c.y, d.y) + 0.0};
+}
+
+WideArea wideArea(const Point* p, int n) {
+    Two sum = {0, 0};
+    for (int i = 2; i < n; ++i) {
+        const Two ax = twoDiff(p[i - 1].x, p[0].x);
+        const Two ay = twoDiff(p[i - 1].y, p[0].y);
+        const Two bx = twoDiff(p[i].x, p[0].x);
+        const Two by = twoDiff(p[i].y, p[0].y);
+        sum = add(sum, cross(ax, ay, bx, by));
+    }
+    return {sum.h, sum.l};
+}
+
+}  // namespace jws::gpc

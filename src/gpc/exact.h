@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#ifndef JW_GPC_EXACT_H
+#define JW_GPC_EXACT_H
+
+#include <cmath>
+
+namespace jws::gpc {
+
+struct Point {
+    double x;
+    double y;
+};
+
+inline bool operator==(const Point& a, const Point& b) { return a.x == b.x && a.y == b.y; }
+inline bool operator!=(const Point& a, const Point& b) { return !(a == b); }
+/// Lexicographic order: by x, then by y.
+inline bool operator<(const Point& a, const Point& b) {
+    return a.x < b.x || (a.x == b.x && a.y < b.y);
+}
+
+/// `orientation` without the filter.
+int orientationExact(const Point& a, const Point& b, const Point& c);
+
+/// Tells on which side of the line from a to b the point c lies: 1 left, -1 right, 0 on it.
+/// Exact for coordinates whose products neither overflow nor underflow.
+inline int orientation(const Point& a, const Point& b, const Point& c) {
+    const double left = (a.x - c.x) * (b.y - c.y);
+    const double right = (a.y - c.y) * (b.x - c.x);
+    const double det = left - right;
+    const double bound = 3.3306690738754716e-16 * (std::fabs(left) + std::fabs(right));
+    if (det > bound) return 1;
+    if (det < -bound) return -1;
+    return orientationExact(a, b, c);
+}
+
+/// How closely an edge may pass a vertex.
+struct Nearness {
+    double reach = 0;   ///< in both x and y
+    double aspect = 1;  ///< y in terms of x, as the caller's coordinates have it
+
+    /// Tells along which axis an edge is measured.
+    bool isAlongX(const Point& a, const Point& b) const {
+        return std::fabs(b.x - a.x) * aspect >= std::fabs(b.y - a.y);
+    }
+    /// Tells whether `p` lies beside the edge ab, between its ends, within the reach of it. The
+    /// direction of the edge does not matter.
+    bool holds(const Point& p, Point a, Point b) const;
+    Nearness within(double other) const { return {other, aspect}; }
+};
+
+/// A grid that crossing points are rounded to: the multiples of a power of two.
+struct CrossingGrid {
+    double step = 0;
+    double limit = 0;  ///< from this magnitude on every double is on the grid
+
+    /// Sets the step to 2^exponent.
+    void fit(int exponent);
+    double round(double v) const {
+        if (std::fabs(v) >= limit) return v;
+        const double shifter = std::copysign(limit, v);
+        return (v + shifter) - shifter;
+    }
+};
+
+/// Computes the point where the segments ab and cd, which cross properly, meet: correctly to a
+/// few units of the double-double format, then rounded to the grid and kept within both
+/// segments' boxes. The order of the segments and their directions do not matter.
+Point crossingPoint(Point a, Point b, Point c, Point d, const CrossingGrid& grid);
+
+/// Twice the signed area of a closed contour, positive when counter-clockwise, in double-double.
+struct WideArea {
+    double high;
+    double low;
+};
+WideArea wideArea(const Point* p, int n);
+
+}  // namespace jws::gpc
+
+#endif  // JW_GPC_EXACT_H

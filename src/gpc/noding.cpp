@@ -1,0 +1,480 @@
+// SPDX-License-Identifier: MIT
+//
+// Makes an exact arrangement out of edges that cross, touch and overlap anyhow.
+//
+// Edges whose boxes meet are compared with exact predicates. A vertex on another edge splits it
+// there; a proper crossing splits both edges at the crossing point, rounded to the unit u, the last
+// place of the largest coordinate. A vertex that an edge passes within 2u splits it too: rounded
+// crossings come back as vertices when a result is clipped once more, and edges meant to coincide
+// would leave slivers thinner than the rounding. Where that happens a crossing of the two edges
+// waits: mostly there is none left afterwards.
+//
+// Splitting bends an edge by a hair, and a bent edge may have come to lie across a neighbour, so
+// the pieces of bent edges are compared with everything around them again, until a pass finds
+// nothing to split. Most bent edges need no second look. A conflict takes another edge or vertex
+// within a few u of the place. The first pass meets every such pair and marks as suspect: edges
+// that come within a far larger radius R of each other's ends; edges that cross at an angle below
+// 2^-7; and where two split points on an edge lie within R, the edge and those that split it there.
+// An edge that passes within 4u of a crossing without being marked would have to make an angle of
+// 2^-8 with one of the two edges that cross, and so cross that one within 2^10 u, which is below R,
+// or end before, near it: both are marked. An edge split beside its line is always suspect.
+//
+// Bundles of edges that are parallel to within rounding may go on crossing one another, ever
+// further along. An edge that is still bent in a late pass counts as stubborn, and the work
+// starts again: now stubborn edges are split at every vertex and crossing within one rounding
+// unit of them (snap rounding: Hobby 1999, Guibas and Marimont 1998), which makes such a bundle one
+// line, and their crossings go to the grid of that unit. The unit doubles with every attempt.
+// Everything else keeps its finer crossings. Should four attempts fail, which takes vertices
+// crowded within a unit, the ends of stubborn edges go to the grid as well; then this is snap
+// rounding in its textbook form, which leaves no crossing.
+//
+// After the last pass any two edges are disjoint, equal, or share end points only, exactly, in
+// the very doubles that are handed out; so contours made of them are valid without any tolerance.
+// Otherwise no input vertex moves.
+#include "gpc/noding.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace jws::gpc {
+namespace {
+
+constexpr double kShallow = 0x1p-7;
+constexpr int kPatientAttempts = 4;
+constexpr int kPatience = 12;  // passes that may bend edges before they count as stubborn
+
+bool isWithin(const Point& p, const Point& a, const Point& b) {
+    return p.x >= std::min(a.x, b.x) && p.x <= std::max(a.x, b.x) && p.y >= std::min(a.y, b.y) &&
+           p.y <= std::max(a.y, b.y);
+}
+
+/// Tells whether ab is horizontal or vertical and p exactly on it.
+bool isOnAxial(const Point& p, const Point& a, const Point& b) {
+    return (a.x == b.x && p.x == a.x) || (a.y == b.y && p.y == a.y);
+}
+
+}  // namespace
+
+void Noder::run(ContourSet& source, int exponent, double aspect) {
+    source_ = &source;
+    exponent_ = exponent;
+    grid_.fit(exponent - 53);
+    near_ = {2 * grid_.step, aspect};
+    tight_ = 32 * grid_.step;
+    radius_ = 0x1p13 * grid_.step;
+    scans_ = 0;
+    for (attempt_ = 0;; ++attempt_) {
+        if (attempt_ > 0) coarse_.fit(exponent - 53 + attempt_);
+        if (attempt_ > kPatientAttempts) moveStubborn();
+        set_ = source_;
+        for (std::size_t i = 0; i < source_->flags.size(); ++i) source_->flags[i] |= kUnchecked;
+        pass_ = 1;
+        bool clean = !check();
+        while (!clean && (pass_ <= kPatience || !anyMoved_)) {
+            findCrowds();
+            clean = !rebuild();
+            treeIsFresh_ = false;
+            ++pass_;
+            if (!clean) clean = !check();
+        }
+        if (clean) return;
+        giveUp();
+    }
+}
+
+std::size_t Noder::countConflicts() {
+    const auto meetings = [this] {
+        std::size_t count = 0;
+        for (const std::uint8_t f : set_->flags) count += (f & kMeeting) != 0;
+        return count;
+    };
+    const std::size_t before = meetings();
+    for (std::uint8_t& f : set_->flags) f |= kUnchecked;
+    pass_ = 2;
+    check();
+    return splits_.size() + meetings() - before;
+}
+
+// Compares all unchecked edges with their surroundings; true if there is something to split.
+bool Noder::check() {
+    splits_.clear();
+    crossed_.clear();
+    anyMoved_ = false;
+    firstSplit_.fill(set_->points.size(), 0);
+    tree_.build(*set_, near_.reach);
+    treeIsFresh_ = true;
+    const auto visit = [this](std::uint32_t i, std::uint32_t ci, std::uint32_t j,
+                              std::uint32_t cj) {
+        meet(i, set_->contours[ci], j, set_->contours[cj]);
+    };
+    tree_.joinSelf(*set_, visit);
+    if (attempt_ > 0 && pass_ == 1) snapStubborn();
+    return !splits_.empty();
+}
+
+void Noder::split(std::uint32_t edge, const Point& p, bool moved, std::uint32_t by) {
+    splits_.push({p, firstSplit_[edge], edge, by, moved});
+    firstSplit_[edge] = static_cast<std::uint32_t>(splits_.size());
+    if (!moved) return;
+    anyMoved_ = true;
+    if (pass_ > kPatience) {
+        crossed_.push(edge);
+        crossed_.push(by);
+    }
+}
+
+// The four sums are distances of ends from the other edge's line, times that edge's length.
+void Noder::meet(std::uint32_t i, const Contour& ci, std::uint32_t j, const Contour& cj) {
+    const std::uint32_t i1 = set_->next(ci, i);
+    const std::uint32_t j1 = set_->next(cj, j);
+    const Point* p = set_->points.data();
+    const Point a = p[i];
+    const Point b = p[i1];
+    const Point c = p[j];
+    const Point d = p[j1];
+    if (a == c) return meetAtEnd(i, j, i1, j1, i, j, false);
+    if (b == d) return meetAtEnd(i1, j1, i, j, i, j, false);
+    if (b == c) return meetAtEnd(i1, j, i, j1, i, j, i1 == j);
+    if (a == d) return meetAtEnd(i, j1, i1, j, i, j, i == j1);
+    const double ex = b.x - a.x;
+    const double ey = b.y - a.y;
+    const double fx = d.x - c.x;
+    const double fy = d.y - c.y;
+    const double gx = c.x - a.x;
+    const double gy = c.y - a.y;
+    const double turn = ex * fy - ey * fx;
+    const double sumC = ex * gy - ey * gx;
+    const double sumD = sumC + turn;
+    const double sumA = fx * gy - fy * gx;
+    const double sumB = sumA + turn;
+    const double e = std::fabs(ex) + std::fabs(ey);
+    const double f = std::fabs(fx) + std::fabs(fy);
+    const double nearestE = std::min(std::fabs(sumC), std::fabs(sumD)) / e;
+    const double nearestF = std::min(std::fabs(sumA), std::fabs(sumB)) / f;
+    const double nearest = std::min(nearestE, nearestF);
+    if (nearest <= radius_) {
+        suspect(i, j);
+        if (nearest <= tight_) return meetClosely(i, i1, j, j1);
+    }
+    if ((sumC > 0) == (sumD > 0) || (sumA > 0) == (sumB > 0)) return;
+    if (std::fabs(turn) <= kShallow * e * f) suspect(i, j);
+    cross(i, i1, j, j1);
+}
+
+// The same for edges of which one has an end on the other's line or hardly off it.
+void Noder::meetClosely(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1) {
+    bool cut = cutAt(i, i1, j, j);
+    cut |= cutAt(i, i1, j1, j);
+    cut |= cutAt(j, j1, i, i);
+    cut |= cutAt(j, j1, i1, i);
+    if (cut) return;
+    const Point* p = set_->points.data();
+    if (orientation(p[i], p[i1], p[j]) * orientation(p[i], p[i1], p[j1]) >= 0) return;
+    if (orientation(p[j], p[j1], p[i]) * orientation(p[j], p[j1], p[i1]) >= 0) return;
+    suspect(i, j);
+    cross(i, i1, j, j1);
+}
+
+// Splits an edge at a vertex that it passes through or closely by.
+bool Noder::cutAt(std::uint32_t edge, std::uint32_t end, std::uint32_t point, std::uint32_t by) {
+    const Point& a = set_->points[edge];
+    const Point& b = set_->points[end];
+    const Point& p = set_->points[point];
+    const bool on = orientation(a, b, p) == 0;
+    if (!(on ? isWithin(p, a, b) : near_.holds(p, a, b))) return false;
+    touch(edge, point, !on, by);
+    return true;
+}
+
+// Edges i and j share a point, `shared` of i and `sharedOther` of j; their other ends are farI and
+// farJ. `neighbours` tells that the point is one and the same vertex of a contour.
+void Noder::meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint32_t farI,
+                      std::uint32_t farJ, std::uint32_t i, std::uint32_t j, bool neighbours) {
+    if (!neighbours) {
+        mark(shared);
+        mark(sharedOther);
+    }
+    const Point s = set_->points[shared];
+    const Point u = set_->points[farI];
+    const Point w = set_->points[farJ];
+    const double ex = u.x - s.x;
+    const double ey = u.y - s.y;
+    const double fx = w.x - s.x;
+    const double fy = w.y - s.y;
+    const double longer = std::max(std::fabs(ex) + std::fabs(ey), std::fabs(fx) + std::fabs(fy));
+    const double turn = std::fabs(ex * fy - ey * fx);
+    if (turn > radius_ * longer || ex * fx + ey * fy < 0) return;
+    suspect(i, j);
+    if (turn > tight_ * longer) return;
+    if (u == w) {
+        mark(farI);
+        mark(farJ);
+    } else if (orientation(s, u, w) != 0) {
+        if (near_.holds(w, s, u)) {
+            touch(i, farJ, true, j);
+        } else if (near_.holds(u, s, w)) {
+            touch(j, farI, true, i);
+        } else {
+            return;
+        }
+    } else if (isWithin(w, s, u)) {
+        touch(i, farJ, false, j);
+    } else if (isWithin(u, s, w)) {
+        touch(j, farI, false, i);
+    } else {
+        return;  // collinear, but leaving the point in opposite directions
+    }
+    mark(shared);
+    mark(sharedOther);
+}
+
+void Noder::cross(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1) {
+    const Point* p = set_->points.data();
+    const CrossingGrid& grid = isStubborn(i) || isStubborn(j) ? coarse_ : grid_;
+    const Point at = crossingPoint(p[i], p[i1], p[j], p[j1], grid);
+    const bool moved = !isOnAxial(at, p[i], p[i1]) || !isOnAxial(at, p[j], p[j1]);
+    if (at == p[i]) {
+        mark(i);
+    } else if (at == p[i1]) {
+        mark(i1);
+    } else {
+        split(i, at, moved, j);
+    }
+    if (at == p[j]) {
+        mark(j);
+    } else if (at == p[j1]) {
+        mark(j1);
+    } else {
+        split(j, at, moved, i);
+    }
+}
+
+// Marks edges with two split points near each other, and the edges that split them there.
+void Noder::findCrowds() {
+    if (pass_ > 1 || attempt_ > 0) return;
+    for (const SplitPoint& s : splits_) {
+        int left = 16;
+        for (std::uint32_t k = s.next; k != 0; k = splits_[k - 1].next) {
+            const SplitPoint& t = splits_[k - 1];
+            const bool near =
+                std::fabs(s.p.x - t.p.x) <= radius_ && std::fabs(s.p.y - t.p.y) <= radius_;
+            if (!near && --left > 0) continue;
+            for (const SplitPoint* q : {&s, &t}) {
+                suspect(q->by, q->on);
+            }
+            if (left == 0) break;
+        }
+    }
+}
+
+// Makes a new source, in which the ends of stubborn edges lie on the coarse grid and all edges that
+// moved are stubborn too.
+void Noder::moveStubborn() {
+    const ContourSet& from = *source_;
+    ContourSet& to = source_ == &moved_[0] ? moved_[1] : moved_[0];
+    moving_.clear();
+    for (const Contour& c : from.contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            if (!stubborn_[i]) continue;
+            moving_.push(from.points[i]);
+            moving_.push(from.points[i + 1]);
+        }
+    }
+    std::sort(moving_.begin(), moving_.end());
+    const auto moves = [this](const Point& p) {
+        return std::binary_search(moving_.begin(), moving_.end(), p);
+    };
+    to.clear();
+    to.points.reserve(from.points.size());
+    for (const Contour& c : from.contours) {
+        const std::size_t first = to.points.size();
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            const Point p = from.points[i];
+            to.points.push(moves(p) ? Point{coarse_.round(p.x), coarse_.round(p.y)} : p);
+        }
+        to.close(first, c.operand);
+    }
+    to.flags.fill(to.points.size(), 0);
+    for (Point& p : moving_) p = {coarse_.round(p.x), coarse_.round(p.y)};
+    std::sort(moving_.begin(), moving_.end());
+    stubborn_.fill(to.points.size(), 0);
+    for (const Contour& c : to.contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            stubborn_[i] = moves(to.points[i]) || moves(to.points[i + 1]);
+        }
+    }
+    source_ = &to;
+}
+
+// Adds the edges that crossed in the last pass to the stubborn ones.
+void Noder::giveUp() {
+    if (attempt_ == 0) stubborn_.fill(source_->points.size(), 0);
+    for (const std::uint32_t edge : crossed_) stubborn_[parents_[active_][edge]] = 1;
+}
+
+// Splits stubborn edges at vertices and crossings near them.
+void Noder::snapStubborn() {
+    found_ = static_cast<std::uint32_t>(splits_.size());
+    for (const Contour& c : set_->contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            if (stubborn_[i]) snapTo(i, c);
+        }
+    }
+}
+
+void Noder::snapTo(std::uint32_t edge, const Contour& contour) {
+    const Point a = set_->points[edge];
+    const Point b = set_->points[edge + 1];
+    const Box box = edgeBox(a, b, coarse_.step);
+    const std::uint32_t end = set_->next(contour, edge);
+    const Nearness near = near_.within(coarse_.step / 2);
+    tree_.query(*set_, box, [&](std::uint32_t other) {
+        if (other == edge) return;
+        const Point* p = set_->points.data();
+        if (other != end && near.holds(p[other], a, b)) {
+            mark(other);
+            split(edge, p[other], true, other);
+        }
+        for (std::uint32_t s = firstSplit_[other]; s != 0; s = splits_[s - 1].next) {
+            const Point at = splits_[s - 1].p;
+            if (s <= found_ && near.holds(at, a, b)) split(edge, at, true, other);
+        }
+    });
+}
+
+// Copies the contours with their split points into the other work set. Pieces of edges that moved
+// are unchecked, unless they were found harmless; true if any is.
+bool Noder::rebuild() {
+    const std::uint8_t doubtful = pass_ == 1 && attempt_ == 0 ? kSuspect : 0xFF;
+    bool any = false;
+    const int target = set_ == source_ ? 0 : 1 - active_;
+    const ContourSet& from = *set_;
+    ContourSet& to = work_[target];
+    const std::size_t room = from.points.size() + splits_.size();
+    to.clear();
+    to.points.resize(room);
+    to.flags.resize(room);
+    parents_[target].resize(room);
+    std::uint32_t* parents = parents_[target].data();
+    const std::uint32_t* known = set_ == source_ ? nullptr : parents_[active_].data();
+    std::uint32_t n = 0;
+    for (const Contour& c : from.contours) {
+        const std::uint32_t first = n;
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            const std::uint32_t parent = known ? known[i] : i;
+            to.points[n] = from.points[i];
+            parents[n] = parent;
+            if (firstSplit_[i] == 0) {
+                to.flags[n++] = from.flags[i] & kMeeting;
+                continue;
+            }
+            const bool look = sortSplits(i) && (doubtful == 0xFF || (from.flags[i] & doubtful));
+            const std::uint8_t unchecked = look ? kUnchecked : 0;
+            any |= look;
+            to.flags[n++] = static_cast<std::uint8_t>((from.flags[i] & kMeeting) | unchecked);
+            for (const SplitPoint& s : sorted_) {
+                if (s.p == to.points[n - 1]) continue;
+                to.points[n] = s.p;
+                parents[n] = parent;
+                to.flags[n++] = static_cast<std::uint8_t>(kMeeting | unchecked);
+            }
+        }
+        to.points[n] = to.points[first];
+        to.flags[n] = 0;
+        to.contours.push({first, n, c.operand, 0});
+        ++n;
+    }
+    to.points.resize(n);
+    to.flags.resize(n);
+    active_ = target;
+    set_ = &to;
+    return any;
+}
+
+// A ray or two are shot quicker without building a tree for them.
+bool Noder::useTree() {
+    constexpr std::size_t kFewEdges = 300;
+    if (!treeIsFresh_ && set_->points.size() > kFewEdges && ++scans_ > 2) {
+        tree_.build(*set_, near_.reach);
+        treeIsFresh_ = true;
+    }
+    return treeIsFresh_;
+}
+
+std::int32_t Noder::parityLeftOf(const Point& p) {
+    if (useTree()) return tree_.parityLeftOf(*set_, p);
+    std::int32_t odd = 0;
+    const Point* q = set_->points.data();
+    for (const Contour& c : set_->contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            if ((q[i].y > p.y) != (q[i + 1].y > p.y) && isLeftOf(q[i], q[i + 1], p)) {
+                odd ^= c.operand;
+            }
+        }
+    }
+    return odd;
+}
+
+std::int32_t Noder::depthLeftOf(const Point& p) {
+    if (useTree()) return tree_.depthLeftOf(*set_, p);
+    std::int32_t depth = 0;
+    const Point* q = set_->points.data();
+    for (const Contour& c : set_->contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            if ((q[i].y > p.y) != (q[i + 1].y > p.y) && isLeftOf(q[i], q[i + 1], p)) {
+                depth += q[i].y > p.y ? 1 : -1;
+            }
+        }
+    }
+    return depth;
+}
+
+// Puts the split points of an edge into sorted_, in order along it; true if one lies beside it.
+bool Noder::sortSplits(std::uint32_t edge) {
+    sorted_.clear();
+    bool moved = false;
+    for (std::uint32_t s = firstSplit_[edge]; s != 0; s = splits_[s - 1].next) {
+        sorted_.push(splits_[s - 1]);
+        moved |= splits_[s - 1].moved;
+    }
+    if (sorted_.size() < 2) return moved;
+    const Point a = set_->points[edge];
+    const Point b = set_->points[edge + 1];
+    const bool alongX = near_.isAlongX(a, b);
+    const bool right = a.x != b.x ? a.x < b.x : a.y < b.y;
+    const bool up = a.y != b.y ? a.y < b.y : a.x < b.x;
+    std::sort(sorted_.begin(), sorted_.end(), [=](const SplitPoint& u, const SplitPoint& v) {
+        const bool xFirst = (u.p.x < v.p.x) == right;
+        const bool yFirst = (u.p.y < v.p.y) == up;
+        if (alongX) return u.p.x != v.p.x ? xFirst : u.p.y != v.p.y && yFirst;
+        return u.p.y != v.p.y ? yFirst : u.p.x != v.p.x && xFirst;
+    });
+    return moved;
+}
+
+std::size_t Noder::bytes() const {
+    std::size_t sum = tree_.bytes() + splits_.bytes() + firstSplit_.bytes() + stubborn_.bytes();
+    for (int i = 0; i < 2; ++i) {
+        sum += work_[i].points.bytes() + work_[i].flags.bytes() + parents_[i].bytes();
+    }
+    return sum;
+}
+
+void Noder::release() {
+    tree_.release();
+    for (int i = 0; i < 2; ++i) {
+        moved_[i].release();
+        work_[i].points.release();
+        work_[i].flags.release();
+        work_[i].contours.release();
+        parents_[i].release();
+    }
+    stubborn_.release();
+    splits_.release();
+    firstSplit_.release();
+    sorted_.release();
+    crossed_.release();
+}
+
+}  // namespace jws::gpc

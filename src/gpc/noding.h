@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+#ifndef JW_GPC_NODING_H
+#define JW_GPC_NODING_H
+
+#include "gpc/box_tree.h"
+#include "gpc/contour_set.h"
+
+namespace jws::gpc {
+
+/// Splits the edges of a contour set until any two are equal, or meet at shared end points only,
+/// and none passes a vertex too closely.
+class Noder {
+  public:
+    /// Works on `source`, of which it changes the flags only; it must outlive the result.
+    /// `exponent`: all coordinates are below 2^exponent. `aspect`: how much more y has been scaled
+    /// than x.
+    void run(ContourSet& source, int exponent, double aspect);
+
+    /// The split contours, with `kMeeting` at every point where more than two edge ends come
+    /// together. Valid until the next run.
+    const ContourSet& result() const { return *set_; }
+
+    /// The edge of `origin()` that an edge of the result is a piece of.
+    std::uint32_t originOf(std::uint32_t edge) const {
+        return set_ == source_ ? edge : parents_[active_][edge];
+    }
+    const ContourSet& origin() const { return *source_; }
+    /// How far off an edge may pass a vertex and yet be cut there.
+    const Nearness& nearness() const { return near_; }
+
+    /// Compares every pair once more and counts what the run has missed: 0, always. For tests.
+    std::size_t countConflicts();
+
+    /// Calls `visit(p)` for each vertex of the result within the box of the edge ab and `reach`
+    /// around it, perhaps several times.
+    template <class Visit>
+    void forVerticesNear(const Point& a, const Point& b, double reach, const Visit& visit) {
+        const Box box = edgeBox(a, b, reach);
+        if (useTree()) {
+            tree_.query(*set_, box, [&](std::uint32_t edge) {
+                if (box.holds(set_->points[edge])) visit(set_->points[edge]);
+            });
+            return;
+        }
+        for (const Point& p : set_->points) {
+            if (box.holds(p)) visit(p);
+        }
+    }
+
+    /// Operands an odd number of whose edges lies left of `p`, as in `BoxTree::parityLeftOf`.
+    std::int32_t parityLeftOf(const Point& p);
+    /// How often the contours, as far as they lie left of `p`, run round it counter-clockwise.
+    std::int32_t depthLeftOf(const Point& p);
+
+    std::size_t bytes() const;
+    void release();
+
+  private:
+    struct SplitPoint {
+        Point p;
+        std::uint32_t next;
+        std::uint32_t on;  ///< the edge that is split,
+        std::uint32_t by;  ///< and the one that does it
+        bool moved;        ///< the edge does not pass through it exactly
+    };
+
+    bool useTree();
+    bool check();
+    void meet(std::uint32_t i, const Contour& ci, std::uint32_t j, const Contour& cj);
+    void meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint32_t farI,
+                   std::uint32_t farJ, std::uint32_t i, std::uint32_t j, bool neighbours);
+    void meetClosely(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1);
+    bool cutAt(std::uint32_t edge, std::uint32_t end, std::uint32_t point, std::uint32_t by);
+    void cross(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1);
+    void mark(std::uint32_t point) { set_->flags[point] |= kMeeting; }
+    void split(std::uint32_t edge, const Point& p, bool moved, std::uint32_t by);
+    void suspect(std::uint32_t i, std::uint32_t j) {
+        if (pass_ > 1) return;
+        set_->flags[i] |= kSuspect;
+        set_->flags[j] |= kSuspect;
+    }
+    void findCrowds();
+    void touch(std::uint32_t edge, std::uint32_t point, bool moved, std::uint32_t by) {
+        mark(point);
+        split(edge, set_->points[point], moved, by);
+    }
+    bool isStubborn(std::uint32_t edge) const { return attempt_ > 0 && stubborn_[originOf(edge)]; }
+    void giveUp();
+    void moveStubborn();
+    void snapStubborn();
+    void snapTo(std::uint32_t edge, const Contour& contour);
+    bool rebuild();
+    bool sortSplits(std::uint32_t edge);
+
+    ContourSet* source_ = nullptr;
+    ContourSet* set_ = nullptr;
+    BoxTree tree_;
+    ContourSet work_[2];
+    ContourSet moved_[2];
+    Buffer<Point> moving_;
+    Buffer<std::uint32_t> parents_[2];  // of each edge of work_: the source's edge it is part of
+    int active_ = 0;
+    CrossingGrid grid_;
+    CrossingGrid coarse_;
+    int exponent_ = 0;
+    int attempt_ = 0;
+    int pass_ = 0;
+    bool anyMoved_ = false;
+    bool treeIsFresh_ = false;
+    int scans_ = 0;                  // rays answered without the tree
+    Nearness near_;                  // within which edges are cut at vertices
+    double tight_ = 0;               // beyond which plain sums tell that they are not
+    double radius_ = 0;              // within which edges are suspect
+    Buffer<std::uint8_t> stubborn_;  // of each edge of the source
+    Buffer<SplitPoint> splits_;
+    Buffer<std::uint32_t> firstSplit_;  // of each edge: 1 + index into splits_, or 0
+    std::uint32_t found_ = 0;           // splits before snapping
+    Buffer<SplitPoint> sorted_;
+    Buffer<std::uint32_t> crossed_;  // edges that were still bent in late passes
+};
+
+}  // namespace jws::gpc
+
+#endif  // JW_GPC_NODING_H
