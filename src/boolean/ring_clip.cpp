@@ -21,9 +21,6 @@
 #include <new>
 
 #include "jw_report.h"
-#ifdef JWCG_GPC_BUILTIN
-#include "gpc/winding_union.h"
-#endif
 
 namespace jws::detail {
 namespace {
@@ -133,31 +130,6 @@ gpc_op engineOperation(enumJWBooleanType type) {
     }
 }
 
-bool areFinite(const std::vector<RingViews>& sets) {
-    Operand operand;
-    for (const RingViews& rings : sets) {
-        if (measure(rings, operand)) continue;
-        JWReport::setError(JWErrorInvalidArgument, "a coordinate of a polygon is not finite");
-        return false;
-    }
-    return true;
-}
-
-/// Runs a call of the engine and turns what it says in errno into exceptions.
-template <class Call>
-void checked(const ClippedContours& result, Call call) {
-    const int before = errno;
-    errno = 0;
-    call();
-    const int failure = result.count() == 0 ? errno : 0;
-    errno = before;
-    if (failure == ENOMEM) throw std::bad_alloc();
-    if (failure == ERANGE) throw ClipFailure();
-    if (failure == EDOM) {
-        JWReport::setError(JWErrorInvalidArgument, "a coordinate of a polygon is not finite");
-    }
-}
-
 }  // namespace
 
 RingView ClippedContours::view(int i) const {
@@ -178,25 +150,22 @@ JWRing ClippedContours::ring(int i) const {
     return {contour.points, contour.count};
 }
 
-ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanType type) {
-    ClippedContours result;
-    checked(result, [&] { gpc_polygon_clip(engineOperation(type), &a, &b, &result.polygon_); });
-    return result;
+ClippedContours::ClippedContours(const ::gpc_polygon& polygon, int failure) : polygon_(polygon) {
+    if (failure == ENOMEM) throw std::bad_alloc();
+    if (failure == ERANGE) throw ClipFailure();
+    if (failure == EDOM) {
+        JWReport::setError(JWErrorInvalidArgument, "a coordinate of a polygon is not finite");
+    }
 }
 
-ClippedContours uniteDirected(const RingViews& loops, double& overlap) {
-    ClippedContours result;
-    overlap = 0;
-#ifdef JWCG_GPC_BUILTIN
-    thread_local Operand operand;
-    keepAll(loops, operand);
-    const ::gpc_polygon boundaries = borrow(operand);
-    checked(result, [&] { uniteWinding(boundaries, result.polygon_, overlap); });
-#else
-    (void)loops;
-    throw ClipFailure();
-#endif
-    return result;
+ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanType type) {
+    ::gpc_polygon result = {};
+    const int before = errno;
+    errno = 0;
+    gpc_polygon_clip(engineOperation(type), &a, &b, &result);
+    const int failure = result.num_contours == 0 ? errno : 0;
+    errno = before;
+    return {result, failure};
 }
 
 ClippedContours clipRings(const RingViews& a, const RingViews& b, enumJWBooleanType type) {
@@ -223,36 +192,6 @@ ClippedContours clipRings(const RingViews& a, const RingViews& b, enumJWBooleanT
     ::gpc_polygon subject = borrow(operandA);
     ::gpc_polygon clip = borrow(operandB);
     return clipPolygons(subject, clip, type);
-}
-
-// In pairs of neighbours, and these in pairs again: a point takes part in as many unions as the
-// number of sets has binary digits.
-ClippedContours uniteRings(const std::vector<RingViews>& sets) {
-    if (!areFinite(sets)) return {};
-    std::vector<ClippedContours> level;
-    for (std::size_t i = 0; i < sets.size(); i += 2) {
-        const RingViews& second = i + 1 < sets.size() ? sets[i + 1] : RingViews();
-        level.push_back(clipRings(sets[i], second, JWBooleanUnion));
-    }
-    for (; level.size() > 1; level.resize((level.size() + 1) / 2)) {
-        for (std::size_t i = 0; i + 1 < level.size(); i += 2) {
-            level[i / 2] = clipRings(level[i].views(), level[i + 1].views(), JWBooleanUnion);
-        }
-        if (level.size() % 2 == 1) std::swap(level[level.size() / 2], level.back());
-    }
-    return level.empty() ? ClippedContours() : std::move(level.front());
-}
-
-ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews>& sets) {
-    if (!areFinite(sets)) return {};
-    Operand whole, other;
-    measure(subject, whole);
-    std::vector<RingViews> near;
-    for (const RingViews& rings : sets) {
-        measure(rings, other);
-        if (other.envelop.intersected(whole.envelop)) near.push_back(rings);
-    }
-    return clipRings(subject, uniteRings(near).views(), JWBooleanDifference);
 }
 
 }  // namespace jws::detail

@@ -21,6 +21,9 @@ struct ClipFailure : std::runtime_error {
 class ClippedContours {
   public:
     ClippedContours() = default;
+    /// Takes over what the engine has made. `failure` is its errno value: 0, EDOM, which becomes
+    /// the thread's last error, ENOMEM or ERANGE, which are thrown.
+    ClippedContours(const ::gpc_polygon& polygon, int failure);
     ClippedContours(ClippedContours&& other) noexcept : polygon_(other.polygon_) {
         other.polygon_ = {};
     }
@@ -42,8 +45,6 @@ class ClippedContours {
     JWRing ring(int i) const;
 
   private:
-    friend ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanType type);
-    friend ClippedContours uniteDirected(const RingViews& loops, double& overlap);
     ::gpc_polygon polygon_ = {};
 };
 

@@ -35,7 +35,7 @@ class Arrangement {
     };
 
     /// `depth` false: operands are bit masks, each even-odd. True: every contour runs with its
-    /// inside on its left and counts by one.
+    /// inside on its left and adds its operand to what lies there.
     void build(Noder& noder, bool depth);
 
     const ContourSet& set() const { return *set_; }

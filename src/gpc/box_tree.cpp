@@ -163,7 +163,7 @@ int BoxTree::parity(const ContourSet& set, const Node& n, const Point& p) const 
 
 int BoxTree::depth(const ContourSet& set, const Node& n, const Point& p) const {
     if (!n.box.holds(p)) return 0;
-    if (n.kind != kGroup) return downLeftOf(set, n, p);
+    if (n.kind != kGroup) return downLeftOf(set, n, p) * set.contours[n.contour].operand;
     int sum = 0;
     for (std::uint32_t i = n.first; i < n.last; ++i) sum += depth(set, nodes_[i], p);
     return sum;

@@ -46,7 +46,8 @@ class BoxTree {
     /// Operands an odd number of whose edges lies left of `p` (strictly, on the horizontal
     /// through it; an edge through `p` does not count). Contours of operand `o` toggle bit `o`.
     int parityLeftOf(const ContourSet& set, const Point& p) const;
-    /// Edges left of `p` that run down, less those that run up.
+    /// Edges left of `p` that run down, less those that run up, each counted as its contour's
+    /// operand.
     int depthLeftOf(const ContourSet& set, const Point& p) const;
 
     const Node& node(std::uint32_t i) const { return nodes_[i]; }

@@ -10,8 +10,9 @@
 //
 // A union of many polygons first resolves each for itself, so that its contours run with the
 // inside on their left; then one arrangement of all of them counts how many polygons cover each
-// area. Every pair of boundaries is compared once, where unions two by two would compare the
-// growing result again and again.
+// area; what is to be erased from a subject counts in the same way beside it. Every pair of
+// boundaries is compared once, where unions two by two would compare the growing result again and
+// again.
 //
 // Crossings are rounded to the last place of the largest coordinate, for x and for y. To that end
 // the axis of smaller magnitude is scaled up by a power of two, which changes no sign and no
@@ -68,6 +69,7 @@ struct Frame {
 struct Engine {
     ContourSet set;
     ContourSet resolved;
+    Buffer<std::size_t> near;  // polygons that reach the subject
     Noder noder;
     Arrangement arrangement;
     ContourBuilder builder;
@@ -166,6 +168,17 @@ int clipInto(gpc_op op, const Operand& a, const Operand& b, gpc_polygon& result)
     return 0;
 }
 
+/// Reads a polygon as a set of contours with its inside on their left and appends them to
+/// `Engine::resolved`, each to count as `weight`.
+void resolve(Engine& e, const gpc_polygon& polygon, int weight, const Frame& frame,
+             const Box* window) {
+    e.set.clear();
+    e.set.add(polygon, 1, frame.to, window);
+    if (e.set.contours.empty()) return;
+    e.arrange(e.set, frame, false);
+    e.builder.append(e.arrangement, {Rule::kUnion}, e.resolved, weight);
+}
+
 int uniteInto(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon& result) {
     Box all;
     for (std::size_t i = 0; i < count; ++i) {
@@ -177,13 +190,79 @@ int uniteInto(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon
     const Trim trim;
     e.resolved.clear();
     for (std::size_t i = 0; i < count; ++i) {
-        if (!polygons[i]) continue;
-        e.set.clear();
-        e.set.add(*polygons[i], 1, frame.to, nullptr);
-        e.arrange(e.set, frame, false);
-        e.builder.append(e.arrangement, {Rule::kUnion}, e.resolved);
+        if (polygons[i]) resolve(e, *polygons[i], 1, frame, nullptr);
     }
     e.arrange(e.resolved, frame, true);
+    e.builder.build(e.arrangement, {Rule::kCovered}, frame.from, result);
+    return 0;
+}
+
+int eraseInto(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
+              gpc_polygon& result) {
+    Box box;
+    if (!boundsOf(subject, box)) return EDOM;
+    Engine& e = engine();
+    const Trim trim;
+    Box all = box;
+    e.near.clear();
+    for (std::size_t i = 0; i < count; ++i) {
+        Box own;
+        if (!polygons[i]) continue;
+        if (!boundsOf(*polygons[i], own)) return EDOM;
+        if (!own.overlaps(box)) continue;
+        all.include(own);
+        e.near.push(i);
+    }
+    if (isEmpty(box)) return 0;
+    const Frame frame(all);
+    const Box window = frame.to(box);
+    e.resolved.clear();
+    resolve(e, subject, Rule::kSubject, frame, nullptr);
+    for (const std::size_t i : e.near) resolve(e, *polygons[i], 1, frame, &window);
+    e.arrange(e.resolved, frame, true);
+    e.builder.build(e.arrangement, {Rule::kErased}, frame.from, result);
+    return 0;
+}
+
+/// The area that is covered more than once, counted once for each further cover, in scaled
+/// coordinates: each run of boundary contributes what its two sides differ by.
+double overlapOf(const Arrangement& arrangement, const Point& origin) {
+    double twice = 0;
+    for (const Arrangement::Run& run : arrangement.runs()) {
+        if (run.merged || run.step == 0) continue;
+        const int left = std::max(run.left - 1, 0);
+        const int right = std::max(arrangement.rightOf(run) - 1, 0);
+        if (left == right) continue;
+        const bool whole = run.from == Arrangement::kNone;
+        Point last = whole ? arrangement.pointOf(run, run.count - 1)
+                           : arrangement.nodes()[run.from].p;
+        double sum = 0;
+        const auto goTo = [&](const Point& p) {
+            sum += (last.x - origin.x) * (p.y - origin.y) - (p.x - origin.x) * (last.y - origin.y);
+            last = p;
+        };
+        for (std::uint32_t k = 0; k < run.count; ++k) goTo(arrangement.pointOf(run, k));
+        if (!whole) goTo(arrangement.nodes()[run.to].p);
+        twice += sum * (left - right);
+    }
+    return twice / 2;
+}
+
+int uniteDirectedInto(const gpc_polygon& loops, gpc_polygon& result, double& overlap) {
+    Box all;
+    if (!boundsOf(loops, all)) return EDOM;
+    if (isEmpty(all)) return 0;
+    const Frame frame(all);
+    Engine& e = engine();
+    const Trim trim;
+    e.set.clear();
+    e.set.add(loops, 1, frame.to, nullptr);
+    e.arrange(e.set, frame, true);
+    const Box scaled = frame.to(all);
+    const double area = overlapOf(e.arrangement, {scaled.minX / 2 + scaled.maxX / 2,
+                                                  scaled.minY / 2 + scaled.maxY / 2});
+    const Scale& back = frame.from;
+    overlap = area * back.x[0] * back.x[1] * back.y[0] * back.y[1];
     e.builder.build(e.arrangement, {Rule::kCovered}, frame.from, result);
     return 0;
 }
@@ -210,6 +289,16 @@ int clip(gpc_op op, const Operand& subject, const Operand& other, gpc_polygon& r
 
 int uniteAll(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon& result) noexcept {
     return guarded(result, [&] { return uniteInto(polygons, count, result); });
+}
+
+int eraseAll(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
+             gpc_polygon& result) noexcept {
+    return guarded(result, [&] { return eraseInto(subject, polygons, count, result); });
+}
+
+int uniteDirected(const gpc_polygon& loops, gpc_polygon& result, double& overlap) noexcept {
+    overlap = 0;
+    return guarded(result, [&] { return uniteDirectedInto(loops, result, overlap); });
 }
 
 }  // namespace jws::gpc

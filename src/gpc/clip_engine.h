@@ -50,6 +50,18 @@ int clip(gpc_op op, const Operand& subject, const Operand& other, gpc_polygon& r
 /// The result is as from `gpc_polygon_clip`, errors as from `clip`. Null entries are skipped.
 int uniteAll(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon& result) noexcept;
 
+/// Computes what lies in `subject` and in none of the other polygons, in one go; otherwise as
+/// `uniteAll`. Polygons whose boxes miss the subject's are only read through.
+int eraseAll(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
+             gpc_polygon& result) noexcept;
+
+/// Computes the union of any number of areas from the directed loops around them, inside on the
+/// left: what the loops wind round at least once. Loops of different areas may cross, touch and
+/// overlap; the loops of one area must wind 0 or 1 time round every point. Otherwise as `uniteAll`.
+/// \param overlap  receives the area that is covered more than once, counted once for each further
+///     cover, measured on the cut edges and not on the result
+int uniteDirected(const gpc_polygon& loops, gpc_polygon& result, double& overlap) noexcept;
+
 }  // namespace jws::gpc
 
 #endif  // JW_GPC_CLIP_ENGINE_H

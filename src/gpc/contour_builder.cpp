@@ -267,7 +267,8 @@ bool ContourBuilder::continues(std::uint32_t before, std::uint32_t run, const Po
     return !chain_.empty();
 }
 
-void ContourBuilder::append(const Arrangement& arrangement, Rule rule, ContourSet& set) {
+void ContourBuilder::append(const Arrangement& arrangement, Rule rule, ContourSet& set,
+                            std::int32_t operand) {
     arrangement_ = &arrangement;
     rule_ = rule;
     choose();
@@ -278,7 +279,7 @@ void ContourBuilder::append(const Arrangement& arrangement, Rule rule, ContourSe
         const std::size_t first = set.points.size();
         set.points.resize(first + loop.points);
         copy(loop, set.points.data() + first);
-        set.close(first, 1);
+        set.close(first, operand);
     }
 }
 

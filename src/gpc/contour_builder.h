@@ -10,7 +10,10 @@ namespace jws::gpc {
 
 /// Tells whether an area whose label is `state` belongs to the result.
 struct Rule {
-    enum Kind { kDifference, kIntersection, kXor, kUnion, kCovered } kind;
+    /// What the subject's contours count as where depths are added up.
+    static constexpr std::int32_t kSubject = 1 << 24;
+
+    enum Kind { kDifference, kIntersection, kXor, kUnion, kCovered, kErased } kind;
     bool holds(std::int32_t state) const {
         switch (kind) {
             case kDifference:
@@ -21,8 +24,10 @@ struct Rule {
                 return state == 1 || state == 2;
             case kUnion:
                 return state != 0;
-            default:  // kCovered: by a depth above zero
+            case kCovered:
                 return state > 0;
+            default:  // kErased: what only the subject covers
+                return state == kSubject;
         }
     }
 };
@@ -36,7 +41,7 @@ class ContourBuilder {
                gpc_polygon& result);
 
     /// Appends the contours to `set` instead, in no particular order, inside on their left.
-    void append(const Arrangement& arrangement, Rule rule, ContourSet& set);
+    void append(const Arrangement& arrangement, Rule rule, ContourSet& set, std::int32_t operand);
 
     std::size_t bytes() const { return path_.bytes() + next_.bytes() + steps_.bytes(); }
     void release();

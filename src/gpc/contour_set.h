@@ -11,6 +11,8 @@
 
 namespace jws::gpc {
 
+using ::gpc_polygon;
+
 struct Box {
     double minX = 1e308 * 10;
     double minY = 1e308 * 10;
@@ -70,7 +72,7 @@ enum PointFlag : std::uint8_t {
 struct Contour {
     std::uint32_t first;
     std::uint32_t last;
-    std::int32_t operand;  ///< 1 subject, 2 clip; or the number of a ring set
+    std::int32_t operand;  ///< 1 subject, 2 clip; or what the inside counts as
     std::uint32_t tree;    ///< the box tree's node over its edges
 };
 

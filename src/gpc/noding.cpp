@@ -423,7 +423,7 @@ std::int32_t Noder::depthLeftOf(const Point& p) {
     for (const Contour& c : set_->contours) {
         for (std::uint32_t i = c.first; i < c.last; ++i) {
             if ((q[i].y > p.y) != (q[i + 1].y > p.y) && isLeftOf(q[i], q[i + 1], p)) {
-                depth += q[i].y > p.y ? 1 : -1;
+                depth += q[i].y > p.y ? c.operand : -c.operand;
             }
         }
     }

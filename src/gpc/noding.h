@@ -49,7 +49,7 @@ class Noder {
 
     /// Operands an odd number of whose edges lies left of `p`, as in `BoxTree::parityLeftOf`.
     std::int32_t parityLeftOf(const Point& p);
-    /// How often the contours, as far as they lie left of `p`, run round it counter-clockwise.
+    /// The same sum of operands for contours that run with their inside on their left.
     std::int32_t depthLeftOf(const Point& p);
 
     std::size_t bytes() const;

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+//
+// Union and erasure of many ring sets by the engine's own entries: all sets in one arrangement,
+// where every two boundaries are compared once, however many sets there are.
+#include <cstddef>
+
+#include "boolean/ring_clip.h"
+#include "gpc/clip_engine.h"
+
+namespace jws::detail {
+namespace {
+
+/// Ring sets in the engine's form, without copies of points.
+class EngineSets {
+  public:
+    void add(const RingViews& rings) {
+        for (const RingView& ring : rings) {
+            auto* points = const_cast<JWRawPoint*>(ring.points);  // the engine only reads operands
+            contours_.push_back({ring.count, reinterpret_cast<gpc_vertex*>(points)});
+        }
+        ends_.push_back(contours_.size());
+    }
+    /// The sets added so far; good until the next `add`.
+    const std::vector<const ::gpc_polygon*>& polygons() {
+        polygons_.clear();
+        pointers_.clear();
+        std::size_t from = 0;
+        for (const std::size_t end : ends_) {
+            polygons_.push_back({static_cast<int>(end - from), nullptr, contours_.data() + from});
+            from = end;
+        }
+        for (const ::gpc_polygon& polygon : polygons_) pointers_.push_back(&polygon);
+        return pointers_;
+    }
+
+  private:
+    std::vector<gpc_vertex_list> contours_;
+    std::vector<std::size_t> ends_;
+    std::vector<::gpc_polygon> polygons_;
+    std::vector<const ::gpc_polygon*> pointers_;
+};
+
+}  // namespace
+
+ClippedContours uniteRings(const std::vector<RingViews>& sets) {
+    EngineSets operands;
+    for (const RingViews& rings : sets) operands.add(rings);
+    const auto& polygons = operands.polygons();
+    ::gpc_polygon result = {};
+    const int failure = gpc::uniteAll(polygons.data(), polygons.size(), result);
+    return {result, failure};
+}
+
+ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews>& sets) {
+    EngineSets operands;
+    operands.add(subject);
+    for (const RingViews& rings : sets) operands.add(rings);
+    const auto& polygons = operands.polygons();
+    ::gpc_polygon result = {};
+    const int failure =
+        gpc::eraseAll(*polygons.front(), polygons.data() + 1, polygons.size() - 1, result);
+    return {result, failure};
+}
+
+ClippedContours uniteDirected(const RingViews& loops, double& overlap) {
+    EngineSets operands;
+    operands.add(loops);
+    ::gpc_polygon result = {};
+    const int failure = gpc::uniteDirected(*operands.polygons().front(), result, overlap);
+    return {result, failure};
+}
+
+}  // namespace jws::detail
