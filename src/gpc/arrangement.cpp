@@ -17,22 +17,9 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <cstring>
 
 namespace jws::gpc {
 namespace {
-
-std::uint64_t hashOf(const Point& p) {
-    const double x = p.x + 0.0;  // -0 and 0 are one place
-    const double y = p.y + 0.0;
-    std::uint64_t a;
-    std::uint64_t b;
-    std::memcpy(&a, &x, sizeof a);
-    std::memcpy(&b, &y, sizeof b);
-    std::uint64_t h = (a ^ (a >> 32)) * 0x9E3779B97F4A7C15u;
-    h = (h ^ (h >> 32) ^ b ^ (b >> 31)) * 0xC2B2AE3D27D4EB4Fu;
-    return h ^ (h >> 32);
-}
 
 inline bool isRightward(const Point& origin, const Point& p) { return origin < p; }
 

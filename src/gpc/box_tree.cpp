@@ -60,6 +60,7 @@ std::uint32_t BoxTree::buildContour(const ContourSet& set, std::uint32_t c) {
         const std::uint32_t end = std::min(e + kLeafEdges, contour.last);
         Box box;
         std::uint8_t flags = 0;
+        std::uint8_t common = 0xFF;
         int sense = 0;
         box.include(set.points[e]);
         for (std::uint32_t i = e; i < end; ++i) {
@@ -67,11 +68,12 @@ std::uint32_t BoxTree::buildContour(const ContourSet& set, std::uint32_t c) {
             const Point& q = set.points[i + 1];
             box.include(q);
             flags |= set.flags[i];
+            common &= set.flags[i];
             sense |= (q.x > p.x) | (q.x < p.x) << 1 | (q.y > p.y) << 2 | (q.y < p.y) << 3;
         }
         box.grow(margin_);
         nodes_.push({box, e, end, e, end, c, kLeaf, static_cast<std::uint8_t>(sense),
-                     (flags & kUnchecked) != 0});
+                     (flags & kUnchecked) != 0, (common & kDouble) == 0});
     }
     std::uint32_t to = static_cast<std::uint32_t>(nodes_.size());
     while (to - from > 1) {
@@ -81,6 +83,7 @@ std::uint32_t BoxTree::buildContour(const ContourSet& set, std::uint32_t c) {
             for (std::uint32_t k = i + 1; k < end; ++k) {
                 parent.box.include(nodes_[k].box);
                 parent.unchecked |= nodes_[k].unchecked;
+                parent.active |= nodes_[k].active;
                 parent.sense |= nodes_[k].sense;
             }
             parent.lastEdge = nodes_[end - 1].lastEdge;
@@ -130,6 +133,7 @@ std::uint32_t BoxTree::buildGroups(const ContourSet& set) {
             for (std::uint32_t k = i + 1; k < end; ++k) {
                 parent.box.include(nodes_[k].box);
                 parent.unchecked |= nodes_[k].unchecked;
+                parent.active |= nodes_[k].active;
             }
             parent.first = i;
             parent.last = end;

@@ -24,6 +24,7 @@ class BoxTree {
         Kind kind;
         std::uint8_t sense;  ///< directions that its edges take: bits right, left, up, down
         bool unchecked;      ///< holds an edge that is not yet compared
+        bool active;         ///< holds an edge that is to be compared at all
     };
 
     /// Builds the tree; sets `tree` of every contour. Every box is `margin` larger on all sides.
@@ -63,6 +64,9 @@ class BoxTree {
   private:
     /// Edges that go, say, right or up but never left or down meet at their common ends only.
     static bool isMonotone(int sense) { return (sense & 3) != 3 && (sense & 12) != 12; }
+
+    /// Tells by the flags of two edges whether they are to be compared.
+    static bool isDue(int flags) { return (flags & (kUnchecked | kDouble)) == kUnchecked; }
 
     template <class Visit>
     void queryNode(const ContourSet& set, const Node& n, const Box& box, const Visit& visit) const;
@@ -130,7 +134,9 @@ void BoxTree::joinNode(const ContourSet& set, const Node& n, Visit& visit) const
         if (a.unchecked) joinNode(set, a, visit);
         for (std::uint32_t j = i + 1; j < n.last; ++j) {
             const Node& b = nodes_[j];
-            if ((a.unchecked | b.unchecked) & a.box.overlaps(b.box)) joinPair(set, a, b, visit);
+            if ((a.unchecked | b.unchecked) & a.active & b.active & a.box.overlaps(b.box)) {
+                joinPair(set, a, b, visit);
+            }
         }
     }
 }
@@ -152,7 +158,7 @@ void BoxTree::joinPair(const ContourSet& set, const Node& a, const Node& b, Visi
     const Node& other = openA ? b : a;
     for (std::uint32_t i = open.first; i < open.last; ++i) {
         const Node& child = nodes_[i];
-        if ((child.unchecked | other.unchecked) & child.box.overlaps(other.box)) {
+        if ((child.unchecked | other.unchecked) & child.active & child.box.overlaps(other.box)) {
             joinPair(set, child, other, visit);
         }
     }
@@ -166,7 +172,7 @@ void BoxTree::joinLeaf(const ContourSet& set, const Node& n, Visit& visit) const
     for (std::uint32_t i = n.first; i < n.last; ++i) {
         const Box box = edgeBox(p[i], p[i + 1], margin_);
         for (std::uint32_t j = n.first; j < i; ++j) {
-            if (box.overlaps(boxes[j - n.first]) && ((f[i] | f[j]) & kUnchecked)) {
+            if (box.overlaps(boxes[j - n.first]) && isDue(f[i] | f[j])) {
                 visit(j, n.contour, i, n.contour);
             }
         }
@@ -191,7 +197,7 @@ void BoxTree::joinLeaves(const ContourSet& set, const Node& a, const Node& b, Vi
         const Box box = edgeBox(p[j], p[j + 1], margin_);
         if (!box.overlaps(a.box)) continue;
         for (std::uint32_t k = 0; k < count; ++k) {
-            if (box.overlaps(boxes[k]) && ((f[edges[k]] | f[j]) & kUnchecked)) {
+            if (box.overlaps(boxes[k]) && isDue(f[edges[k]] | f[j])) {
                 visit(edges[k], a.contour, j, b.contour);
             }
         }

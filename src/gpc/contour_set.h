@@ -65,6 +65,7 @@ enum PointFlag : std::uint8_t {
     kMeeting = 1,    ///< another contour, or another part of this one, comes here
     kSuspect = 4,    ///< the edge from here may get into trouble when it is bent
     kUnchecked = 2,  ///< the edge from here has not been compared with its surroundings
+    kDouble = 8,     ///< the edge from here lies on another, which is compared for both
 };
 
 /// One closed contour: edge i runs from point i to point i + 1 for i in [first, last), and point

@@ -3,6 +3,8 @@
 #define JW_GPC_EXACT_H
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 namespace jws::gpc {
 
@@ -16,6 +18,18 @@ inline bool operator!=(const Point& a, const Point& b) { return !(a == b); }
 /// Lexicographic order: by x, then by y.
 inline bool operator<(const Point& a, const Point& b) {
     return a.x < b.x || (a.x == b.x && a.y < b.y);
+}
+
+inline std::uint64_t hashOf(const Point& p) {
+    const double x = p.x + 0.0;  // -0 and 0 are one place
+    const double y = p.y + 0.0;
+    std::uint64_t a;
+    std::uint64_t b;
+    std::memcpy(&a, &x, sizeof a);
+    std::memcpy(&b, &y, sizeof b);
+    std::uint64_t h = (a ^ (a >> 32)) * 0x9E3779B97F4A7C15u;
+    h = (h ^ (h >> 32) ^ b ^ (b >> 31)) * 0xC2B2AE3D27D4EB4Fu;
+    return h ^ (h >> 32);
 }
 
 /// `orientation` without the filter.

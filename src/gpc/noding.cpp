@@ -58,6 +58,7 @@ bool isOnAxial(const Point& p, const Point& a, const Point& b) {
 
 void Noder::run(ContourSet& source, int exponent, double aspect) {
     source_ = &source;
+    doubles_.clear();
     exponent_ = exponent;
     grid_.fit(exponent - 53);
     near_ = {2 * grid_.step, aspect};
@@ -76,7 +77,9 @@ void Noder::run(ContourSet& source, int exponent, double aspect) {
             clean = !rebuild();
             treeIsFresh_ = false;
             ++pass_;
-            if (!clean) clean = !check();
+            if (clean) break;
+            findDoubles();
+            clean = !check();
         }
         if (clean) return;
         giveUp();
@@ -90,7 +93,7 @@ std::size_t Noder::countConflicts() {
         return count;
     };
     const std::size_t before = meetings();
-    for (std::uint8_t& f : set_->flags) f |= kUnchecked;
+    for (std::uint8_t& f : set_->flags) f = static_cast<std::uint8_t>((f | kUnchecked) & ~kDouble);
     pass_ = 2;
     check();
     return splits_.size() + meetings() - before;
@@ -310,7 +313,49 @@ void Noder::moveStubborn() {
 // Adds the edges that crossed in the last pass to the stubborn ones.
 void Noder::giveUp() {
     if (attempt_ == 0) stubborn_.fill(source_->points.size(), 0);
-    for (const std::uint32_t edge : crossed_) stubborn_[parents_[active_][edge]] = 1;
+    const std::uint32_t* parents = parents_[active_].data();
+    for (const std::uint32_t edge : crossed_) stubborn_[parents[edge]] = 1;
+    for (const std::uint32_t edge : doubles_) {
+        if (stubborn_[parents[standIns_[edge]]]) stubborn_[parents[edge]] = 1;
+    }
+    doubles_.clear();
+}
+
+// Of unchecked edges between the same two points all but one become doubles: a bundle that has
+// been made one line is compared as one edge.
+void Noder::findDoubles() {
+    const Point* p = set_->points.data();
+    std::size_t unchecked = 0;
+    for (const std::uint8_t f : set_->flags) unchecked += (f & kUnchecked) != 0;
+    constexpr std::size_t kFew = 64;
+    if (unchecked < kFew) return;
+    std::size_t size = 2 * kFew;
+    while (size < 2 * unchecked) size *= 2;
+    table_.fill(size, 0);
+    standIns_.resize(set_->points.size());
+    for (const Contour& c : set_->contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            if (!(set_->flags[i] & kUnchecked)) continue;
+            const auto isEqual = [&](std::uint32_t j) {
+                return (p[i] == p[j] && p[i + 1] == p[j + 1]) ||
+                       (p[i] == p[j + 1] && p[i + 1] == p[j]);
+            };
+            std::size_t slot = (hashOf(p[i]) + hashOf(p[i + 1])) & (size - 1);
+            const auto isTaken = [&] { return table_[slot].from != table_[slot].to; };
+            while (isTaken() && !isEqual(table_[slot].from)) slot = (slot + 1) & (size - 1);
+            if (!isTaken()) {
+                table_[slot] = {i, set_->next(c, i)};
+                continue;
+            }
+            standIns_[i] = table_[slot].from;
+            doubles_.push(i);
+            set_->flags[i] = static_cast<std::uint8_t>((set_->flags[i] & ~kUnchecked) | kDouble);
+            mark(i);
+            mark(set_->next(c, i));
+            mark(table_[slot].from);
+            mark(table_[slot].to);
+        }
+    }
 }
 
 // Splits stubborn edges at vertices and crossings near them.
@@ -351,7 +396,11 @@ bool Noder::rebuild() {
     const int target = set_ == source_ ? 0 : 1 - active_;
     const ContourSet& from = *set_;
     ContourSet& to = work_[target];
-    const std::size_t room = from.points.size() + splits_.size();
+    std::size_t room = from.points.size() + splits_.size();
+    for (const std::uint32_t edge : doubles_) {
+        for (std::uint32_t s = splitsOf(edge); s != 0; s = splits_[s - 1].next) ++room;
+    }
+    doubles_.clear();
     to.clear();
     to.points.resize(room);
     to.flags.resize(room);
@@ -365,7 +414,7 @@ bool Noder::rebuild() {
             const std::uint32_t parent = known ? known[i] : i;
             to.points[n] = from.points[i];
             parents[n] = parent;
-            if (firstSplit_[i] == 0) {
+            if (splitsOf(i) == 0) {
                 to.flags[n++] = from.flags[i] & kMeeting;
                 continue;
             }
@@ -434,7 +483,7 @@ std::int32_t Noder::depthLeftOf(const Point& p) {
 bool Noder::sortSplits(std::uint32_t edge) {
     sorted_.clear();
     bool moved = false;
-    for (std::uint32_t s = firstSplit_[edge]; s != 0; s = splits_[s - 1].next) {
+    for (std::uint32_t s = splitsOf(edge); s != 0; s = splits_[s - 1].next) {
         sorted_.push(splits_[s - 1]);
         moved |= splits_[s - 1].moved;
     }

@@ -64,6 +64,11 @@ class Noder {
         bool moved;        ///< the edge does not pass through it exactly
     };
 
+    struct DirectedEdge {
+        std::uint32_t from;
+        std::uint32_t to;  ///< never equal to `from` but in an empty slot
+    };
+
     bool useTree();
     bool check();
     void meet(std::uint32_t i, const Contour& ci, std::uint32_t j, const Contour& cj);
@@ -90,6 +95,11 @@ class Noder {
     void snapStubborn();
     void snapTo(std::uint32_t edge, const Contour& contour);
     bool rebuild();
+    void findDoubles();
+    std::uint32_t splitsOf(std::uint32_t edge) const {
+        const bool isDouble = (set_->flags[edge] & kDouble) != 0;
+        return firstSplit_[isDouble ? standIns_[edge] : edge];
+    }
     bool sortSplits(std::uint32_t edge);
 
     ContourSet* source_ = nullptr;
@@ -116,7 +126,10 @@ class Noder {
     Buffer<std::uint32_t> firstSplit_;  // of each edge: 1 + index into splits_, or 0
     std::uint32_t found_ = 0;           // splits before snapping
     Buffer<SplitPoint> sorted_;
-    Buffer<std::uint32_t> crossed_;  // edges that were still bent in late passes
+    Buffer<DirectedEdge> table_;      // unchecked edges by their ends
+    Buffer<std::uint32_t> doubles_;   // double edges
+    Buffer<std::uint32_t> standIns_;  // of each double edge: the one that is compared
+    Buffer<std::uint32_t> crossed_;   // edges that were still bent in late passes
 };
 
 }  // namespace jws::gpc
