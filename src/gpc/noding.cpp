@@ -42,7 +42,7 @@ namespace {
 
 constexpr double kShallow = 0x1p-7;
 constexpr int kPatientAttempts = 4;
-constexpr int kPatience = 12;  // passes that may bend edges before they count as stubborn
+constexpr int kPatience = 6;  // passes that may bend edges before they count as stubborn
 
 bool isWithin(const Point& p, const Point& a, const Point& b) {
     return p.x >= std::min(a.x, b.x) && p.x <= std::max(a.x, b.x) && p.y >= std::min(a.y, b.y) &&
