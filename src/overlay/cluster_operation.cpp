@@ -179,6 +179,10 @@ Passes clusterPasses(const JWOverlayOptions& options, std::int64_t count) {
     find.texts.start = [](int group) {
         JWReport::message("group %d checking overlap in input group...\n", group);
     };
+    unite.texts.end = [](int block, int written, int features) {
+        JWReport::message("union:%d in %d\n", written, features);
+        JWReport::message("block %d wrote %d features to result layer!\n", block, written);
+    };
     return {std::move(find), std::move(unite)};
 }
 

@@ -92,7 +92,7 @@ Passes identityPasses(const JWOverlayOptions& options, std::int64_t) {
         JWReport::message("group %d checking overlap in identity layer...\n", group);
         JWReport::message("do identity in group %d\n", group);
     };
-    pass.texts.end = [](int group, int written) {
+    pass.texts.end = [](int group, int written, int) {
         JWReport::message("group %d writted %d features to result layer!\n", group, written);
     };
     return {std::move(pass)};
@@ -123,7 +123,7 @@ Passes symmetricalDifferencePasses(const JWOverlayOptions& options, std::int64_t
         JWReport::message("do symmetrical difference in group %d\n", group);
         JWReport::message("group %d doing step TWO...\n", group);
     };
-    ofA.texts.end = ofB.texts.end = [](int group, int written) {
+    ofA.texts.end = ofB.texts.end = [](int group, int written, int) {
         JWReport::message("group %d writted %d features to result layer!\n", group, written);
     };
     return {std::move(ofA), std::move(ofB)};

@@ -258,7 +258,7 @@ void OverlayRun::overlayBlock(const OverlayPass& pass, const Blocks& blocks, std
     if (!finished) stop();
     const int written = shown(m_report.written - writtenBefore);
     if (pass.texts.end != nullptr) {
-        pass.texts.end(shown(block), written);
+        pass.texts.end(shown(block), written, shown(count));
     } else {
         JWReport::message("block %d wrote %d features to result layer!\n", shown(block), written);
     }

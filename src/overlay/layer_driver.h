@@ -35,10 +35,11 @@ namespace jws::detail {
 /// were not processed in full.
 using FeatureOperation = std::function<void(const OverlayFeature&, Surroundings&, Emitter&)>;
 
-/// Console texts of one block, besides those that all operations have; null for none.
+/// Console texts of one block, besides that of its filter. `end` stands in for the text that says
+/// what a block wrote; null for that one.
 struct BlockTexts {
     void (*start)(int block) = nullptr;
-    void (*end)(int block, int written) = nullptr;
+    void (*end)(int block, int written, int features) = nullptr;
 };
 
 /// One walk over an operand.

@@ -177,6 +177,14 @@ TEST_F(LayerOperations, WithinALayer) {
     }
 }
 
+TEST_F(LayerOperations, ALayerWithItself) {
+    LayerPtr a = layerOf("a", {{1, box(0, 0, 2, 1), "1"}, {2, box(1, 0, 3, 1), "2"}});
+    const Rows common = {"2|1|1", "1|1|2", "1|2|1", "2|2|2"};
+    EXPECT_EQ(areas("union", *a, *a), common);
+    EXPECT_EQ(areas("symdiff", *a, *a), Rows());
+    EXPECT_EQ(areas("grow", *a, *a), Rows{"3|1|1"});
+}
+
 TEST_F(LayerOperations, ManyFeaturesOnTopOfOneAnother) {
     LayerPtr layer = layerOf("pile", std::vector<Row>(300, {-1, box(0, 0, 1, 1), "x"}));
     EXPECT_EQ(areas("partition within", *layer, *layer), (Rows{"1|x|x"}));
@@ -254,6 +262,7 @@ TEST_F(LayerOperations, Announce) {
           "group 1 doing step TWO...\n"}},
         {"union", {"group 0 doing erase step TWO...\n", "6 features wrote to result layer!\n"}},
         {"update", {"3 input features wrote to result layer!\n"}},
+        {"grow within", {"union:2 in 2\n", "union:1 in 1\n"}},
     };
     JWOverlayOptions options;
     for (const auto& row : table) {
