@@ -135,6 +135,11 @@ void AreaSum::addRing(const RingView& ring, bool forward) {
 void AreaSum::gather(const JWGeometry& area) {
     emptyKept(m_rings);
     appendRings(area, m_rings);
+    dropPoints();
+}
+
+/// Leaves out rings that enclose nothing.
+void AreaSum::dropPoints() {
     m_rings.erase(std::remove_if(m_rings.begin(), m_rings.end(),
                                  [](const RingView& ring) { return ring.count < 3; }),
                   m_rings.end());
@@ -147,6 +152,16 @@ PlainArea AreaSum::classify(const JWGeometry& area) {
 
 double AreaSum::add(const JWGeometry& area, PlainArea kind) {
     gather(area);
+    return addGathered(kind);
+}
+
+double AreaSum::add(const RingViews& rings) {
+    m_rings = rings;
+    dropPoints();
+    return addGathered(m_test.test(m_rings));
+}
+
+double AreaSum::addGathered(PlainArea kind) {
     if (m_rings.empty()) return 0;
     return kind.plain ? addPlain(m_rings, kind) : addResolved(m_rings);
 }

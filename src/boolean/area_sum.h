@@ -44,6 +44,8 @@ class AreaSum {
     /// is resolved by the clipping engine first. Throws ClipFailure, with nothing added, when the
     /// engine gives up.
     double add(const JWGeometry& area, PlainArea kind);
+    /// Adds an area given by its rings, classified on the way; otherwise the same.
+    double add(const RingViews& rings);
     /// Adds what another sum left.
     void add(const Edges& edges);
     /// What is left, in an order that depends on what was added and in which order.
@@ -55,6 +57,8 @@ class AreaSum {
 
   private:
     void gather(const JWGeometry& area);
+    void dropPoints();
+    double addGathered(PlainArea kind);
     double addPlain(const RingViews& rings, PlainArea kind);
     double addResolved(const RingViews& rings);
     void addRing(const RingView& ring, bool forward);

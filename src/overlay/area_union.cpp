@@ -4,12 +4,13 @@
 #include <limits>
 #include <utility>
 
+#include "boolean/area_sum.h"
 #include "overlay/geometry_overlay.h"
 
 namespace jws::detail {
 namespace {
 
-constexpr std::size_t kBatch = 32;
+constexpr std::size_t kBatch = 256;
 
 /// The rings of an area as far as they decide about a rectangle, in lists that outlive the call.
 struct Extract {
@@ -24,14 +25,16 @@ struct Extract {
 
 /// Unites areas as far as they decide about a rectangle.
 ClippedContours unite(const std::vector<Area>& areas, const JWEnvelop& window) {
-    std::vector<Extract> extracts(areas.size());
-    std::vector<RingViews> sets;
-    sets.reserve(areas.size());
-    for (std::size_t i = 0; i < areas.size(); ++i) {
-        extracts[i].take(areas[i], window);
-        sets.push_back(std::move(extracts[i].rings));
+    thread_local AreaSum sum;
+    thread_local Extract extract;
+    sum.clear();
+    for (const Area& area : areas) {
+        extract.take(area, window);
+        sum.add(extract.rings);
     }
-    return uniteRings(sets);
+    AreaSum::Edges edges = sum.rest();
+    double overlap = 0;
+    return AreaSum::unite(edges, overlap);
 }
 
 }  // namespace

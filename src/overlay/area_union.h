@@ -24,9 +24,11 @@ JWEnvelop everywhere();
 
 /// The union of areas that come one after the other, as far as it decides about a rectangle.
 ///
-/// Areas are united a few dozen at a time, these unions in pairs, and so on: each area takes part
-/// in a number of unions that grows with the logarithm of their count, and memory holds some areas
-/// and the outlines so far, not all areas. Functions throw ClipFailure and std::bad_alloc.
+/// A few hundred areas at a time are united by the sum of their boundaries, in which borders that
+/// two of them share cancel before anything is clipped; these unions are united in pairs, and so
+/// on: each area takes part in a number of unions that grows with the logarithm of their count, and
+/// memory holds some areas and the outlines so far, not all areas. Functions throw ClipFailure and
+/// std::bad_alloc.
 class AreaUnion {
   public:
     explicit AreaUnion(const JWEnvelop& window) : m_window(window) {}
