@@ -173,12 +173,13 @@ void DissolveRun::read() {
         fail(JWErrorInvalidArgument, std::string(m_input.source()) + ", layer " + m_input.name() +
                                          ": has more features than a dissolve can hold");
     }
-    const auto count = static_cast<std::size_t>(m_total);
-    m_items.resize(count);
-    m_examined.resize(count);
-    m_keys.resize(count);
     const std::int64_t block =
         m_options.blockSize > 0 ? std::min<std::int64_t>(m_options.blockSize, kBlock) : kBlock;
+    const std::int64_t blocks = (m_total + block - 1) / block;
+    const auto places = static_cast<std::size_t>(blocks * block);  // more than features, at the end
+    m_items.resize(places);
+    m_examined.resize(places);
+    m_keys.resize(places);
     NumberPrinter printer;
     const auto readAndExamine = [&](std::int64_t, std::int64_t) {
         std::int64_t first = 0;
@@ -187,7 +188,6 @@ void DissolveRun::read() {
         exclusive([&] {
             first = m_nextBlock++ * block;
             m_input.readBlock(first, block, features);
-            if (first + static_cast<std::int64_t>(features.size()) > m_total) features.clear();
             for (std::size_t i = 0; i < features.size(); ++i) {
                 printer.print(++m_report.readA, '\n');
             }
@@ -200,7 +200,7 @@ void DissolveRun::read() {
         }
         return going;
     };
-    if (!parallelChunks(m_team, (m_total + block - 1) / block, 1, readAndExamine)) stop();
+    if (!parallelChunks(m_team, blocks, 1, readAndExamine)) stop();
     keepAccount();
 }
 
