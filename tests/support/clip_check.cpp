@@ -167,6 +167,7 @@ Miss checkPair(const RingPair& original, RandomRings& random, const CheckOptions
     if (!miss) miss = checkAreas(c);
     if (!miss) miss = checkAgainstOperands(c, random);
     if (!miss) miss = checkInvariance(c, random);
+    if (!miss) miss = checkEntries(c, random);
     if (!miss) miss = checkOnceMore(c);
     if (!miss) miss = checkGrouping(c);
     if (!miss && options.geos) miss = checkAgainstGeos(c, random);

@@ -58,6 +58,7 @@ struct ClipCase {
 /// - points of the plane lie in the results as they lie in the operands;
 /// - rings in another order, with other starts and directions, and swapped operands, give the same
 ///   set; scaling by powers of two gives the scaled result, turning by 90 degrees the turned one;
+/// - prepared operands give the same bits, the union of any number at once the same set;
 /// - results clip cleanly once more: they are their own unions, and A minus (A and B) is A minus B;
 /// - grouped into polygons by the callers' rules nothing is lost and GEOS finds them valid;
 /// - GEOS agrees in areas and in a symmetric difference, where it gives a consistent answer.
@@ -67,6 +68,7 @@ Miss checkPair(const RingPair& pair, RandomRings& random, const CheckOptions& op
 /// The parts of `checkPair` that have a source of their own.
 Miss checkAgainstOperands(const ClipCase& c, RandomRings& random);
 Miss checkInvariance(const ClipCase& c, RandomRings& random);
+Miss checkEntries(const ClipCase& c, RandomRings& random);
 Miss checkGrouping(const ClipCase& c);
 Miss checkAgainstGeos(const ClipCase& c, RandomRings& random);
 
