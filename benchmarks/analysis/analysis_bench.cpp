@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+//
+// Hulls, circles and Douglas-Peucker beside GEOS and Boost.Geometry, one thread, answers compared
+// before times. All contenders begin with the points in their own representation.
+//
+//   analysis_bench [CASE...]     cases such as hull, circle, simplify; by default all
+#include <geos_c.h>
+
+#include <algorithm>
+#include <boost/geometry.hpp>
+#include <boost/geometry/geometries/linestring.hpp>
+#include <boost/geometry/geometries/multi_point.hpp>
+#include <boost/geometry/geometries/point_xy.hpp>
+#include <boost/geometry/geometries/polygon.hpp>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "analysis/point_sets.h"
+#include "jw_geometryminimumbounding.h"
+#include "support/stats.h"
+
+namespace {
+
+using namespace jws;
+namespace bg = boost::geometry;
+using BoostPoint = bg::model::d2::point_xy<double>;
+
+GEOSContextHandle_t geos() {
+    static const GEOSContextHandle_t context = GEOS_init_r();
+    return context;
+}
+
+struct GeosDeleter {
+    void operator()(GEOSGeometry* g) const { GEOSGeom_destroy_r(geos(), g); }
+};
+using GeosPtr = std::unique_ptr<GEOSGeometry, GeosDeleter>;
+
+GeosPtr geosLine(const std::vector<JWRawPoint>& points) {
+    GEOSCoordSequence* s = GEOSCoordSeq_copyFromBuffer_r(
+        geos(), &points[0].x, static_cast<unsigned>(points.size()), 0, 0);
+    return GeosPtr(GEOSGeom_createLineString_r(geos(), s));
+}
+
+/// One contender: what is timed, and the figure that must agree with that of the first one.
+struct Entry {
+    std::string name;
+    std::function<void()> run;
+    std::function<double()> figure;
+};
+
+bool report(const std::string& title, const std::vector<Entry>& entries, double tolerance,
+            int rounds) {
+    std::vector<bench::Contender> contenders;
+    std::vector<std::string> names;
+    bool agreed = true;
+    double expected = 0;
+    for (const Entry& entry : entries) {
+        entry.run();
+        const double figure = entry.figure();
+        if (names.empty()) expected = figure;
+        if (std::fabs(figure - expected) > tolerance * std::fabs(expected)) {
+            std::printf("%-22s %-8s LEFT OUT: %.17g instead of %.17g\n", title.c_str(),
+                        entry.name.c_str(), figure, expected);
+            agreed = false;
+            continue;
+        }
+        names.push_back(entry.name);
+        contenders.push_back({entry.run, [] {}});
+    }
+    const auto times = bench::interleave(contenders, rounds);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        std::printf("%-22s %-8s %10.2f ms   ratio %8.2f\n", title.c_str(), names[i].c_str(),
+                    bench::median(times[i]), bench::medianRatio(times[i], times[0]));
+    }
+    return agreed;
+}
+
+bool hull(const std::string& set, int n, int rounds) {
+    const std::vector<JWRawPoint> points = bench::pointSet(set, n);
+    const GeosPtr line = geosLine(points);
+    bg::model::multi_point<BoostPoint> multi;
+    for (const JWRawPoint& p : points) multi.push_back(BoostPoint(p.x, p.y));
+    JWRing ours;
+    GeosPtr theirs;
+    bg::model::polygon<BoostPoint> boosts;
+    return report("hull " + set + " " + std::to_string(n),
+                  {{"jwcg", [&] { JWGeometryMinimumBounding::pointsContexHull(points, n, &ours); },
+                    [&] { return ours.getArea(); }},
+                   {"boost", [&] { boosts.clear(), bg::convex_hull(multi, boosts); },
+                    [&] { return std::fabs(bg::area(boosts)); }},
+                   {"geos", [&] { theirs.reset(GEOSConvexHull_r(geos(), line.get())); },
+                    [&] {
+                        double area = 0;
+                        GEOSArea_r(geos(), theirs.get(), &area);
+                        return area;
+                    }}},
+                  1e-12, rounds);
+}
+
+bool circle(const std::string& set, int n, int rounds) {
+    const std::vector<JWRawPoint> points = bench::pointSet(set, n);
+    const GeosPtr line = geosLine(points);
+    JWRawPoint center(0, 0);
+    double radius = 0, geosRadius = 0;
+    return report(
+        "circle " + set + " " + std::to_string(n),
+        {{"jwcg",
+          [&] { JWGeometryMinimumBounding::pointsMinimumCircle(points, n, center, &radius); },
+          [&] { return radius; }},
+         {"geos",
+          [&] { GeosPtr(GEOSMinimumBoundingCircle_r(geos(), line.get(), &geosRadius, nullptr)); },
+          [&] { return geosRadius; }}},
+        1e-9, rounds);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const auto wanted = [&](const char* name) {
+        return argc < 2 || std::find(argv + 1, argv + argc, std::string(name)) != argv + argc;
+    };
+    bool agreed = true;
+    for (int n : {10000, 100000, 1000000}) {
+        const int rounds = n > 100000 ? 5 : 11;
+        for (const char* set : {"square", "disc", "ring", "circle"}) {
+            if (wanted("hull")) agreed &= hull(set, n, rounds);
+            if (wanted("circle")) agreed &= circle(set, n, rounds);
+        }
+    }
+    return agreed ? 0 : 1;
+}

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+//
+// The smallest rectangle by rotating calipers over the convex hull.
+//
+// The rectangle of least area has a side along an edge of the hull (H. Freeman, R. Shapira,
+// Determining the minimum-area encasing rectangle for an arbitrary closed curve, 1975), and so has
+// the narrowest strip. For each edge in turn the three other sides rest on the corners farthest
+// along, across and back; as the edge turns, these only move on around the hull (M. I. Shamos,
+// 1978; G. T. Toussaint, 1983). O(n) after the hull.
+//
+// Coordinates are taken relative to the first corner of the hull. Each side goes through the corner
+// that it rests on, so points stick out by rounding only.
+#include "analysis/bounding_rectangle.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "analysis/hull.h"
+#include "foundation/segment_math.h"
+
+namespace jws::detail {
+
+namespace {
+
+/// A rectangle on an edge of the hull: extents along and across, relative to the edge's start.
+struct Strip {
+    JWRawPoint origin;
+    JWRawPoint direction;  ///< unit vector along the edge
+    double back, ahead, across;
+
+    double width() const { return across; }
+    double area() const { return across * (ahead - back); }
+    JWRawPoint corner(double along, double side) const {
+        return JWRawPoint(origin.x + direction.x * along - direction.y * side,
+                          origin.y + direction.y * along + direction.x * side);
+    }
+};
+
+/// Measures that differ by less are taken for equal, so that ties do not depend on rounding.
+constexpr double kTie = 1e-14;
+
+bool smaller(double a, double b) { return a < b * (1 - kTie); }
+
+bool better(const Strip& a, const Strip& b, RectangleMeasure measure) {
+    if (measure == RectangleMeasure::kArea) return smaller(a.area(), b.area());
+    if (smaller(a.width(), b.width())) return true;
+    return !smaller(b.width(), a.width()) && smaller(a.area(), b.area());
+}
+
+/// The calipers around a closed list of corners, turned from edge to edge.
+class Calipers {
+  public:
+    explicit Calipers(const std::vector<JWRawPoint>& hull)
+        : hull_(hull), n_(hull.size() - 1), ahead_(1), across_(1), back_(1) {}
+
+    Strip onEdge(std::size_t i) {
+        const JWRawPoint& a = hull_[i];
+        const JWRawPoint edge = difference(hull_[i + 1], a);
+        const JWRawPoint u(edge.x / length(edge), edge.y / length(edge));
+        const auto along = [&](std::size_t k) { return dot(u, step(k)) > 0; };
+        const auto rising = [&](std::size_t k) { return cross(u, step(k)) > 0; };
+        const auto backwards = [&](std::size_t k) { return dot(u, step(k)) < 0; };
+        // Each starts no earlier than the one before it: ahead, then across, then back.
+        ahead_ = advance(std::max(ahead_, i + 1), i, along);
+        across_ = advance(std::max(across_, ahead_), i, rising);
+        back_ = advance(std::max(back_, across_), i, backwards);
+        return {a, u, std::min(0.0, dot(u, difference(at(back_), a))),
+                dot(u, difference(at(ahead_), a)),
+                std::max(0.0, cross(u, difference(at(across_), a)))};
+    }
+
+  private:
+    const JWRawPoint& at(std::size_t k) const { return hull_[k % n_]; }
+    JWRawPoint step(std::size_t k) const { return difference(at(k + 1), at(k)); }
+    template <class Goes>
+    std::size_t advance(std::size_t k, std::size_t edge, const Goes& goesOn) const {
+        while (k < edge + n_ && goesOn(k)) ++k;
+        return k;
+    }
+
+    const std::vector<JWRawPoint>& hull_;
+    std::size_t n_;
+    std::size_t ahead_, across_, back_;
+};
+
+}  // namespace
+
+std::vector<JWRawPoint> boundingRectangle(const PointRuns& points, RectangleMeasure measure) {
+    std::vector<JWRawPoint> hull = convexHull(points);
+    if (hull.size() < 3) return {};
+    const double scale = safeScale(magnitude(hull));
+    const JWRawPoint origin = hull[0];
+    for (JWRawPoint& p : hull) {
+        p.set(p.x * scale - origin.x * scale, p.y * scale - origin.y * scale);
+    }
+    Calipers calipers(hull);
+    Strip best = calipers.onEdge(0);
+    for (std::size_t i = 1; i + 1 < hull.size(); ++i) {
+        const Strip strip = calipers.onEdge(i);
+        if (better(strip, best, measure)) best = strip;
+    }
+    std::vector<JWRawPoint> corners = {
+        best.corner(best.back, 0), best.corner(best.ahead, 0), best.corner(best.ahead, best.across),
+        best.corner(best.back, best.across), best.corner(best.back, 0)};
+    for (JWRawPoint& p : corners) p.set(origin.x + p.x / scale, origin.y + p.y / scale);
+    return corners;
+}
+
+}  // namespace jws::detail

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "jw_hull.h"
+
+#include "analysis/hull.h"
+#include "analysis/point_runs.h"
+#include "foundation/api_guard.h"
+#include "foundation/orientation.h"
+
+namespace jws {
+
+using namespace detail;
+
+namespace {
+
+bool onOneLine(const PointRuns& points) {
+    JWRawPoint p[3];
+    int n = 0;
+    points.forEach([&](const JWRawPoint& q) { p[n++] = q; });
+    return orientationSign(p[0], p[1], p[2]) == 0;
+}
+
+/// The one body of all forms.
+template <class Vector>
+bool hullOf(const char* function, const Vector* points, int n, JWRing* ring) {
+    if (points == nullptr || n < 3 || ring == nullptr) return false;
+    return guarded(function, false, [&] {
+        const PointRuns runs(*points, n);
+        if (runs.count() == 0 || (n == 3 && onOneLine(runs))) return false;
+        std::vector<JWRawPoint> hull = convexHull(runs);
+        if (hull.empty()) return false;
+        *ring = JWRing(std::move(hull));
+        return true;
+    });
+}
+
+}  // namespace
+
+JWHull::JWHull() = default;
+JWHull::~JWHull() = default;
+JWHull& JWHull::operator=(const JWHull&) = default;
+
+bool JWHull::create2DHull(const std::vector<JWRawPoint*>* points, int n, JWRing* ring) {
+    return hullOf("create2DHull", points, n, ring);
+}
+
+bool JWHull::create2DHull(const std::vector<JWPoint*>* points, int n, JWRing* ring) {
+    return hullOf("create2DHull", points, n, ring);
+}
+
+bool JWHull::create2DHull_AM(const std::vector<JWRawPoint>* points, int n, JWRing* ring) {
+    return hullOf("create2DHull_AM", points, n, ring);
+}
+
+bool JWHull::create2DHull(const std::vector<JWRawPoint*>& points, int n, JWRing* ring) {
+    return create2DHull(&points, n, ring);
+}
+
+bool JWHull::create2DHull(const std::vector<JWPoint*>& points, int n, JWRing* ring) {
+    return create2DHull(&points, n, ring);
+}
+
+bool JWHull::create2DHull_AM(const std::vector<JWRawPoint>& points, int n, JWRing* ring) {
+    return create2DHull_AM(&points, n, ring);
+}
+
+}  // namespace jws
