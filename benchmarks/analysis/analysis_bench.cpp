@@ -20,6 +20,7 @@
 
 #include "analysis/point_sets.h"
 #include "jw_geometryminimumbounding.h"
+#include "jw_geometrysimplicify.h"
 #include "support/stats.h"
 
 namespace {
@@ -116,12 +117,38 @@ bool circle(const std::string& set, int n, int rounds) {
         1e-9, rounds);
 }
 
+/// Douglas-Peucker. Ours works in place, on a copy whose making is timed; the others make their
+/// result.
+bool simplify(const std::string& set, int n, double tolerance, int rounds) {
+    const JWLineString points(bench::pointSet(set, n));
+    const GeosPtr line = geosLine(points.getPointList());
+    bg::model::linestring<BoostPoint> boostLine, boosts;
+    for (const JWRawPoint& p : points.getPointList()) boostLine.push_back(BoostPoint(p.x, p.y));
+    JWLineString ours;
+    GeosPtr theirs;
+    std::vector<Entry> entries = {
+        {"jwcg",
+         [&] {
+             ours = points;
+             JWGeometrySimplicify::douglasPeucker(&ours, tolerance);
+         },
+         [&] { return ours.getPointCount(); }},
+        {"boost", [&] { boosts.clear(), bg::simplify(boostLine, boosts, tolerance); },
+         [&] { return static_cast<double>(boosts.size()); }},
+        {"geos", [&] { theirs.reset(GEOSSimplify_r(geos(), line.get(), tolerance)); },
+         [&] { return GEOSGeomGetNumPoints_r(geos(), theirs.get()); }}};
+    // The textbook form takes minutes for a long zigzag, and recurses as deep as the line is long.
+    if (set == "zigzag" && n > 20000) entries.resize(1);
+    return report("simplify " + set + " " + std::to_string(n), entries, 1e-3, rounds);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     const auto wanted = [&](const char* name) {
         return argc < 2 || std::find(argv + 1, argv + argc, std::string(name)) != argv + argc;
     };
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
     bool agreed = true;
     for (int n : {10000, 100000, 1000000}) {
         const int rounds = n > 100000 ? 5 : 11;
@@ -129,6 +156,14 @@ int main(int argc, char** argv) {
             if (wanted("hull")) agreed &= hull(set, n, rounds);
             if (wanted("circle")) agreed &= circle(set, n, rounds);
         }
+    }
+    for (int n : {10000, 100000, 1000000}) {
+        if (!wanted("simplify")) break;
+        const int rounds = n > 100000 ? 5 : 11;
+        agreed &= simplify("walk", n, 5, rounds);
+        agreed &= simplify("walk", n, 100, rounds);
+        agreed &= simplify("spiral", n, 0.01, rounds);
+        agreed &= simplify("zigzag", n, 0.5, rounds);
     }
     return agreed ? 0 : 1;
 }

@@ -26,8 +26,16 @@ inline void reject(JWLayerReport& report, const JWFeature& feature, std::string 
     report.rejected.push_back({"", "", feature.getFID64(), std::move(reason)});
 }
 
+/// Makes the last rejected feature the thread's last error.
+inline void keepLastRejected(const JWLayerReport& report) {
+    if (report.rejected.empty()) return;
+    const JWRejectedFeature& last = report.rejected.back();
+    JWReport::setError(JWErrorFeatureRejected,
+                       "feature " + std::to_string(last.fid) + ": " + last.reason, last.fid);
+}
+
 /// Appends to `output` a polygon for each feature of `input` that `ringOf(geometry, ring)` makes a
-/// ring for, and rejects the others for `reason`. The last rejected one is the thread's last error.
+/// ring for, and rejects the others for `reason`.
 template <class RingOf>
 void polygonPerFeature(JWFeatureClass& input, JWFeatureClass& output, JWLayerReport& report,
                        const char* reason, const RingOf& ringOf) {
@@ -52,11 +60,7 @@ void polygonPerFeature(JWFeatureClass& input, JWFeatureClass& output, JWLayerRep
         ++report.written;
     }
     output.updateEnvelop();
-    if (!report.rejected.empty()) {
-        const JWRejectedFeature& last = report.rejected.back();
-        JWReport::setError(JWErrorFeatureRejected,
-                           "feature " + std::to_string(last.fid) + ": " + last.reason, last.fid);
-    }
+    keepLastRejected(report);
 }
 
 }  // namespace jws::detail

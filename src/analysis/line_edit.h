@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+//
+// Editing every line and ring of a geometry, and of every feature: the walk that simplification and
+// smoothing share. What is done to one list of points is the editor's.
+//
+// An editor has `bool edit(std::vector<JWRawPoint>&)`, which changes a list or answers false and
+// leaves it as it was.
+#ifndef JW_ANALYSIS_LINE_EDIT_H
+#define JW_ANALYSIS_LINE_EDIT_H
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "analysis/feature_results.h"
+#include "foundation/parallel.h"
+#include "jw_feature.h"
+#include "jw_report.h"
+
+namespace jws::detail {
+
+/// True when no coordinate is NaN or infinite.
+inline bool allFinite(const std::vector<JWRawPoint>& points) {
+    double check = 0;
+    for (const JWRawPoint& p : points) check += (p.x - p.x) + (p.y - p.y);
+    return check == 0;
+}
+
+/// Runs one editor over geometries, one after the other.
+template <class Editor>
+class LineWalk {
+  public:
+    /// A ring of fewer than `minimumRing` points after the edit stays as it was.
+    LineWalk(const Editor& editor, std::size_t minimumRing)
+        : editor_(editor), minimumRing_(minimumRing) {}
+
+    bool edit(JWLineString& line) {
+        if (!editor_.edit(line.getPointList())) return false;
+        line.updateEnvelop();
+        return true;
+    }
+
+    /// Edits every ring in a list of its own, and takes the list over if it is long enough.
+    void edit(JWPolygon& polygon) {
+        for (JWRing& ring : polygon.getRingList()) {
+            scratch_ = ring.getPointList();
+            if (!editor_.edit(scratch_) || scratch_.size() < minimumRing_) continue;
+            ring.getPointList().swap(scratch_);
+            ring.closeRing();
+        }
+        polygon.updateEnvelop();
+    }
+
+    /// Edits the lines and rings of a geometry; false for other kinds, which stay as they are, and
+    /// for a line string that the editor refuses.
+    bool edit(JWGeometry& geometry) {
+        switch (geometry.getGeometryType()) {
+            case JWGeometryLineString:
+                return edit(static_cast<JWLineString&>(geometry));
+            case JWGeometryMultiLineString:
+                for (JWLineString& line :
+                     static_cast<JWMultiLineString&>(geometry).getMemberList()) {
+                    editor_.edit(line.getPointList());
+                }
+                geometry.updateEnvelop();
+                return true;
+            case JWGeometryPolygon:
+                edit(static_cast<JWPolygon&>(geometry));
+                return true;
+            case JWGeometryMultiPolygon:
+                for (JWPolygon& polygon : static_cast<JWMultiPolygon&>(geometry).getMemberList()) {
+                    edit(polygon);
+                }
+                geometry.updateEnvelop();
+                return true;
+            default:
+                return false;
+        }
+    }
+
+  private:
+    Editor editor_;
+    std::size_t minimumRing_;
+    std::vector<JWRawPoint> scratch_;
+};
+
+inline bool hasLines(const JWGeometry& geometry) {
+    const enumJWGeometryType type = geometry.getGeometryType();
+    return type == JWGeometryLineString || type == JWGeometryMultiLineString ||
+           type == JWGeometryPolygon || type == JWGeometryMultiPolygon;
+}
+
+/// Every coordinate of a geometry that has lines is finite.
+inline bool linesAreFinite(const JWGeometry& geometry) {
+    const auto ringsAreFinite = [](const JWPolygon& polygon) {
+        for (const JWRing& ring : polygon.getRingList()) {
+            if (!allFinite(ring.getPointList())) return false;
+        }
+        return true;
+    };
+    bool finite = true;
+    switch (geometry.getGeometryType()) {
+        case JWGeometryLineString:
+            return allFinite(static_cast<const JWLineString&>(geometry).getPointList());
+        case JWGeometryMultiLineString:
+            for (const auto& line : static_cast<const JWMultiLineString&>(geometry).getMemberList())
+                finite = finite && allFinite(line.getPointList());
+            return finite;
+        case JWGeometryPolygon:
+            return ringsAreFinite(static_cast<const JWPolygon&>(geometry));
+        case JWGeometryMultiPolygon:
+            for (const auto& polygon : static_cast<const JWMultiPolygon&>(geometry).getMemberList())
+                finite = finite && ringsAreFinite(polygon);
+            return finite;
+        default:
+            return true;
+    }
+}
+
+/// Edits the geometries of all features on a team of threads. `refused(geometry)`, called on the
+/// worker, hears of every other kind of geometry but points.
+template <class Editor, class Refused>
+void editFeatures(JWFeatureClass& features, const Editor& editor, std::size_t minimumRing,
+                  int threads, JWLayerReport& report, const Refused& refused) {
+    enum Outcome : char { kDone, kEmpty, kOtherKind, kNotFinite };
+    const int count = features.getFeatureCount();
+    std::vector<Outcome> outcomes(static_cast<std::size_t>(count), kDone);
+    const auto editOne = [&](LineWalk<Editor>& walk, JWFeature& feature) {
+        JWGeometry* geometry = feature.getGeometryPtr();
+        if (geometry == nullptr || geometry->isEmpty()) return kEmpty;
+        if (!linesAreFinite(*geometry)) return kNotFinite;
+        walk.edit(*geometry);
+        if (hasLines(*geometry) || geometry->getGeometryType() == JWGeometryPoint) return kDone;
+        refused(*geometry);
+        return kOtherKind;
+    };
+    {
+        const Team team(threads);
+        constexpr std::int64_t chunk = 8;
+        parallelChunks(team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
+            LineWalk<Editor> walk(editor, minimumRing);
+            for (std::int64_t i = begin; i < end; ++i) {
+                JWFeature* feature = features.getFeatureAt(static_cast<int>(i));
+                outcomes[static_cast<std::size_t>(i)] = editOne(walk, *feature);
+            }
+            return true;
+        });
+    }
+    for (int i = 0; i < count; ++i) {
+        const Outcome outcome = outcomes[static_cast<std::size_t>(i)];
+        ++report.readA;
+        if (outcome == kEmpty) ++report.emptyA;
+        if (outcome == kDone) ++report.written;
+        if (outcome == kOtherKind) {
+            reject(report, *features.getFeatureAt(i), "neither a line nor a polygon");
+        }
+        if (outcome == kNotFinite) {
+            reject(report, *features.getFeatureAt(i), "a coordinate is not finite");
+        }
+    }
+    keepLastRejected(report);
+    features.updateEnvelop();
+}
+
+}  // namespace jws::detail
+
+#endif  // JW_ANALYSIS_LINE_EDIT_H
