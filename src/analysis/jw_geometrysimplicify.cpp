@@ -8,9 +8,8 @@
 #include <cstdio>
 #include <limits>
 
-#include "analysis/line_edit.h"
+#include "analysis/line_forms.h"
 #include "analysis/line_simplifier.h"
-#include "foundation/api_guard.h"
 
 namespace jws {
 
@@ -18,7 +17,7 @@ using namespace detail;
 
 namespace {
 
-constexpr std::size_t kStatedRing = 3;
+using Forms = LineForms<LineSimplifier>;
 
 JWSimplifyOptions with(enumJWSimplifyMethod method, double tolerance, int count = 0,
                        double maximum = 0) {
@@ -35,18 +34,6 @@ int countOf(unsigned n) {
     return static_cast<int>(std::min(n, most));
 }
 
-bool editLine(const char* function, JWLineString* line, const JWSimplifyOptions& options) {
-    if (line == nullptr) return false;
-    return guarded(function, false, [&] {
-        return LineWalk<LineSimplifier>(LineSimplifier(options), kStatedRing).edit(*line);
-    });
-}
-
-int countAfter(const char* function, JWLineString* line, const JWSimplifyOptions& options) {
-    editLine(function, line, options);
-    return line != nullptr ? line->getPointCount() : 0;
-}
-
 int appendTo(const char* function, const JWLineString* line, JWLineString* out,
              const JWSimplifyOptions& options) {
     if (line == nullptr) return 0;
@@ -59,45 +46,8 @@ int appendTo(const char* function, const JWLineString* line, JWLineString* out,
     });
 }
 
-std::size_t ringMinimum(const JWSimplifyOptions& options) {
-    return static_cast<std::size_t>(std::max(options.minimumRingPoints, 1));
-}
-
-bool editPolygon(const char* function, JWPolygon* polygon, const JWSimplifyOptions& options) {
-    const LineSimplifier simplifier(options);
-    if (polygon == nullptr || !simplifier.isUsable()) return false;
-    return guarded(function, false, [&] {
-        LineWalk<LineSimplifier>(simplifier, ringMinimum(options)).edit(*polygon);
-        return true;
-    });
-}
-
-bool editGeometry(JWGeometry& geometry, const JWSimplifyOptions& options) {
-    if (geometry.getGeometryType() == JWGeometryPoint) return true;
-    const LineSimplifier simplifier(options);
-    return simplifier.isUsable() &&
-           LineWalk<LineSimplifier>(simplifier, ringMinimum(options)).edit(geometry);
-}
-
 void sayRefused(const JWGeometry&) {
     std::fputs("can not process geometry of this type \n", stderr);
-}
-
-template <class Refused>
-bool editClass(const char* function, JWFeatureClass* features, const JWSimplifyOptions& options,
-               JWLayerReport* report, const Refused& refused) {
-    const LineSimplifier simplifier(options);
-    if (features == nullptr || !simplifier.isUsable()) return false;
-    return guarded(function, false, [&] {
-        JWLayerReport unread;
-        editFeatures(*features, simplifier, ringMinimum(options), options.threads,
-                     report != nullptr ? *report : unread, refused);
-        return true;
-    });
-}
-
-void editClass(const char* function, JWFeatureClass* features, const JWSimplifyOptions& options) {
-    editClass(function, features, options, nullptr, [](const JWGeometry&) {});
 }
 
 template <class Line>
@@ -120,19 +70,19 @@ JWGeometrySimplicify& JWGeometrySimplicify::operator=(const JWGeometrySimplicify
 // --- Lines ---------------------------------------------------------------------------------------
 
 bool JWGeometrySimplicify::douglasPeucker(JWLineString* line, double tolerance) {
-    return editLine("douglasPeucker", line, with(JWSimplifyDouglasPeucker, tolerance));
+    return Forms::editLine("douglasPeucker", line, with(JWSimplifyDouglasPeucker, tolerance));
 }
 
 int JWGeometrySimplicify::reumann_witkam(JWLineString* line, double tolerance) {
-    return countAfter("reumann_witkam", line, with(JWSimplifyReumannWitkam, tolerance));
+    return Forms::countAfter("reumann_witkam", line, with(JWSimplifyReumannWitkam, tolerance));
 }
 
 int JWGeometrySimplicify::lang(JWLineString* line, double tolerance, int lookAhead) {
-    return countAfter("lang", line, with(JWSimplifyLang, tolerance, lookAhead));
+    return Forms::countAfter("lang", line, with(JWSimplifyLang, tolerance, lookAhead));
 }
 
 int JWGeometrySimplicify::vertex_reduction(JWLineString* line, double tolerance) {
-    return countAfter("vertex_reduction", line, with(JWSimplifyVertexReduction, tolerance));
+    return Forms::countAfter("vertex_reduction", line, with(JWSimplifyVertexReduction, tolerance));
 }
 
 int JWGeometrySimplicify::opheim(const JWLineString* line, double minimum, double maximum,
@@ -141,7 +91,7 @@ int JWGeometrySimplicify::opheim(const JWLineString* line, double minimum, doubl
 }
 
 int JWGeometrySimplicify::nThPoint(JWLineString* line, unsigned n) {
-    return countAfter("nThPoint", line, with(JWSimplifyNthPoint, 0, countOf(n)));
+    return Forms::countAfter("nThPoint", line, with(JWSimplifyNthPoint, 0, countOf(n)));
 }
 
 int JWGeometrySimplicify::perpendicularDistance(const JWLineString* line, double tolerance,
@@ -166,90 +116,92 @@ bool JWGeometrySimplicify::geometrySimplicify(JWGeometry* geometry, double toler
 
 bool JWGeometrySimplicify::geometrySimplicify(JWGeometry* geometry,
                                               const JWSimplifyOptions& options) {
-    if (geometry == nullptr) return false;
-    return guarded("geometrySimplicify", false, [&] { return editGeometry(*geometry, options); });
+    return Forms::editGeometry("geometrySimplicify", geometry, options);
 }
 
 bool JWGeometrySimplicify::jwPolygonSimpicify(JWPolygon* polygon, double tolerance) {
-    return editPolygon("jwPolygonSimpicify", polygon, with(JWSimplifyDouglasPeucker, tolerance));
+    return Forms::editPolygon("jwPolygonSimpicify", polygon,
+                              with(JWSimplifyDouglasPeucker, tolerance));
 }
 
 bool JWGeometrySimplicify::jwPolygonSimpicify_Lang(JWPolygon* polygon, double tolerance,
                                                    int lookAhead) {
-    return editPolygon("jwPolygonSimpicify_Lang", polygon,
-                       with(JWSimplifyLang, tolerance, lookAhead));
+    return Forms::editPolygon("jwPolygonSimpicify_Lang", polygon,
+                              with(JWSimplifyLang, tolerance, lookAhead));
 }
 
 bool JWGeometrySimplicify::jwPolygonSimpicify_ReumannWitkam(JWPolygon* polygon, double tolerance) {
-    return editPolygon("jwPolygonSimpicify_ReumannWitkam", polygon,
-                       with(JWSimplifyReumannWitkam, tolerance));
+    return Forms::editPolygon("jwPolygonSimpicify_ReumannWitkam", polygon,
+                              with(JWSimplifyReumannWitkam, tolerance));
 }
 
 bool JWGeometrySimplicify::jwPolygonSimpicify_VertexReduction(JWPolygon* polygon,
                                                               double tolerance) {
-    return editPolygon("jwPolygonSimpicify_VertexReduction", polygon,
-                       with(JWSimplifyVertexReduction, tolerance));
+    return Forms::editPolygon("jwPolygonSimpicify_VertexReduction", polygon,
+                              with(JWSimplifyVertexReduction, tolerance));
 }
 
 bool JWGeometrySimplicify::jwPolygonSimpicify_PerpendDistance(JWPolygon* polygon,
                                                               double tolerance) {
-    return editPolygon("jwPolygonSimpicify_PerpendDistance", polygon,
-                       with(JWSimplifyPerpendicularDistance, tolerance));
+    return Forms::editPolygon("jwPolygonSimpicify_PerpendDistance", polygon,
+                              with(JWSimplifyPerpendicularDistance, tolerance));
 }
 
 bool JWGeometrySimplicify::jwPolygonSimpicify_Opheim(JWPolygon* polygon, double minimum,
                                                      double maximum) {
-    return editPolygon("jwPolygonSimpicify_Opheim", polygon,
-                       with(JWSimplifyOpheim, minimum, 0, maximum));
+    return Forms::editPolygon("jwPolygonSimpicify_Opheim", polygon,
+                              with(JWSimplifyOpheim, minimum, 0, maximum));
 }
 
 bool JWGeometrySimplicify::jwPolygonSimpicify_NthPoint(JWPolygon* polygon, int n) {
-    return editPolygon("jwPolygonSimpicify_NthPoint", polygon, with(JWSimplifyNthPoint, 0, n));
+    return Forms::editPolygon("jwPolygonSimpicify_NthPoint", polygon,
+                              with(JWSimplifyNthPoint, 0, n));
 }
 
 // --- Feature classes -----------------------------------------------------------------------------
 
 void JWGeometrySimplicify::simplifyFeatures_dp(JWFeatureClass* features, double tolerance) {
-    editClass("simplifyFeatures_dp", features, with(JWSimplifyDouglasPeucker, tolerance), nullptr,
-              sayRefused);
+    Forms::editClass("simplifyFeatures_dp", features, with(JWSimplifyDouglasPeucker, tolerance),
+                     nullptr, sayRefused);
 }
 
 void JWGeometrySimplicify::simplifyFeatures_rw(JWFeatureClass* features, double tolerance) {
-    editClass("simplifyFeatures_rw", features, with(JWSimplifyReumannWitkam, tolerance));
+    Forms::editClass("simplifyFeatures_rw", features, with(JWSimplifyReumannWitkam, tolerance));
 }
 
 void JWGeometrySimplicify::simplifyFeatures_vr(JWFeatureClass* features, double tolerance) {
-    editClass("simplifyFeatures_vr", features, with(JWSimplifyVertexReduction, tolerance));
+    Forms::editClass("simplifyFeatures_vr", features, with(JWSimplifyVertexReduction, tolerance));
 }
 
 void JWGeometrySimplicify::simplifyFeatures_per(JWFeatureClass* features, double tolerance) {
-    editClass("simplifyFeatures_per", features, with(JWSimplifyPerpendicularDistance, tolerance));
+    Forms::editClass("simplifyFeatures_per", features,
+                     with(JWSimplifyPerpendicularDistance, tolerance));
 }
 
 void JWGeometrySimplicify::simplifyFeatures_lang(JWFeatureClass* features, double tolerance,
                                                  int lookAhead) {
-    editClass("simplifyFeatures_lang", features, with(JWSimplifyLang, tolerance, lookAhead));
+    Forms::editClass("simplifyFeatures_lang", features, with(JWSimplifyLang, tolerance, lookAhead));
 }
 
 void JWGeometrySimplicify::simplifyFeatures_op(JWFeatureClass* features, double minimum,
                                                double maximum) {
-    editClass("simplifyFeatures_op", features, with(JWSimplifyOpheim, minimum, 0, maximum));
+    Forms::editClass("simplifyFeatures_op", features, with(JWSimplifyOpheim, minimum, 0, maximum));
 }
 
 void JWGeometrySimplicify::simplifyFeatures_nth(JWFeatureClass* features, unsigned n) {
-    editClass("simplifyFeatures_nth", features, with(JWSimplifyNthPoint, 0, countOf(n)));
+    Forms::editClass("simplifyFeatures_nth", features, with(JWSimplifyNthPoint, 0, countOf(n)));
 }
 
 void JWGeometrySimplicify::simplifyFeatures_omp(JWFeatureClass* features, double tolerance) {
     JWSimplifyOptions options = with(JWSimplifyDouglasPeucker, tolerance);
     options.threads = 0;
-    editClass("simplifyFeatures_omp", features, options, nullptr, sayRefused);
+    Forms::editClass("simplifyFeatures_omp", features, options, nullptr, sayRefused);
 }
 
 bool JWGeometrySimplicify::simplifyFeatures(JWFeatureClass* features,
                                             const JWSimplifyOptions& options,
                                             JWLayerReport* report) {
-    return editClass("simplifyFeatures", features, options, report, [](const JWGeometry&) {});
+    return Forms::editClass("simplifyFeatures", features, options, report);
 }
 
 }  // namespace jws

@@ -117,11 +117,11 @@ inline bool linesAreFinite(const JWGeometry& geometry) {
     }
 }
 
-/// Edits the geometries of all features on a team of threads. `refused(geometry)`, called on the
-/// worker, hears of every other kind of geometry but points.
+/// Edits the geometries of all features on a team of threads, each with a copy of the walk.
+/// `refused(geometry)`, called on the worker, hears of every other kind of geometry but points.
 template <class Editor, class Refused>
-void editFeatures(JWFeatureClass& features, const Editor& editor, std::size_t minimumRing,
-                  int threads, JWLayerReport& report, const Refused& refused) {
+void editFeatures(JWFeatureClass& features, const LineWalk<Editor>& model, int threads,
+                  JWLayerReport& report, const Refused& refused) {
     enum Outcome : char { kDone, kEmpty, kOtherKind, kNotFinite };
     const int count = features.getFeatureCount();
     std::vector<Outcome> outcomes(static_cast<std::size_t>(count), kDone);
@@ -138,7 +138,7 @@ void editFeatures(JWFeatureClass& features, const Editor& editor, std::size_t mi
         const Team team(threads);
         constexpr std::int64_t chunk = 8;
         parallelChunks(team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
-            LineWalk<Editor> walk(editor, minimumRing);
+            LineWalk<Editor> walk = model;
             for (std::int64_t i = begin; i < end; ++i) {
                 JWFeature* feature = features.getFeatureAt(static_cast<int>(i));
                 outcomes[static_cast<std::size_t>(i)] = editOne(walk, *feature);

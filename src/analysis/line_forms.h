@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+//
+// The bodies of the public forms of simplification and smoothing: null arguments, the guard, and
+// the walk over a geometry with an editor made of options.
+#ifndef JW_ANALYSIS_LINE_FORMS_H
+#define JW_ANALYSIS_LINE_FORMS_H
+
+#include <algorithm>
+
+#include "analysis/line_edit.h"
+#include "foundation/api_guard.h"
+
+namespace jws::detail {
+
+template <class Editor>
+struct LineForms {
+    template <class Options>
+    static LineWalk<Editor> walk(const Options& options) {
+        const int least = std::max(options.minimumRingPoints, 1);
+        return LineWalk<Editor>(Editor(options), static_cast<std::size_t>(least));
+    }
+
+    template <class Options>
+    static bool editLine(const char* function, JWLineString* line, const Options& options) {
+        if (line == nullptr) return false;
+        return guarded(function, false, [&] { return walk(options).edit(*line); });
+    }
+
+    /// The point count after the edit, 0 for null.
+    template <class Options>
+    static int countAfter(const char* function, JWLineString* line, const Options& options) {
+        editLine(function, line, options);
+        return line != nullptr ? line->getPointCount() : 0;
+    }
+
+    template <class Options>
+    static bool editPolygon(const char* function, JWPolygon* polygon, const Options& options) {
+        if (polygon == nullptr || !Editor(options).isUsable()) return false;
+        return guarded(function, false, [&] {
+            walk(options).edit(*polygon);
+            return true;
+        });
+    }
+
+    /// A point counts as done.
+    template <class Options>
+    static bool editGeometry(const char* function, JWGeometry* geometry, const Options& options) {
+        if (geometry == nullptr) return false;
+        if (geometry->getGeometryType() == JWGeometryPoint) return true;
+        if (!Editor(options).isUsable()) return false;
+        return guarded(function, false, [&] { return walk(options).edit(*geometry); });
+    }
+
+    /// Null `report` for none; `refused(geometry)` hears of other kinds than lines and points.
+    template <class Options, class Refused>
+    static bool editClass(const char* function, JWFeatureClass* features, const Options& options,
+                          JWLayerReport* report, const Refused& refused) {
+        if (features == nullptr || !Editor(options).isUsable()) return false;
+        return guarded(function, false, [&] {
+            JWLayerReport unread;
+            editFeatures(*features, walk(options), options.threads,
+                         report != nullptr ? *report : unread, refused);
+            return true;
+        });
+    }
+
+    template <class Options>
+    static bool editClass(const char* function, JWFeatureClass* features, const Options& options,
+                          JWLayerReport* report = nullptr) {
+        return editClass(function, features, options, report, [](const JWGeometry&) {});
+    }
+};
+
+}  // namespace jws::detail
+
+#endif  // JW_ANALYSIS_LINE_FORMS_H

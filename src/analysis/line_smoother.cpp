@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+//
+// Averages are formed of differences to a point of the line, not of coordinates: weights add up to
+// one, so the result is the same, and a line of micro steps far from the origin keeps its digits.
+#include "analysis/line_smoother.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "analysis/line_edit.h"
+#include "foundation/segment_math.h"
+
+namespace jws::detail {
+
+namespace {
+
+/// As many points as an int counts.
+constexpr std::size_t kMostPoints = std::numeric_limits<int>::max();
+
+JWRawPoint middle(const JWRawPoint& a, const JWRawPoint& b) {
+    return JWRawPoint((a.x + b.x) / 2, (a.y + b.y) / 2);
+}
+
+bool isWindow(int lookAhead) { return lookAhead % 2 == 1 && lookAhead >= 3; }
+
+}  // namespace
+
+bool LineSmoother::isUsable() const {
+    const JWSmoothOptions& o = options_;
+    switch (o.method) {
+        case JWSmoothBoyle:
+            return o.lookAhead > 1;
+        case JWSmoothSlidingAveraging:
+        case JWSmoothDistanceWeighting:
+            return isWindow(o.lookAhead) && std::isfinite(o.slide);
+        case JWSmoothChaiken:
+            return o.tolerance != 0 && !std::isnan(o.tolerance);
+        case JWSmoothBezier:
+            return o.degree >= 1 && o.points >= 1;
+        case JWSmoothHermite:
+            return o.step > 0 && o.tangentScale > 0 && std::isfinite(o.tangentScale) &&
+                   !std::isnan(o.tangentMinimum);
+    }
+    return false;
+}
+
+bool LineSmoother::edit(std::vector<JWRawPoint>& points) {
+    if (!isUsable() || points.size() < 2 || !allFinite(points)) return false;
+    const auto smooth = [&] {
+        switch (options_.method) {
+            case JWSmoothBoyle:
+                return boyle(points);
+            case JWSmoothSlidingAveraging:
+                return slidingAveraging(points);
+            case JWSmoothDistanceWeighting:
+                return distanceWeighting(points);
+            case JWSmoothChaiken:
+                return chaiken(points);
+            case JWSmoothBezier:
+                return bezier(points);
+            case JWSmoothHermite:
+                return hermite(points);
+        }
+        return false;
+    };
+    if (!smooth()) return false;
+    if (options_.dropRepeated) {
+        points.erase(std::unique(points.begin(), points.end()), points.end());
+    }
+    return true;
+}
+
+bool LineSmoother::boyle(std::vector<JWRawPoint>& points) const {
+    const std::size_t n = points.size();
+    const auto look = static_cast<std::size_t>(options_.lookAhead);
+    if (look > n) return false;
+    const double c1 = 1.0 / static_cast<double>(look - 1), c2 = 1 - c1;
+    JWRawPoint previous = points[0];
+    for (std::size_t i = 0; i + 2 < n; ++i) {
+        const JWRawPoint& ahead = points[std::min(i + look, n - 1)];
+        previous.set(c2 * previous.x + c1 * ahead.x, c2 * previous.y + c1 * ahead.y);
+        points[i + 1] = previous;
+    }
+    return true;
+}
+
+bool LineSmoother::slidingAveraging(std::vector<JWRawPoint>& points) {
+    const std::size_t n = points.size();
+    const auto look = static_cast<std::size_t>(options_.lookAhead);
+    if (look >= n) return false;
+    const std::size_t half = look / 2;
+    const double weight = options_.slide / static_cast<double>(look);
+    const JWRawPoint origin = points[0];
+    JWRawPoint sum(0, 0);
+    const auto add = [&](const JWRawPoint& p, double sign) {
+        sum.move(sign * (p.x - origin.x), sign * (p.y - origin.y));
+    };
+    for (std::size_t i = 0; i < look; ++i) add(points[i], 1);
+    result_.clear();
+    for (std::size_t i = half; i + half < n; ++i) {
+        const JWRawPoint p = difference(points[i], origin);
+        result_.emplace_back(origin.x + (1 - options_.slide) * p.x + weight * sum.x,
+                             origin.y + (1 - options_.slide) * p.y + weight * sum.y);
+        if (i + 1 + half >= n) break;
+        add(points[i - half], -1);
+        add(points[i + 1 + half], 1);
+    }
+    std::copy(result_.begin(), result_.end(), points.begin() + static_cast<std::ptrdiff_t>(half));
+    return true;
+}
+
+bool LineSmoother::distanceWeighting(std::vector<JWRawPoint>& points) {
+    const std::size_t n = points.size();
+    const std::size_t half = static_cast<std::size_t>(options_.lookAhead) / 2;
+    result_.clear();
+    for (std::size_t i = half; i + half < n; ++i) {
+        const JWRawPoint& p = points[i];
+        JWRawPoint sum(0, 0);
+        double weights = 0;
+        for (std::size_t j = i - half; j <= i + half; ++j) {
+            const JWRawPoint v = difference(points[j], p);
+            const double d = length(v);
+            if (j == i || !(d >= 1e-10)) continue;
+            weights += 1 / d;
+            sum.move(v.x / d, v.y / d);
+        }
+        const double factor = weights > 0 ? options_.slide / weights : 0;
+        result_.emplace_back(p.x + factor * sum.x, p.y + factor * sum.y);
+    }
+    if (result_.empty()) return false;
+    std::copy(result_.begin(), result_.end(), points.begin() + static_cast<std::ptrdiff_t>(half));
+    return true;
+}
+
+/// Each step adds its points in front of those it added before, so that the coarsest, which the
+/// next step starts from, comes last.
+bool LineSmoother::chaiken(std::vector<JWRawPoint>& points) {
+    const std::size_t n = points.size();
+    if (n < 3) return false;
+    const double limit = options_.tolerance * options_.tolerance;
+    result_.assign(1, points[0]);
+    JWRawPoint anchor = points[0];
+    for (std::size_t i = 2; i <= n; ++i) {
+        const auto stepBegin = static_cast<std::ptrdiff_t>(result_.size());
+        JWRawPoint p1 = points[i - 1], p2 = points[std::min(i, n - 1)];
+        JWRawPoint m = middle(p1, p2);
+        for (;;) {
+            result_.push_back(m);
+            const JWRawPoint v = difference(anchor, m);
+            if (dot(v, v) <= limit) break;
+            p2 = middle(p1, m);
+            p1 = middle(p1, anchor);
+            const JWRawPoint before = m;
+            m = middle(p1, p2);
+            // Below the resolution of coordinates nothing moves any more.
+            if (m == before) break;
+        }
+        if (result_.size() >= kMostPoints) return false;
+        std::reverse(result_.begin() + stepBegin, result_.end());
+        anchor = result_.back();
+    }
+    result_.push_back(points[n - 1]);
+    points.swap(result_);
+    return true;
+}
+
+bool LineSmoother::hermite(std::vector<JWRawPoint>& points) {
+    const std::size_t n = points.size();
+    if (n < 3) return false;
+    const auto tangent = [&](std::size_t k) {
+        const JWRawPoint t = difference(points[std::min(k + 2, n - 1)], points[k]);
+        const double scale = dot(t, t) >= options_.tangentMinimum ? options_.tangentScale : 0;
+        return JWRawPoint(scale * t.x, scale * t.y);
+    };
+    double total = 0;
+    for (std::size_t k = 0; k + 1 < n; ++k) total += pointDistance(points[k], points[k + 1]);
+    if (!(total / options_.step < static_cast<double>(kMostPoints - 2))) return false;
+    result_.assign(1, points[0]);
+    double begin = 0;
+    double count = 1;
+    for (std::size_t k = 0; k + 1 < n; ++k) {
+        const JWRawPoint& p = points[k];
+        const JWRawPoint& q = points[k + 1];
+        const double size = pointDistance(p, q), end = begin + size;
+        if (count * options_.step <= end) {
+            const JWRawPoint s = tangent(k), t = tangent(k + 1);
+            for (double at; (at = count * options_.step) <= end && at < total; ++count) {
+                const double u = std::min((at - begin) / size, 1.0), u2 = u * u, u3 = u2 * u;
+                const double a = 2 * u3 - 3 * u2 + 1, b = u3 - 2 * u2 + u;
+                const double c = 3 * u2 - 2 * u3, d = u3 - u2;
+                result_.emplace_back(a * p.x + b * s.x + c * q.x + d * t.x,
+                                     a * p.y + b * s.y + c * q.y + d * t.y);
+            }
+        }
+        begin = end;
+    }
+    result_.push_back(points[n - 1]);
+    points.swap(result_);
+    return true;
+}
+
+bool LineSmoother::bezier(std::vector<JWRawPoint>& points) {
+    return JWBezierCurve().smoothPoints(points, options_.degree, options_.points, points);
+}
+
+}  // namespace jws::detail
