@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+//
+// Maps of the plane, their fit to control points, and their application to every vertex of a
+// geometry.
+#ifndef JW_ANALYSIS_AFFINE_MAP_H
+#define JW_ANALYSIS_AFFINE_MAP_H
+
+#include <optional>
+
+#include "jw_geometry.h"
+#include "jw_geometrytransform.h"
+
+namespace jws::detail {
+
+/// x' = m[0] + m[1]·x + m[2]·y, y' = m[3] + m[4]·x + m[5]·y.
+struct Matrix {
+    double m[6];
+
+    void operator()(JWRawPoint& p) const {
+        p.set(m[0] + m[1] * p.x + m[2] * p.y, m[3] + m[4] * p.x + m[5] * p.y);
+    }
+};
+
+/// The matrix of control points, as `JWGeometryTransform::affineTransformFromGCP`.
+std::optional<Matrix> fittedMatrix(const JWGCP* points, int n);
+
+/// True for the kinds that `mapVertices` takes, and bags of these.
+bool hasVertices(const JWGeometry& geometry);
+
+/// Applies a map, `void map(JWRawPoint&)`, to every vertex of a geometry with vertices. Envelopes
+/// become stale.
+template <class Map>
+void mapVertices(JWGeometry& geometry, const Map& map) {
+    const auto mapPoint = [&](JWPoint& point) {
+        JWRawPoint p = point.getRawPoint();
+        map(p);
+        point.setXY(p.x, p.y);
+    };
+    const auto mapList = [&](JWPointSequence& sequence) {
+        for (JWRawPoint& p : sequence.getPointList()) map(p);
+    };
+    switch (geometry.getGeometryType()) {
+        case JWGeometryPoint:
+            mapPoint(static_cast<JWPoint&>(geometry));
+            break;
+        case JWGeometryMultiPoint:
+            for (JWPoint& p : static_cast<JWMultiPoint&>(geometry).getPointList()) mapPoint(p);
+            break;
+        case JWGeometryLineString:
+        case JWGeometryRing:
+            mapList(static_cast<JWPointSequence&>(geometry));
+            break;
+        case JWGeometryPolygon:
+            for (JWRing& ring : static_cast<JWPolygon&>(geometry).getRingList()) mapList(ring);
+            break;
+        default: {
+            auto& members = static_cast<JWGeometryCollection&>(geometry);
+            for (int i = 0; i < members.getGeometryCount(); ++i) {
+                mapVertices(*members.getGeometryPtrAt(i), map);
+            }
+        }
+    }
+}
+
+}  // namespace jws::detail
+
+#endif  // JW_ANALYSIS_AFFINE_MAP_H
