@@ -10,10 +10,11 @@ namespace jws::detail {
 
 namespace {
 
-constexpr std::size_t kBlock = 512;      ///< points scanned at a time
-constexpr std::size_t kLeaf = 32;        ///< points under a rectangle of the lowest level
-constexpr std::size_t kFewTies = 16;     ///< ties settled in a search after the allowance
-constexpr std::size_t kLongRange = 768;  ///< shorter ones are scanned
+constexpr std::size_t kBlock = 512;         ///< points scanned at a time
+constexpr std::size_t kLeaf = 32;           ///< points under a rectangle of the lowest level
+constexpr std::size_t kFewTies = 16;        ///< ties settled in a search after the allowance
+constexpr std::size_t kFreeTies = 1 << 22;  ///< ties settled whatever the length of the line
+constexpr std::size_t kLongRange = 768;     ///< shorter ones are scanned
 
 std::size_t logarithm(std::size_t n) {
     std::size_t result = 1;
@@ -53,7 +54,7 @@ struct FarthestPoint::Segment {
 void FarthestPoint::setLine(const JWRawPoint* points, std::size_t n) {
     points_ = points;
     n_ = n;
-    tieAllowance_ = n * logarithm(n);
+    tieAllowance_ = kFreeTies + n * logarithm(n);
     levels_.clear();
     if (n > kLongRange) buildTree();
 }

@@ -11,8 +11,8 @@
 // pass to build, each level from the corners of the one below.
 //
 // A scan costs O(range), a search about O(log n) where few points tie. Settling ties costs a step
-// for each, up to an allowance of n log n in all; beyond it, the first of the points that tie to
-// rounding is taken, as exact arithmetic would.
+// for each, up to an allowance of 4 million + n log n in all; beyond it, the first of the points
+// that tie to rounding is taken, as exact arithmetic would.
 #ifndef JW_ANALYSIS_FARTHEST_POINT_H
 #define JW_ANALYSIS_FARTHEST_POINT_H
 

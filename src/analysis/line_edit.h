@@ -159,7 +159,6 @@ void editFeatures(JWFeatureClass& features, const LineWalk<Editor>& model, int t
         }
     }
     keepLastRejected(report);
-    features.updateEnvelop();
 }
 
 }  // namespace jws::detail

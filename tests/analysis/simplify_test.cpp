@@ -252,8 +252,8 @@ TEST(DouglasPeucker, KeepsThePointsOfTheTextbookForm) {
 }
 
 TEST(DouglasPeucker, KeepsThemOnLinesThatMakeItQuadratic) {
-    // Long enough that the search tree takes over from scans.
-    const int n = 6000;
+    // Long enough to be searched instead of scanned.
+    const int n = 3000;
     const auto line = [&](const std::function<JWRawPoint(int)>& point) {
         Points points;
         for (int i = 0; i < n; ++i) points.push_back(point(i));
