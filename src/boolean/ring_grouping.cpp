@@ -101,13 +101,15 @@ JWMultiPolygon groupByContainment(std::vector<JWRing>&& rings, const std::vector
     return result;
 }
 
-JWMultiPolygon groupFirstFit(std::vector<JWRing>& outers, std::vector<JWRing>& holes) {
+JWMultiPolygon groupFirstFit(std::vector<JWRing>& outers, std::vector<JWRing>& holes,
+                             HoleCorners corners) {
     std::vector<std::vector<int>> children(outers.size());
     RingFinder finder(outers);
     for (std::size_t h = 0; !holes.empty() && h < holes.size(); ++h) {
         const JWRing& hole = holes[h];
         int parent = -1;
-        for (const int corner : {0, (hole.getPointCount() + 1) / 2}) {
+        const int middle = corners == HoleCorners::First ? 0 : (hole.getPointCount() + 1) / 2;
+        for (const int corner : {0, middle}) {
             const JWRawPoint p = hole[corner];
             const int found = finder.first(p, [&](int i) {
                 return JWCPGeometryBasic::isPointWithinRingCN(&p, &outers[i]) == 1;

@@ -18,11 +18,16 @@ enum class Orphans { Drop, JoinFirstRing };
 JWMultiPolygon groupByContainment(std::vector<JWRing>&& rings, const std::vector<int>& flags,
                                   Orphans orphans);
 
+/// Which corners of a hole are looked at: the first one, or the vertex n/2 (rounded up, of n
+/// stored) as well.
+enum class HoleCorners { First, FirstAndMiddle };
+
 /// Builds one polygon of each outer ring, in order, and the holes that lie in it. A hole goes to
-/// the first outer ring that its first vertex, or its vertex n/2 (rounded up, of n stored), lies
-/// strictly inside (`JWCPGeometryBasic::isPointWithinRingCN`); a hole that fits nowhere is dropped.
-/// Takes the rings over and leaves both lists empty.
-JWMultiPolygon groupFirstFit(std::vector<JWRing>& outers, std::vector<JWRing>& holes);
+/// the first outer ring that one of the corners looked at lies strictly inside
+/// (`JWCPGeometryBasic::isPointWithinRingCN`); a hole that fits nowhere is dropped. Takes the rings
+/// over and leaves both lists empty.
+JWMultiPolygon groupFirstFit(std::vector<JWRing>& outers, std::vector<JWRing>& holes,
+                             HoleCorners corners = HoleCorners::FirstAndMiddle);
 
 }  // namespace jws::detail
 

@@ -8,9 +8,9 @@
 #include <cmath>
 #include <optional>
 
+#include "boolean/envelope_clusters.h"
 #include "boolean/ring_set.h"
 #include "foundation/parallel.h"
-#include "overlay/envelope_clusters.h"
 #include "overlay/feature_check.h"
 #include "overlay/group_statistics.h"
 #include "overlay/group_union.h"

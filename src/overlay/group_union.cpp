@@ -2,8 +2,8 @@
 #include "overlay/group_union.h"
 
 #include <algorithm>
-#include <cstdint>
 
+#include "boolean/hilbert_order.h"
 #include "overlay/feature_check.h"
 #include "overlay/geometry_overlay.h"
 
@@ -12,31 +12,6 @@ namespace {
 
 constexpr std::ptrdiff_t kPatch = 1024;  // areas; their edges fit a processor's cache
 constexpr std::size_t kMerge = 16;       // patches that are merged to one
-
-/// The place of a cell of a 65536 x 65536 grid along Hilbert's curve.
-std::uint32_t hilbertIndex(std::uint32_t x, std::uint32_t y) {
-    std::uint32_t index = 0;
-    for (std::uint32_t side = 1u << 15; side > 0; side >>= 1) {
-        const std::uint32_t right = (x & side) != 0 ? 1 : 0;
-        const std::uint32_t upper = (y & side) != 0 ? 1 : 0;
-        index += side * side * ((3 * right) ^ upper);
-        if (upper == 0) {
-            if (right == 1) {
-                x = 0xFFFFu - x;
-                y = 0xFFFFu - y;
-            }
-            std::swap(x, y);
-        }
-    }
-    return index;
-}
-
-/// Scales the middle of an interval to a cell of the grid.
-std::uint32_t cellOf(double low, double high, double from, double to) {
-    const double extent = 0.5 * to - 0.5 * from;
-    const double share = extent > 0 ? (0.25 * low + 0.25 * high - 0.5 * from) / extent : 0;
-    return static_cast<std::uint32_t>(65535.0 * std::min(std::max(share, 0.0), 1.0));
-}
 
 }  // namespace
 
@@ -50,22 +25,17 @@ void GroupUnions::plan(std::vector<std::pair<const int*, const int*>> groups) {
 }
 
 void GroupUnions::split(Group& group) {
-    JWEnvelop extent = JWEnvelop::invalid();
+    std::vector<JWEnvelop> envelops;
+    std::vector<int> order;
     for (const int* p = group.begin; p != group.end; ++p) {
-        extent.inflates_to_contain(m_items[static_cast<std::size_t>(*p)].envelop);
+        envelops.push_back(m_items[static_cast<std::size_t>(*p)].envelop);
+        order.push_back(static_cast<int>(order.size()));
     }
-    std::vector<std::pair<std::uint32_t, int>> order;
-    for (const int* p = group.begin; p != group.end; ++p) {
-        const JWEnvelop& e = m_items[static_cast<std::size_t>(*p)].envelop;
-        order.emplace_back(hilbertIndex(cellOf(e.minX, e.maxX, extent.minX, extent.maxX),
-                                        cellOf(e.minY, e.maxY, extent.minY, extent.maxY)),
-                           *p);
-    }
-    std::sort(order.begin(), order.end());
+    sortAlongHilbertCurve(envelops, order);
     group.firstPatch = m_patches.size();
     for (std::size_t i = 0; i < order.size(); ++i) {
         if (i % kPatch == 0) m_patches.emplace_back();
-        m_patches.back().positions.push_back(order[i].second);
+        m_patches.back().positions.push_back(group.begin[order[i]]);
     }
     group.endPatch = m_patches.size();
 }

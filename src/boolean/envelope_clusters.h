@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#ifndef JW_OVERLAY_ENVELOPE_CLUSTERS_H
-#define JW_OVERLAY_ENVELOPE_CLUSTERS_H
+#ifndef JW_BOOLEAN_ENVELOPE_CLUSTERS_H
+#define JW_BOOLEAN_ENVELOPE_CLUSTERS_H
 
 #include <cstddef>
 #include <vector>
@@ -26,4 +26,4 @@ PositionLists clusterByContact(const std::vector<JWEnvelop>& envelops);
 
 }  // namespace jws::detail
 
-#endif  // JW_OVERLAY_ENVELOPE_CLUSTERS_H
+#endif  // JW_BOOLEAN_ENVELOPE_CLUSTERS_H

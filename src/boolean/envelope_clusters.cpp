@@ -11,7 +11,7 @@
 // The tree is packed: rectangles sorted by their middles into strips and tiles
 // (sort-tile-recursive, Leutenegger, Lopez and Edgington 1997), eight to a leaf, and eight nodes to
 // a node above.
-#include "overlay/envelope_clusters.h"
+#include "boolean/envelope_clusters.h"
 
 #include <algorithm>
 #include <cmath>
