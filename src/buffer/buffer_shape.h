@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+//
+// The two shapes that every buffer consists of: the circle around a point and the capsule around a
+// segment, as polygons with a fixed number of corners. Both are convex and run clockwise.
+#ifndef JW_BUFFER_BUFFER_SHAPE_H
+#define JW_BUFFER_BUFFER_SHAPE_H
+
+#include <vector>
+
+#include "jw_geometry.h"
+
+namespace jws::detail {
+
+/// How arcs are drawn. Their corners are computed from angles in the order stated, so that they are
+/// the same to the last bit wherever a shape is made.
+struct ArcStyle {
+    double circleStep;  ///< radians; 0 for k × 10 degrees converted one by one
+    int capCorners;     ///< of a half circle, its ends not counted
+    double capStep;     ///< radians
+
+    /// The angle of corner k of a circle.
+    double circleAngle(int k) const {
+        constexpr double pi = 3.141592653589793;
+        return circleStep != 0 ? k * circleStep : k * 10.0 * pi / 180.0;
+    }
+    int capsuleCorners() const { return 4 + 2 * capCorners; }
+};
+
+/// Steps of 10 and 15 degrees, with twelve decimals.
+constexpr ArcStyle kPlainArcs = {0.174532925199, 11, 0.261799387799};
+/// Steps of 10 degrees throughout.
+constexpr ArcStyle kFineArcs = {0, 17, 10.0 * 3.141592653589793 / 180.0};
+
+constexpr int kCircleCorners = 36;
+
+/// One shape: a circle when both ends are equal, otherwise a capsule.
+struct Piece {
+    JWRawPoint from;
+    JWRawPoint to;
+
+    bool isCircle() const { return from == to; }
+};
+
+inline int cornerCount(const Piece& piece, const ArcStyle& arcs) {
+    return piece.isCircle() ? kCircleCorners : arcs.capsuleCorners();
+}
+
+/// Writes the corners of a shape of radius |distance| to `corners`, which has room for
+/// `cornerCount` of them.
+void writeCorners(const Piece& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners);
+
+/// Replaces the points of a ring by a shape; closed, its envelope up to date.
+void fillRing(const Piece& piece, double distance, const ArcStyle& arcs, JWRing& ring);
+
+}  // namespace jws::detail
+
+#endif  // JW_BUFFER_BUFFER_SHAPE_H

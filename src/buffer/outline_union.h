@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+//
+// The union of many areas that may lie anywhere.
+//
+// Areas whose rectangles do not meet those of others are left as they are. Of the others those are
+// united that lie close together, sixteen at a time, then the results, and so on: what is swallowed
+// by its neighbours is gone before anything farther off is looked at. So a tangle of shapes that
+// all overlap costs about as much as its parts, and never all pairs of edges. How areas are grouped
+// depends on them alone, never on the team, so that the result does not either.
+#ifndef JW_BUFFER_OUTLINE_UNION_H
+#define JW_BUFFER_OUTLINE_UNION_H
+
+#include <vector>
+
+#include "boolean/ring_clip.h"
+#include "boolean/ring_set.h"
+#include "foundation/parallel.h"
+
+namespace jws::detail {
+
+/// An area: rings that do not cross one another, interior on their right (outer rings clockwise,
+/// holes counter-clockwise), with flags. All functions here keep to that.
+using Outline = RingSet;
+
+constexpr int kOutlinesAtOnce = 16;  // united in one go
+
+/// A result of the engine as an area.
+Outline outlineOf(const ClippedContours& contours);
+
+/// Unites outer rings that may lie across one another, all at once. Throws ClipFailure and
+/// std::bad_alloc.
+Outline uniteAtOnce(const Outline& rings);
+
+/// Resolves and unites ring sets, each read by the even-odd rule.
+Outline uniteRingSets(const std::vector<RingViews>& sets, const Team& team);
+
+/// Unites areas. The rings of an area that meets no other are handed on as they are. Rings come
+/// cluster by cluster, clusters in the order of their first areas.
+Outline uniteOutlines(std::vector<Outline> outlines, const Team& team);
+
+}  // namespace jws::detail
+
+#endif  // JW_BUFFER_OUTLINE_UNION_H

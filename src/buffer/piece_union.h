@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#ifndef JW_BUFFER_PIECE_UNION_H
+#define JW_BUFFER_PIECE_UNION_H
+
+#include <cstddef>
+#include <vector>
+
+#include "buffer/buffer_shape.h"
+#include "buffer/outline_union.h"
+
+namespace jws::detail {
+
+/// Shapes of one distance to be united. Those of one run follow one another, as along a line.
+struct Pieces {
+    double distance;
+    ArcStyle arcs;
+    std::vector<Piece> list;
+    std::vector<std::size_t> runEnds;
+
+    void endRun() {
+        if (list.size() > (runEnds.empty() ? 0 : runEnds.back())) runEnds.push_back(list.size());
+    }
+};
+
+/// The union of all shapes, exactly as if each were an operand of its own. A shape that meets no
+/// other keeps its corners in their order. Every corner of every shape must be finite. Throws
+/// ClipFailure and std::bad_alloc.
+Outline unitePieces(const Pieces& pieces, const Team& team);
+
+}  // namespace jws::detail
+
+#endif  // JW_BUFFER_PIECE_UNION_H

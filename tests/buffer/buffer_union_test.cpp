@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: MIT
+//
+// The union of many shapes against their union by GEOS, and the tools for ring sets.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "jw_geometrybuffer.h"
+#include "jw_report.h"
+#include "support/buffer_pieces.h"
+#include "support/random_rings.h"
+#include "support/wkt.h"
+
+namespace {
+
+using namespace jws;
+using namespace jwtest;
+
+using Line = std::vector<JWRawPoint>;
+
+Line walk(RandomRings& random, int points, double step, JWRawPoint at) {
+    Line line;
+    for (int i = 0; i < points; ++i) {
+        line.push_back(at);
+        const double angle = random.uniform(0, 2 * M_PI);
+        at = {at.x + step * std::cos(angle), at.y + step * std::sin(angle)};
+    }
+    return line;
+}
+
+JWLineString lineOf(const Line& points) { return {points.data(), static_cast<int>(points.size())}; }
+
+/// Valid, nothing of one outside the other, and the same bits from the team.
+void expectUnion(const JWGeometry& input, const GEOSGeometry* expected, double distance) {
+    JWGeometry* plain = nullptr;
+    ASSERT_EQ(JWGeometryBuffer::geometryBuffer(&input, distance, &plain, JWBufferFace), 1)
+        << JWReport::lastError().text;
+    const std::unique_ptr<JWGeometry> result(plain);
+    const GeosPtr ours = toGeos(result.get());
+    ASSERT_TRUE(expected);
+    EXPECT_TRUE(isValid(result.get())) << validReason(ours.get());
+    const FourAreas areas = geosAreas(ours.get(), expected);
+    EXPECT_LT(areas.of[2], 1e-9 * geosArea(expected)) << areas.of[0] << " beyond";
+    JWGeometry* threaded = nullptr;
+    ASSERT_EQ(JWGeometryBuffer::geometryBuffer_mp(&input, distance, &threaded, JWBufferFace), 1);
+    EXPECT_EQ(toWkt(std::unique_ptr<JWGeometry>(threaded).get()), toWkt(*result));
+}
+
+TEST(BufferUnion, TeamRandomWalksAgainstGeos) {
+    RandomRings random(20240521);
+    const struct {
+        int points;
+        double distance;  // in steps
+        double offset;
+    } rows[] = {{3, 0.3, 0},   {17, 0.1, 0}, {40, 0.5, 1e6},  {40, 2, 0},    {200, 1, -3e5},
+                {200, 5, 0},   {200, 40, 0}, {33, 1e3, 0},    {60, 0.26, 0}, {400, 3, 1e7},
+                {90, 0.02, 0}, {400, 12, 0}, {120, 1e-3, 4e3}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.points << " points, " << row.distance);
+        const Line points = walk(random, row.points, 1, {row.offset, -row.offset});
+        const GeosPtr expected = geosUnion(piecesAlong(points, row.distance));
+        expectUnion(lineOf(points), expected.get(), row.distance);
+    }
+}
+
+TEST(BufferUnion, TeamRegularLinesAgainstGeos) {
+    // Shapes with common corners and edges; nearly straight, folded and smooth lines.
+    RandomRings random(7);
+    for (int i = 0; i < 60; ++i) {
+        SCOPED_TRACE(i);
+        const double d = i % 3 == 0 ? 1 : i % 3 == 1 ? 0.5 : 3;
+        Line points;
+        for (int k = 0; k < 25; ++k) {
+            const double turn = k * 0.02 * i;
+            if (i % 4 == 0) points.emplace_back(random.integer(0, 6), random.integer(0, 6));
+            if (i % 4 == 1) points.emplace_back(k * 0.05, 0.001 * (k % 2));
+            if (i % 4 == 2) points.emplace_back(k % 7, k % 3 == 0 ? 0 : 2);
+            if (i % 4 == 3) points.emplace_back(10 * std::cos(turn), 10 * std::sin(turn));
+        }
+        expectUnion(lineOf(points), geosUnion(piecesAlong(points, d)).get(), d);
+    }
+}
+
+TEST(BufferUnion, TeamManyPartsAgainstGeos) {
+    RandomRings random(99);
+    JWMultiPoint points;
+    JWMultiLineString lines;
+    std::vector<Ring> circles, capsules;
+    for (int i = 0; i < 300; ++i) {
+        const JWRawPoint p(random.uniform(0, 100), random.uniform(0, 100));
+        points.addPoint(JWPoint(p.x, p.y));
+        circles.push_back(circlePiece(p, 3));
+    }
+    for (int i = 0; i < 40; ++i) {
+        const JWRawPoint start(random.uniform(0, 100), random.uniform(0, 100));
+        const Line line = walk(random, 1 + random.integer(0, 30), 2, start);
+        lines.addLineString(lineOf(line));
+        for (const Ring& ring : piecesAlong(line, 2.5)) capsules.push_back(ring);
+    }
+    expectUnion(points, geosUnion(circles).get(), 3);
+    expectUnion(lines, geosUnion(capsules).get(), 2.5);
+}
+
+TEST(BufferUnion, TeamPolygonsAgainstGeos) {
+    // The face is the polygon together with the shapes of its boundary.
+    RandomRings random(4);
+    for (int i = 0; i < 12; ++i) {
+        SCOPED_TRACE(i);
+        const double d = 0.5 + i;
+        JWPolygon polygon;
+        std::vector<Ring> pieces;
+        for (const double radius : {50, 18}) {
+            Line ring = random.star(4 + 3 * i, {50, 50}, radius);
+            polygon.addRing(JWRing(ring.data(), static_cast<int>(ring.size())));
+            ring.push_back(ring.front());
+            for (const Ring& piece : piecesAlong(ring, d)) pieces.push_back(piece);
+        }
+        polygon.updateEnvelop();
+        const GeosPtr band = geosUnion(pieces);
+        const GeosPtr face(GEOSUnion_r(geosContext(), band.get(), toGeos(&polygon).get()));
+        expectUnion(polygon, face.get(), d);
+    }
+}
+
+/// Ring sets on their way through the tools.
+struct Reduction {
+    std::vector<std::vector<JWRing*>> groups;
+    std::vector<std::vector<int>> groupFlags;
+    std::vector<JWRing*> rings;
+    std::vector<int> flags;
+
+    std::string polygonized() {
+        JWGeometry* result = nullptr;
+        JWGeometryBuffer::polygonizeRing_mp(rings, flags, &result);
+        EXPECT_TRUE(rings.empty() && flags.empty());
+        const std::unique_ptr<JWGeometry> owned(result);
+        return owned ? toWkt(*normalized(*owned)) : "null";
+    }
+};
+
+std::vector<JWRing*> ringsOf(const char* polygon) {
+    std::vector<JWRing*> rings;
+    const auto geometry = fromWktAs<JWPolygon>(polygon);
+    for (int i = 0; i < geometry.getRingCount(); ++i) {
+        rings.push_back(new JWRing(geometry.getRingAt(i)));
+    }
+    return rings;
+}
+
+TEST(RingSets, TeamReduce) {
+    const char* a = "POLYGON ((0 0, 10 0, 10 10, 0 10, 0 0), (2 2, 2 8, 8 8, 8 2, 2 2))";
+    const char* b = "POLYGON ((5 4, 15 4, 15 6, 5 6, 5 4))";
+    const char* far = "POLYGON ((50 50, 51 50, 51 51, 50 51, 50 50))";
+    using B = JWGeometryBuffer;
+    const auto second = [](auto* g, auto* f, auto& rings, auto& flags) {
+        return B::reduceUnionRing2(*g, *f, rings, flags);
+    };
+    using Reduce = int (*)(std::vector<std::vector<JWRing*>>*, std::vector<std::vector<int>>*,
+                           std::vector<JWRing*>&, std::vector<int>&);
+    for (const Reduce reduce :
+         {Reduce(B::reduceUnionRing), Reduce(second), Reduce(B::reduceUnionRing_mp)}) {
+        Reduction r;
+        r.groups = {ringsOf(a), {}, ringsOf(b), {nullptr}, ringsOf(far)};
+        r.groups[0].push_back(nullptr);
+        r.groupFlags = {{0, 1, 0}, {}, {0}};
+        EXPECT_EQ(reduce(&r.groups, &r.groupFlags, r.rings, r.flags), 1);
+        EXPECT_TRUE(r.groups.empty() && r.groupFlags.empty());
+        const auto expected = fromWkt(
+            "MULTIPOLYGON (((0 0, 10 0, 10 4, 15 4, 15 6, 10 6, 10 10, 0 10, 0 0),"
+            "(2 2, 2 8, 8 8, 8 6, 5 6, 5 4, 8 4, 8 2, 2 2)),((50 50, 51 50, 51 51, 50 51, 50 "
+            "50)))");
+        EXPECT_EQ(r.polygonized(), toWkt(*normalized(*expected)));
+        EXPECT_EQ(reduce(&r.groups, &r.groupFlags, r.rings, r.flags), 0) << "no group";
+        // A coordinate that is no number fails the whole union.
+        r.groups = {ringsOf(a), ringsOf(b)};
+        r.groups[1][0]->getPointPtrAt(1)->x = NAN;
+        r.groupFlags = {{0, 1}, {0}};
+        EXPECT_EQ(reduce(&r.groups, &r.groupFlags, r.rings, r.flags), 0);
+        EXPECT_TRUE(r.rings.empty() && r.flags.empty());
+        // One group goes through untouched, a crossing ring and its flag included.
+        r.groups = {{nullptr}, ringsOf("POLYGON ((0 0, 4 4, 4 0, 0 4, 0 0))")};
+        r.groupFlags = {{0}, {1}};
+        EXPECT_EQ(reduce(&r.groups, &r.groupFlags, r.rings, r.flags), 1);
+        EXPECT_EQ(r.flags, std::vector<int>{1});
+        ASSERT_EQ(r.rings.size(), 1u);
+        EXPECT_EQ(toWkt(JWPolygon(*r.rings[0])), "POLYGON ((0 0, 4 4, 4 0, 0 4, 0 0))");
+        delete r.rings[0];
+    }
+}
+
+TEST(RingSets, polygonize) {
+    const struct {
+        const char* name;
+        std::vector<const char*> rings;
+        std::vector<int> flags;
+        const char* result;
+    } rows[] = {
+        {"nothing", {}, {}, nullptr},
+        {"one ring", {"POLYGON ((0 0, 4 0, 4 4, 0 0))"}, {1}, "POLYGON ((0 0, 4 0, 4 4, 0 0))"},
+        {"hole outside is lost",
+         {"POLYGON ((0 0, 4 0, 4 4, 0 0))", "POLYGON ((7 7, 8 7, 8 8, 7 7))"},
+         {0, 1},
+         "MULTIPOLYGON (((0 0, 4 0, 4 4, 0 0)))"},
+        {"first outer ring with the first vertex strictly inside",
+         {"POLYGON ((1 1, 2 1, 2 2, 1 1))", "POLYGON ((1 1, 9 1, 9 9, 1 9, 1 1))",
+          "POLYGON ((0 0, 9 0, 9 9, 0 9, 0 0))", "POLYGON ((-1 -1, 20 -1, 20 20, -1 20, -1 -1))"},
+         {1, 0, 0, 0},
+         "MULTIPOLYGON (((-1 -1, 20 -1, 20 20, -1 20, -1 -1)), ((1 1, 9 1, 9 9, 1 9, 1 1)),"
+         "((0 0, 9 0, 9 9, 0 9, 0 0), (1 1, 2 1, 2 2, 1 1)))"},
+    };
+    for (const auto& row : rows) {
+        Reduction r;
+        for (const char* ring : row.rings) r.rings.push_back(ringsOf(ring)[0]);
+        r.flags = row.flags;
+        const std::string expected =
+            row.result ? toWkt(*normalized(*fromWkt(row.result))) : std::string("null");
+        EXPECT_EQ(r.polygonized(), expected) << row.name;
+    }
+}
+
+}  // namespace
