@@ -4,12 +4,12 @@
 //
 // Neighbours along a line overlap almost everywhere, so that most edges of their shapes lie deep in
 // other shapes: comparing them all would cost far more than the outline that is wanted. Shapes are
-// therefore united sixteen neighbours at a time (outline_union.h goes on from there), and of these
-// only what may be on the outline is shown to the engine:
+// therefore united in groups of neighbours, the larger the more they overlap (outline_union.h goes
+// on from there), and of these only what may be on the outline is shown to the engine:
 //
 //   1. An edge both ends of which lie within one other shape lies within it, shapes being convex.
-//      It is no part of the outline and is dropped. "Within" means closer to the other's axis than
-//      its corners are, by a clear margin (kMargin), so that no rounding can matter.
+//      It is no part of the outline and is dropped. "Within" means by a clear margin (kMargin), so
+//      that no rounding can matter.
 //   2. Each stretch of edges that are left is closed by the chord between its ends. The shape keeps
 //      a sliver along that stretch; the rest of it is left out.
 //   3. The slivers are united. They contain the outline of the true union with all that lies just
@@ -30,7 +30,9 @@
 namespace jws::detail {
 namespace {
 
-constexpr int kGroup = kOutlinesAtOnce;
+constexpr std::size_t kLeast = 16;  // shapes of a group: at least, and at most
+constexpr std::size_t kMost = 128;
+constexpr double kSpread = 2;  // of the distance: the way along a group of more than the least
 constexpr int kMostCorners = 38;
 constexpr double kMargin = 1e-3;     // of the distance: how deep a dropped edge lies
 constexpr double kInside = 1e-6;     // of the distance: deeper lies no ring of the true union
@@ -46,8 +48,9 @@ struct Shape {
     double perLength2;     ///< 1 / |direction|², 0 for a circle
     int count;
     JWRawPoint corners[kMostCorners];
-    JWRawPoint exact[kMostCorners];      ///< as they are
-    std::uint32_t within[kMostCorners];  ///< bit j: deep in shape j of the group
+    JWRawPoint exact[kMostCorners];  ///< as they are
+    bool hidden[kMostCorners];       ///< edges from each corner to the next
+    int visible;                     ///< edges that are not hidden
 
     /// The square of the distance to the axis.
     double distance2(const JWRawPoint& p) const {
@@ -58,7 +61,6 @@ struct Shape {
         return x * x + y * y;
     }
     int after(int corner) const { return corner + 1 < count ? corner + 1 : 0; }
-    bool isHidden(int edge) const { return (within[edge] & within[after(edge)]) != 0; }
     /// How deep a point lies in the polygon; negative outside.
     double depth(const JWRawPoint& p) const {
         double least = HUGE_VAL;
@@ -82,6 +84,7 @@ class PieceGroup {
   private:
     bool canCut() const;
     void hideEdges();
+    void hideEdges(Shape& shape, const Shape& other) const;
     bool addStretches(const Shape& shape);
     void addStretch(const Shape& shape, int first, int edges);
     void addWhole(const Shape& shape) { addStretch(shape, 0, shape.count - 1); }
@@ -110,13 +113,13 @@ void PieceGroup::take(const Pieces& pieces, std::size_t begin, std::size_t end) 
         shape.direction = {piece.to.x - piece.from.x, piece.to.y - piece.from.y};
         const double length2 = dot(shape.direction, shape.direction);
         shape.perLength2 = length2 > 0 ? 1 / length2 : 0;
-        shape.count = cornerCount(piece, pieces.arcs);
+        shape.visible = shape.count = cornerCount(piece, pieces.arcs);
         writeCorners(piece, m_distance, pieces.arcs, shape.exact);
         for (int i = 0; i < shape.count; ++i) {
             const JWRawPoint& p = shape.exact[i];
             m_largest = std::max({m_largest, std::fabs(p.x), std::fabs(p.y)});
             shape.corners[i] = {p.x - m_origin.x, p.y - m_origin.y};
-            shape.within[i] = 0;
+            shape.hidden[i] = false;
         }
     }
 }
@@ -126,19 +129,38 @@ bool PieceGroup::canCut() const {
     return m_distance > kPrecision * m_largest && m_distance > 1e-100 && m_largest < 1e100;
 }
 
+/// Marks the edges of `shape` that lie deep in `other`.
+void PieceGroup::hideEdges(Shape& shape, const Shape& other) const {
+    const double near2 = m_reach * m_reach;
+    const double far2 = m_distance * m_distance;
+    double distances[kMostCorners] = {};
+    for (int k = 0; k < shape.count; ++k) distances[k] = other.distance2(shape.corners[k]);
+    const auto isDeep = [&](int k) {
+        return distances[k] < near2 ||
+               (distances[k] < far2 && other.depth(shape.corners[k]) > kMargin * m_distance);
+    };
+    const bool first = isDeep(0);
+    bool from = first;
+    for (int k = 0; k < shape.count; ++k) {
+        const bool to = k + 1 < shape.count ? isDeep(k + 1) : first;
+        if (from && to && !shape.hidden[k]) {
+            shape.hidden[k] = true;
+            --shape.visible;
+        }
+        from = to;
+    }
+}
+
+/// Neighbours along the line first: what they hide needs no further look.
 void PieceGroup::hideEdges() {
-    const double reach2 = m_reach * m_reach;
     const double longest2 = kLongest * kLongest * m_distance * m_distance;
-    for (std::size_t i = 0; i < m_shapes.size(); ++i) {
+    const std::size_t count = m_shapes.size();
+    for (std::size_t i = 0; i < count; ++i) {
         Shape& shape = m_shapes[i];
         if (dot(shape.direction, shape.direction) > longest2) continue;
-        for (std::size_t j = 0; j < m_shapes.size(); ++j) {
-            if (i == j) continue;
-            const Shape& other = m_shapes[j];
-            for (int k = 0; k < shape.count; ++k) {
-                const bool deep = other.distance2(shape.corners[k]) < reach2;
-                shape.within[k] |= static_cast<std::uint32_t>(deep) << j;
-            }
+        for (std::size_t step = 1; step < count && shape.visible > 0; ++step) {
+            if (i + step < count) hideEdges(shape, m_shapes[i + step]);
+            if (i >= step) hideEdges(shape, m_shapes[i - step]);
         }
     }
 }
@@ -151,15 +173,16 @@ void PieceGroup::addStretch(const Shape& shape, int first, int edges) {
 /// Adds what is left of a shape; false when that is all of it. A single edge takes the next one
 /// along, so that each sliver has an area.
 bool PieceGroup::addStretches(const Shape& shape) {
+    if (shape.visible == 0) return true;
     int hidden = 0;
-    while (hidden < shape.count && !shape.isHidden(hidden)) ++hidden;
+    while (hidden < shape.count && !shape.hidden[hidden]) ++hidden;
     if (hidden == shape.count) {
         addWhole(shape);
         return false;
     }
     for (int k = 1; k < shape.count;) {
         int edges = 0;
-        while (k + edges < shape.count && !shape.isHidden((hidden + k + edges) % shape.count)) {
+        while (k + edges < shape.count && !shape.hidden[(hidden + k + edges) % shape.count]) {
             ++edges;
         }
         if (edges > 0) addStretch(shape, hidden + k, std::max(edges, 2));
@@ -205,17 +228,31 @@ Outline PieceGroup::unite() {
     return result;
 }
 
-}  // namespace
-
-Outline unitePieces(const Pieces& pieces, const Team& team) {
+/// Cuts runs into groups.
+std::vector<std::size_t> groupEnds(const Pieces& pieces) {
     std::vector<std::size_t> ends;
     std::size_t begin = 0;
     for (const std::size_t runEnd : pieces.runEnds) {
-        while (begin < runEnd) {
-            begin = std::min(begin + kGroup, runEnd);
-            ends.push_back(begin);
+        double way = 0;
+        for (std::size_t i = begin; i < runEnd; ++i) {
+            const JWRawPoint& start = pieces.list[begin].from;
+            const JWRawPoint& end = pieces.list[i].to;
+            way = std::max({way, std::fabs(end.x - start.x), std::fabs(end.y - start.y)});
+            const std::size_t count = i + 1 - begin;
+            const bool full = count >= kLeast && way > kSpread * pieces.distance;
+            if (!full && count < kMost && i + 1 < runEnd) continue;
+            ends.push_back(i + 1);
+            begin = i + 1;
+            way = 0;
         }
     }
+    return ends;
+}
+
+}  // namespace
+
+Outline unitePieces(const Pieces& pieces, const Team& team) {
+    const std::vector<std::size_t> ends = groupEnds(pieces);
     std::vector<Outline> outlines(ends.size());
     parallelChunks(
         team, static_cast<std::int64_t>(ends.size()), 8, [&](std::int64_t from, std::int64_t to) {

@@ -234,8 +234,8 @@ double overlapOf(const Arrangement& arrangement, const Point& origin) {
         const int right = std::max(arrangement.rightOf(run) - 1, 0);
         if (left == right) continue;
         const bool whole = run.from == Arrangement::kNone;
-        Point last = whole ? arrangement.pointOf(run, run.count - 1)
-                           : arrangement.nodes()[run.from].p;
+        Point last =
+            whole ? arrangement.pointOf(run, run.count - 1) : arrangement.nodes()[run.from].p;
         double sum = 0;
         const auto goTo = [&](const Point& p) {
             sum += (last.x - origin.x) * (p.y - origin.y) - (p.x - origin.x) * (last.y - origin.y);
@@ -259,8 +259,8 @@ int uniteDirectedInto(const gpc_polygon& loops, gpc_polygon& result, double& ove
     e.set.add(loops, 1, frame.to, nullptr);
     e.arrange(e.set, frame, true);
     const Box scaled = frame.to(all);
-    const double area = overlapOf(e.arrangement, {scaled.minX / 2 + scaled.maxX / 2,
-                                                  scaled.minY / 2 + scaled.maxY / 2});
+    const double area = overlapOf(
+        e.arrangement, {scaled.minX / 2 + scaled.maxX / 2, scaled.minY / 2 + scaled.maxY / 2});
     const Scale& back = frame.from;
     overlap = area * back.x[0] * back.x[1] * back.y[0] * back.y[1];
     e.builder.build(e.arrangement, {Rule::kCovered}, frame.from, result);
