@@ -20,7 +20,7 @@ namespace bench {
 namespace {
 
 constexpr double kStep = 10;
-constexpr double kTurn = 0.25;  // radians
+constexpr double kTurn = 0.5;  // radians
 constexpr double kAreaTolerance = 0.01;
 
 /// A line that turns by up to kTurn either way at every step.

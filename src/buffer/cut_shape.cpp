@@ -19,6 +19,7 @@ void CutShape::make(const Piece& piece, double distance, const ArcStyle& arcs,
     m_start = minus(piece.from, origin);
     m_direction = minus(piece.to, piece.from);
     m_length2 = dot(m_direction, m_direction);
+    m_perLength2 = m_length2 > 1e-300 ? 1 / m_length2 : 0;
     m_visible = m_count = cornerCount(piece, arcs);
     m_whole = true;
     writeCorners(piece, distance, arcs, m_exact);
@@ -33,12 +34,15 @@ void CutShape::make(const Piece& piece, double distance, const ArcStyle& arcs,
     }
 }
 
-double CutShape::distance2(const JWRawPoint& p) const {
+JWRawPoint CutShape::fromAxis(const JWRawPoint& p) const {
     const JWRawPoint w = minus(p, m_start);
-    const double along = dot(w, m_direction);
-    const double share = along <= 0 ? 0 : along >= m_length2 ? 1 : along / m_length2;
-    const JWRawPoint v(w.x - share * m_direction.x, w.y - share * m_direction.y);
-    return dot(v, v);
+    const double share = std::min(std::max(dot(w, m_direction) * m_perLength2, 0.0), 1.0);
+    return {w.x - share * m_direction.x, w.y - share * m_direction.y};
+}
+
+double CutShape::distance2(const JWRawPoint& p) const {
+    const JWRawPoint way = fromAxis(p);
+    return dot(way, way);
 }
 
 double CutShape::depth(const JWRawPoint& p) const {
@@ -72,14 +76,19 @@ void CutShape::coverBy(const CutShape& other, const CoverMeasure& measure) {
         const double away2 = other.distance2(p);
         return away2 < measure.near2 || (away2 < measure.far2 && other.depth(p) > measure.margin);
     };
-    bool deep[kMostCorners] = {};
-    for (int k = 0; k < m_count; ++k) deep[k] = isDeep(m_corners[k]);
+    int asked = -1;  // the corner that two edges share is looked at once
+    bool answer = false;
+    const auto isCornerDeep = [&](int k) {
+        if (k != asked) answer = isDeep(m_corners[k]);
+        asked = k;
+        return answer;
+    };
     for (int k = 0; k < m_count; ++k) {
         if (isHidden(k)) continue;
         const JWRawPoint from = along(m_corners, k, m_from[k]);
         const JWRawPoint to = along(m_corners, k, m_to[k]);
-        const bool fromDeep = m_from[k] == 0 ? deep[k] : isDeep(from);
-        const bool toDeep = m_to[k] == 1 ? deep[after(k)] : isDeep(to);
+        const bool fromDeep = m_from[k] == 0 ? isCornerDeep(k) : isDeep(from);
+        const bool toDeep = m_to[k] == 1 ? isCornerDeep(after(k)) : isDeep(to);
         if (!fromDeep && !toDeep) continue;
         m_whole = false;
         const double extent = m_to[k] - m_from[k];
@@ -96,10 +105,8 @@ void CutShape::coverBy(const CutShape& other, const CoverMeasure& measure) {
 
 /// Part of the way from a point of the shape to the axis.
 JWRawPoint CutShape::inward(const JWRawPoint& p, double share) const {
-    const JWRawPoint w = minus(minus(p, m_origin), m_start);
-    const double along = dot(w, m_direction);
-    const double t = along <= 0 ? 0 : along >= m_length2 ? 1 : along / m_length2;
-    return {p.x - share * (w.x - t * m_direction.x), p.y - share * (w.y - t * m_direction.y)};
+    const JWRawPoint way = fromAxis(minus(p, m_origin));
+    return {p.x - share * way.x, p.y - share * way.y};
 }
 
 bool CutShape::startsStretch(int edge) const {

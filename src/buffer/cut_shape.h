@@ -46,6 +46,8 @@ class CutShape {
     int after(int k) const { return k + 1 < m_count ? k + 1 : 0; }
     bool isHidden(int edge) const { return m_from[edge] >= m_to[edge]; }
     JWRawPoint along(const JWRawPoint* points, int edge, double share) const;
+    /// The way to a point from the axis point closest to it.
+    JWRawPoint fromAxis(const JWRawPoint& p) const;
     JWRawPoint inward(const JWRawPoint& p, double share) const;
     double shareWithin(const JWRawPoint& from, const JWRawPoint& to, double margin) const;
     bool startsStretch(int edge) const;
@@ -56,6 +58,7 @@ class CutShape {
     JWRawPoint m_start;      ///< of the axis
     JWRawPoint m_direction;  ///< to the end of the axis
     double m_length2;
+    double m_perLength2;  ///< its inverse; 0 for a circle and the like
     int m_count;
     int m_visible;  ///< edges that are not covered wholly
     bool m_whole;
