@@ -42,7 +42,8 @@ namespace {
 
 constexpr double kShallow = 0x1p-7;
 constexpr int kPatientAttempts = 4;
-constexpr int kPatience = 6;  // passes that may bend edges before they count as stubborn
+constexpr std::size_t kCrowded = 96;  // splits for each point after the last pass of an attempt
+constexpr int kPatience = 6;          // passes that may bend edges before they count as stubborn
 
 bool isWithin(const Point& p, const Point& a, const Point& b) {
     return p.x >= std::min(a.x, b.x) && p.x <= std::max(a.x, b.x) && p.y >= std::min(a.y, b.y) &&
@@ -83,6 +84,10 @@ void Noder::run(ContourSet& source, int exponent, double aspect) {
         }
         if (clean) return;
         giveUp();
+        // Where most of it is crowded, small units change nothing: on to the textbook form.
+        if (splits_.size() > kCrowded * source_->points.size()) {
+            attempt_ = std::max(attempt_, kPatientAttempts);
+        }
     }
 }
 
