@@ -55,7 +55,8 @@ Geometries counties() {
     jws::JWFeatureClass features;
     layer->getFeaturesByPosition(0, layer->getFeatureCount(), features);
     for (int i = 0; i < features.getFeatureCount(); ++i) {
-        all.emplace_back(features.getFeatureAt(i)->getGeometryPtr()->clone());
+        const jws::JWGeometry* geometry = features.getFeatureAt(i)->getGeometryPtr();
+        if (!geometry->isEmpty()) all.emplace_back(geometry->clone());
     }
     jws::JWFeatureLayer::destroyFeatureLayer(layer);
     jws::JWDataSource::destroyDataSource(source);
