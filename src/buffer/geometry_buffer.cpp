@@ -126,7 +126,7 @@ template <class Part>
 FlaggedRings unitedParts(int count, const BufferPlan& plan, Part&& part) {
     std::vector<FlaggedRings> groups(static_cast<std::size_t>(std::max(count, 0)));
     const Team alone(1);
-    parallelChunks(plan.team, count, 1, [&](std::int64_t i, std::int64_t) {
+    parallelChunks(count > 1 ? plan.team : alone, count, 1, [&](std::int64_t i, std::int64_t) {
         const BufferPlan mine = {plan.distance, plan.arcs, alone};
         groups[static_cast<std::size_t>(i)] = part(static_cast<int>(i), mine);
         return true;

@@ -75,7 +75,7 @@ void uniteNeighbours(std::vector<Outline>& outlines, std::vector<Cluster>& clust
             if (count > 1) groups.push_back({cluster.data() + i, static_cast<int>(count)});
         }
     }
-    parallelChunks(team, static_cast<std::int64_t>(groups.size()), 1,
+    parallelChunks(teamFor(groups.size(), 2, team), static_cast<std::int64_t>(groups.size()), 1,
                    [&](std::int64_t i, std::int64_t) {
                        const Group& group = groups[static_cast<std::size_t>(i)];
                        std::vector<RingViews> members;
@@ -116,7 +116,7 @@ Outline uniteAtOnce(const Outline& rings) {
 
 Outline uniteRingSets(const std::vector<RingViews>& sets, const Team& team) {
     std::vector<Outline> outlines(sets.size());
-    parallelChunks(team, static_cast<std::int64_t>(sets.size()), 1,
+    parallelChunks(teamFor(sets.size(), 2, team), static_cast<std::int64_t>(sets.size()), 1,
                    [&](std::int64_t i, std::int64_t) {
                        const auto k = static_cast<std::size_t>(i);
                        outlines[k] = outlineOf(clipRings(sets[k], {}, JWBooleanUnion));

@@ -10,6 +10,7 @@
 #ifndef JW_BUFFER_OUTLINE_UNION_H
 #define JW_BUFFER_OUTLINE_UNION_H
 
+#include <cstddef>
 #include <vector>
 
 #include "boolean/ring_clip.h"
@@ -23,6 +24,12 @@ namespace jws::detail {
 using Outline = RingSet;
 
 constexpr int kOutlinesAtOnce = 16;  // united in one go
+
+/// The team, or just the caller for fewer tasks than it is worth to wake the others for.
+inline const Team& teamFor(std::size_t tasks, std::size_t fewest, const Team& team) {
+    static const Team alone(1);
+    return tasks < fewest ? alone : team;
+}
 
 /// A result of the engine as an area.
 Outline outlineOf(const ClippedContours& contours);

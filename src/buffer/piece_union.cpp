@@ -166,7 +166,8 @@ Outline unitePieces(const Pieces& pieces, const Team& team) {
     const std::vector<std::size_t> ends = groupEnds(pieces);
     std::vector<Outline> outlines(ends.size());
     parallelChunks(
-        team, static_cast<std::int64_t>(ends.size()), 8, [&](std::int64_t from, std::int64_t to) {
+        teamFor(ends.size(), kWorthSharing, team), static_cast<std::int64_t>(ends.size()), 8,
+        [&](std::int64_t from, std::int64_t to) {
             thread_local PieceGroup group;
             for (auto i = static_cast<std::size_t>(from); i < static_cast<std::size_t>(to); ++i) {
                 group.take(pieces, i == 0 ? 0 : ends[i - 1], ends[i]);
