@@ -126,11 +126,12 @@ template <class Part>
 FlaggedRings unitedParts(int count, const BufferPlan& plan, Part&& part) {
     std::vector<FlaggedRings> groups(static_cast<std::size_t>(std::max(count, 0)));
     const Team alone(1);
-    parallelChunks(count > 1 ? plan.team : alone, count, 1, [&](std::int64_t i, std::int64_t) {
-        const BufferPlan mine = {plan.distance, plan.arcs, alone};
-        groups[static_cast<std::size_t>(i)] = part(static_cast<int>(i), mine);
-        return true;
-    });
+    parallelChunks(teamFor(groups.size(), 2, plan.team), count, 1,
+                   [&](std::int64_t i, std::int64_t) {
+                       const BufferPlan mine = {plan.distance, plan.arcs, alone};
+                       groups[static_cast<std::size_t>(i)] = part(static_cast<int>(i), mine);
+                       return true;
+                   });
     return uniteGroups(std::move(groups), plan.team);
 }
 

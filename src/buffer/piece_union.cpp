@@ -35,6 +35,7 @@ namespace {
 
 constexpr std::size_t kLeast = 16;  // shapes of a group: at least, and at most
 constexpr std::size_t kMost = 128;
+constexpr std::size_t kWorthSharing = 16;  // groups
 constexpr double kSpread = 2;     // of the distance: the way along a group of more than the least
 constexpr double kMargin = 1e-3;  // of the distance: how deep lies what is taken away
 constexpr double kBand = 0.1;     // of the distance: how thick slivers are at corners
