@@ -9,9 +9,9 @@
 // who takes which chunk. An exception in a worker stops the loop and is thrown again by the
 // caller's thread.
 //
-// A team may be larger than the machine: no more of it work at a time than there are cores, and the
-// rest stand by. Eight threads taking turns on two cores would be a fifth slower than two, since
-// again and again the one that holds the critical section is not the one that runs.
+// A team may be larger than the machine: no more of it are started than there are cores. Eight
+// threads taking turns on two cores would be a fifth slower than two, since again and again the one
+// that holds the critical section is not the one that runs.
 #ifndef JW_FOUNDATION_PARALLEL_H
 #define JW_FOUNDATION_PARALLEL_H
 
@@ -104,8 +104,9 @@ bool parallelChunks(const Team& team, std::int64_t count, std::int64_t chunkSize
         work();
         return !stopped;
     }
-#pragma omp parallel num_threads(team.size())
-    if (omp_get_thread_num() < workersOf(omp_get_num_threads())) {
+    const int workers = workersOf(team.size());
+#pragma omp parallel num_threads(workers)
+    {
         try {
             work();
         } catch (...) {
