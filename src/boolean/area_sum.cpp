@@ -27,17 +27,6 @@ std::uint64_t hashOf(const JWRawPoint& a, const JWRawPoint& b) {
 /// The same point with one zero only, so that equal points have equal bits.
 JWRawPoint plainZero(const JWRawPoint& p) { return {p.x + 0.0, p.y + 0.0}; }
 
-/// Twice the signed area of an open ring, about its first point.
-double twiceArea(const RingView& ring) {
-    const JWRawPoint o = ring.points[0];
-    double sum = 0;
-    for (int i = 1; i + 1 < ring.count; ++i) {
-        const JWRawPoint &a = ring.points[i], &b = ring.points[i + 1];
-        sum += (a.x - o.x) * (b.y - o.y) - (b.x - o.x) * (a.y - o.y);
-    }
-    return sum;
-}
-
 bool startsBefore(const AreaSum::Edge& a, const AreaSum::Edge& b) {
     return a.from != b.from ? a.from < b.from : a.to < b.to;
 }

@@ -34,6 +34,17 @@ struct RingView {
 
 using RingViews = std::vector<RingView>;
 
+/// Twice the signed area, positive counter-clockwise, about the first point. One point at least.
+inline double twiceArea(const RingView& ring) {
+    const JWRawPoint o = ring.points[0];
+    double sum = 0;
+    for (int i = 1; i + 1 < ring.count; ++i) {
+        const JWRawPoint &a = ring.points[i], &b = ring.points[i + 1];
+        sum += (a.x - o.x) * (b.y - o.y) - (b.x - o.x) * (a.y - o.y);
+    }
+    return sum;
+}
+
 inline RingView viewOf(const JWRing& ring, int hole) {
     return {ring.getPointsPtr(), ring.getSegmentCount(), hole};
 }

@@ -19,17 +19,6 @@ void addRing(const RingView& ring, bool reversed, Outline& outline) {
     outline.endRing(ring.hole);
 }
 
-/// Twice the signed area, about the first point.
-double twiceArea(const RingView& ring) {
-    const JWRawPoint o = ring.points[0];
-    double sum = 0;
-    for (int i = 1; i + 1 < ring.count; ++i) {
-        const JWRawPoint &a = ring.points[i], &b = ring.points[i + 1];
-        sum += (a.x - o.x) * (b.y - o.y) - (b.x - o.x) * (a.y - o.y);
-    }
-    return sum;
-}
-
 RingViews viewsOf(const Outline& area) {
     RingViews views;
     views.reserve(static_cast<std::size_t>(area.count()));

@@ -53,6 +53,32 @@ void BoxTree::build(ContourSet& set, double margin) {
     root_ = set.contours.size() == 1 ? set.contours[0].tree : buildGroups(set);
 }
 
+// Puts levels of parents over the nodes from `from` to the end, until one is left; `finish` sets
+// what is particular to a kind of parent. Returns the root.
+template <class Finish>
+std::uint32_t BoxTree::buildLevels(std::uint32_t from, Finish finish) {
+    std::uint32_t to = static_cast<std::uint32_t>(nodes_.size());
+    while (to - from > 1) {
+        for (std::uint32_t i = from; i < to; i += kFanout) {
+            const std::uint32_t end = std::min(i + kFanout, to);
+            Node parent = nodes_[i];
+            for (std::uint32_t k = i + 1; k < end; ++k) {
+                parent.box.include(nodes_[k].box);
+                parent.unchecked |= nodes_[k].unchecked;
+                parent.active |= nodes_[k].active;
+                parent.sense |= nodes_[k].sense;
+            }
+            parent.first = i;
+            parent.last = end;
+            finish(parent);
+            nodes_.push(parent);
+        }
+        from = to;
+        to = static_cast<std::uint32_t>(nodes_.size());
+    }
+    return from;
+}
+
 std::uint32_t BoxTree::buildContour(const ContourSet& set, std::uint32_t c) {
     const Contour& contour = set.contours[c];
     std::uint32_t from = static_cast<std::uint32_t>(nodes_.size());
@@ -75,27 +101,10 @@ std::uint32_t BoxTree::buildContour(const ContourSet& set, std::uint32_t c) {
         nodes_.push({box, e, end, e, end, c, kLeaf, static_cast<std::uint8_t>(sense),
                      (flags & kUnchecked) != 0, (common & kDouble) == 0});
     }
-    std::uint32_t to = static_cast<std::uint32_t>(nodes_.size());
-    while (to - from > 1) {
-        for (std::uint32_t i = from; i < to; i += kFanout) {
-            const std::uint32_t end = std::min(i + kFanout, to);
-            Node parent = nodes_[i];
-            for (std::uint32_t k = i + 1; k < end; ++k) {
-                parent.box.include(nodes_[k].box);
-                parent.unchecked |= nodes_[k].unchecked;
-                parent.active |= nodes_[k].active;
-                parent.sense |= nodes_[k].sense;
-            }
-            parent.lastEdge = nodes_[end - 1].lastEdge;
-            parent.first = i;
-            parent.last = end;
-            parent.kind = kChain;
-            nodes_.push(parent);
-        }
-        from = to;
-        to = static_cast<std::uint32_t>(nodes_.size());
-    }
-    return from;
+    return buildLevels(from, [this](Node& parent) {
+        parent.lastEdge = nodes_[parent.last - 1].lastEdge;
+        parent.kind = kChain;
+    });
 }
 
 std::uint32_t BoxTree::buildGroups(const ContourSet& set) {
@@ -125,28 +134,12 @@ std::uint32_t BoxTree::buildGroups(const ContourSet& set) {
         const Node copy = nodes_[set.contours[order_[c]].tree];
         nodes_.push(copy);
     }
-    std::uint32_t to = static_cast<std::uint32_t>(nodes_.size());
-    while (to - from > 1) {
-        for (std::uint32_t i = from; i < to; i += kFanout) {
-            const std::uint32_t end = std::min(i + kFanout, to);
-            Node parent = nodes_[i];
-            for (std::uint32_t k = i + 1; k < end; ++k) {
-                parent.box.include(nodes_[k].box);
-                parent.unchecked |= nodes_[k].unchecked;
-                parent.active |= nodes_[k].active;
-            }
-            parent.first = i;
-            parent.last = end;
-            parent.kind = kGroup;
-            parent.sense = 15;
-            parent.firstEdge = 0;  // no edge number ends a run of edges there
-            parent.lastEdge = 0xFFFFFFFFu;
-            nodes_.push(parent);
-        }
-        from = to;
-        to = static_cast<std::uint32_t>(nodes_.size());
-    }
-    return from;
+    return buildLevels(from, [](Node& parent) {
+        parent.kind = kGroup;
+        parent.sense = 15;
+        parent.firstEdge = 0;  // no edge number ends a run of edges there
+        parent.lastEdge = 0xFFFFFFFFu;
+    });
 }
 
 int BoxTree::parityLeftOf(const ContourSet& set, const Point& p) const {

@@ -81,6 +81,8 @@ class BoxTree {
 
     std::uint32_t buildContour(const ContourSet& set, std::uint32_t c);
     std::uint32_t buildGroups(const ContourSet& set);
+    template <class Finish>
+    std::uint32_t buildLevels(std::uint32_t from, Finish finish);
     int downLeftOf(const ContourSet& set, const Node& n, const Point& p) const;
     int parity(const ContourSet& set, const Node& n, const Point& p) const;
     int depth(const ContourSet& set, const Node& n, const Point& p) const;
