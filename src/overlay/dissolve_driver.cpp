@@ -11,10 +11,10 @@
 #include "boolean/envelope_clusters.h"
 #include "boolean/ring_set.h"
 #include "foundation/parallel.h"
+#include "layers/layer_checks.h"
 #include "overlay/feature_check.h"
 #include "overlay/group_statistics.h"
 #include "overlay/group_union.h"
-#include "overlay/layer_checks.h"
 #include "overlay/multi_parts.h"
 #include "overlay/value_groups.h"
 

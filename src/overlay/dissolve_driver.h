@@ -15,7 +15,7 @@
 
 #include "jw_geometrydissolve.h"
 #include "jw_report.h"
-#include "overlay/feature_io.h"
+#include "layers/feature_io.h"
 
 namespace jws::detail {
 

@@ -8,9 +8,9 @@
 #include "boolean/ring_clip.h"
 #include "foundation/api_guard.h"
 #include "foundation/parallel.h"
+#include "layers/layer_checks.h"
 #include "overlay/dissolve_driver.h"
 #include "overlay/group_union.h"
-#include "overlay/layer_checks.h"
 #include "overlay/line_parts.h"
 #include "overlay/multi_parts.h"
 

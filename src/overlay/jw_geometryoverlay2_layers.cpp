@@ -5,7 +5,7 @@
 #include "foundation/api_guard.h"
 #include "foundation/parallel.h"
 #include "jw_geometryoverlay2.h"
-#include "overlay/block_filter.h"
+#include "layers/block_filter.h"
 #include "overlay/layer_entry.h"
 
 namespace jws {

@@ -12,8 +12,8 @@
 #include <climits>
 
 #include "foundation/parallel.h"
+#include "layers/block_filter.h"
 #include "overlay/area_check.h"
-#include "overlay/block_filter.h"
 
 namespace jws::detail {
 namespace {

@@ -23,7 +23,7 @@
 
 #include "jw_overlayoptions.h"
 #include "jw_report.h"
-#include "overlay/feature_io.h"
+#include "layers/feature_io.h"
 #include "overlay/layer_side.h"
 #include "overlay/overlay_slot.h"
 #include "overlay/result_schema.h"

@@ -5,7 +5,7 @@
 #include <climits>
 
 #include "foundation/api_guard.h"
-#include "overlay/layer_checks.h"
+#include "layers/layer_checks.h"
 
 namespace jws::detail {
 

@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "jw_spatialindex.h"
+#include "layers/feature_io.h"
 #include "overlay/area_operand.h"
-#include "overlay/feature_io.h"
 
 namespace jws::detail {
 

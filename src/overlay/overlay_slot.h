@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "layers/feature_io.h"
 #include "overlay/feature_check.h"
-#include "overlay/feature_io.h"
 #include "overlay/geometry_overlay.h"
 #include "overlay/layer_side.h"
 #include "overlay/result_schema.h"

@@ -12,7 +12,7 @@
 
 #include "jw_feature.h"
 #include "jw_overlayoptions.h"
-#include "overlay/feature_io.h"
+#include "layers/feature_io.h"
 
 namespace jws::detail {
 

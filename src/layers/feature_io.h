@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// What a layer overlay reads from and writes to, as it sees it. Operands come from feature layers
+// What a layer operation reads from and writes to, as it sees it. Operands come from feature layers
 // or from feature classes in memory, results go to either; the driver and its operations know only
 // the three interfaces below, so that every form of an operation has one body.
 //
 // None of the classes locks anything: the driver calls them from one thread at a time, but for
 // `prepare`.
-#ifndef JW_OVERLAY_FEATURE_IO_H
-#define JW_OVERLAY_FEATURE_IO_H
+#ifndef JW_LAYERS_FEATURE_IO_H
+#define JW_LAYERS_FEATURE_IO_H
 
 #include <cstdint>
 #include <memory>
@@ -96,4 +96,4 @@ std::unique_ptr<FeatureOutput> outputTo(JWFeatureClass& features);
 
 }  // namespace jws::detail
 
-#endif  // JW_OVERLAY_FEATURE_IO_H
+#endif  // JW_LAYERS_FEATURE_IO_H

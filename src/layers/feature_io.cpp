@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "overlay/feature_io.h"
+#include "layers/feature_io.h"
 
 #include <algorithm>
 #include <climits>
 
-#include "overlay/block_filter.h"
+#include "layers/block_filter.h"
 
 namespace jws::detail {
 namespace {
@@ -29,7 +29,7 @@ class LayerInput : public FeatureInput {
         if (position > INT_MAX) {
             JWReport::setError(JWErrorInvalidArgument,
                                std::string(source()) + ", layer " + name() +
-                                   ": has more features than an overlay can search");
+                                   ": has more features than can be searched");
             throw LayerFailure();
         }
         std::shared_ptr<const JWFeature> feature =
@@ -104,7 +104,7 @@ class ClassInput : public FeatureInput {
     }
 
   private:
-    /// A pointer that owns nothing: the class outlives the overlay.
+    /// A pointer that owns nothing: the class outlives the run.
     std::shared_ptr<const JWFeature> borrowed(int i) const {
         return std::shared_ptr<const JWFeature>(std::shared_ptr<void>(),
                                                 m_features.getFeatureAt(i));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "overlay/layer_checks.h"
+#include "layers/layer_checks.h"
 
 #include <cstdio>
 #include <string>

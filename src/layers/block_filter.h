@@ -5,8 +5,8 @@
 // "fid >= %d and fid <= %d\n". Where a source numbers its features 1, 2, 3, … the text selects
 // exactly these features; any other numbering (from 0, with gaps) is read by position, so that
 // every feature is read once. Reading a block continues the layer's cursor either way.
-#ifndef JW_OVERLAY_BLOCK_FILTER_H
-#define JW_OVERLAY_BLOCK_FILTER_H
+#ifndef JW_LAYERS_BLOCK_FILTER_H
+#define JW_LAYERS_BLOCK_FILTER_H
 
 #include <algorithm>
 #include <climits>
@@ -46,4 +46,4 @@ int readFeatures(JWFeatureLayer& layer, const char* where, std::int64_t first, s
 
 }  // namespace jws::detail
 
-#endif  // JW_OVERLAY_BLOCK_FILTER_H
+#endif  // JW_LAYERS_BLOCK_FILTER_H

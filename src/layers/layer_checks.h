@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// The checks that every layer overlay makes before it reads a feature, with their codes:
+// The checks that every layer operation makes before it reads a feature, with their codes:
 // −1 a layer is missing or the output cannot be written, −3 the output has fields already,
 // −2 the spatial references differ.
-#ifndef JW_OVERLAY_LAYER_CHECKS_H
-#define JW_OVERLAY_LAYER_CHECKS_H
+#ifndef JW_LAYERS_LAYER_CHECKS_H
+#define JW_LAYERS_LAYER_CHECKS_H
 
 #include <vector>
 
@@ -31,4 +31,4 @@ void judge(JWLayerReport& report);
 
 }  // namespace jws::detail
 
-#endif  // JW_OVERLAY_LAYER_CHECKS_H
+#endif  // JW_LAYERS_LAYER_CHECKS_H

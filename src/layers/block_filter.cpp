@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "overlay/block_filter.h"
+#include "layers/block_filter.h"
 
 #include <cinttypes>
 #include <cstdio>
