@@ -40,7 +40,7 @@ bool checkReferences(const JWSpatialReference* a, const char* nameA, const JWSpa
 int checkOverlayLayers(const JWFeatureLayer* a, const JWFeatureLayer* b,
                        const JWFeatureLayer* output) {
     if (a == nullptr || b == nullptr || output == nullptr) {
-        return fail(-1, JWErrorInvalidArgument, "a layer of the overlay is missing");
+        return fail(-1, JWErrorInvalidArgument, "a layer of the operation is missing");
     }
     if (output == a || output == b) {
         return fail(-1, JWErrorInvalidArgument, titleOf(*output) + ": is input and result at once");

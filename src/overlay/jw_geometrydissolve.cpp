@@ -48,26 +48,6 @@ bool normalise(std::vector<int>& fields, const JWFields& schema) {
     return true;
 }
 
-/// Runs a dissolve after its checks; −1 with the last error set when it fails.
-int runChecked(JWFeatureLayer& input, JWFeatureLayer& output, DissolveKind kind,
-               const std::vector<int>& fields, const JWDissolveOptions& options,
-               JWLayerReport* report) {
-    JWLayerReport account;
-    int result = -1;
-    try {
-        const std::int64_t written =
-            runDissolve(*inputFrom(input), *outputTo(output), kind, fields, options, account);
-        result = static_cast<int>(std::min<std::int64_t>(written, INT_MAX));
-        reportRejected(account.rejected);
-    } catch (const LayerFailure& failure) {
-        JWReport::setError(failure.error.kind, failure.error.text, failure.error.feature);
-    } catch (...) {
-        keepCurrentException("dissolve");
-    }
-    if (report != nullptr) *report = std::move(account);
-    return result;
-}
-
 int dissolve(JWFeatureLayer* input, JWFeatureLayer* output, DissolveKind kind,
              std::vector<int> fields, const JWDissolveOptions& options, JWLayerReport* report) {
     return guarded("dissolve", -1, [&] {
@@ -84,7 +64,10 @@ int dissolve(JWFeatureLayer* input, JWFeatureLayer* output, DissolveKind kind,
             JWReport::message("Do nothing for no fields specified!\n");
             return 0;
         }
-        return runChecked(*input, *output, kind, fields, options, report);
+        return accounted("dissolve", report, [&](JWLayerReport& account) {
+            return runDissolve(*inputFrom(*input), *outputTo(*output), kind, fields, options,
+                               account);
+        });
     });
 }
 

@@ -24,9 +24,9 @@
 #include "jw_overlayoptions.h"
 #include "jw_report.h"
 #include "layers/feature_io.h"
+#include "layers/result_schema.h"
 #include "overlay/layer_side.h"
 #include "overlay/overlay_slot.h"
-#include "overlay/result_schema.h"
 
 namespace jws::detail {
 

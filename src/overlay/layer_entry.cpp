@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "overlay/layer_entry.h"
 
-#include <algorithm>
-#include <climits>
-
 #include "foundation/api_guard.h"
 #include "layers/layer_checks.h"
 
@@ -55,48 +52,24 @@ std::int64_t runJob(const LayerOperation& operation, FeatureInput& a, FeatureInp
     return written;
 }
 
-/// Runs an operation; returns the number of features written or −1 with the last error set.
-int run(const LayerOperation& operation, FeatureInput& a, FeatureInput& b, FeatureOutput& output,
-        const JWOverlayOptions& options, JWLayerReport* report) {
-    JWLayerReport account;
-    int result = -1;
-    try {
-        const std::int64_t written = runJob(operation, a, b, output, options, account);
-        result = static_cast<int>(std::min<std::int64_t>(written, INT_MAX));
-        reportRejected(account.rejected);
-    } catch (const LayerFailure& failure) {
-        JWReport::setError(failure.error.kind, failure.error.text, failure.error.feature);
-    } catch (...) {
-        keepCurrentException(operation.name);
-    }
-    if (report != nullptr) *report = std::move(account);
-    return result;
-}
-
 }  // namespace
 
 int overlayLayers(const LayerOperation& operation, JWFeatureLayer* a, JWFeatureLayer* b,
                   JWFeatureLayer* output, const JWOverlayOptions& options, JWLayerReport* report) {
-    return guarded(operation.name, -1, [&] {
-        JWReport::clearError();
-        if (report != nullptr) *report = JWLayerReport();
-        const int refused = checkOverlayLayers(a, b, output);
-        if (refused != 0) return refused;
-        return run(operation, *inputFrom(*a), *inputFrom(*b), *outputTo(*output), options, report);
+    return accountedLayers(operation.name, a, b, output, report, [&](JWLayerReport& account) {
+        return runJob(operation, *inputFrom(*a), *inputFrom(*b), *outputTo(*output), options,
+                      account);
     });
 }
 
 int overlayWithinLayer(const LayerOperation& operation, JWFeatureLayer* input,
                        JWFeatureLayer* output, const JWOverlayOptions& options,
                        JWLayerReport* report) {
-    return guarded(operation.name, -1, [&] {
-        JWReport::clearError();
-        if (report != nullptr) *report = JWLayerReport();
-        const int refused = checkOverlayLayers(input, input, output);
-        if (refused != 0) return refused;
+    const auto body = [&](JWLayerReport& account) {
         const std::unique_ptr<FeatureInput> features = inputFrom(*input);
-        return run(operation, *features, *features, *outputTo(*output), options, report);
-    });
+        return runJob(operation, *features, *features, *outputTo(*output), options, account);
+    };
+    return accountedLayers(operation.name, input, input, output, report, body);
 }
 
 int overlayClasses(const LayerOperation& operation, const NamedClass& a, const NamedClass& b,
@@ -118,8 +91,10 @@ int overlayClasses(const LayerOperation& operation, const NamedClass& a, const N
         const std::unique_ptr<FeatureInput> inputA = inputFrom(a.name, *a.features);
         const std::unique_ptr<FeatureInput> inputB =
             operation.withinLayer ? nullptr : inputFrom(b.name, *b.features);
-        return run(operation, *inputA, inputB ? *inputB : *inputA, *outputTo(output), options,
-                   nullptr);
+        return accounted(operation.name, nullptr, [&](JWLayerReport& account) {
+            return runJob(operation, *inputA, inputB ? *inputB : *inputA, *outputTo(output),
+                          options, account);
+        });
     });
 }
 

@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "layers/feature_io.h"
+#include "layers/result_schema.h"
 #include "overlay/feature_check.h"
 #include "overlay/geometry_overlay.h"
 #include "overlay/layer_side.h"
-#include "overlay/result_schema.h"
 
 namespace jws::detail {
 

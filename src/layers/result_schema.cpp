@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "overlay/result_schema.h"
+#include "layers/result_schema.h"
 
 namespace jws::detail {
 namespace {
@@ -16,8 +16,8 @@ JWField renamed(const JWField& field, const std::string& name) {
 ResultSchema::ResultSchema(FeatureInput& a, FeatureInput& b, const JWOverlayOptions& options) {
     const int mode = options.attributeMode;
     if (mode == 1 || mode == 2) {
-        addIdentifier(a, Origin::IdentifierA);
-        addIdentifier(b, Origin::IdentifierB);
+        addIdentifier(a, Origin::IdentifierA, std::string("FID_") + a.name());
+        addIdentifier(b, Origin::IdentifierB, std::string("FID_") + b.name());
     }
     if (mode != 1) {
         addFields(a, Origin::FieldA, {options.prefixA, b.fields()});
@@ -36,8 +36,13 @@ void ResultSchema::addArea(const std::string& name) {
     m_columns.push_back({Origin::Area, 0});
 }
 
-void ResultSchema::addIdentifier(FeatureInput& input, Origin origin) {
-    const std::string name = std::string("FID_") + input.name();
+int ResultSchema::addField(const JWField& field) {
+    m_fields.push_back(field);
+    m_columns.push_back({Origin::Given, 0});
+    return static_cast<int>(m_fields.size()) - 1;
+}
+
+void ResultSchema::addIdentifier(FeatureInput& input, Origin origin, const std::string& name) {
     m_fields.emplace_back(name.c_str(),
                           input.identifiersFitInt() ? JWFieldInteger : JWFieldInteger64);
     m_columns.push_back({origin, 0});
@@ -85,6 +90,8 @@ bool ResultSchema::fill(JWFeature& feature, int field, const Column& column,
             return feature.setFieldValue(field, values.joined);
         case Origin::Area:
             return feature.setFieldValue(field, values.area);
+        case Origin::Given:
+            return true;
     }
     return false;
 }

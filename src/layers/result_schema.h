@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// The schema of an overlay's result: which field comes from where. Values are carried by position,
-// never by name, because A and B may well have fields of the same name.
-#ifndef JW_OVERLAY_RESULT_SCHEMA_H
-#define JW_OVERLAY_RESULT_SCHEMA_H
+// The schema of a layer operation's result: which field comes from where. Values are carried by
+// position, never by name, because A and B may well have fields of the same name. An operation on
+// one layer has A only.
+#ifndef JW_LAYERS_RESULT_SCHEMA_H
+#define JW_LAYERS_RESULT_SCHEMA_H
 
 #include <cstdint>
 #include <memory>
@@ -18,10 +19,10 @@ namespace jws::detail {
 
 /// Where the values of one result feature come from.
 struct ResultValues {
-    const JWFeature* a;   ///< null: its fields stay unset
-    const JWFeature* b;   ///< likewise
-    std::int64_t joined;  ///< for the count field
-    double area;          ///< for the area field
+    const JWFeature* a;            ///< null: its fields stay unset
+    const JWFeature* b = nullptr;  ///< likewise
+    std::int64_t joined = 0;       ///< for the count field
+    double area = 0;               ///< for the area field
 };
 
 class ResultSchema {
@@ -29,7 +30,7 @@ class ResultSchema {
     /// An empty schema; the result has the fields that are added.
     ResultSchema() = default;
     /// Lays out the fields of A, as `add` would.
-    explicit ResultSchema(const FeatureInput& a) { addFields(a, Origin::FieldA, {}); }
+    explicit ResultSchema(const FeatureInput& a) { addFieldsOf(a); }
     /// Lays out the fields of two operands for the options' attribute mode: 0 the fields of A, then
     /// of B; 1 one identifier field for each, "FID_" and the operand's name; 2 both identifiers,
     /// then A's and B's fields; any other mode acts as 0. Identifier fields are integers, 64 bits
@@ -37,6 +38,14 @@ class ResultSchema {
     /// prefixes.
     ResultSchema(FeatureInput& a, FeatureInput& b, const JWOverlayOptions& options);
 
+    /// Adds the fields of A.
+    void addFieldsOf(const FeatureInput& a) { addFields(a, Origin::FieldA, {}); }
+    /// Adds a field `name` for the identifier of A's feature, 64 bits wide where need be.
+    void addIdentifierOf(FeatureInput& a, const std::string& name) {
+        addIdentifier(a, Origin::IdentifierA, name);
+    }
+    /// Adds a field that stays unset until the operation sets it; returns its position.
+    int addField(const JWField& field);
     /// Adds an integer field "join_count".
     void addJoinCount();
     /// Adds a real field for the area; not for an empty name.
@@ -50,8 +59,13 @@ class ResultSchema {
                                            const ResultValues& values,
                                            std::string& lostField) const;
 
+    /// The name of the field at a position.
+    const char* nameOf(int field) const {
+        return m_fields[static_cast<std::size_t>(field)].getFieldName();
+    }
+
   private:
-    enum class Origin { IdentifierA, IdentifierB, FieldA, FieldB, JoinCount, Area };
+    enum class Origin { IdentifierA, IdentifierB, FieldA, FieldB, JoinCount, Area, Given };
     struct Column {
         Origin origin;
         int sourceField;
@@ -61,7 +75,7 @@ class ResultSchema {
         std::string text;
         const JWFields* other = nullptr;
     };
-    void addIdentifier(FeatureInput& input, Origin origin);
+    void addIdentifier(FeatureInput& input, Origin origin, const std::string& name);
     void addFields(const FeatureInput& input, Origin origin, const Prefix& prefix);
     /// Fills one field; false when it cannot hold the value.
     static bool fill(JWFeature& feature, int field, const Column& column,
@@ -74,4 +88,4 @@ class ResultSchema {
 
 }  // namespace jws::detail
 
-#endif  // JW_OVERLAY_RESULT_SCHEMA_H
+#endif  // JW_LAYERS_RESULT_SCHEMA_H
