@@ -23,8 +23,21 @@ struct Extract {
     }
 };
 
-/// Unites areas as far as they decide about a rectangle.
+/// Unites areas as far as they decide about a rectangle, by calls that any engine answers.
+ClippedContours uniteInPairs(const std::vector<Area>& areas, const JWEnvelop& window) {
+    std::vector<Extract> extracts(areas.size());
+    std::vector<RingViews> sets;
+    sets.reserve(areas.size());
+    for (std::size_t i = 0; i < areas.size(); ++i) {
+        extracts[i].take(areas[i], window);
+        sets.push_back(extracts[i].rings);
+    }
+    return uniteRings(sets);
+}
+
+/// The same, in one go where the engine can.
 ClippedContours unite(const std::vector<Area>& areas, const JWEnvelop& window) {
+    if (!canUniteDirected) return uniteInPairs(areas, window);
     thread_local AreaSum sum;
     thread_local Extract extract;
     sum.clear();

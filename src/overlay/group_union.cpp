@@ -13,6 +13,27 @@ namespace {
 constexpr std::ptrdiff_t kPatch = 1024;  // areas; their edges fit a processor's cache
 constexpr std::size_t kMerge = 16;       // patches that are merged to one
 
+/// Areas on their way to one, with an engine that unites two operands at a time.
+class PairwiseUnion {
+  public:
+    /// Returns the area.
+    double add(const JWGeometry& area) {
+        RingViews rings;
+        appendRings(area, rings);
+        m_areas.push_back(clipRings(rings, {}, JWBooleanUnion));
+        return areaOf(m_areas.back());
+    }
+    ClippedContours unite() const {
+        std::vector<RingViews> sets;
+        sets.reserve(m_areas.size());
+        for (const ClippedContours& area : m_areas) sets.push_back(area.views());
+        return uniteRings(sets);
+    }
+
+  private:
+    std::vector<ClippedContours> m_areas;
+};
+
 }  // namespace
 
 void GroupUnions::plan(std::vector<std::pair<const int*, const int*>> groups) {
@@ -90,21 +111,11 @@ bool GroupUnions::planMerge() {
 
 GroupUnion GroupUnions::unite(std::size_t number) const {
     const Group& group = m_groups[number];
-    if (!canUniteDirected) return uniteOneByOne(group);
-    thread_local AreaSum total;
-    total.clear();
-    Sum account;
-    if (group.firstPatch == group.endPatch) addAreas(group.begin, group.end, total, account);
-    for (std::size_t i = group.firstPatch; i < group.endPatch; ++i) {
-        addSum(m_patches[i].sum, total, account);
-    }
     GroupUnion result;
-    result.areaBefore = account.area;
-    result.failures = std::move(account.failures);
-    const double tolerance = group.end - group.begin > 1 ? m_tolerance : 0;
     try {
-        AreaSum::Edges edges = total.rest();
-        const ClippedContours contours = AreaSum::unite(edges, result.overlap);
+        const ClippedContours contours =
+            canUniteDirected ? uniteDirected(group, result) : uniteInPairs(group, result);
+        const double tolerance = group.end - group.begin > 1 ? m_tolerance : 0;
         BuiltArea built = buildArea(contours, tolerance);
         result.dropped = built.dropped;
         result.geometry = std::move(built.geometry);
@@ -117,35 +128,48 @@ GroupUnion GroupUnions::unite(std::size_t number) const {
     return result;
 }
 
+ClippedContours GroupUnions::uniteDirected(const Group& group, GroupUnion& result) const {
+    thread_local AreaSum total;
+    total.clear();
+    Sum account;
+    if (group.firstPatch == group.endPatch) addAreas(group.begin, group.end, total, account);
+    for (std::size_t i = group.firstPatch; i < group.endPatch; ++i) {
+        addSum(m_patches[i].sum, total, account);
+    }
+    result.areaBefore = account.area;
+    result.failures = std::move(account.failures);
+    AreaSum::Edges edges = total.rest();
+    return AreaSum::unite(edges, result.overlap);
+}
+
+ClippedContours GroupUnions::uniteInPairs(const Group& group, GroupUnion& result) const {
+    PairwiseUnion total;
+    for (const int* p = group.begin; p != group.end; ++p) {
+        const DissolveItem& item = m_items[static_cast<std::size_t>(*p)];
+        result.areaBefore += total.add(*item.feature->getGeometryPtr());
+    }
+    ClippedContours contours = total.unite();
+    result.overlap = result.areaBefore - areaOf(contours);
+    return contours;
+}
+
 std::unique_ptr<JWGeometry> uniteFeatures(const std::vector<JWFeature*>& features,
                                           double tolerance) {
-    std::vector<const JWGeometry*> areas;
+    AreaSum total;
+    PairwiseUnion pairwise;
     for (const JWFeature* feature : features) {
-        if (feature != nullptr && checkArea(*feature) == AreaCheck::Usable) {
-            areas.push_back(feature->getGeometryPtr());
+        if (feature == nullptr || checkArea(*feature) != AreaCheck::Usable) continue;
+        const JWGeometry& area = *feature->getGeometryPtr();
+        if (canUniteDirected) {
+            total.add(area, total.classify(area));
+        } else {
+            pairwise.add(area);
         }
     }
-    if (!canUniteDirected) return uniteAll(areas, tolerance);
-    AreaSum total;
-    for (const JWGeometry* area : areas) total.add(*area, total.classify(*area));
+    if (!canUniteDirected) return buildArea(pairwise.unite(), tolerance).geometry;
     AreaSum::Edges edges = total.rest();
     double overlap = 0;
     return buildArea(AreaSum::unite(edges, overlap), tolerance).geometry;
-}
-
-/// With an engine that unites two operands at a time; what it drops counts as overlap then.
-GroupUnion GroupUnions::uniteOneByOne(const Group& group) const {
-    GroupUnion result;
-    std::vector<const JWGeometry*> areas;
-    for (const int* p = group.begin; p != group.end; ++p) {
-        areas.push_back(m_items[static_cast<std::size_t>(*p)].feature->getGeometryPtr());
-        result.areaBefore += areaOf(*areas.back());
-    }
-    const JWPolygon nothing;
-    result.geometry =
-        areas.size() > 1 ? uniteAll(areas, m_tolerance) : detail::unite(*areas.front(), nothing, 0);
-    result.overlap = result.areaBefore - (result.geometry ? areaOf(*result.geometry) : 0);
-    return result;
 }
 
 }  // namespace jws::detail

@@ -92,7 +92,10 @@ class GroupUnions {
     static void addSum(const Sum& part, AreaSum& total, Sum& account);
     /// Adds the areas at these positions to `total`.
     void addAreas(const int* begin, const int* end, AreaSum& total, Sum& account) const;
-    GroupUnion uniteOneByOne(const Group& group) const;
+    /// The union of a group's areas by the directed loops around them, and with an engine that
+    /// takes two operands at a time; fill in the account.
+    ClippedContours uniteDirected(const Group& group, GroupUnion& result) const;
+    ClippedContours uniteInPairs(const Group& group, GroupUnion& result) const;
 
     const std::vector<DissolveItem>& m_items;
     double m_tolerance;
