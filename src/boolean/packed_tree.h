@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+//
+// PackedTree: a tree over many rectangles that are all known beforehand, for searches of any shape.
+//
+// The rectangles are sorted along Hilbert's curve; eight neighbours make a node, eight nodes a node
+// of the next level, and so on, all in one array. Nothing is inserted later, so that there are no
+// half-empty nodes and no pointers to follow. What a search looks for is the caller's: it says
+// which rectangles may hold something, or how far from it a rectangle is.
+//
+// Cost: O(n log n) to build, 36 bytes and some for each rectangle. Searching changes nothing: any
+// number of threads may search at once.
+#ifndef JW_BOOLEAN_PACKED_TREE_H
+#define JW_BOOLEAN_PACKED_TREE_H
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "jw_envelop.h"
+
+namespace jws::detail {
+
+class PackedTree {
+  public:
+    PackedTree() = default;
+    /// Items are the positions of `boxes`; those of invalid rectangles are left out.
+    explicit PackedTree(const std::vector<JWEnvelop>& boxes);
+
+    bool isEmpty() const { return m_items.empty(); }
+    /// The rectangle around everything; invalid when empty.
+    JWEnvelop envelop() const { return isEmpty() ? JWEnvelop::invalid() : m_boxes.back(); }
+    /// The items in the order of the tree: neighbours lie near each other.
+    const std::vector<int>& items() const { return m_items; }
+
+    /// Calls `visit(item)` for the items whose rectangles, and those around them, satisfy
+    /// `mayHold(rectangle)`, until it returns true; tells whether it did.
+    template <class MayHold, class Visit>
+    bool search(const MayHold& mayHold, Visit&& visit) const {
+        return !isEmpty() && mayHold(m_boxes.back()) &&
+               searchIn(m_levels.size() - 1, 0, mayHold, visit);
+    }
+
+    /// Calls `visit(item)` for the items that may lie nearer than `limit()`, the near ones first.
+    ///
+    /// `bound(rectangle)` is no more than the measure of anything in the rectangle; `limit()` is
+    /// asked again before each step, and what has a bound above it is left out. `queue` is memory
+    /// for the search, to be used again.
+    struct Candidate {
+        double bound;
+        std::size_t place;
+        bool operator<(const Candidate& o) const { return bound > o.bound; }
+    };
+    template <class Bound, class Limit, class Visit>
+    void searchNearest(const Bound& bound, const Limit& limit, Visit&& visit,
+                       std::vector<Candidate>& queue) const {
+        if (isEmpty()) return;
+        queue.clear();
+        queue.push_back({bound(m_boxes.back()), m_boxes.size() - 1});
+        while (!queue.empty()) {
+            std::pop_heap(queue.begin(), queue.end());
+            const Candidate nearest = queue.back();
+            queue.pop_back();
+            if (!(nearest.bound <= limit())) return;
+            expand(nearest.place, bound, limit, visit, queue);
+        }
+    }
+
+  private:
+    static constexpr std::size_t kFan = 8;
+
+    /// Rectangles [first, first + count) of `m_boxes` are one level.
+    struct Level {
+        std::size_t first;
+        std::size_t count;
+    };
+
+    std::size_t levelOf(std::size_t place) const {
+        std::size_t level = 0;
+        while (place >= m_levels[level].first + m_levels[level].count) ++level;
+        return level;
+    }
+
+    template <class MayHold, class Visit>
+    bool searchIn(std::size_t level, std::size_t node, const MayHold& mayHold, Visit& visit) const {
+        if (level == 0) return visit(m_items[node]);
+        const Level& below = m_levels[level - 1];
+        const std::size_t end = std::min((node + 1) * kFan, below.count);
+        for (std::size_t i = node * kFan; i < end; ++i) {
+            if (mayHold(m_boxes[below.first + i]) && searchIn(level - 1, i, mayHold, visit))
+                return true;
+        }
+        return false;
+    }
+
+    /// Leaves are visited at once, the nearest of them first; nodes wait in the queue.
+    template <class Bound, class Limit, class Visit>
+    void expand(std::size_t place, const Bound& bound, const Limit& limit, Visit& visit,
+                std::vector<Candidate>& queue) const {
+        const std::size_t level = levelOf(place);
+        if (level == 0) return visit(m_items[place]);
+        const Level& below = m_levels[level - 1];
+        const std::size_t node = place - m_levels[level].first;
+        const std::size_t end = std::min((node + 1) * kFan, below.count);
+        Candidate near[kFan];
+        std::size_t count = 0;
+        for (std::size_t i = node * kFan; i < end; ++i) {
+            const Candidate candidate{bound(m_boxes[below.first + i]), below.first + i};
+            if (!(candidate.bound <= limit())) continue;
+            if (level > 1) {
+                queue.push_back(candidate);
+                std::push_heap(queue.begin(), queue.end());
+                continue;
+            }
+            std::size_t at = count++;
+            for (; at > 0 && near[at - 1].bound > candidate.bound; --at) near[at] = near[at - 1];
+            near[at] = candidate;
+        }
+        for (std::size_t i = 0; i < count && near[i].bound <= limit(); ++i)
+            visit(m_items[near[i].place]);
+    }
+
+    std::vector<int> m_items;
+    std::vector<JWEnvelop> m_boxes;  ///< level by level, the items' own first, the root last
+    std::vector<Level> m_levels;
+};
+
+}  // namespace jws::detail
+
+#endif  // JW_BOOLEAN_PACKED_TREE_H
