@@ -96,6 +96,10 @@ struct JWLayerReport {
     double areaDropped = 0;  ///< of rings below the tolerance: outer rings minus holes
     /// Dissolve: what features of one group cover more than once, counted for each further cover.
     double areaOverlap = 0;
+    // Counted by operations that walk over one layer.
+    std::int64_t verticesA = 0;  ///< of the features that could be processed
+    std::int64_t vertices = 0;   ///< of the features written
+
     /// The identity that the operation obeys was checked (`JWOverlayOptions::checkAreas`).
     bool checked = false;
     /// What the identity misses by, summed over features without regard to the sign; 0 would be
@@ -107,7 +111,7 @@ struct JWLayerReport {
     /// Features that were read but could not be processed, or were refused by the result layer.
     std::vector<JWRejectedFeature> rejected;
     double secondsIndex = 0;    ///< reading and indexing the overlay layer
-    double secondsOverlay = 0;  ///< reading, clipping and writing block by block
+    double secondsOverlay = 0;  ///< reading, computing and writing block by block
     bool cancelled = false;     ///< the progress callback stopped the run
 };
 

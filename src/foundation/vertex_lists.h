@@ -5,6 +5,7 @@
 #define JW_FOUNDATION_VERTEX_LISTS_H
 
 #include <cstddef>
+#include <cstdint>
 
 #include "jw_geometry.h"
 
@@ -58,6 +59,16 @@ inline bool areFinite(const JWRawPoint* points, std::size_t n) {
 
 /// True when no vertex has a coordinate that is NaN or infinite. Cost: one pass.
 inline bool isFinite(const JWGeometry& geometry) { return everyVertexList(geometry, areFinite); }
+
+/// The number of vertices, closing points of rings included.
+inline std::int64_t vertexCount(const JWGeometry& geometry) {
+    std::int64_t count = 0;
+    everyVertexList(geometry, [&](const JWRawPoint*, std::size_t n) {
+        count += static_cast<std::int64_t>(n);
+        return true;
+    });
+    return count;
+}
 
 }  // namespace jws::detail
 

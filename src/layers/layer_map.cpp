@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "foundation/parallel.h"
+#include "foundation/vertex_lists.h"
 #include "layers/block_filter.h"
 #include "layers/layer_checks.h"
 
@@ -12,7 +13,10 @@ namespace jws::detail {
 
 void MapResults::add(std::unique_ptr<JWGeometry> geometry) {
     PendingResult result;
-    if (geometry) result.area = areaOf(*geometry);
+    if (geometry) {
+        result.area = areaOf(*geometry);
+        result.vertices = vertexCount(*geometry);
+    }
     result.feature = m_schema.makeFeature(std::move(geometry), {&m_source, nullptr, 0, result.area},
                                           result.lostField);
     m_results.push_back(std::move(result));
@@ -24,6 +28,7 @@ namespace {
 struct MapSlot {
     GeometryCheck check = GeometryCheck::Usable;
     double inputArea = 0;
+    std::int64_t inputVertices = 0;
     std::vector<PendingResult> results;
     std::vector<std::string> failures;
 };
@@ -67,6 +72,7 @@ void MapRun::mapFeature(const FeatureMap& map, const JWFeature& feature, MapSlot
     MapResults results(m_job.schema, feature, slot.results, slot.failures);
     if (slot.check == GeometryCheck::Usable) {
         slot.inputArea = areaOf(*feature.getGeometryPtr());
+        slot.inputVertices = vertexCount(*feature.getGeometryPtr());
         map(feature, results);
     } else if (slot.check == GeometryCheck::Empty && m_job.keepsEmpty) {
         results.add(nullptr);
@@ -82,6 +88,7 @@ std::size_t MapRun::write(std::size_t i) {
     MapSlot& slot = m_slots[i];
     ++m_report.readA;
     m_report.areaA += slot.inputArea;
+    m_report.verticesA += slot.inputVertices;
     if (slot.check == GeometryCheck::Empty) ++m_report.emptyA;
     const std::string reason = reasonOf(slot.check, feature, m_job.kinds);
     if (!reason.empty()) reject(feature, reason);
@@ -137,6 +144,7 @@ std::int64_t runLayerMap(LayerMapJob& job, const LayerMapOptions& options, JWLay
         job.output.rollback();
         report.written = 0;
         report.area = 0;
+        report.vertices = 0;
         report.cancelled = run.isStopped();
         throw;
     }

@@ -16,6 +16,7 @@ void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInpu
     if (output.write(result.feature, result.record)) {
         ++report.written;
         report.area += result.area;
+        report.vertices += result.vertices;
     } else if (isRefusal(JWReport::lastError().kind)) {
         reject(JWReport::lastError().text);
     } else {

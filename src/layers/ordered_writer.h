@@ -23,10 +23,11 @@ struct PendingResult {
     std::unique_ptr<JWFeature> feature;
     std::shared_ptr<JWFeatureRecord> record;  ///< what the output prepared of it; may be null
     double area = 0;
+    std::int64_t vertices = 0;
     std::string lostField;  ///< name of a field whose value the result cannot hold
 };
 
-/// Writes a result and accounts for it: its area, a lost value, and that it is refused, under the
+/// Writes a result and accounts for it: area and vertices, a lost value, a refusal, under the
 /// feature `fid` of `input` that it comes from. Throws LayerFailure when the output cannot go on.
 void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
                  std::int64_t fid, JWLayerReport& report);

@@ -111,13 +111,12 @@ void setupDissolve(CLI::App& app, Settings& settings) {
 
 int runDissolve(const Settings& settings) {
     Request request;
-    return runLayerJob(settings, {"dissolve",
-                                  "dissolving",
-                                  false,
-                                  {{"by", settings.dissolveFields},
-                                   {"multipart", settings.multipart || settings.acrossClusters},
-                                   {"across", settings.acrossClusters},
-                                   {"stat", settings.statistics}},
+    Json parameters = {{"by", settings.dissolveFields},
+                       {"multipart", settings.multipart || settings.acrossClusters},
+                       {"across", settings.acrossClusters},
+                       {"stat", settings.statistics}};
+    return runLayerJob(settings, {"dissolve", "dissolving", false,
+                                  withAreaParameters(settings, std::move(parameters)),
                                   [&](InputLayer& input) {
                                       request = requestFor(settings, input);
                                       return request.type;

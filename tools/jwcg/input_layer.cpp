@@ -3,6 +3,7 @@
 
 #include <ogr_spatialref.h>
 
+#include <algorithm>
 #include <unordered_set>
 #include <utility>
 
@@ -15,7 +16,10 @@ InputLayer::InputLayer(const std::string& path, const std::string& layer) : m_pa
     m_source.reset(JWDataSource::open(path.c_str()));
     if (!m_source) throw libraryFailure(path);
     m_layer.reset(m_source->openLayer(layer.c_str()));
-    if (m_layer) return;
+    if (m_layer) {
+        m_isShapefile = std::string(m_layer->getDriverName()) == "ESRI Shapefile";
+        return;
+    }
     const CommandFailure failure = libraryFailure(path);
     // A file without any layer is not what the command line got wrong.
     if (m_source->getLayerCount() == 0) throw CommandFailure(ExitInputUnreadable, failure.what());
@@ -80,14 +84,22 @@ enumJWWKBGeometryType InputLayer::kind() const {
     }
 }
 
-void InputLayer::requirePolygons() const {
+void InputLayer::require(std::initializer_list<enumJWWKBGeometryType> kinds,
+                         const char* needed) const {
+    if (kind() == JWWKBUnknown) return;
+    if (std::find(kinds.begin(), kinds.end(), kind()) != kinds.end()) return;
     const enumJWWKBGeometryType type = m_layer->getGeometryType();
-    if (kind() == JWWKBPolygon || kind() == JWWKBUnknown) return;
     const std::string what = type == JWWKBNone
                                  ? "has no geometries"
                                  : std::string("holds ") + geometryTypeName(type) + " geometries";
-    throw CommandFailure(ExitUsage,
-                         m_path + ": layer " + layerName() + " " + what + "; polygons are needed");
+    throw CommandFailure(ExitUsage, m_path + ": layer " + layerName() + " " + what + "; " + needed);
+}
+
+enumJWWKBGeometryType InputLayer::widestType() const {
+    const enumJWWKBGeometryType type = m_layer->getGeometryType();
+    if (!m_isShapefile) return type;
+    if (type == JWWKBLineString) return JWWKBMultiLineString;
+    return type == JWWKBPolygon ? JWWKBMultiPolygon : type;
 }
 
 void requireSameReference(const InputLayer& a, const InputLayer& b) {

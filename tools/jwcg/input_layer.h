@@ -4,6 +4,7 @@
 #ifndef JWCG_INPUT_LAYER_H
 #define JWCG_INPUT_LAYER_H
 
+#include <initializer_list>
 #include <string>
 
 #include "output_file.h"
@@ -29,8 +30,13 @@ class InputLayer {
     /// What the layer may hold: 3 polygons, 1 points, 2 lines, 0 any, 100 none; multi-types count
     /// as their single ones.
     enumJWWKBGeometryType kind() const;
-    /// Throws CommandFailure (usage) unless the layer may hold polygons.
-    void requirePolygons() const;
+    /// Throws CommandFailure (usage) unless the layer may hold one of these kinds; `needed` says
+    /// so.
+    void require(std::initializer_list<enumJWWKBGeometryType> kinds, const char* needed) const;
+    void requirePolygons() const { require({JWWKBPolygon}, "polygons are needed"); }
+    /// The type of a layer that holds what this one holds: its own, but for shapefiles, which call
+    /// a layer that has multi-geometries by the single type, the multi-type.
+    enumJWWKBGeometryType widestType() const;
 
   private:
     void keep(JWFeatureClass& features);
@@ -38,6 +44,7 @@ class InputLayer {
     std::string m_path;
     SourcePointer m_source;
     LayerPointer m_layer;
+    bool m_isShapefile = false;  ///< the file is one
 };
 
 /// Throws CommandFailure (references differ) unless both layers have the same spatial reference or

@@ -28,14 +28,17 @@ class Stopwatch {
     Clock::time_point m_last = Clock::now();
 };
 
+/// A layer of this type has an area, or may have one.
+bool isAreal(enumJWWKBGeometryType type) {
+    return type == JWWKBPolygon || type == JWWKBMultiPolygon || type == JWWKBUnknown;
+}
+
 Json textOrNull(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
 
 Json parametersOf(const Settings& settings, const LayerJob& job) {
     Json parameters = job.parameters.is_null() ? Json::object() : job.parameters;
-    parameters["tolerance"] = settings.tolerance;
     parameters["block_size"] = settings.blockSize;
     parameters["threads"] = settings.threads;
-    parameters["area_field"] = textOrNull(settings.areaField);
     parameters["where"] = textOrNull(settings.where);
     if (job.takesOverlay) parameters["overlay_where"] = textOrNull(settings.overlayWhere);
     parameters["bbox"] = settings.bbox.empty() ? Json(nullptr) : Json(settings.bbox);
@@ -138,11 +141,17 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
     summary.format = output.format();
     summary.reference = describe(a.reference());
     summary.areaUnit = areaUnit(a.reference());
+    summary.account = job.account;
+    summary.hasAreas = isAreal(type);
     const double writing = std::max(0.0, running - report.secondsIndex - report.secondsOverlay);
-    summary.seconds = {{"open", opening},
-                       {"index", report.secondsIndex},
-                       {"overlay", report.secondsOverlay},
-                       {"finish", writing + watch.lap()}};
+    summary.seconds.emplace_back("open", opening);
+    if (b || job.account == AccountOfAreas) {
+        summary.seconds.emplace_back("index", report.secondsIndex);
+    }
+    summary.seconds.emplace_back(job.account == AccountOfAreas ? "overlay" : "run",
+                                 report.secondsOverlay);
+    summary.seconds.emplace_back("finish", writing + watch.lap());
+    if (job.describe) job.describe(summary);
     if (!report.rejected.empty()) summary.exitCode = ExitFeaturesRejected;
     return summary;
 }
@@ -169,6 +178,23 @@ int runLayerJob(const Settings& settings, const LayerJob& job) {
 enumJWWKBGeometryType requirePolygons(InputLayer& input) {
     input.requirePolygons();
     return JWWKBMultiPolygon;
+}
+
+enumJWWKBGeometryType requireLinesOrPolygons(InputLayer& input) {
+    input.require({JWWKBLineString, JWWKBPolygon}, "lines or polygons are needed");
+    return input.widestType();
+}
+
+enumJWWKBGeometryType requireGeometries(InputLayer& input) {
+    input.require({JWWKBPoint, JWWKBLineString, JWWKBPolygon, JWWKBGeometryCollection},
+                  "geometries are needed");
+    return input.widestType();
+}
+
+Json withAreaParameters(const Settings& settings, Json parameters) {
+    parameters["tolerance"] = settings.tolerance;
+    parameters["area_field"] = textOrNull(settings.areaField);
+    return parameters;
 }
 
 void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay) {
@@ -205,6 +231,10 @@ void addRunOptions(CLI::App& app, Settings& settings) {
                    "Smallest area of a ring that is kept, square layer units");
     addText(app, "--area-field", settings.areaField, "NAME",
             "Add a field with the area of each result feature, square layer units");
+    addThreadOptions(app, settings);
+}
+
+void addThreadOptions(CLI::App& app, Settings& settings) {
     addInteger(app, "--block-size", settings.blockSize, 0, INT_MAX,
                "Features of INPUT read at a time; 0 for all");
     addInteger(app, "--threads", settings.threads, 0, 1024,

@@ -36,6 +36,10 @@ struct LayerJob {
     std::function<enumJWWKBGeometryType(InputLayer& input)> prepare;
     /// Runs the library's operation and returns its code.
     std::function<int(const JobLayers& layers, JWLayerReport& report)> operation;
+    /// What the summary says about areas and vertices.
+    enumAccount account = AccountOfAreas;
+    /// Adds what the command has to say besides, once it is done; may be empty.
+    std::function<void(RunSummary& summary)> describe = {};
 };
 
 /// Runs a job, prints its account, and returns the exit status; throws CommandFailure.
@@ -43,11 +47,21 @@ int runLayerJob(const Settings& settings, const LayerJob& job);
 
 /// Declares the positional arguments and the options that choose files, layers and features.
 void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay);
-/// Declares --tolerance, --area-field, --block-size, --threads.
+/// Declares --block-size and --threads.
+void addThreadOptions(CLI::App& app, Settings& settings);
+/// These, and --tolerance and --area-field before them.
 void addRunOptions(CLI::App& app, Settings& settings);
+/// The parameters of the latter two, for `LayerJob::parameters`.
+Json withAreaParameters(const Settings& settings, Json parameters);
 
-/// For `prepare`: polygons in, multi-polygons out.
+// For `prepare`.
+
+/// Polygons in, multi-polygons out.
 enumJWWKBGeometryType requirePolygons(InputLayer& input);
+/// Lines or polygons in, the same out.
+enumJWWKBGeometryType requireLinesOrPolygons(InputLayer& input);
+/// Any geometries in, the same out.
+enumJWWKBGeometryType requireGeometries(InputLayer& input);
 
 }  // namespace jws::cli
 

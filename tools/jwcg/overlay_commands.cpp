@@ -41,11 +41,11 @@ JWOverlayOptions optionsOf(const Settings& settings) {
 }
 
 Json parametersOf(const Settings& settings) {
-    return {{"attributes", settings.attributes},
-            {"prefix_a", settings.prefixA},
-            {"prefix_b", settings.prefixB},
-            {"single_parts", settings.singleParts},
-            {"check", !settings.noCheck}};
+    return withAreaParameters(settings, {{"attributes", settings.attributes},
+                                         {"prefix_a", settings.prefixA},
+                                         {"prefix_b", settings.prefixB},
+                                         {"single_parts", settings.singleParts},
+                                         {"check", !settings.noCheck}});
 }
 
 int runTwo(const Settings& settings, const char* command, TwoLayers operation,

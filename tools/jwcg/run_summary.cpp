@@ -44,6 +44,11 @@ Json rejectedAsJson(const std::vector<JWRejectedFeature>& rejected) {
 /// Where the input's area went, in one line; nothing for points and lines.
 std::string accountText(const RunSummary& summary) {
     const JWLayerReport& report = summary.report;
+    if (summary.account == AccountOfVertices) {
+        return "vertices " + grouped(report.verticesA) + " read, " + grouped(report.vertices) +
+               " written\n";
+    }
+    if (summary.account == AccountOfNothing) return {};
     if (report.areaA == 0 && report.areaB == 0) return {};
     std::string text = "account  input " + formatted("%.10g", report.areaA);
     if (summary.overlay) text += ", overlay " + formatted("%.10g", report.areaB);
@@ -57,6 +62,9 @@ std::string accountText(const RunSummary& summary) {
 
 Json accountAsJson(const RunSummary& summary) {
     const JWLayerReport& report = summary.report;
+    if (summary.account == AccountOfVertices) {
+        return {{"input_vertices", report.verticesA}, {"output_vertices", report.vertices}};
+    }
     Json account = {{"input_area", report.areaA}};
     if (summary.overlay) account["overlay_area"] = report.areaB;
     account["output_area"] = report.area;
@@ -92,9 +100,11 @@ std::string asText(const RunSummary& summary) {
     std::ostringstream out;
     out << line("input", summary.input);
     if (summary.overlay) out << line("overlay", *summary.overlay);
-    out << line("output", summary.output) << "area     " << formatted("%.10g", report.area) << ' '
-        << summary.areaUnit << "\n"
-        << accountText(summary);
+    out << line("output", summary.output);
+    if (summary.hasAreas) {
+        out << "area     " << formatted("%.10g", report.area) << ' ' << summary.areaUnit << "\n";
+    }
+    out << accountText(summary) << summary.notes;
     if (summary.overlay) {
         out << "pairs    " << grouped(report.pairs) << " with envelopes that meet\n";
     }
@@ -118,8 +128,10 @@ Json asJson(const RunSummary& summary) {
     Json output = layerAsJson(summary.output);
     output.erase("empty");
     output["format"] = summary.format;
-    output["area"] = report.area;
-    output["area_unit"] = summary.areaUnit;
+    if (summary.hasAreas) {
+        output["area"] = report.area;
+        output["area_unit"] = summary.areaUnit;
+    }
     Json object = {
         {"command", summary.command},
         {"version", version()},
@@ -130,7 +142,8 @@ Json asJson(const RunSummary& summary) {
     if (summary.overlay) object["overlay"] = layerAsJson(*summary.overlay);
     object["output"] = std::move(output);
     if (summary.overlay) object["pairs"] = report.pairs;
-    object["account"] = accountAsJson(summary);
+    if (summary.account != AccountOfNothing) object["account"] = accountAsJson(summary);
+    if (summary.details.is_object()) object.update(summary.details);
     object["rejected"] = rejectedAsJson(report.rejected);
     double total = 0;
     Json seconds = Json::object();

@@ -30,6 +30,13 @@ struct LayerSummary {
     std::int64_t empty = 0;
 };
 
+/// What a summary says about areas and vertices.
+enum enumAccount {
+    AccountOfAreas,     ///< the areas of inputs and result, and whether they add up
+    AccountOfVertices,  ///< how many vertices went in and came out
+    AccountOfNothing,
+};
+
 /// The account of a run.
 struct RunSummary {
     std::string command;
@@ -40,6 +47,11 @@ struct RunSummary {
     std::string format;
     std::string reference;  ///< spatial reference for people, empty for none
     std::string areaUnit;
+    bool hasAreas = true;  ///< the result is of polygons, or may be
+    enumAccount account = AccountOfAreas;
+    /// What the command has to say besides: lines for people, and members of the object.
+    std::string notes;
+    Json details;
     JWLayerReport report;
     std::vector<std::pair<std::string, double>> seconds;  ///< per phase, in order
     ExitCode exitCode = ExitComplete;
