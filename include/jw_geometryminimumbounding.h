@@ -13,6 +13,29 @@
 
 namespace jws {
 
+/// The families of `JWGeometryMinimumBounding`.
+enum enumJWBounding {
+    JWBoundingHull = 1,
+    JWBoundingEnvelop = 2,
+    JWBoundingMinimumCircle = 3,
+    JWBoundingFastBall = 4,
+    JWBoundingMinimumAreaRect = 5,
+    JWBoundingMinimumWidthRect = 6,
+};
+
+/// What `JWGeometryMinimumBounding::boundLayer` makes of a layer.
+struct JWBoundingOptions {
+    enumJWBounding kind = JWBoundingHull;
+    /// One geometry around all features; otherwise one around each. Not for the bounding ball.
+    bool wholeLayer = false;
+    /// Adds real fields: "center_x", "center_y", "radius" of a circle; "length", "width" and
+    /// "angle" of a rectangle, the direction of its longer side in degrees, 0 to below 180,
+    /// counter-clockwise from the x axis; none for the others.
+    bool measures = false;
+    int blockSize = 0;  ///< features held at a time; 0 or less for all
+    int threads = 1;    ///< 0 or less for one per core; one geometry around all takes one
+};
+
 /// What encloses a set of points or the vertices of a geometry. No state.
 ///
 /// Six families, each for the same inputs:
@@ -197,6 +220,21 @@ class JW_API JWGeometryMinimumBounding {
     static bool featureClassMinimumWidthRect(JWFeatureClass* input, JWFeatureClass* output,
                                              JWLayerReport* report = nullptr);
     /// @}
+
+    /// Writes what encloses each feature of `input`, or all of them together, to `output`, a layer
+    /// without fields, as polygons, in the order of the input and in one transaction.
+    ///
+    /// What encloses a feature carries its attributes; what encloses all has their number in a
+    /// field "count", and points count, too. Only the exterior rings of polygons count. The result
+    /// is the same, bit for bit, for any number of threads and any block size. Memory holds one
+    /// block.
+    /// \param report  may be null; receives features read, empty, written and the rejected ones
+    ///     (another kind of geometry, a coordinate that is not finite, too few distinct points)
+    /// \return the number of features written; −1 with the last error set, and nothing written,
+    ///     for null, options that contradict each other, a failed read or write, and when the
+    ///     progress callback stopped it; −3 when the output has fields already
+    static int boundLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                          const JWBoundingOptions& options, JWLayerReport* report = nullptr);
 };
 
 }  // namespace jws

@@ -29,7 +29,8 @@ struct JWSimplifyOptions {
     double maximumTolerance = 0;  ///< layer units; Opheim's maximum
     int count = 0;                ///< Lang's look-ahead; n of the n-th point
     int minimumRingPoints = 3;    ///< a ring that would store fewer stays as it was
-    int threads = 1;              ///< for feature classes; 0 for one per core
+    int threads = 1;              ///< for feature classes and layers; 0 for one per core
+    int blockSize = 0;            ///< for layers: features held at a time; 0 for all
 };
 
 /// Removes vertices. No state; all functions may run on any number of threads, each on geometries
@@ -151,6 +152,21 @@ class JW_API JWGeometrySimplicify {
     static bool simplifyFeatures(JWFeatureClass* features, const JWSimplifyOptions& options,
                                  JWLayerReport* report = nullptr);
     /// @}
+
+    /// Writes each feature of `input`, simplified, with its attributes to `output`, a layer without
+    /// fields, in the order of the input and in one transaction. Points and features without a
+    /// geometry go through as they are, and so does a line that the method cannot take (too few
+    /// points). The output is declared of the input's type.
+    ///
+    /// The result is the same, bit for bit, for any number of threads and any block size.
+    /// \param report  may be null; receives features read, empty, written, the rejected ones (other
+    ///     kinds of geometry, and coordinates that are not finite: they are missing from the
+    ///     output), areas and vertices
+    /// \return the number of features written; −1 with the last error set, and nothing written,
+    ///     for null, parameters out of range, a failed read or write, and when the progress
+    ///     callback stopped it; −3 when the output has fields already
+    static int simplifyLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                             const JWSimplifyOptions& options, JWLayerReport* report = nullptr);
 };
 
 }  // namespace jws

@@ -34,7 +34,8 @@ struct JWSmoothOptions {
     double tangentMinimum = 0;  ///< Hermite, square layer units
     int minimumRingPoints = 3;  ///< a ring that would store fewer stays as it was
     bool dropRepeated = false;  ///< drop each result point that equals the one before it
-    int threads = 1;            ///< for feature classes; 0 for one per core
+    int threads = 1;            ///< for feature classes and layers; 0 for one per core
+    int blockSize = 0;          ///< for layers: features held at a time; 0 for all
 };
 
 /// Moves or adds vertices. No state; all functions may run on any number of threads, each on
@@ -135,6 +136,11 @@ class JW_API JWGeometrySmooth {
     static bool smoothFeatures(JWFeatureClass* features, const JWSmoothOptions& options,
                                JWLayerReport* report = nullptr);
     /// @}
+
+    /// Writes each feature of `input`, smoothed, with its attributes to `output`; otherwise the
+    /// same as `JWGeometrySimplicify::simplifyLayer`.
+    static int smoothLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                           const JWSmoothOptions& options, JWLayerReport* report = nullptr);
 };
 
 }  // namespace jws

@@ -6,7 +6,9 @@
 #define JW_GEOMETRYTRANSFORM_H
 
 #include "jw_export.h"
+#include "jw_feature.h"
 #include "jw_geometry.h"
+#include "jw_report.h"
 
 namespace jws {
 
@@ -150,6 +152,22 @@ class JW_API JWGeometryTransform {
     static bool multiPolygonAffineTransformByMatrix(JWMultiPolygon* polygons, const double* matrix);
     static bool geometryAffineTransformByMatrix(JWGeometry* geometry, const double* matrix);
     /// @}
+
+    /// Writes each feature of `input`, mapped by a matrix, with its attributes to `output`, a layer
+    /// without fields, in the order of the input and in one transaction. Features without a
+    /// geometry go through as they are. The output is declared of the input's type.
+    ///
+    /// The result is the same, bit for bit, for any number of threads and any block size.
+    /// \param blockSize  features held at a time; 0 or less for all
+    /// \param threads    0 or less for one per core
+    /// \param report     may be null; receives features read, empty, written, the rejected ones
+    ///     (a coordinate that is not finite, before or after: they are missing from the output),
+    ///     areas and vertices
+    /// \return the number of features written; −1 with the last error set, and nothing written,
+    ///     for null, a matrix that is not finite, a failed read or write, and when the progress
+    ///     callback stopped it; −3 when the output has fields already
+    static int transformLayer(JWFeatureLayer* input, JWFeatureLayer* output, const double* matrix,
+                              int blockSize = 0, int threads = 1, JWLayerReport* report = nullptr);
 };
 
 }  // namespace jws

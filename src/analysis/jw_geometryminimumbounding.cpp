@@ -4,13 +4,9 @@
 // input comes to; a form turns its input into runs and calls it.
 #include "jw_geometryminimumbounding.h"
 
-#include <limits>
-#include <utility>
-
-#include "analysis/bounding_rectangle.h"
+#include "analysis/bounding_layer.h"
+#include "analysis/bounding_shape.h"
 #include "analysis/feature_results.h"
-#include "analysis/hull.h"
-#include "analysis/minimum_circle.h"
 #include "analysis/point_runs.h"
 #include "foundation/api_guard.h"
 
@@ -20,97 +16,16 @@ using namespace detail;
 
 namespace {
 
-/// Replaces a ring by a list of points; false when there is none.
-bool replaceRing(std::vector<JWRawPoint> points, JWRing* ring) {
-    if (points.empty()) return false;
-    *ring = JWRing(std::move(points));
-    return true;
-}
-
-bool hullForm(const PointRuns& points, JWRing* hull) {
-    if (hull == nullptr || points.count() < 4) return false;
-    return replaceRing(convexHull(points), hull);
-}
-
-bool minimumAreaRectForm(const PointRuns& points, JWRing* rectangle) {
-    if (rectangle == nullptr) return false;
-    return replaceRing(boundingRectangle(points, RectangleMeasure::kArea), rectangle);
-}
-
-bool minimumWidthRectForm(const PointRuns& points, JWRing* rectangle) {
-    if (rectangle == nullptr) return false;
-    return replaceRing(boundingRectangle(points, RectangleMeasure::kWidth), rectangle);
-}
-
-bool envelopForm(const PointRuns& points, JWEnvelop* envelop) {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    JWEnvelop all(infinity, infinity, -infinity, -infinity);
-    points.forEach([&](const JWRawPoint& p) {
-        if (p.x < all.minX) all.minX = p.x;
-        if (p.x > all.maxX) all.maxX = p.x;
-        if (p.y < all.minY) all.minY = p.y;
-        if (p.y > all.maxY) all.maxY = p.y;
-    });
-    if (envelop == nullptr || !all.isValid()) return false;
-    *envelop = all;
-    return true;
-}
-
-template <class Find>
-bool circleForm(const Find& find, const PointRuns& points, JWRawPoint& center, double* radius,
-                JWRing* outline) {
-    Circle circle{center, 0};
-    if (radius == nullptr || !find(points, circle)) return false;
-    center = circle.center;
-    *radius = circle.radius;
-    if (outline != nullptr) *outline = circleOutline(circle);
-    return true;
-}
-
-bool minimumCircleForm(const PointRuns& points, JWRawPoint& center, double* radius,
-                       JWRing* outline) {
-    return circleForm(minimumCircle, points, center, radius, outline);
-}
-
-bool boundingBallForm(const PointRuns& points, JWRawPoint& center, double* radius,
-                      JWRing* outline) {
-    return circleForm(boundingBall, points, center, radius, outline);
-}
-
-// What the feature forms make of one geometry.
-
-bool hullPolygon(const PointRuns& points, JWRing* ring) {
-    return hullForm(points, ring) && ring->getPointCount() >= 4;
-}
-
-bool envelopPolygon(const PointRuns& points, JWRing* ring) {
-    JWEnvelop e;
-    if (!envelopForm(points, &e)) return false;
-    return replaceRing({e.bottom_left(), e.bottom_right(), e.top_right(), e.top_left()}, ring);
-}
-
-bool minimumCirclePolygon(const PointRuns& points, JWRing* ring) {
-    JWRawPoint center(0, 0);
-    double radius = 0;
-    return minimumCircleForm(points, center, &radius, ring);
-}
-
-bool boundingBallPolygon(const PointRuns& points, JWRing* ring) {
-    JWRawPoint center(0, 0);
-    double radius = 0;
-    return boundingBallForm(points, center, &radius, ring);
-}
-
 bool perFeature(const char* function, JWFeatureClass* input, JWFeatureClass* output,
-                JWLayerReport* report, bool (*form)(const PointRuns&, JWRing*)) {
+                JWLayerReport* report, BoundingShape shape) {
     if (input == nullptr || output == nullptr) return false;
     return guarded(function, false, [&] {
         JWLayerReport unread;
         polygonPerFeature(*input, *output, report != nullptr ? *report : unread,
                           "no bounding geometry: it needs more distinct points, finite, of a "
                           "multi-point, line or polygon",
-                          [form](const JWGeometry* geometry, JWRing* ring) {
-                              return form(PointRuns(geometry), ring);
+                          [shape](const JWGeometry* geometry, JWRing* ring) {
+                              return shape(PointRuns(geometry), ring, nullptr);
                           });
         return true;
     });
@@ -160,8 +75,13 @@ JW_FAMILY(FastBoundingBall, boundingBallForm,
           (JWRawPoint & center, double* radius, JWRing* outline), (center, radius, outline),
           boundingBallPolygon)
 JW_FAMILY(MinimumAreaRect, minimumAreaRectForm, (JWRing * rectangle), (rectangle),
-          minimumAreaRectForm)
+          minimumAreaRectPolygon)
 JW_FAMILY(MinimumWidthRect, minimumWidthRectForm, (JWRing * rectangle), (rectangle),
-          minimumWidthRectForm)
+          minimumWidthRectPolygon)
+
+int JWGeometryMinimumBounding::boundLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                                          const JWBoundingOptions& options, JWLayerReport* report) {
+    return detail::boundLayer(input, output, options, report);
+}
 
 }  // namespace jws

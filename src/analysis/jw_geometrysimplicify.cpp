@@ -204,4 +204,9 @@ bool JWGeometrySimplicify::simplifyFeatures(JWFeatureClass* features,
     return Forms::editClass("simplifyFeatures", features, options, report);
 }
 
+int JWGeometrySimplicify::simplifyLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                                        const JWSimplifyOptions& options, JWLayerReport* report) {
+    return Forms::editLayer("simplifyLayer", input, output, options, report);
+}
+
 }  // namespace jws

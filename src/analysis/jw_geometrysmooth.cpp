@@ -164,4 +164,9 @@ bool JWGeometrySmooth::smoothFeatures(JWFeatureClass* features, const JWSmoothOp
     return Forms::editClass("smoothFeatures", features, options, report);
 }
 
+int JWGeometrySmooth::smoothLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                                  const JWSmoothOptions& options, JWLayerReport* report) {
+    return Forms::editLayer("smoothLayer", input, output, options, report);
+}
+
 }  // namespace jws

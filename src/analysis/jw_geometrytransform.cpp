@@ -9,6 +9,8 @@
 #include <optional>
 
 #include "analysis/affine_map.h"
+#include "foundation/vertex_lists.h"
+#include "layers/layer_map.h"
 
 namespace jws {
 
@@ -146,5 +148,30 @@ JW_SIX_FORMS(Reflect, reflectMap, (const JWRawPoint* center), (center))
 JW_SIX_FORMS(Shear, shearMap, (double k, bool alongX), (k, alongX))
 JW_SEVEN_FORMS(AffineTransform, fittedMatrix, (const JWGCP* points, int n), (points, n))
 JW_SEVEN_FORMS(AffineTransformByMatrix, matrixMap, (const double* matrix), (matrix))
+
+int JWGeometryTransform::transformLayer(JWFeatureLayer* input, JWFeatureLayer* output,
+                                        const double* matrix, int blockSize, int threads,
+                                        JWLayerReport* report) {
+    const auto setUp = [&](LayerMapJob& job) {
+        const std::optional<Matrix> map = matrixMap(matrix);
+        if (!map) {
+            JWReport::setError(JWErrorInvalidArgument,
+                               "transformLayer: the matrix is missing or not finite");
+            throw LayerFailure();
+        }
+        job.outputType = input->getGeometryType();
+        job.keepsEmpty = true;
+        job.schema.addFieldsOf(job.input);
+        job.map = [map = *map](const JWFeature& feature, MapResults& results) {
+            std::unique_ptr<JWGeometry> geometry(feature.getGeometryPtr()->clone());
+            mapVertices(*geometry, map);
+            if (!isFinite(*geometry))
+                return results.reject("a coordinate grows beyond all numbers");
+            geometry->updateEnvelop();
+            results.add(std::move(geometry));
+        };
+    };
+    return mapLayer("transformLayer", input, output, {blockSize, threads}, report, setUp);
+}
 
 }  // namespace jws

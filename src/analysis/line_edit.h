@@ -8,12 +8,12 @@
 #ifndef JW_ANALYSIS_LINE_EDIT_H
 #define JW_ANALYSIS_LINE_EDIT_H
 
-#include <cmath>
 #include <string>
 #include <vector>
 
 #include "analysis/feature_results.h"
 #include "foundation/parallel.h"
+#include "foundation/vertex_lists.h"
 #include "jw_feature.h"
 #include "jw_report.h"
 
@@ -21,9 +21,7 @@ namespace jws::detail {
 
 /// True when no coordinate is NaN or infinite.
 inline bool allFinite(const std::vector<JWRawPoint>& points) {
-    double check = 0;
-    for (const JWRawPoint& p : points) check += (p.x - p.x) + (p.y - p.y);
-    return check == 0;
+    return areFinite(points.data(), points.size());
 }
 
 /// Runs one editor over geometries, one after the other.
@@ -90,33 +88,6 @@ inline bool hasLines(const JWGeometry& geometry) {
            type == JWGeometryPolygon || type == JWGeometryMultiPolygon;
 }
 
-/// Every coordinate of a geometry that has lines is finite.
-inline bool linesAreFinite(const JWGeometry& geometry) {
-    const auto ringsAreFinite = [](const JWPolygon& polygon) {
-        for (const JWRing& ring : polygon.getRingList()) {
-            if (!allFinite(ring.getPointList())) return false;
-        }
-        return true;
-    };
-    bool finite = true;
-    switch (geometry.getGeometryType()) {
-        case JWGeometryLineString:
-            return allFinite(static_cast<const JWLineString&>(geometry).getPointList());
-        case JWGeometryMultiLineString:
-            for (const auto& line : static_cast<const JWMultiLineString&>(geometry).getMemberList())
-                finite = finite && allFinite(line.getPointList());
-            return finite;
-        case JWGeometryPolygon:
-            return ringsAreFinite(static_cast<const JWPolygon&>(geometry));
-        case JWGeometryMultiPolygon:
-            for (const auto& polygon : static_cast<const JWMultiPolygon&>(geometry).getMemberList())
-                finite = finite && ringsAreFinite(polygon);
-            return finite;
-        default:
-            return true;
-    }
-}
-
 /// Edits the geometries of all features on a team of threads, each with a copy of the walk.
 /// `refused(geometry)`, called on the worker, hears of every other kind of geometry but points.
 template <class Editor, class Refused>
@@ -128,7 +99,7 @@ void editFeatures(JWFeatureClass& features, const LineWalk<Editor>& model, int t
     const auto editOne = [&](LineWalk<Editor>& walk, JWFeature& feature) {
         JWGeometry* geometry = feature.getGeometryPtr();
         if (geometry == nullptr || geometry->isEmpty()) return kEmpty;
-        if (!linesAreFinite(*geometry)) return kNotFinite;
+        if (hasLines(*geometry) && !isFinite(*geometry)) return kNotFinite;
         walk.edit(*geometry);
         if (hasLines(*geometry) || geometry->getGeometryType() == JWGeometryPoint) return kDone;
         refused(*geometry);

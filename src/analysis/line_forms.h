@@ -6,9 +6,12 @@
 #define JW_ANALYSIS_LINE_FORMS_H
 
 #include <algorithm>
+#include <memory>
+#include <string>
 
 #include "analysis/line_edit.h"
 #include "foundation/api_guard.h"
+#include "layers/layer_map.h"
 
 namespace jws::detail {
 
@@ -68,6 +71,33 @@ struct LineForms {
     static bool editClass(const char* function, JWFeatureClass* features, const Options& options,
                           JWLayerReport* report = nullptr) {
         return editClass(function, features, options, report, [](const JWGeometry&) {});
+    }
+
+    /// Points go through as they are.
+    template <class Options>
+    static int editLayer(const char* function, JWFeatureLayer* input, JWFeatureLayer* output,
+                         const Options& options, JWLayerReport* report) {
+        const auto setUp = [&](LayerMapJob& job) {
+            if (!Editor(options).isUsable()) {
+                JWReport::setError(JWErrorInvalidArgument,
+                                   std::string(function) + ": a parameter is out of range");
+                throw LayerFailure();
+            }
+            job.kinds = PointKind | LineKind | AreaKind;
+            job.outputType = input->getGeometryType();
+            job.keepsEmpty = true;
+            job.schema.addFieldsOf(job.input);
+            job.makeMap = [model = walk(options)]() -> FeatureMap {
+                const auto own = std::make_shared<LineWalk<Editor>>(model);
+                return [own](const JWFeature& feature, MapResults& results) {
+                    std::unique_ptr<JWGeometry> geometry(feature.getGeometryPtr()->clone());
+                    own->edit(*geometry);
+                    results.add(std::move(geometry));
+                };
+            };
+        };
+        return mapLayer(function, input, output, {options.blockSize, options.threads}, report,
+                        setUp);
     }
 };
 
