@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <sstream>
@@ -35,7 +36,9 @@ const std::vector<Command>& commandTable() {
     static const std::vector<Command> table = {
         intersectCommand(), unionCommand(),         mergeCommand(),    eraseCommand(),
         identityCommand(),  symdiffCommand(),       updateCommand(),   spatialJoinCommand(),
-        selfUnionCommand(), selfIntersectCommand(), dissolveCommand(), infoCommand(),
+        selfUnionCommand(), selfIntersectCommand(), dissolveCommand(), hullCommand(),
+        minCircleCommand(), minRectCommand(),       envelopeCommand(), simplifyCommand(),
+        smoothCommand(),    transformCommand(),     infoCommand(),
     };
     return table;
 }
@@ -71,21 +74,31 @@ void addNonNegative(CLI::App& app, const std::string& names, double& target,
 
 void addRectangle(CLI::App& app, const std::string& names, std::vector<double>& target,
                   const std::string& help) {
-    const auto read = [=, &target](const std::string& text) {
-        std::vector<double> numbers;
-        for (const std::string& member : split(text)) {
-            numbers.push_back(0);
-            if (!parse(member, numbers.back()) || !std::isfinite(numbers.back())) numbers.clear();
-            if (numbers.empty()) break;
-        }
-        if (numbers.size() != 4) {
-            throw CLI::ValidationError(names, "'" + text + "' is not x1,y1,x2,y2");
-        }
+    addNumbers(app, names, {4}, "X1,Y1,X2,Y2", help, [&target](std::vector<double> numbers) {
         if (numbers[0] > numbers[2]) std::swap(numbers[0], numbers[2]);
         if (numbers[1] > numbers[3]) std::swap(numbers[1], numbers[3]);
-        target = numbers;
+        target = std::move(numbers);
+    });
+}
+
+void addNumbers(CLI::App& app, const std::string& names, const std::vector<std::size_t>& counts,
+                const std::string& type, const std::string& help,
+                const std::function<void(const std::vector<double>&)>& take) {
+    const auto read = [=](const std::string& text) {
+        std::vector<double> numbers;
+        bool good = true;
+        for (const std::string& member : split(text)) {
+            numbers.push_back(0);
+            good = good && parse(member, numbers.back()) && std::isfinite(numbers.back());
+        }
+        if (!good || std::find(counts.begin(), counts.end(), numbers.size()) == counts.end()) {
+            std::string wanted = type;
+            for (char& c : wanted) c = static_cast<char>(std::tolower(c));
+            throw CLI::ValidationError(names, "'" + text + "' is not " + wanted);
+        }
+        take(numbers);
     };
-    app.add_option_function<std::string>(names, read, help)->type_name("X1,Y1,X2,Y2");
+    app.add_option_function<std::string>(names, read, help)->type_name(type)->trigger_on_parse();
 }
 
 void addList(CLI::App& app, const std::string& names, std::vector<std::string>& target,

@@ -5,6 +5,8 @@
 #ifndef JWCG_COMMAND_TABLE_H
 #define JWCG_COMMAND_TABLE_H
 
+#include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,13 @@ class App;
 }
 
 namespace jws::cli {
+
+/// One step of a transformation, in the order of the command line.
+struct TransformStep {
+    std::string name;             ///< of the option, "--move"
+    std::vector<double> numbers;  ///< none for control points
+    std::string file;             ///< with the control points
+};
 
 /// What the command line asks for. Each command declares the options that it takes.
 struct Settings {
@@ -32,6 +41,18 @@ struct Settings {
     std::string prefixB;
     std::vector<std::string> dissolveFields;
     std::vector<std::string> statistics;
+    // Bounding geometries.
+    bool wholeLayer = false;
+    bool measures = false;
+    std::string smallest = "area";
+    // Simplification and smoothing.
+    std::string simplifyMethod = "douglas-peucker";
+    std::string smoothMethod = "chaiken";
+    std::map<std::string, double> parameters;  ///< those given, by the name of the option
+    // Transformation.
+    std::vector<TransformStep> steps;
+    std::vector<double> origin;  ///< empty for the centre of the layer
+    bool inverse = false;
     bool multipart = false;
     bool acrossClusters = false;
     bool singleParts = false;
@@ -76,6 +97,11 @@ void addNonNegative(CLI::App& app, const std::string& names, double& target,
 /// corners will do.
 void addRectangle(CLI::App& app, const std::string& names, std::vector<double>& target,
                   const std::string& help);
+/// Declares an option that takes as many finite numbers as one of `counts` says, with commas
+/// between them. `take` gets each occurrence in the order of the command line.
+void addNumbers(CLI::App& app, const std::string& names, const std::vector<std::size_t>& counts,
+                const std::string& type, const std::string& help,
+                const std::function<void(const std::vector<double>&)>& take);
 /// Declares an option that takes a list with commas between its members, and may be repeated.
 void addList(CLI::App& app, const std::string& names, std::vector<std::string>& target,
              const std::string& type, const std::string& help);

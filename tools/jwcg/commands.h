@@ -23,6 +23,19 @@ Command selfIntersectCommand();
 // dissolve_command.cpp
 Command dissolveCommand();
 
+// bounding_commands.cpp
+Command hullCommand();
+Command minCircleCommand();
+Command minRectCommand();
+Command envelopeCommand();
+
+// line_commands.cpp
+Command simplifyCommand();
+Command smoothCommand();
+
+// transform_command.cpp
+Command transformCommand();
+
 // info_command.cpp
 Command infoCommand();
 
