@@ -100,11 +100,14 @@ bool parallelChunks(const Team& team, std::int64_t count, std::int64_t chunkSize
             if (!body(begin, std::min(begin + chunkSize, count))) stopped = true;
         }
     };
-    if (team.size() == 1) {
+    // One worker for each chunk is enough.
+    const std::int64_t chunks = (count + chunkSize - 1) / chunkSize;
+    const int workers = static_cast<int>(
+        std::min<std::int64_t>(workersOf(team.size()), std::max<std::int64_t>(chunks, 1)));
+    if (workers == 1) {
         work();
         return !stopped;
     }
-    const int workers = workersOf(team.size());
 #pragma omp parallel num_threads(workers)
     {
         try {
