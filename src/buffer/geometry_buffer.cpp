@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "boolean/envelope_clusters.h"
-#include "boolean/hilbert_order.h"
 #include "boolean/ring_clip.h"
 #include "boolean/ring_grouping.h"
 #include "buffer/piece_union.h"
+#include "foundation/hilbert_order.h"
 
 namespace jws::detail {
 namespace {

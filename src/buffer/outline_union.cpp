@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "boolean/envelope_clusters.h"
-#include "boolean/hilbert_order.h"
+#include "foundation/hilbert_order.h"
 
 namespace jws::detail {
 namespace {

@@ -14,35 +14,10 @@
 #include <algorithm>
 #include <vector>
 
-#include "foundation/orientation.h"
+#include "foundation/rectangle_segment.h"
 
 namespace jws::detail {
 namespace {
-
-/// How the corners lie to the line from a to b.
-struct CornerSides {
-    CornerSides(const JWRawPoint& a, const JWRawPoint& b, const JWEnvelop& r) {
-        const JWRawPoint corners[] = {r.bottom_left(), r.bottom_right(), r.top_left(),
-                                      r.top_right()};
-        for (const JWRawPoint& corner : corners) {
-            const int sign = orientationSign(a, b, corner);
-            left += sign > 0;
-            right += sign < 0;
-        }
-    }
-    int left = 0;
-    int right = 0;
-};
-
-bool segmentMeets(const JWRawPoint& a, const JWRawPoint& b, const JWEnvelop& r) {
-    if (std::max(a.x, b.x) < r.minX || std::min(a.x, b.x) > r.maxX || std::max(a.y, b.y) < r.minY ||
-        std::min(a.y, b.y) > r.maxY) {
-        return false;
-    }
-    if (r.contains(a) || r.contains(b)) return true;
-    const CornerSides sides(a, b, r);
-    return sides.left < 4 && sides.right < 4;
-}
 
 bool segmentEnters(const JWRawPoint& a, const JWRawPoint& b, const JWEnvelop& r) {
     if (std::max(a.x, b.x) <= r.minX || std::min(a.x, b.x) >= r.maxX ||
@@ -91,7 +66,7 @@ bool isInside(const JWRawPoint& p, const JWRing* rings, int count) {
 
 bool areaMeets(const JWRing* rings, int count, const JWEnvelop& r) {
     for (int i = 0; i < count; ++i) {
-        if (anySegment(rings[i], r, segmentMeets)) return true;
+        if (anySegment(rings[i], r, segmentMeetsRectangle)) return true;
     }
     return isInside(r.bottom_left(), rings, count);
 }
@@ -99,7 +74,7 @@ bool areaMeets(const JWRing* rings, int count, const JWEnvelop& r) {
 bool onBoundary(const JWRawPoint& p, const JWRing* rings, int count) {
     const JWEnvelop r(p.x, p.y, p.x, p.y);
     for (int i = 0; i < count; ++i) {
-        if (anySegment(rings[i], r, segmentMeets)) return true;
+        if (anySegment(rings[i], r, segmentMeetsRectangle)) return true;
     }
     return false;
 }
@@ -110,7 +85,7 @@ bool areaContainsSegment(const JWRing* rings, int count, const JWEnvelop& r) {
     const double from = alongX ? r.minX : r.minY, to = alongX ? r.maxX : r.maxY;
     std::vector<double> cuts{from, to};
     const auto addCuts = [&](const JWRawPoint& a, const JWRawPoint& b, const JWEnvelop&) {
-        if (!segmentMeets(a, b, r)) return false;
+        if (!segmentMeetsRectangle(a, b, r)) return false;
         const double a0 = alongX ? a.x : a.y, a1 = alongX ? a.y : a.x;
         const double b0 = alongX ? b.x : b.y, b1 = alongX ? b.y : b.x;
         const double level = alongX ? r.minY : r.minX;
@@ -167,7 +142,8 @@ bool meetsRectangle(const JWGeometry& geometry, const JWEnvelop& rectangle) {
     const enumJWGeometryType type = geometry.getGeometryType();
     switch (type) {
         case JWGeometryLineString:
-            return anySegment(static_cast<const JWLineString&>(geometry), rectangle, segmentMeets);
+            return anySegment(static_cast<const JWLineString&>(geometry), rectangle,
+                              segmentMeetsRectangle);
         case JWGeometryRing:
             return areaMeets(static_cast<const JWRing*>(&geometry), 1, rectangle);
         case JWGeometryPolygon: {
@@ -176,7 +152,7 @@ bool meetsRectangle(const JWGeometry& geometry, const JWEnvelop& rectangle) {
         }
         case JWGeometryLine: {
             const auto& line = static_cast<const JWLine&>(geometry);
-            return segmentMeets(line.getFromPoint(), line.getToPoint(), rectangle);
+            return segmentMeetsRectangle(line.getFromPoint(), line.getToPoint(), rectangle);
         }
         default:
             return !isCollection(type) || anyMember(geometry, [&](const JWGeometry& member) {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "boolean/hilbert_order.h"
+#include "foundation/hilbert_order.h"
 #include "overlay/feature_check.h"
 #include "overlay/geometry_overlay.h"
 

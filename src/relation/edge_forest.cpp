@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "relation/edge_forest.h"
+
+#include <algorithm>
+
+#include "foundation/hilbert_order.h"
+
+namespace jws::detail {
+
+void EdgeForest::clear() {
+    m_points.clear();
+    m_chains.clear();
+    m_nodes.clear();
+    m_root = 0;
+}
+
+void EdgeForest::endChain(bool area) {
+    EdgeChain chain;
+    chain.first = m_chains.empty() ? 0 : m_chains.back().last + 1;
+    chain.last = static_cast<std::uint32_t>(m_points.size()) - 1;
+    chain.area = area;
+    chain.closed = m_points[chain.first] == m_points[chain.last];
+    m_chains.push_back(chain);
+}
+
+void EdgeForest::build() {
+    m_nodes.clear();
+    if (m_chains.empty()) return;
+    m_nodes.reserve(m_points.size() / 6 + 3 * m_chains.size() + 8);
+    for (std::uint32_t c = 0; c < m_chains.size(); ++c) buildChain(m_chains[c], c);
+    m_root = m_chains[0].node;
+    if (m_chains.size() > 1) buildGroups();
+}
+
+/// Puts levels of parents over the nodes from `from` to the end until one is left, which it
+/// returns; `finish` sets what is particular to a kind of parent.
+template <class Finish>
+std::uint32_t EdgeForest::buildLevels(std::uint32_t from, Finish&& finish) {
+    auto to = static_cast<std::uint32_t>(m_nodes.size());
+    while (to - from > 1) {
+        for (std::uint32_t i = from; i < to; i += kFan) {
+            const std::uint32_t end = std::min(i + kFan, to);
+            Node parent = m_nodes[i];
+            for (std::uint32_t k = i + 1; k < end; ++k)
+                parent.box.inflates_to_contain(m_nodes[k].box);
+            parent.first = i;
+            parent.last = end;
+            finish(parent);
+            m_nodes.push_back(parent);
+        }
+        from = to;
+        to = static_cast<std::uint32_t>(m_nodes.size());
+    }
+    return from;
+}
+
+void EdgeForest::buildChain(EdgeChain& chain, std::uint32_t index) {
+    const auto from = static_cast<std::uint32_t>(m_nodes.size());
+    for (std::uint32_t e = chain.first; e < chain.last; e += kFan) {
+        const std::uint32_t end = std::min(e + kFan, chain.last);
+        JWEnvelop box = edgeBox(e);
+        for (std::uint32_t i = e + 1; i < end; ++i) {
+            const JWRawPoint& p = m_points[i + 1];
+            box.minX = std::min(box.minX, p.x);
+            box.minY = std::min(box.minY, p.y);
+            box.maxX = std::max(box.maxX, p.x);
+            box.maxY = std::max(box.maxY, p.y);
+        }
+        m_nodes.push_back({box, e, end, e, end, index, kLeaf});
+    }
+    chain.node = buildLevels(from, [this](Node& parent) {
+        parent.lastEdge = m_nodes[parent.last - 1].lastEdge;
+        parent.kind = kRun;
+    });
+}
+
+void EdgeForest::buildGroups() {
+    std::vector<int> order(m_chains.size());
+    for (std::size_t c = 0; c < order.size(); ++c) order[c] = static_cast<int>(c);
+    if (order.size() > kFan) {
+        std::vector<JWEnvelop> boxes(order.size());
+        for (std::size_t c = 0; c < boxes.size(); ++c) boxes[c] = chainBox(c);
+        sortAlongHilbertCurve(boxes, order);
+    }
+    // Children must lie together, so the chains' nodes are copied in order.
+    const auto from = static_cast<std::uint32_t>(m_nodes.size());
+    for (const int c : order) {
+        const Node copy = m_nodes[m_chains[static_cast<std::size_t>(c)].node];
+        m_nodes.push_back(copy);
+    }
+    m_root = buildLevels(from, [](Node& parent) { parent.kind = kGroup; });
+}
+
+bool EdgeForest::areIdleNeighbours(std::uint32_t i, std::uint32_t j, const EdgeChain& chain) const {
+    const bool follows = j == i + 1;
+    const bool wraps = chain.closed && i == chain.first && j + 1 == chain.last;
+    if (!follows && !wraps) return false;
+    if (follows && wraps) return false;  // two edges, there and back
+    const JWRawPoint& before = m_points[follows ? i : j];
+    const JWRawPoint& middle = m_points[follows ? j : i];
+    const JWRawPoint& after = m_points[follows ? j + 1 : i + 1];
+    if (orientationSign(before, middle, after) != 0) return true;
+    return middle.x != before.x ? (before.x < middle.x) == (middle.x < after.x)
+                                : (before.y < middle.y) == (middle.y < after.y);
+}
+
+}  // namespace jws::detail

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+//
+// One geometry against many. Coordinates of ordinary size are compared as they were prepared;
+// should the other geometry be so large or so small that both need a common scale, they are read
+// again for that one question.
+#include <optional>
+
+#include "foundation/api_guard.h"
+#include "jw_relationmatrix.h"
+#include "relation/predicates.h"
+
+namespace jws {
+
+using namespace detail;
+
+struct JWPreparedRelation::Impl {
+    std::unique_ptr<const JWGeometry> geometry;
+    RelateOperand::Status status = RelateOperand::kUnsupported;
+    RelateOperand::Range range;
+    bool isPlain = true;                     ///< read without a shift
+    std::optional<PreparedOperand> operand;  ///< when it holds something
+};
+
+namespace {
+
+/// Reads `other` beside a prepared operand without a shift; null when that is not possible.
+std::optional<RelateOperand> readPlainly(const JWGeometry& other) {
+    RelateOperand read;
+    if (read.assign(other) != RelateOperand::kUsable || !read.range().isPlain()) return {};
+    return read;
+}
+
+}  // namespace
+
+JWPreparedRelation::JWPreparedRelation(const JWGeometry* geometry) {
+    guarded("JWPreparedRelation", false, [&] {
+        m_impl = std::make_unique<Impl>();
+        if (geometry == nullptr) {
+            JWReport::setError(JWErrorInvalidArgument, "JWPreparedRelation: the geometry is null");
+            return false;
+        }
+        RelateOperand operand;
+        m_impl->status = operand.assign(*geometry);
+        m_impl->range = operand.range();
+        m_impl->isPlain = m_impl->range.isPlain();
+        if (!isUsable()) {
+            reportUnusable("JWPreparedRelation", m_impl->status);
+            return false;
+        }
+        m_impl->geometry.reset(geometry->clone());
+        if (m_impl->status == RelateOperand::kEmpty) return true;
+        if (!m_impl->isPlain) operand.assign(*geometry, m_impl->range.shift());
+        m_impl->operand.emplace(std::move(operand));
+        return true;
+    });
+}
+
+JWPreparedRelation::~JWPreparedRelation() = default;
+JWPreparedRelation::JWPreparedRelation(JWPreparedRelation&&) noexcept = default;
+JWPreparedRelation& JWPreparedRelation::operator=(JWPreparedRelation&&) noexcept = default;
+
+bool JWPreparedRelation::isUsable() const {
+    return m_impl != nullptr &&
+           (m_impl->status == RelateOperand::kUsable || m_impl->status == RelateOperand::kEmpty);
+}
+
+bool JWPreparedRelation::relate(const JWGeometry* other, JWRelationMatrix* matrix) const {
+    if (matrix == nullptr) return false;
+    *matrix = JWRelationMatrix();
+    if (other == nullptr || !isUsable()) return false;
+    return guarded("relate", false, [&] {
+        std::optional<RelateOperand> read;
+        if (m_impl->operand && m_impl->isPlain) read = readPlainly(*other);
+        if (!read) return detail::relate(*m_impl->geometry, *other, *matrix);
+        const PreparedOperand second(std::move(*read));
+        *matrix = publicMatrix(Relator().relate(*m_impl->operand, second));
+        return true;
+    });
+}
+
+bool JWPreparedRelation::relate(const JWPreparedRelation& other, JWRelationMatrix* matrix) const {
+    if (matrix == nullptr) return false;
+    *matrix = JWRelationMatrix();
+    if (!isUsable() || !other.isUsable()) return false;
+    return guarded("relate", false, [&] {
+        const Impl &a = *m_impl, &b = *other.m_impl;
+        if (!(a.operand && b.operand && a.isPlain && b.isPlain))
+            return detail::relate(*a.geometry, *b.geometry, *matrix);
+        *matrix = publicMatrix(Relator().relate(*a.operand, *b.operand));
+        return true;
+    });
+}
+
+bool JWPreparedRelation::intersects(const JWGeometry* other) const {
+    if (other == nullptr || !isUsable() || !m_impl->operand) return false;
+    return guarded("intersects", false, [&] {
+        std::optional<RelateOperand> read;
+        if (m_impl->isPlain) read = readPlainly(*other);
+        if (!read) return detail::intersects(*m_impl->geometry, *other);
+        const RelateOperand& own = m_impl->operand->operand();
+        if (own.box().isDisjoin(read->box())) return false;
+        read->index();
+        return Relator::intersect(own, *read);
+    });
+}
+
+bool JWPreparedRelation::holds(int predicate, const JWGeometry* other) const {
+    if (other == nullptr || !isUsable() || !m_impl->operand) return false;
+    return guarded("holds", false, [&] {
+        const auto asked = static_cast<Predicate>(predicate);
+        std::optional<RelateOperand> read;
+        if (m_impl->isPlain) read = readPlainly(*other);
+        if (!read) return detail::holds(asked, *m_impl->geometry, *other);
+        if (isRuledOut(asked, m_impl->operand->operand(), *read)) return false;
+        return detail::holds(asked, *m_impl->operand, PreparedOperand(std::move(*read)));
+    });
+}
+
+bool JWPreparedRelation::contains(const JWGeometry* other) const {
+    return holds(static_cast<int>(Predicate::kContains), other);
+}
+
+bool JWPreparedRelation::covers(const JWGeometry* other) const {
+    return holds(static_cast<int>(Predicate::kCovers), other);
+}
+
+bool JWPreparedRelation::touches(const JWGeometry* other) const {
+    return holds(static_cast<int>(Predicate::kTouches), other);
+}
+
+JWRelationMatrix::Part JWPreparedRelation::partAt(const JWRawPoint& p) const {
+    if (!isUsable() || !m_impl->operand) return JWRelationMatrix::Exterior;
+    return static_cast<JWRelationMatrix::Part>(m_impl->operand->operand().locate(p));
+}
+
+}  // namespace jws

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+//
+// One walk settles nearly every point. What it cannot settle goes to an operand: a point on a ring
+// at which several edges meet, and coordinates so large or so small that products leave the range
+// of doubles.
+#include "relation/point_place.h"
+
+#include <cmath>
+
+#include "relation/relate_operand.h"
+
+namespace jws::detail {
+namespace {
+
+class PointWalk {
+  public:
+    explicit PointWalk(const JWRawPoint& p) : m_p(p) {}
+
+    void takePoint(const JWRawPoint& a) { m_probe += a.x * 0 + a.y * 0; }
+
+    void takeEdge(const JWRawPoint& a, const JWRawPoint& b) {
+        takePoint(b);
+        const double y = m_p.y;
+        if ((a.y < y && b.y < y) || (a.y > y && b.y > y) || (a.x < m_p.x && b.x < m_p.x)) return;
+        const bool crosses = (a.y > y) != (b.y > y);
+        if (a.x > m_p.x && b.x > m_p.x) {
+            m_odd ^= crosses;
+            return;
+        }
+        if (m_p == a || m_p == b) {
+            ++m_touched;
+            return;
+        }
+        if (!crosses && a.y != b.y) return;
+        const int side = orientationSign(a, b, m_p);
+        m_unsure |= side == 2 || !isPlain(a) || !isPlain(b) || !isPlain(m_p);
+        if (side == 0) {
+            m_touched += 2;
+        } else {
+            m_odd ^= crosses && (side > 0) == (b.y > a.y);
+        }
+    }
+
+    bool isFinite() const { return m_probe == 0; }
+    bool isUnsure() const { return m_unsure; }
+    bool odd() const { return m_odd; }
+    /// Twice the edges through the point, an edge that ends there once.
+    int touched() const { return m_touched; }
+
+  private:
+    static bool isPlain(double v) {
+        const double size = std::fabs(v);
+        return size == 0 || (size < 0x1p250 && size > 0x1p-215);
+    }
+    static bool isPlain(const JWRawPoint& p) { return isPlain(p.x) && isPlain(p.y); }
+
+    JWRawPoint m_p;
+    double m_probe = 0;
+    bool m_odd = false;
+    bool m_unsure = false;
+    int m_touched = 0;
+};
+
+void takeEdges(PointWalk& walk, const JWPointSequence& points) {
+    const JWRawPoint* p = points.getPointsPtr();
+    const int n = points.getPointCount();
+    if (n == 0) return;
+    walk.takePoint(p[0]);
+    for (int i = 0; i + 1 < n; ++i) walk.takeEdge(p[i], p[i + 1]);
+}
+
+PointPlace placeByOperand(const JWRawPoint& p, const JWGeometry& geometry, bool onExteriorRing) {
+    RelateOperand operand;
+    if (operand.assign(geometry) != RelateOperand::kUsable) return {};
+    JWRawPoint scaled = p;
+    RelateOperand::Range range = operand.range();
+    range.add(p.x);
+    range.add(p.y);
+    if (!range.isPlain()) {
+        operand.assign(geometry, range.shift());
+        RelateOperand point;
+        point.assign(JWPoint(p), range.shift());
+        scaled = point.points().front();
+    }
+    operand.index();
+    return {operand.locate(scaled), onExteriorRing};
+}
+
+bool isFinite(const JWRawPoint& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
+}  // namespace
+
+PointPlace placeInLine(const JWRawPoint& p, const JWLineString& line) {
+    const int n = line.getPointCount();
+    if (n == 0 || !isFinite(p)) return {};
+    PointWalk walk(p);
+    takeEdges(walk, line);
+    if (!walk.isFinite()) return {};
+    if (walk.isUnsure()) return placeByOperand(p, line, false);
+    const JWRawPoint &first = line.getPointsPtr()[0], &last = line.getPointsPtr()[n - 1];
+    if (walk.touched() == 0) return {n == 1 && p == first ? kInterior : kExterior, false};
+    return {first != last && (p == first || p == last) ? kBoundary : kInterior, false};
+}
+
+PointPlace placeInPolygon(const JWRawPoint& p, const JWPolygon& polygon) {
+    if (!isFinite(p)) return {};
+    PointWalk walk(p);
+    bool onExteriorRing = false;
+    for (int i = 0; i < polygon.getRingCount(); ++i) {
+        const JWRing& ring = polygon.getRingAt(i);
+        const int n = ring.getPointCount();
+        takeEdges(walk, ring);
+        if (n > 0) {
+            const JWRawPoint *first = ring.getPointsPtr(), *last = first + n - 1;
+            if (n == 1 || *first != *last) walk.takeEdge(*last, *first);
+        }
+        if (i == 0) onExteriorRing = walk.touched() > 0;
+    }
+    if (!walk.isFinite()) return {};
+    if (walk.isUnsure() || walk.touched() > 2) return placeByOperand(p, polygon, onExteriorRing);
+    if (walk.touched() > 0) return {kBoundary, onExteriorRing};
+    return {walk.odd() ? kInterior : kExterior, false};
+}
+
+}  // namespace jws::detail
