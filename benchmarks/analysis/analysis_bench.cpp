@@ -21,7 +21,7 @@
 #include "analysis/point_sets.h"
 #include "jw_geometryminimumbounding.h"
 #include "jw_geometrysimplicify.h"
-#include "support/stats.h"
+#include "support/contest.h"
 
 namespace {
 
@@ -45,40 +45,6 @@ GeosPtr geosLine(const std::vector<JWRawPoint>& points) {
     return GeosPtr(GEOSGeom_createLineString_r(geos(), s));
 }
 
-/// One contender: what is timed, and the figure that must agree with that of the first one.
-struct Entry {
-    std::string name;
-    std::function<void()> run;
-    std::function<double()> figure;
-};
-
-bool report(const std::string& title, const std::vector<Entry>& entries, double tolerance,
-            int rounds) {
-    std::vector<bench::Contender> contenders;
-    std::vector<std::string> names;
-    bool agreed = true;
-    double expected = 0;
-    for (const Entry& entry : entries) {
-        entry.run();
-        const double figure = entry.figure();
-        if (names.empty()) expected = figure;
-        if (std::fabs(figure - expected) > tolerance * std::fabs(expected)) {
-            std::printf("%-32s %-8s LEFT OUT: %.17g instead of %.17g\n", title.c_str(),
-                        entry.name.c_str(), figure, expected);
-            agreed = false;
-            continue;
-        }
-        names.push_back(entry.name);
-        contenders.push_back({entry.run, [] {}});
-    }
-    const auto times = bench::interleave(contenders, rounds);
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        std::printf("%-32s %-8s %10.2f ms   ratio %8.2f\n", title.c_str(), names[i].c_str(),
-                    bench::median(times[i]), bench::medianRatio(times[i], times[0]));
-    }
-    return agreed;
-}
-
 bool hull(const std::string& set, int n, int rounds) {
     const std::vector<JWRawPoint> points = bench::pointSet(set, n);
     const GeosPtr line = geosLine(points);
@@ -87,18 +53,19 @@ bool hull(const std::string& set, int n, int rounds) {
     JWRing ours;
     GeosPtr theirs;
     bg::model::polygon<BoostPoint> boosts;
-    return report("hull " + set + " " + std::to_string(n),
-                  {{"jwcg", [&] { JWGeometryMinimumBounding::pointsContexHull(points, n, &ours); },
-                    [&] { return ours.getArea(); }},
-                   {"boost", [&] { boosts.clear(), bg::convex_hull(multi, boosts); },
-                    [&] { return std::fabs(bg::area(boosts)); }},
-                   {"geos", [&] { theirs.reset(GEOSConvexHull_r(geos(), line.get())); },
-                    [&] {
-                        double area = 0;
-                        GEOSArea_r(geos(), theirs.get(), &area);
-                        return area;
-                    }}},
-                  1e-12, rounds);
+    return bench::contest(
+        "hull " + set + " " + std::to_string(n),
+        {{"jwcg", [&] { JWGeometryMinimumBounding::pointsContexHull(points, n, &ours); },
+          [&] { return ours.getArea(); }},
+         {"boost", [&] { boosts.clear(), bg::convex_hull(multi, boosts); },
+          [&] { return std::fabs(bg::area(boosts)); }},
+         {"geos", [&] { theirs.reset(GEOSConvexHull_r(geos(), line.get())); },
+          [&] {
+              double area = 0;
+              GEOSArea_r(geos(), theirs.get(), &area);
+              return area;
+          }}},
+        1e-12, rounds);
 }
 
 bool circle(const std::string& set, int n, int rounds) {
@@ -106,7 +73,7 @@ bool circle(const std::string& set, int n, int rounds) {
     const GeosPtr line = geosLine(points);
     JWRawPoint center(0, 0);
     double radius = 0, geosRadius = 0;
-    return report(
+    return bench::contest(
         "circle " + set + " " + std::to_string(n),
         {{"jwcg",
           [&] { JWGeometryMinimumBounding::pointsMinimumCircle(points, n, center, &radius); },
@@ -126,7 +93,7 @@ bool simplify(const std::string& set, int n, double tolerance, int rounds) {
     for (const JWRawPoint& p : points.getPointList()) boostLine.push_back(BoostPoint(p.x, p.y));
     JWLineString ours;
     GeosPtr theirs;
-    std::vector<Entry> entries = {
+    std::vector<bench::Entry> entries = {
         {"jwcg",
          [&] {
              ours = points;
@@ -139,9 +106,9 @@ bool simplify(const std::string& set, int n, double tolerance, int rounds) {
          [&] { return GEOSGeomGetNumPoints_r(geos(), theirs.get()); }}};
     // The textbook form takes minutes for a long zigzag, and recurses as deep as the line is long.
     if ((set == "zigzag" && n > 20000) || (set == "spiral" && n > 200000)) entries.resize(1);
-    return report("simplify " + set + " " + std::to_string(n) + " at " +
-                      std::to_string(tolerance).substr(0, 4),
-                  entries, 1e-3, rounds);
+    return bench::contest("simplify " + set + " " + std::to_string(n) + " at " +
+                              std::to_string(tolerance).substr(0, 4),
+                          entries, 1e-3, rounds);
 }
 
 }  // namespace
