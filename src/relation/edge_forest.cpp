@@ -41,8 +41,10 @@ std::uint32_t EdgeForest::buildLevels(std::uint32_t from, Finish&& finish) {
         for (std::uint32_t i = from; i < to; i += kFan) {
             const std::uint32_t end = std::min(i + kFan, to);
             Node parent = m_nodes[i];
-            for (std::uint32_t k = i + 1; k < end; ++k)
+            for (std::uint32_t k = i + 1; k < end; ++k) {
                 parent.box.inflates_to_contain(m_nodes[k].box);
+                parent.sense |= m_nodes[k].sense;
+            }
             parent.first = i;
             parent.last = end;
             finish(parent);
@@ -59,14 +61,16 @@ void EdgeForest::buildChain(EdgeChain& chain, std::uint32_t index) {
     for (std::uint32_t e = chain.first; e < chain.last; e += kFan) {
         const std::uint32_t end = std::min(e + kFan, chain.last);
         JWEnvelop box = edgeBox(e);
-        for (std::uint32_t i = e + 1; i < end; ++i) {
-            const JWRawPoint& p = m_points[i + 1];
+        int sense = 0;
+        for (std::uint32_t i = e; i < end; ++i) {
+            const JWRawPoint &o = m_points[i], &p = m_points[i + 1];
+            sense |= (p.x > o.x) | (p.x < o.x) << 1 | (p.y > o.y) << 2 | (p.y < o.y) << 3;
             box.minX = std::min(box.minX, p.x);
             box.minY = std::min(box.minY, p.y);
             box.maxX = std::max(box.maxX, p.x);
             box.maxY = std::max(box.maxY, p.y);
         }
-        m_nodes.push_back({box, e, end, e, end, index, kLeaf});
+        m_nodes.push_back({box, e, end, e, end, index, kLeaf, static_cast<std::uint8_t>(sense)});
     }
     chain.node = buildLevels(from, [this](Node& parent) {
         parent.lastEdge = m_nodes[parent.last - 1].lastEdge;
@@ -88,7 +92,10 @@ void EdgeForest::buildGroups() {
         const Node copy = m_nodes[m_chains[static_cast<std::size_t>(c)].node];
         m_nodes.push_back(copy);
     }
-    m_root = buildLevels(from, [](Node& parent) { parent.kind = kGroup; });
+    m_root = buildLevels(from, [](Node& parent) {
+        parent.kind = kGroup;
+        parent.sense = 15;
+    });
 }
 
 bool EdgeForest::areIdleNeighbours(std::uint32_t i, std::uint32_t j, const EdgeChain& chain) const {

@@ -11,6 +11,8 @@
 // run an odd number of times exactly when the two ends lie on different sides of it. A closed chain
 // that the ray passes does not count at all. So a ray opens only rectangles that hold its start.
 //
+// Runs whose edges all go one way along x and one way along y cannot meet themselves.
+//
 // Cost: O(n) to build, and O(c log c) for c chains. A point costs O(log n) as a rule, pairs about
 // O((n + k) log n) for k pairs of edges whose rectangles meet.
 #ifndef JW_RELATION_EDGE_FOREST_H
@@ -57,6 +59,7 @@ class EdgeForest {
         std::uint32_t lastEdge;
         std::uint32_t chain;
         Kind kind;
+        std::uint8_t sense;  ///< ways that its edges go: bits right, left, up, down
     };
 
     void clear();
@@ -72,6 +75,7 @@ class EdgeForest {
     void build();
 
     const JWRawPoint* points() const { return m_points.data(); }
+    std::size_t pointCount() const { return m_points.size(); }
     const std::vector<EdgeChain>& chains() const { return m_chains; }
     bool isEmpty() const { return m_chains.empty(); }
     const Node& node(std::uint32_t i) const { return m_nodes[i]; }
@@ -112,6 +116,13 @@ class EdgeForest {
         const JWRawPoint &a = m_points[i], &b = m_points[i + 1];
         return {a.x < b.x ? a.x : b.x, a.y < b.y ? a.y : b.y, a.x < b.x ? b.x : a.x,
                 a.y < b.y ? b.y : a.y};
+    }
+    /// Edges that go, say, right or up but never left or down meet at their common ends only.
+    static bool isStaircase(int sense) { return (sense & 3) != 3 && (sense & 12) != 12; }
+    /// Two runs of this forest that follow one another, all of one staircase.
+    static bool formStaircase(const Node& a, const Node& b) {
+        return (a.lastEdge == b.firstEdge || b.lastEdge == a.firstEdge) &&
+               isStaircase(a.sense | b.sense);
     }
     /// Both edges are of one chain, i < j.
     bool areIdleNeighbours(std::uint32_t i, std::uint32_t j, const EdgeChain& chain) const;
@@ -172,6 +183,7 @@ bool EdgeForest::isOddEdge(std::uint32_t i, const Node& n, const JWRawPoint& p,
 template <class Visit>
 bool EdgeForest::pairsOf(const Node& a, const EdgeForest& other, const Node& b,
                          Visit& visit) const {
+    if (this == &other && formStaircase(a, b)) return false;
     if (a.kind == kLeaf && b.kind == kLeaf) return leafPairs(a, other, b, visit);
     const auto extent = [](const JWEnvelop& e) { return (e.maxX - e.minX) + (e.maxY - e.minY); };
     if (b.kind == kLeaf || (a.kind != kLeaf && extent(a.box) >= extent(b.box))) {
@@ -210,6 +222,7 @@ bool EdgeForest::leafPairs(const Node& a, const EdgeForest& other, const Node& b
 
 template <class Visit>
 bool EdgeForest::ownPairsOf(const Node& n, Visit& visit) const {
+    if (isStaircase(n.sense)) return false;
     if (n.kind == kLeaf) return ownLeafPairs(n, visit);
     const auto forward = [&](std::uint32_t i, std::uint32_t c, std::uint32_t j, std::uint32_t d) {
         if (c == d && areIdleNeighbours(i < j ? i : j, i < j ? j : i, m_chains[c])) return false;

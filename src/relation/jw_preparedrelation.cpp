@@ -23,11 +23,20 @@ struct JWPreparedRelation::Impl {
 
 namespace {
 
-/// Reads `other` beside a prepared operand without a shift; null when that is not possible.
-std::optional<RelateOperand> readPlainly(const JWGeometry& other) {
-    RelateOperand read;
-    if (read.assign(other) != RelateOperand::kUsable || !read.range().isPlain()) return {};
-    return read;
+/// An operand that each thread keeps, so that small geometries cost no allocation; very large ones
+/// give their memory back.
+RelateOperand& scratch() {
+    thread_local RelateOperand operand;
+    constexpr std::size_t kept = 1 << 14;  // points
+    if (operand.pointCount() > kept) operand = RelateOperand();
+    return operand;
+}
+
+/// Reads `other` to be met by an operand without a shift; null when that cannot be.
+RelateOperand* readPlainly(const JWGeometry& other) {
+    RelateOperand& read = scratch();
+    const bool usable = read.assign(other) == RelateOperand::kUsable && read.range().isPlain();
+    return usable ? &read : nullptr;
 }
 
 }  // namespace
@@ -69,9 +78,9 @@ bool JWPreparedRelation::relate(const JWGeometry* other, JWRelationMatrix* matri
     *matrix = JWRelationMatrix();
     if (other == nullptr || !isUsable()) return false;
     return guarded("relate", false, [&] {
-        std::optional<RelateOperand> read;
+        RelateOperand* read = nullptr;
         if (m_impl->operand && m_impl->isPlain) read = readPlainly(*other);
-        if (!read) return detail::relate(*m_impl->geometry, *other, *matrix);
+        if (read == nullptr) return detail::relate(*m_impl->geometry, *other, *matrix);
         const PreparedOperand second(std::move(*read));
         *matrix = publicMatrix(Relator().relate(*m_impl->operand, second));
         return true;
@@ -94,9 +103,8 @@ bool JWPreparedRelation::relate(const JWPreparedRelation& other, JWRelationMatri
 bool JWPreparedRelation::intersects(const JWGeometry* other) const {
     if (other == nullptr || !isUsable() || !m_impl->operand) return false;
     return guarded("intersects", false, [&] {
-        std::optional<RelateOperand> read;
-        if (m_impl->isPlain) read = readPlainly(*other);
-        if (!read) return detail::intersects(*m_impl->geometry, *other);
+        RelateOperand* read = m_impl->isPlain ? readPlainly(*other) : nullptr;
+        if (read == nullptr) return detail::intersects(*m_impl->geometry, *other);
         const RelateOperand& own = m_impl->operand->operand();
         if (own.box().isDisjoin(read->box())) return false;
         read->index();
@@ -108,11 +116,13 @@ bool JWPreparedRelation::holds(int predicate, const JWGeometry* other) const {
     if (other == nullptr || !isUsable() || !m_impl->operand) return false;
     return guarded("holds", false, [&] {
         const auto asked = static_cast<Predicate>(predicate);
-        std::optional<RelateOperand> read;
-        if (m_impl->isPlain) read = readPlainly(*other);
-        if (!read) return detail::holds(asked, *m_impl->geometry, *other);
-        if (isRuledOut(asked, m_impl->operand->operand(), *read)) return false;
-        return detail::holds(asked, *m_impl->operand, PreparedOperand(std::move(*read)));
+        RelateOperand* read = m_impl->isPlain ? readPlainly(*other) : nullptr;
+        if (read == nullptr) return detail::holds(asked, *m_impl->geometry, *other);
+        const RelateOperand& own = m_impl->operand->operand();
+        if (isRuledOut(asked, own, *read)) return false;
+        read->index();
+        if (const std::optional<bool> known = holdsByPlaces(asked, own, *read)) return *known;
+        return holdsByMatrix(asked, *m_impl->operand, PreparedOperand(std::move(*read)));
     });
 }
 

@@ -4,6 +4,7 @@
 // of the matrix that decides.
 #include "relation/predicates.h"
 
+#include <algorithm>
 #include <string>
 
 #include "jw_report.h"
@@ -40,10 +41,6 @@ bool holdsFor(Predicate predicate, const JWRelationMatrix& matrix) {
             return matrix.isCovering();
     }
     return false;
-}
-
-const JWRawPoint& anyPointOf(const RelateOperand& operand) {
-    return operand.forest().isEmpty() ? operand.points().front() : operand.forest().points()[0];
 }
 
 /// The parts of a multi-geometry; any other is its own only part.
@@ -122,11 +119,34 @@ bool isRuledOut(Predicate predicate, const RelateOperand& a, const RelateOperand
     return !a.box().contains(b.box());
 }
 
-bool holds(Predicate predicate, const PreparedOperand& a, const PreparedOperand& b) {
-    if (isRuledOut(predicate, a.operand(), b.operand())) return false;
+/// Containment where no edges meet: every chain of `b` then lies as its first point does.
+std::optional<bool> containsByPlaces(bool touchingCounts, const RelateOperand& a,
+                                     const RelateOperand& b) {
+    bool anyInside = false;
+    const auto isOutside = [&](const JWRawPoint& p) {
+        const Location location = a.locate(p);
+        anyInside |= location == kInterior;
+        return location == kExterior;
+    };
+    for (const EdgeChain& chain : b.forest().chains())
+        if (isOutside(b.forest().points()[chain.first])) return false;
+    if (std::any_of(b.points().begin(), b.points().end(), isOutside)) return false;
+    if (Relator::edgesIntersect(a, b) || Relator::anyStartInside(a, b)) return {};
+    return anyInside || touchingCounts;
+}
+
+std::optional<bool> holdsByPlaces(Predicate predicate, const RelateOperand& a,
+                                  const RelateOperand& b) {
+    if (isRuledOut(predicate, a, b)) return false;
+    if (predicate == Predicate::kContains || predicate == Predicate::kCovers)
+        return containsByPlaces(predicate == Predicate::kCovers, a, b);
+    const bool hasPoints = !a.points().empty() || !b.points().empty();
+    if (!hasPoints && !Relator::edgesIntersect(a, b)) return false;
+    return {};
+}
+
+bool holdsByMatrix(Predicate predicate, const PreparedOperand& a, const PreparedOperand& b) {
     const unsigned stop = stopOf(predicate);
-    const bool within = predicate == Predicate::kContains || predicate == Predicate::kCovers;
-    if (within && a.operand().locate(anyPointOf(b.operand())) == kExterior) return false;
     const RelationMatrix matrix = Relator().relate(a, b, stop);
     return (matrix.set() & stop) == 0 && holdsFor(predicate, publicMatrix(matrix));
 }
@@ -135,8 +155,11 @@ bool holds(Predicate predicate, const JWGeometry& a, const JWGeometry& b) {
     RelateOperand::Status status;
     std::optional<OperandPair> pair = readPair(a, b, status);
     if (!pair || isRuledOut(predicate, pair->a, pair->b)) return false;
-    return holds(predicate, PreparedOperand(std::move(pair->a)),
-                 PreparedOperand(std::move(pair->b)));
+    pair->a.index();
+    pair->b.index();
+    if (const std::optional<bool> known = holdsByPlaces(predicate, pair->a, pair->b)) return *known;
+    return holdsByMatrix(predicate, PreparedOperand(std::move(pair->a)),
+                         PreparedOperand(std::move(pair->b)));
 }
 
 RelationMatrix alone(const PreparedOperand& operand) {
@@ -144,7 +167,7 @@ RelationMatrix alone(const PreparedOperand& operand) {
     matrix.raise(kExterior, kExterior, 2);
     const RelateOperand& own = operand.operand();
     if (!own.points().empty()) matrix.raise(kInterior, kExterior, 0);
-    if (!own.forest().isEmpty()) matrix.raiseAll(operand.summary(own.forest().root()));
+    if (!own.forest().isEmpty()) operand.addSummary(own.forest().root(), matrix);
     return matrix;
 }
 

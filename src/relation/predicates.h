@@ -30,8 +30,10 @@ bool partsIntersect(const JWGeometry& a, const JWGeometry& b);
 bool holds(Predicate predicate, const JWGeometry& a, const JWGeometry& b);
 /// Tells by the rectangles of two operands, indexed or not, that a predicate does not hold.
 bool isRuledOut(Predicate predicate, const RelateOperand& a, const RelateOperand& b);
-/// For two operands that are not empty.
-bool holds(Predicate predicate, const PreparedOperand& a, const PreparedOperand& b);
+/// What rectangles and places tell of two indexed operands; nothing when that is not enough.
+std::optional<bool> holdsByPlaces(Predicate predicate, const RelateOperand& a,
+                                  const RelateOperand& b);
+bool holdsByMatrix(Predicate predicate, const PreparedOperand& a, const PreparedOperand& b);
 
 /// The matrix of two geometries, either of which may be empty. False with the last error set when
 /// one cannot be compared.

@@ -27,49 +27,58 @@ std::pair<const EdgeEvent*, const EdgeEvent*> eventsOf(const EdgeEvents& events,
     return {events.data() + (begin - events.begin()), events.data() + (end - events.begin())};
 }
 
-/// Every chain of a geometry of which no edge meets the other one lies on one side of all its
-/// boundaries, as its first point does.
-bool anyStartInside(const RelateOperand& a, const RelateOperand& b) {
-    for (const EdgeChain& chain : a.forest().chains()) {
-        const JWRawPoint& start = a.forest().points()[chain.first];
-        if (b.box().contains(start) && b.locate(start) != kExterior) return true;
-    }
-    for (const JWRawPoint& p : a.points())
-        if (b.box().contains(p) && b.locate(p) != kExterior) return true;
-    return false;
-}
-
 }  // namespace
 
 PreparedOperand::PreparedOperand(RelateOperand&& operand) : m_operand(std::move(operand)) {
     m_operand.index();
     m_operand.resolve();
     const EdgeForest& forest = m_operand.forest();
-    if (forest.isEmpty()) return;
-    m_summaries.resize(forest.root() + 1);
-    std::vector<RelationMatrix> chains(forest.chains().size());
-    for (std::size_t c = 0; c < chains.size(); ++c) {
-        const auto [begin, end] = eventsOf(m_operand.ownEvents(), forest.chains()[c]);
-        ChainWalk(m_operand, nullptr, chains[c]).walk(c, begin, end);
-    }
-    for (std::uint32_t i = 0; i <= forest.root(); ++i) {
+    if (forest.chains().size() < 2) return;
+    m_firstGroup = forest.root();
+    while (forest.node(m_firstGroup - 1).kind == EdgeForest::kGroup) --m_firstGroup;
+    m_summaries.resize(forest.root() + 1 - m_firstGroup);
+    for (std::uint32_t i = m_firstGroup; i <= forest.root(); ++i) {
         const EdgeForest::Node& node = forest.node(i);
-        if (node.kind != EdgeForest::kGroup) {
-            m_summaries[i] = chains[node.chain];
-            continue;
-        }
         for (std::uint32_t child = node.first; child < node.last; ++child)
-            m_summaries[i].raiseAll(m_summaries[child]);
+            addSummary(child, m_summaries[i - m_firstGroup]);
     }
 }
 
-bool Relator::intersect(const RelateOperand& a, const RelateOperand& b) {
-    if (a.box().isDisjoin(b.box())) return false;
+void PreparedOperand::addSummary(std::uint32_t index, RelationMatrix& matrix) const {
+    const EdgeForest::Node& node = m_operand.forest().node(index);
+    if (node.kind == EdgeForest::kGroup) {
+        matrix.raiseAll(m_summaries[index - m_firstGroup]);
+        return;
+    }
+    const auto [begin, end] =
+        eventsOf(m_operand.ownEvents(), m_operand.forest().chains()[node.chain]);
+    ChainWalk(m_operand, nullptr, matrix).walk(node.chain, begin, end);
+}
+
+bool Relator::edgesIntersect(const RelateOperand& a, const RelateOperand& b) {
     const JWRawPoint *pa = a.forest().points(), *pb = b.forest().points();
     const auto meet = [&](std::uint32_t i, std::uint32_t, std::uint32_t j, std::uint32_t) {
         return edgesMeet(pa + i, pb + j);
     };
-    return a.forest().visitPairs(b.forest(), meet) || anyStartInside(a, b) || anyStartInside(b, a);
+    return a.forest().visitPairs(b.forest(), meet);
+}
+
+bool Relator::anyStartInside(const RelateOperand& a, const RelateOperand& b) {
+    const auto isInside = [&b](const JWRawPoint& p) {
+        return b.box().contains(p) && b.locate(p) != kExterior;
+    };
+    const std::vector<EdgeChain>& chains = a.forest().chains();
+    return std::any_of(
+               chains.begin(), chains.end(),
+               [&](const EdgeChain& c) { return isInside(a.forest().points()[c.first]); }) ||
+           std::any_of(a.points().begin(), a.points().end(), isInside);
+}
+
+/// A chain of which no edge meets the other geometry lies on one side of all its boundaries, as its
+/// first point does.
+bool Relator::intersect(const RelateOperand& a, const RelateOperand& b) {
+    return !a.box().isDisjoin(b.box()) &&
+           (edgesIntersect(a, b) || anyStartInside(a, b) || anyStartInside(b, a));
 }
 
 RelationMatrix Relator::relate(const PreparedOperand& a, const PreparedOperand& b, unsigned stop) {
@@ -120,7 +129,7 @@ bool Relator::walkNode(std::uint32_t index, unsigned stop, RelationMatrix& matri
     const RelateOperand& own = m_own->operand();
     const EdgeForest::Node& node = own.forest().node(index);
     if (node.box.isDisjoin(m_other->operand().box())) {
-        matrix.raiseAll(m_own->summary(index));
+        m_own->addSummary(index, matrix);
         return (matrix.set() & stop) != 0;
     }
     if (node.kind == EdgeForest::kGroup) {

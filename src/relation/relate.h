@@ -18,12 +18,13 @@ class PreparedOperand {
     explicit PreparedOperand(RelateOperand&& operand);
 
     const RelateOperand& operand() const { return m_operand; }
-    /// What a node of the forest has outside the other operand, when all of it is there.
-    const RelationMatrix& summary(std::uint32_t node) const { return m_summaries[node]; }
+    /// Raises what a node of the forest has outside the other operand when all of it is there.
+    void addSummary(std::uint32_t node, RelationMatrix& matrix) const;
 
   private:
     RelateOperand m_operand;
-    std::vector<RelationMatrix> m_summaries;
+    std::vector<RelationMatrix> m_summaries;  ///< of groups of chains
+    std::uint32_t m_firstGroup = 0;
 };
 
 /// Working memory of relations; one object per thread.
@@ -36,6 +37,10 @@ class Relator {
 
     /// Tells whether two indexed operands on one scale have a point in common.
     static bool intersect(const RelateOperand& a, const RelateOperand& b);
+    /// The same for their edges only.
+    static bool edgesIntersect(const RelateOperand& a, const RelateOperand& b);
+    /// Tells whether some chain or point of `a` begins in `b`.
+    static bool anyStartInside(const RelateOperand& a, const RelateOperand& b);
 
   private:
     bool walkAll(const PreparedOperand& own, const PreparedOperand& other, EdgeEvents& events,

@@ -73,7 +73,7 @@ RelateOperand::Status RelateOperand::assign(const JWGeometry& geometry, int shif
     m_box.setInvalid();
     m_range = {};
     m_shift = shift;
-    m_hasArea = m_hasLine = false;
+    m_hasArea = m_hasLine = m_indexed = false;
     return finish(take(geometry));
 }
 
@@ -89,6 +89,8 @@ RelateOperand::Status RelateOperand::finish(Status status) {
 }
 
 void RelateOperand::index() {
+    if (m_indexed) return;
+    m_indexed = true;
     std::sort(m_points.begin(), m_points.end());
     m_points.erase(std::unique(m_points.begin(), m_points.end()), m_points.end());
     if (m_hasLine) findBoundary();

@@ -57,7 +57,7 @@ class RelateOperand {
     const JWEnvelop& box() const { return m_box; }
     bool isEmpty() const { return m_points.empty() && m_forest.isEmpty(); }
 
-    /// Makes places and edges ready to be found. Everything below but the box needs it.
+    /// Makes places and edges ready to be found. All that follows needs it.
     void index();
     /// Finds out how the geometry meets itself; `relate` needs it.
     void resolve();
@@ -69,7 +69,7 @@ class RelateOperand {
     const EdgeForest& forest() const { return m_forest; }
     /// Those that are nothing but points, sorted, each once.
     const std::vector<JWRawPoint>& points() const { return m_points; }
-    bool hasArea() const { return m_hasArea; }
+    std::size_t pointCount() const { return m_points.size() + m_forest.pointCount(); }
 
     Location locate(const JWRawPoint& p) const;
     /// The parities on both sides of the first edge of a chain of any geometry; left and right by
@@ -96,6 +96,7 @@ class RelateOperand {
     int m_shift = 0;
     bool m_hasArea = false;
     bool m_hasLine = false;
+    bool m_indexed = false;
     EdgeEvents m_ownEvents;
     std::vector<Sides> m_chainSides;
 };
