@@ -149,7 +149,7 @@ void ContourBuilder::emit(std::uint32_t from) {
 // Marks the points that were cut into an edge of the input and are no corners of the result:
 // there the loop arrives and leaves along that edge, and no other contour comes by. Points dropped
 // in a row must lie on one edge, lest a slow bend be straightened step by step; and they stay if
-// the straight line would pass another vertex too closely.
+// the straight line would pass another vertex too closely, or is there already.
 void ContourBuilder::dropInner() {
     dropped_.fill(steps_.size(), 0);
     for (Loop& loop : loops_) dropInner(loop);
@@ -226,8 +226,11 @@ bool ContourBuilder::mayStraighten(const Point& from, const Point& to) {
     const double dy = to.y - from.y;
     const double limit = 2 * reach * (std::fabs(dx) + std::fabs(dy));  // twice for rounding
     bool clear = true;
-    noder.forVerticesNear(from, to, reach, [&](const Point& p) {
-        if (p == from || p == to) return;
+    noder.forEdgesFrom(from, to, reach, [&](const Point& p, const Point& next) {
+        if (p == from || p == to) {
+            clear = clear && next != from && next != to;  // the very line exists
+            return;
+        }
         if (std::fabs(dx * (p.y - from.y) - dy * (p.x - from.x)) > limit) return;
         clear = clear && std::binary_search(inner_.begin(), inner_.end(), p);
     });

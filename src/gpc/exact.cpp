@@ -12,66 +12,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "gpc/expansion.h"
+
 namespace jws::gpc {
 namespace {
-
-/// An unevaluated sum of two doubles, high part rounded to nearest.
-struct Two {
-    double h;
-    double l;
-};
-
-inline Two twoSum(double a, double b) {
-    const double s = a + b;
-    const double bb = s - a;
-    return {s, (a - (s - bb)) + (b - bb)};
-}
-
-inline Two quickTwoSum(double a, double b) {
-    const double s = a + b;
-    return {s, b - (s - a)};
-}
-
-inline Two twoDiff(double a, double b) { return twoSum(a, -b); }
-
-inline Two split(double a) {
-    const double c = 134217729.0 * a;
-    const double high = c - (c - a);
-    return {high, a - high};
-}
-
-inline Two twoProduct(double a, double b) {
-    const double p = a * b;
-    const Two as = split(a);
-    const Two bs = split(b);
-    return {p, ((as.h * bs.h - p) + as.h * bs.l + as.l * bs.h) + as.l * bs.l};
-}
-
-inline Two add(Two a, Two b) {
-    Two s = twoSum(a.h, b.h);
-    const Two t = twoSum(a.l, b.l);
-    s = quickTwoSum(s.h, s.l + t.h);
-    return quickTwoSum(s.h, s.l + t.l);
-}
-
-inline Two negate(Two a) { return {-a.h, -a.l}; }
-
-inline Two multiply(Two a, Two b) {
-    Two p = twoProduct(a.h, b.h);
-    p.l += a.h * b.l + a.l * b.h;
-    return quickTwoSum(p.h, p.l);
-}
-
-inline Two divide(Two a, Two b) {
-    const double q1 = a.h / b.h;
-    Two r = add(a, negate(multiply({q1, 0}, b)));
-    const double q2 = r.h / b.h;
-    r = add(r, negate(multiply({q2, 0}, b)));
-    const double q3 = r.h / b.h;
-    return add(quickTwoSum(q1, q2), {q3, 0});
-}
-
-inline int sign(double v) { return (v > 0) - (v < 0); }
 
 /// Two products, one less the other, with a bound of the error of their difference in extended
 /// precision, where the factors are differences of doubles.
@@ -90,34 +34,6 @@ inline Bounded crossBounded(long double ax, long double ay, long double bx, long
 inline bool roundSafely(long double v, long double error, const CrossingGrid& grid, double& out) {
     out = grid.round(static_cast<double>(v));
     return std::fabs(v - out) + error < 0.499L * grid.step;
-}
-
-/// Sign of a sum of terms, by growing a nonoverlapping expansion.
-class ExactSum {
-  public:
-    void add(double term) {
-        int kept = 0;
-        for (int i = 0; i < size_; ++i) {
-            const Two s = twoSum(parts_[i], term);
-            term = s.h;
-            if (s.l != 0) parts_[kept++] = s.l;
-        }
-        if (term != 0) parts_[kept++] = term;
-        size_ = kept;
-    }
-    void add(Two t) {
-        add(t.l);
-        add(t.h);
-    }
-    int sign() const { return size_ == 0 ? 0 : gpc::sign(parts_[size_ - 1]); }
-
-  private:
-    double parts_[20];
-    int size_ = 0;
-};
-
-inline Two cross(Two ax, Two ay, Two bx, Two by) {
-    return add(multiply(ax, by), negate(multiply(ay, bx)));
 }
 
 double longestSide(const Point& a, const Point& b) {
@@ -144,14 +60,8 @@ int orientationExact(const Point& a, const Point& b, const Point& c) {
         return left.h != right.h ? sign(left.h - right.h) : sign(left.l - right.l);
     }
     ExactSum sum;
-    sum.add(twoProduct(ax.l, by.l));
-    sum.add(twoProduct(-ay.l, bx.l));
-    sum.add(twoProduct(ax.l, by.h));
-    sum.add(twoProduct(ax.h, by.l));
-    sum.add(twoProduct(-ay.l, bx.h));
-    sum.add(twoProduct(-ay.h, bx.l));
-    sum.add(twoProduct(ax.h, by.h));
-    sum.add(twoProduct(-ay.h, bx.h));
+    sum.addProduct(ax, by);
+    sum.addProduct(negate(ay), bx);
     return sum.sign();
 }
 
@@ -183,9 +93,6 @@ void CrossingGrid::fit(int exponent) {
     limit = 0x1p52 * step;
 }
 
-namespace {
-
-/// Where ab and cd meet, in extended precision; false when its rounding is not certain.
 bool crossingByFilter(const Point& a, const Point& b, const Point& c, const Point& d,
                       const CrossingGrid& grid, Point& out) {
     using Wide = long double;
@@ -203,8 +110,6 @@ bool crossingByFilter(const Point& a, const Point& b, const Point& c, const Poin
            roundSafely(a.y + t * ey, error * std::fabs(ey) + 0x1p-62L * std::fabs(a.y), grid,
                        out.y);
 }
-
-}  // namespace
 
 Point crossingPoint(Point a, Point b, Point c, Point d, const CrossingGrid& grid) {
     if (a.y == b.y && c.x == d.x) return {c.x, a.y};

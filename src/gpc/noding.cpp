@@ -19,31 +19,34 @@
 // 2^-8 with one of the two edges that cross, and so cross that one within 2^10 u, which is below R,
 // or end before, near it: both are marked. An edge split beside its line is always suspect.
 //
-// Bundles of edges that are parallel to within rounding may go on crossing one another, ever
-// further along. An edge that is still bent in a late pass counts as stubborn, and the work
-// starts again: now stubborn edges are split at every vertex and crossing within one rounding
-// unit of them (snap rounding: Hobby 1999, Guibas and Marimont 1998), which makes such a bundle one
-// line, and their crossings go to the grid of that unit. The unit doubles with every attempt.
-// Everything else keeps its finer crossings. Should four attempts fail, which takes vertices
-// crowded within a unit, the ends of stubborn edges go to the grid as well; then this is snap
-// rounding in its textbook form, which leaves no crossing.
+// Where edges crowd, as in bundles that are parallel to within rounding, bent edges may go on
+// crossing one another, ever further along. So the number of passes is fixed, and so is how much
+// they may find: what is not clean then goes back to the beginning and is snap rounded
+// (snap_rounding.h), all at once and with proof. Crossings go to the same grid there; what differs
+// is that edges are led through every crowded place that they touch, and that vertices finer than
+// the grid keep their place only where nothing else is within a unit or so. The last pass after it
+// compares everything once more and finds nothing to split; it marks where edges meet.
 //
 // After the last pass any two edges are disjoint, equal, or share end points only, exactly, in
 // the very doubles that are handed out; so contours made of them are valid without any tolerance.
 // Otherwise no input vertex moves.
+//
+// At most kPasses + 2 comparisons of edges whose boxes meet. Their number bounds the work of each;
+// pieces are bounded by kCrowded times the edges and their crossings, and by what snap rounding
+// gives.
 #include "gpc/noding.h"
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <utility>
 
 namespace jws::gpc {
 namespace {
 
 constexpr double kShallow = 0x1p-7;
-constexpr int kPatientAttempts = 4;
-constexpr std::size_t kCrowded = 96;  // splits for each point after the last pass of an attempt
-constexpr int kPatience = 6;          // passes that may bend edges before they count as stubborn
+constexpr int kPasses = 6;           // that may bend edges
+constexpr std::size_t kCrowded = 1;  // splits in later passes, for each point after the first
 
 bool isWithin(const Point& p, const Point& a, const Point& b) {
     return p.x >= std::min(a.x, b.x) && p.x <= std::max(a.x, b.x) && p.y >= std::min(a.y, b.y) &&
@@ -60,35 +63,45 @@ bool isOnAxial(const Point& p, const Point& a, const Point& b) {
 void Noder::run(ContourSet& source, int exponent, double aspect) {
     source_ = &source;
     doubles_.clear();
-    exponent_ = exponent;
     grid_.fit(exponent - 53);
     near_ = {2 * grid_.step, aspect};
     tight_ = 32 * grid_.step;
     radius_ = 0x1p13 * grid_.step;
     scans_ = 0;
-    for (attempt_ = 0;; ++attempt_) {
-        if (attempt_ > 0) coarse_.fit(exponent - 53 + attempt_);
-        if (attempt_ > kPatientAttempts) moveStubborn();
-        set_ = source_;
-        for (std::size_t i = 0; i < source_->flags.size(); ++i) source_->flags[i] |= kUnchecked;
-        pass_ = 1;
-        bool clean = !check();
-        while (!clean && (pass_ <= kPatience || !anyMoved_)) {
-            findCrowds();
-            clean = !rebuild();
-            treeIsFresh_ = false;
-            ++pass_;
-            if (clean) break;
-            findDoubles();
-            clean = !check();
-        }
-        if (clean) return;
-        giveUp();
-        // Where most of it is crowded, small units change nothing: on to the textbook form.
-        if (splits_.size() > kCrowded * source_->points.size()) {
-            attempt_ = std::max(attempt_, kPatientAttempts);
-        }
+    snapped_ = false;
+    if (!bend()) snap();
+}
+
+// Splits edges where they meet, until that leaves nothing to split; false if it does not seem to.
+bool Noder::bend() {
+    set_ = source_;
+    for (std::size_t i = 0; i < source_->flags.size(); ++i) source_->flags[i] |= kUnchecked;
+    std::size_t most = 0;
+    for (pass_ = 1; check(); ++pass_) {
+        if (pass_ > kPasses || (pass_ > 1 && splits_.size() > most)) return false;
+        if (pass_ == 1) most = kCrowded * (source_->points.size() + splits_.size());
+        findCrowds();
+        const bool any = rebuild();
+        treeIsFresh_ = false;
+        if (!any) return true;
+        findDoubles();
     }
+    return true;
+}
+
+void Noder::snap() {
+    doubles_.clear();
+    set_ = source_;
+    source_->flags.fill(source_->points.size(), kUnchecked);
+    tree_.build(*source_, near_.reach);
+    rounder_.run(*source_, tree_, grid_, work_[0], parents_[0]);
+    active_ = 0;
+    set_ = &work_[0];
+    snapped_ = true;
+    for (std::uint8_t& f : set_->flags) f = kUnchecked;
+    findDoubles();
+    if (check()) throw std::logic_error("edges cross after snap rounding");
+    doubles_.clear();
 }
 
 std::size_t Noder::countConflicts() {
@@ -99,6 +112,7 @@ std::size_t Noder::countConflicts() {
     };
     const std::size_t before = meetings();
     for (std::uint8_t& f : set_->flags) f = static_cast<std::uint8_t>((f | kUnchecked) & ~kDouble);
+    doubles_.clear();
     pass_ = 2;
     check();
     return splits_.size() + meetings() - before;
@@ -107,8 +121,6 @@ std::size_t Noder::countConflicts() {
 // Compares all unchecked edges with their surroundings; true if there is something to split.
 bool Noder::check() {
     splits_.clear();
-    crossed_.clear();
-    anyMoved_ = false;
     firstSplit_.fill(set_->points.size(), 0);
     tree_.build(*set_, near_.reach);
     treeIsFresh_ = true;
@@ -117,19 +129,12 @@ bool Noder::check() {
         meet(i, set_->contours[ci], j, set_->contours[cj]);
     };
     tree_.joinSelf(*set_, visit);
-    if (attempt_ > 0 && pass_ == 1) snapStubborn();
     return !splits_.empty();
 }
 
 void Noder::split(std::uint32_t edge, const Point& p, bool moved, std::uint32_t by) {
     splits_.push({p, firstSplit_[edge], edge, by, moved});
     firstSplit_[edge] = static_cast<std::uint32_t>(splits_.size());
-    if (!moved) return;
-    anyMoved_ = true;
-    if (pass_ > kPatience) {
-        crossed_.push(edge);
-        crossed_.push(by);
-    }
 }
 
 // The four sums are distances of ends from the other edge's line, times that edge's length.
@@ -190,7 +195,7 @@ bool Noder::cutAt(std::uint32_t edge, std::uint32_t end, std::uint32_t point, st
     const Point& b = set_->points[end];
     const Point& p = set_->points[point];
     const bool on = orientation(a, b, p) == 0;
-    if (!(on ? isWithin(p, a, b) : near_.holds(p, a, b))) return false;
+    if (!(on ? isWithin(p, a, b) : isNear(p, a, b))) return false;
     touch(edge, point, !on, by);
     return true;
 }
@@ -219,9 +224,9 @@ void Noder::meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint
         mark(farI);
         mark(farJ);
     } else if (orientation(s, u, w) != 0) {
-        if (near_.holds(w, s, u)) {
+        if (isNear(w, s, u)) {
             touch(i, farJ, true, j);
-        } else if (near_.holds(u, s, w)) {
+        } else if (isNear(u, s, w)) {
             touch(j, farI, true, i);
         } else {
             return;
@@ -239,8 +244,7 @@ void Noder::meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint
 
 void Noder::cross(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1) {
     const Point* p = set_->points.data();
-    const CrossingGrid& grid = isStubborn(i) || isStubborn(j) ? coarse_ : grid_;
-    const Point at = crossingPoint(p[i], p[i1], p[j], p[j1], grid);
+    const Point at = crossingPoint(p[i], p[i1], p[j], p[j1], grid_);
     const bool moved = !isOnAxial(at, p[i], p[i1]) || !isOnAxial(at, p[j], p[j1]);
     if (at == p[i]) {
         mark(i);
@@ -260,7 +264,7 @@ void Noder::cross(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint3
 
 // Marks edges with two split points near each other, and the edges that split them there.
 void Noder::findCrowds() {
-    if (pass_ > 1 || attempt_ > 0) return;
+    if (pass_ > 1) return;
     for (const SplitPoint& s : splits_) {
         int left = 16;
         for (std::uint32_t k = s.next; k != 0; k = splits_[k - 1].next) {
@@ -274,56 +278,6 @@ void Noder::findCrowds() {
             if (left == 0) break;
         }
     }
-}
-
-// Makes a new source, in which the ends of stubborn edges lie on the coarse grid and all edges that
-// moved are stubborn too.
-void Noder::moveStubborn() {
-    const ContourSet& from = *source_;
-    ContourSet& to = source_ == &moved_[0] ? moved_[1] : moved_[0];
-    moving_.clear();
-    for (const Contour& c : from.contours) {
-        for (std::uint32_t i = c.first; i < c.last; ++i) {
-            if (!stubborn_[i]) continue;
-            moving_.push(from.points[i]);
-            moving_.push(from.points[i + 1]);
-        }
-    }
-    std::sort(moving_.begin(), moving_.end());
-    const auto moves = [this](const Point& p) {
-        return std::binary_search(moving_.begin(), moving_.end(), p);
-    };
-    to.clear();
-    to.points.reserve(from.points.size());
-    for (const Contour& c : from.contours) {
-        const std::size_t first = to.points.size();
-        for (std::uint32_t i = c.first; i < c.last; ++i) {
-            const Point p = from.points[i];
-            to.points.push(moves(p) ? Point{coarse_.round(p.x), coarse_.round(p.y)} : p);
-        }
-        to.close(first, c.operand);
-    }
-    to.flags.fill(to.points.size(), 0);
-    for (Point& p : moving_) p = {coarse_.round(p.x), coarse_.round(p.y)};
-    std::sort(moving_.begin(), moving_.end());
-    stubborn_.fill(to.points.size(), 0);
-    for (const Contour& c : to.contours) {
-        for (std::uint32_t i = c.first; i < c.last; ++i) {
-            stubborn_[i] = moves(to.points[i]) || moves(to.points[i + 1]);
-        }
-    }
-    source_ = &to;
-}
-
-// Adds the edges that crossed in the last pass to the stubborn ones.
-void Noder::giveUp() {
-    if (attempt_ == 0) stubborn_.fill(source_->points.size(), 0);
-    const std::uint32_t* parents = parents_[active_].data();
-    for (const std::uint32_t edge : crossed_) stubborn_[parents[edge]] = 1;
-    for (const std::uint32_t edge : doubles_) {
-        if (stubborn_[parents[standIns_[edge]]]) stubborn_[parents[edge]] = 1;
-    }
-    doubles_.clear();
 }
 
 // Of unchecked edges between the same two points all but one become doubles: a bundle that has
@@ -363,40 +317,10 @@ void Noder::findDoubles() {
     }
 }
 
-// Splits stubborn edges at vertices and crossings near them.
-void Noder::snapStubborn() {
-    found_ = static_cast<std::uint32_t>(splits_.size());
-    for (const Contour& c : set_->contours) {
-        for (std::uint32_t i = c.first; i < c.last; ++i) {
-            if (stubborn_[i]) snapTo(i, c);
-        }
-    }
-}
-
-void Noder::snapTo(std::uint32_t edge, const Contour& contour) {
-    const Point a = set_->points[edge];
-    const Point b = set_->points[edge + 1];
-    const Box box = edgeBox(a, b, coarse_.step);
-    const std::uint32_t end = set_->next(contour, edge);
-    const Nearness near = near_.within(coarse_.step / 2);
-    tree_.query(*set_, box, [&](std::uint32_t other) {
-        if (other == edge) return;
-        const Point* p = set_->points.data();
-        if (other != end && near.holds(p[other], a, b)) {
-            mark(other);
-            split(edge, p[other], true, other);
-        }
-        for (std::uint32_t s = firstSplit_[other]; s != 0; s = splits_[s - 1].next) {
-            const Point at = splits_[s - 1].p;
-            if (s <= found_ && near.holds(at, a, b)) split(edge, at, true, other);
-        }
-    });
-}
-
 // Copies the contours with their split points into the other work set. Pieces of edges that moved
 // are unchecked, unless they were found harmless; true if any is.
 bool Noder::rebuild() {
-    const std::uint8_t doubtful = pass_ == 1 && attempt_ == 0 ? kSuspect : 0xFF;
+    const std::uint8_t doubtful = pass_ == 1 ? kSuspect : 0xFF;
     bool any = false;
     const int target = set_ == source_ ? 0 : 1 - active_;
     const ContourSet& from = *set_;
@@ -508,7 +432,7 @@ bool Noder::sortSplits(std::uint32_t edge) {
 }
 
 std::size_t Noder::bytes() const {
-    std::size_t sum = tree_.bytes() + splits_.bytes() + firstSplit_.bytes() + stubborn_.bytes();
+    std::size_t sum = tree_.bytes() + splits_.bytes() + firstSplit_.bytes() + rounder_.bytes();
     for (int i = 0; i < 2; ++i) {
         sum += work_[i].points.bytes() + work_[i].flags.bytes() + parents_[i].bytes();
     }
@@ -518,17 +442,15 @@ std::size_t Noder::bytes() const {
 void Noder::release() {
     tree_.release();
     for (int i = 0; i < 2; ++i) {
-        moved_[i].release();
         work_[i].points.release();
         work_[i].flags.release();
         work_[i].contours.release();
         parents_[i].release();
     }
-    stubborn_.release();
+    rounder_.release();
     splits_.release();
     firstSplit_.release();
     sorted_.release();
-    crossed_.release();
 }
 
 }  // namespace jws::gpc

@@ -4,6 +4,7 @@
 
 #include "gpc/box_tree.h"
 #include "gpc/contour_set.h"
+#include "gpc/snap_rounding.h"
 
 namespace jws::gpc {
 
@@ -31,19 +32,22 @@ class Noder {
     /// Compares every pair once more and counts what the run has missed: 0, always. For tests.
     std::size_t countConflicts();
 
-    /// Calls `visit(p)` for each vertex of the result within the box of the edge ab and `reach`
-    /// around it, perhaps several times.
+    /// Calls `visit(p, q)` for each edge pq of the result, in its contour's direction, that starts
+    /// within the box of the edge ab and `reach` around it.
     template <class Visit>
-    void forVerticesNear(const Point& a, const Point& b, double reach, const Visit& visit) {
+    void forEdgesFrom(const Point& a, const Point& b, double reach, const Visit& visit) {
         const Box box = edgeBox(a, b, reach);
+        const Point* p = set_->points.data();
         if (useTree()) {
             tree_.query(*set_, box, [&](std::uint32_t edge) {
-                if (box.holds(set_->points[edge])) visit(set_->points[edge]);
+                if (box.holds(p[edge])) visit(p[edge], p[edge + 1]);
             });
             return;
         }
-        for (const Point& p : set_->points) {
-            if (box.holds(p)) visit(p);
+        for (const Contour& c : set_->contours) {
+            for (std::uint32_t i = c.first; i < c.last; ++i) {
+                if (box.holds(p[i])) visit(p[i], p[i + 1]);
+            }
         }
     }
 
@@ -85,15 +89,16 @@ class Noder {
         set_->flags[j] |= kSuspect;
     }
     void findCrowds();
+    /// After snap rounding an edge is cut at what lies on it only.
+    bool isNear(const Point& p, const Point& a, const Point& b) const {
+        return !snapped_ && near_.holds(p, a, b);
+    }
     void touch(std::uint32_t edge, std::uint32_t point, bool moved, std::uint32_t by) {
         mark(point);
         split(edge, set_->points[point], moved, by);
     }
-    bool isStubborn(std::uint32_t edge) const { return attempt_ > 0 && stubborn_[originOf(edge)]; }
-    void giveUp();
-    void moveStubborn();
-    void snapStubborn();
-    void snapTo(std::uint32_t edge, const Contour& contour);
+    bool bend();
+    void snap();
     bool rebuild();
     void findDoubles();
     std::uint32_t splitsOf(std::uint32_t edge) const {
@@ -106,30 +111,23 @@ class Noder {
     ContourSet* set_ = nullptr;
     BoxTree tree_;
     ContourSet work_[2];
-    ContourSet moved_[2];
-    Buffer<Point> moving_;
     Buffer<std::uint32_t> parents_[2];  // of each edge of work_: the source's edge it is part of
     int active_ = 0;
     CrossingGrid grid_;
-    CrossingGrid coarse_;
-    int exponent_ = 0;
-    int attempt_ = 0;
+    SnapRounder rounder_;
     int pass_ = 0;
-    bool anyMoved_ = false;
+    bool snapped_ = false;
     bool treeIsFresh_ = false;
-    int scans_ = 0;                  // rays answered without the tree
-    Nearness near_;                  // within which edges are cut at vertices
-    double tight_ = 0;               // beyond which plain sums tell that they are not
-    double radius_ = 0;              // within which edges are suspect
-    Buffer<std::uint8_t> stubborn_;  // of each edge of the source
+    int scans_ = 0;      // rays answered without the tree
+    Nearness near_;      // within which edges are cut at vertices
+    double tight_ = 0;   // beyond which plain sums tell that they are not
+    double radius_ = 0;  // within which edges are suspect
     Buffer<SplitPoint> splits_;
     Buffer<std::uint32_t> firstSplit_;  // of each edge: 1 + index into splits_, or 0
-    std::uint32_t found_ = 0;           // splits before snapping
     Buffer<SplitPoint> sorted_;
     Buffer<DirectedEdge> table_;      // unchecked edges by their ends
     Buffer<std::uint32_t> doubles_;   // double edges
     Buffer<std::uint32_t> standIns_;  // of each double edge: the one that is compared
-    Buffer<std::uint32_t> crossed_;   // edges that were still bent in late passes
 };
 
 }  // namespace jws::gpc

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+//
+// Snap rounding: an arrangement that is exact after one step, whatever the input.
+//
+// Pixels of the grid that hold a vertex or a crossing are hot (Hobby 1999; Guibas and Marimont
+// 1998). Every edge is led through the middles of all hot pixels that it enters, in order. Then no
+// two edges cross, for the following reason. Let all hot pixels shrink to their middles at one
+// speed, while the stretches of edges between them, straight, are drawn along by their ends. A
+// stretch lies outside all hot pixels, for edges cross nowhere else. At time t its points q have
+// moved by t w, where w is a mean of two vectors from a pixel's border to its middle, that is -w is
+// in the pixel D around the origin. Should one meet the shrunken pixel around h, then
+// q + t w = h + (1 - t) d with d in D, so that q - h = (1 - t) d + t (-w) is in D, as D is convex:
+// q was in the pixel of h. So nothing is ever passed over, what did not cross does not cross, and
+// no hot point comes to lie within a stretch of edge. What is true at every time before the last is
+// true of the last one but for coinciding: stretches may become one line, and they cancel.
+//
+// The argument asks for no grid, only for squares of one size around the hot points that do not
+// overlap and together hold all vertices and crossings. A vertex off the grid, as those near the
+// origin are, which alone makes its pixel hot while the eight around it are cold, is therefore its
+// own hot point, with the square around itself: it keeps its bits. All vertices of the grid do.
+//
+// What falls into which square is decided without rounding (pixel.h), as the argument demands.
+// The result depends on the edges alone, not on their order or direction.
+//
+// O((n + k) log n + m) for n edges, k crossings and m corners of the result. One pass, always.
+#include "gpc/snap_rounding.h"
+
+#include <algorithm>
+
+#include "gpc/pixel.h"
+
+namespace jws::gpc {
+namespace {
+
+constexpr std::size_t kFewSpots = 4096;
+
+bool crossProperly(const Point& a, const Point& b, const Point& c, const Point& d) {
+    return orientation(a, b, c) * orientation(a, b, d) < 0 &&
+           orientation(c, d, a) * orientation(c, d, b) < 0;
+}
+
+}  // namespace
+
+void SnapRounder::run(const ContourSet& from, const BoxTree& tree, const CrossingGrid& grid,
+                      ContourSet& to, Buffer<std::uint32_t>& parents) {
+    grid_ = grid;
+    gatherSpots(from, tree);
+    chooseHotPoints();
+    stopEdges(from, tree);
+    to.clear();
+    parents.clear();
+    for (const Contour& c : from.contours) {
+        const std::size_t first = to.points.size();
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            sortStops(from.points[i], from.points[i + 1], firstStop_[i]);
+            for (std::size_t k = 0; k + 1 < way_.size(); ++k) {
+                to.points.push(way_[k]);
+                parents.push(i);
+            }
+        }
+        if (to.points.size() < first + 3) {
+            to.points.resize(first);
+            parents.resize(first);
+            continue;
+        }
+        const std::uint32_t last = static_cast<std::uint32_t>(to.points.size());
+        to.points.push(to.points[first]);
+        parents.push(c.last);
+        to.contours.push({static_cast<std::uint32_t>(first), last, c.operand, 0});
+    }
+    to.flags.fill(to.points.size(), 0);
+}
+
+void SnapRounder::gatherSpots(const ContourSet& from, const BoxTree& tree) {
+    spots_.clear();
+    crowd_ = kFewSpots;
+    const Point* p = from.points.data();
+    for (const Contour& c : from.contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) add({pixelOf(p[i], grid_), p[i]});
+    }
+    const auto visit = [&](std::uint32_t i, std::uint32_t, std::uint32_t j, std::uint32_t) {
+        if (!crossProperly(p[i], p[i + 1], p[j], p[j + 1])) return;
+        const Point pixel = crossingPixel(p[i], p[i + 1], p[j], p[j + 1], grid_);
+        add({pixel, pixel});
+    };
+    tree.joinSelf(from, visit);
+    compact();
+}
+
+void SnapRounder::add(const Spot& spot) {
+    spots_.push(spot);
+    if (spots_.size() < crowd_) return;
+    compact();
+    crowd_ = std::max(kFewSpots, 2 * spots_.size());
+}
+
+void SnapRounder::compact() {
+    std::sort(spots_.begin(), spots_.end(), [](const Spot& s, const Spot& t) {
+        return s.pixel < t.pixel || (s.pixel == t.pixel && s.at < t.at);
+    });
+    const Spot* end = std::unique(spots_.begin(), spots_.end(), [](const Spot& s, const Spot& t) {
+        return s.pixel == t.pixel && s.at == t.at;
+    });
+    spots_.resize(static_cast<std::size_t>(end - spots_.begin()));
+}
+
+// Tells whether the eight pixels around are cold.
+bool SnapRounder::isAlone(const Point& pixel) const {
+    for (const double x : {pixel.x - grid_.step, pixel.x, pixel.x + grid_.step}) {
+        const Spot* s = std::lower_bound(
+            spots_.begin(), spots_.end(), Point{x, pixel.y - grid_.step},
+            [](const Spot& spot, const Point& least) { return spot.pixel < least; });
+        for (; s != spots_.end() && s->pixel.x == x && s->pixel.y <= pixel.y + grid_.step; ++s) {
+            if (s->pixel != pixel) return false;
+        }
+    }
+    return true;
+}
+
+void SnapRounder::chooseHotPoints() {
+    hot_.clear();
+    for (std::size_t i = 0, end = 0; i < spots_.size(); i = end) {
+        const Spot& s = spots_[i];
+        for (end = i + 1; end < spots_.size() && spots_[end].pixel == s.pixel;) ++end;
+        const bool keeps = end == i + 1 && s.at != s.pixel && isAlone(s.pixel);
+        hot_.push(keeps ? s.at : s.pixel);
+    }
+}
+
+void SnapRounder::stopEdges(const ContourSet& from, const BoxTree& tree) {
+    stops_.clear();
+    firstStop_.fill(from.points.size(), 0);
+    for (const Point& h : hot_) {
+        tree.query(from, edgeBox(h, h, grid_.step), [&](std::uint32_t edge) {
+            if (!entersPixel(from.points[edge], from.points[edge + 1], h, grid_.step)) return;
+            stops_.push({h, firstStop_[edge]});
+            firstStop_[edge] = static_cast<std::uint32_t>(stops_.size());
+        });
+    }
+}
+
+// Puts an edge's stops into way_, in order from a to b: of two squares that do not overlap, one
+// lies wholly before the other in x or in y, where their middles are further apart.
+void SnapRounder::sortStops(const Point& a, const Point& b, std::uint32_t first) {
+    way_.clear();
+    for (std::uint32_t s = first; s != 0; s = stops_[s - 1].next) way_.push(stops_[s - 1].p);
+    const bool right = a.x < b.x;
+    const bool up = a.y < b.y;
+    std::sort(way_.begin(), way_.end(), [=](const Point& u, const Point& v) {
+        const double x = std::fabs(u.x - v.x);
+        const double y = std::fabs(u.y - v.y);
+        return x >= y ? x > 0 && (u.x < v.x) == right : (u.y < v.y) == up;
+    });
+}
+
+void SnapRounder::release() {
+    spots_.release();
+    hot_.release();
+    stops_.release();
+    firstStop_.release();
+    way_.release();
+}
+
+}  // namespace jws::gpc
