@@ -20,20 +20,22 @@
 // or end before, near it: both are marked. An edge split beside its line is always suspect.
 //
 // Where edges crowd, as in bundles that are parallel to within rounding, bent edges may go on
-// crossing one another, ever further along. So the number of passes is fixed, and so is how much
-// they may find: what is not clean then goes back to the beginning and is snap rounded
-// (snap_rounding.h), all at once and with proof. Crossings go to the same grid there; what differs
-// is that edges are led through every crowded place that they touch, and that vertices finer than
-// the grid keep their place only where nothing else is within a unit or so. The last pass after it
-// compares everything once more and finds nothing to split; it marks where edges meet.
+// crossing one another, ever further along. Therefore the second pass may split no more often than
+// there are points and splits in the first, and every further one half as often as the one before.
+// What asks for more goes back to the beginning and is snap rounded as a whole: snap_rounding.h
+// says why no crossing is left then. Crossings go to the same grid there; what differs is that
+// edges are led through every crowded pixel that they enter, and that vertices finer than the grid
+// keep their place only where nothing else is within a pixel or two. Rounding the outcome again
+// leads edges away from vertices that they pass within half a unit now (iterated snap rounding:
+// Halperin and Packer 2002); that is repeated a few times, or until nothing changes. A last
+// comparison marks where edges meet.
 //
 // After the last pass any two edges are disjoint, equal, or share end points only, exactly, in
 // the very doubles that are handed out; so contours made of them are valid without any tolerance.
-// Otherwise no input vertex moves.
+// Unless the edges were snap rounded, no input vertex moves.
 //
-// At most kPasses + 2 comparisons of edges whose boxes meet. Their number bounds the work of each;
-// pieces are bounded by kCrowded times the edges and their crossings, and by what snap rounding
-// gives.
+// With n edges and k splits in the first pass, at most log2(n + k) + 2 passes make at most
+// 2 (n + k) splits; snap rounding takes at most kRounds + 1 comparisons more.
 #include "gpc/noding.h"
 
 #include <algorithm>
@@ -45,8 +47,7 @@ namespace jws::gpc {
 namespace {
 
 constexpr double kShallow = 0x1p-7;
-constexpr int kPasses = 6;           // that may bend edges
-constexpr std::size_t kCrowded = 1;  // splits in later passes, for each point after the first
+constexpr int kRounds = 8;  // of snap rounding
 
 bool isWithin(const Point& p, const Point& a, const Point& b) {
     return p.x >= std::min(a.x, b.x) && p.x <= std::max(a.x, b.x) && p.y >= std::min(a.y, b.y) &&
@@ -65,21 +66,24 @@ void Noder::run(ContourSet& source, int exponent, double aspect) {
     doubles_.clear();
     grid_.fit(exponent - 53);
     near_ = {2 * grid_.step, aspect};
+    snapped_ = false;
     tight_ = 32 * grid_.step;
     radius_ = 0x1p13 * grid_.step;
     scans_ = 0;
-    snapped_ = false;
-    if (!bend()) snap();
+    snapped_ = !bend();
+    if (!snapped_) return;
+    snap();
+    if (check()) throw std::logic_error("edges cross after snap rounding");
 }
 
-// Splits edges where they meet, until that leaves nothing to split; false if it does not seem to.
+// Splits edges where they meet, until that leaves nothing to split; false if it takes too long.
 bool Noder::bend() {
     set_ = source_;
-    for (std::size_t i = 0; i < source_->flags.size(); ++i) source_->flags[i] |= kUnchecked;
+    for (std::uint8_t& f : set_->flags) f |= kUnchecked;
     std::size_t most = 0;
     for (pass_ = 1; check(); ++pass_) {
-        if (pass_ > kPasses || (pass_ > 1 && splits_.size() > most)) return false;
-        if (pass_ == 1) most = kCrowded * (source_->points.size() + splits_.size());
+        if (pass_ > 1 && splits_.size() > most) return false;
+        most = pass_ == 1 ? set_->points.size() + splits_.size() : most / 2;
         findCrowds();
         const bool any = rebuild();
         treeIsFresh_ = false;
@@ -89,19 +93,25 @@ bool Noder::bend() {
     return true;
 }
 
+// Starts again from the source and snap rounds it.
 void Noder::snap() {
     doubles_.clear();
     set_ = source_;
-    source_->flags.fill(source_->points.size(), kUnchecked);
-    tree_.build(*source_, near_.reach);
-    rounder_.run(*source_, tree_, grid_, work_[0], parents_[0]);
-    active_ = 0;
-    set_ = &work_[0];
-    snapped_ = true;
-    for (std::uint8_t& f : set_->flags) f = kUnchecked;
+    set_->flags.fill(set_->points.size(), kUnchecked);
+    active_ = 1;  // so that the first target is 0
+    for (int round = 1; round <= kRounds; ++round) {
+        const int target = 1 - active_;
+        tree_.build(*set_, near_.reach);
+        rounder_.run(*set_, tree_, grid_, round == 1, work_[target], parents_[target]);
+        if (round > 1) {
+            if (work_[target].points.size() == set_->points.size()) break;
+            for (std::uint32_t& parent : parents_[target]) parent = parents_[active_][parent];
+        }
+        active_ = target;
+        set_ = &work_[target];
+    }
+    set_->flags.fill(set_->points.size(), kUnchecked);
     findDoubles();
-    if (check()) throw std::logic_error("edges cross after snap rounding");
-    doubles_.clear();
 }
 
 std::size_t Noder::countConflicts() {

@@ -116,7 +116,7 @@ class Noder {
     CrossingGrid grid_;
     SnapRounder rounder_;
     int pass_ = 0;
-    bool snapped_ = false;
+    bool snapped_ = false;  // edges are cut at what lies on them only
     bool treeIsFresh_ = false;
     int scans_ = 0;      // rays answered without the tree
     Nearness near_;      // within which edges are cut at vertices

@@ -22,7 +22,7 @@
 // What falls into which square is decided without rounding (pixel.h), as the argument demands.
 // The result depends on the edges alone, not on their order or direction.
 //
-// O((n + k) log n + m) for n edges, k crossings and m corners of the result. One pass, always.
+// O((n + k) log n + m) for n edges, k crossings and m corners of the result.
 #include "gpc/snap_rounding.h"
 
 #include <algorithm>
@@ -42,9 +42,13 @@ bool crossProperly(const Point& a, const Point& b, const Point& c, const Point& 
 }  // namespace
 
 void SnapRounder::run(const ContourSet& from, const BoxTree& tree, const CrossingGrid& grid,
-                      ContourSet& to, Buffer<std::uint32_t>& parents) {
+                      bool crossing, ContourSet& to, Buffer<std::uint32_t>& parents) {
     grid_ = grid;
-    gatherSpots(from, tree);
+    spots_.clear();
+    crowd_ = kFewSpots;
+    addVertices(from);
+    if (crossing) addCrossings(from, tree);
+    compact();
     chooseHotPoints();
     stopEdges(from, tree);
     to.clear();
@@ -71,20 +75,22 @@ void SnapRounder::run(const ContourSet& from, const BoxTree& tree, const Crossin
     to.flags.fill(to.points.size(), 0);
 }
 
-void SnapRounder::gatherSpots(const ContourSet& from, const BoxTree& tree) {
-    spots_.clear();
-    crowd_ = kFewSpots;
-    const Point* p = from.points.data();
+void SnapRounder::addVertices(const ContourSet& from) {
     for (const Contour& c : from.contours) {
-        for (std::uint32_t i = c.first; i < c.last; ++i) add({pixelOf(p[i], grid_), p[i]});
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            add({pixelOf(from.points[i], grid_), from.points[i]});
+        }
     }
+}
+
+void SnapRounder::addCrossings(const ContourSet& from, const BoxTree& tree) {
+    const Point* p = from.points.data();
     const auto visit = [&](std::uint32_t i, std::uint32_t, std::uint32_t j, std::uint32_t) {
         if (!crossProperly(p[i], p[i + 1], p[j], p[j + 1])) return;
         const Point pixel = crossingPixel(p[i], p[i + 1], p[j], p[j + 1], grid_);
         add({pixel, pixel});
     };
     tree.joinSelf(from, visit);
-    compact();
 }
 
 void SnapRounder::add(const Spot& spot) {

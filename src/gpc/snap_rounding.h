@@ -13,9 +13,10 @@ class SnapRounder {
     /// Fills `to` with the contours of `from`, bent until no two edges cross: any two are disjoint,
     /// equal, or share end points only, and `parents` with the edge of `from` that each edge of
     /// `to` stands for. Contours that shrink to a point or a line are left out. `tree` is the tree
-    /// over `from`, in which every edge is to be compared. Throws std::bad_alloc.
-    void run(const ContourSet& from, const BoxTree& tree, const CrossingGrid& grid, ContourSet& to,
-             Buffer<std::uint32_t>& parents);
+    /// over `from`; with `crossing` set every edge in it is to be compared, otherwise no two edges
+    /// of `from` cross. Throws std::bad_alloc.
+    void run(const ContourSet& from, const BoxTree& tree, const CrossingGrid& grid, bool crossing,
+             ContourSet& to, Buffer<std::uint32_t>& parents);
 
     std::size_t bytes() const { return spots_.bytes() + hot_.bytes() + stops_.bytes(); }
     void release();
@@ -32,7 +33,8 @@ class SnapRounder {
         std::uint32_t next;
     };
 
-    void gatherSpots(const ContourSet& from, const BoxTree& tree);
+    void addVertices(const ContourSet& from);
+    void addCrossings(const ContourSet& from, const BoxTree& tree);
     void add(const Spot& spot);
     void compact();
     bool isAlone(const Point& pixel) const;
