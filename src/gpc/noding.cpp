@@ -143,7 +143,7 @@ bool Noder::check() {
 }
 
 void Noder::split(std::uint32_t edge, const Point& p, bool moved, std::uint32_t by) {
-    splits_.push({p, firstSplit_[edge], edge, by, moved});
+    splits_.push({p, firstSplit_[edge], by, moved});
     firstSplit_[edge] = static_cast<std::uint32_t>(splits_.size());
 }
 
@@ -275,17 +275,19 @@ void Noder::cross(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint3
 // Marks edges with two split points near each other, and the edges that split them there.
 void Noder::findCrowds() {
     if (pass_ > 1) return;
-    for (const SplitPoint& s : splits_) {
-        int left = 16;
-        for (std::uint32_t k = s.next; k != 0; k = splits_[k - 1].next) {
-            const SplitPoint& t = splits_[k - 1];
-            const bool near =
-                std::fabs(s.p.x - t.p.x) <= radius_ && std::fabs(s.p.y - t.p.y) <= radius_;
-            if (!near && --left > 0) continue;
-            for (const SplitPoint* q : {&s, &t}) {
-                suspect(q->by, q->on);
+    for (const Contour& c : set_->contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            if (firstSplit_[i] == 0 || splits_[firstSplit_[i] - 1].next == 0) continue;
+            sortSplits(i);
+            for (std::size_t k = 1; k < sorted_.size(); ++k) {
+                const SplitPoint& s = sorted_[k - 1];
+                const SplitPoint& t = sorted_[k];
+                if (std::fabs(s.p.x - t.p.x) > radius_ || std::fabs(s.p.y - t.p.y) > radius_) {
+                    continue;
+                }
+                suspect(s.by, i);
+                suspect(t.by, i);
             }
-            if (left == 0) break;
         }
     }
 }

@@ -63,8 +63,7 @@ class Noder {
     struct SplitPoint {
         Point p;
         std::uint32_t next;
-        std::uint32_t on;  ///< the edge that is split,
-        std::uint32_t by;  ///< and the one that does it
+        std::uint32_t by;  ///< the edge that splits this one
         bool moved;        ///< the edge does not pass through it exactly
     };
 
