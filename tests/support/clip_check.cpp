@@ -170,7 +170,9 @@ Miss checkPair(const RingPair& original, RandomRings& random, const CheckOptions
     if (!miss) miss = checkEntries(c, random);
     if (!miss) miss = checkOnceMore(c);
     if (!miss) miss = checkGrouping(c);
-    if (!miss && options.geos) miss = checkAgainstGeos(c, random);
+    // Areas by slabs have spoken for small pairs; what GEOS adds there, some of them show.
+    const bool small = c.vertices <= kSlabVertices;
+    if (!miss && options.geos && (!small || random.oneIn(4))) miss = checkAgainstGeos(c, random);
     return miss;
 }
 

@@ -61,7 +61,8 @@ struct ClipCase {
 /// - prepared operands give the same bits, the union of any number at once the same set;
 /// - results clip cleanly once more: they are their own unions, and A minus (A and B) is A minus B;
 /// - grouped into polygons by the callers' rules nothing is lost and GEOS finds them valid;
-/// - GEOS agrees in areas and in a symmetric difference, where it gives a consistent answer.
+/// - GEOS agrees in areas and in a symmetric difference, where it gives a consistent answer (large
+///   pairs, and one small pair in four).
 /// `random` picks points and orders.
 Miss checkPair(const RingPair& pair, RandomRings& random, const CheckOptions& options = {});
 
