@@ -15,39 +15,6 @@
 #include "gpc/expansion.h"
 
 namespace jws::gpc {
-namespace {
-
-/// Two products, one less the other, with a bound of the error of their difference in extended
-/// precision, where the factors are differences of doubles.
-struct Bounded {
-    long double value;
-    long double error;
-};
-
-inline Bounded crossBounded(long double ax, long double ay, long double bx, long double by) {
-    const long double left = ax * by;
-    const long double right = ay * bx;
-    return {left - right, 0x1p-61L * (std::fabs(left) + std::fabs(right))};
-}
-
-/// The grid's nearest value to one that is known to within `error`; false when that leaves several.
-inline bool roundSafely(long double v, long double error, const CrossingGrid& grid, double& out) {
-    out = grid.round(static_cast<double>(v));
-    return std::fabs(v - out) + error < 0.499L * grid.step;
-}
-
-double longestSide(const Point& a, const Point& b) {
-    return std::max(std::fabs(b.x - a.x), std::fabs(b.y - a.y));
-}
-
-double within(double v, double a, double b, double c, double d) {
-    const double low = std::max(std::min(a, b), std::min(c, d));
-    const double high = std::min(std::max(a, b), std::max(c, d));
-    return std::min(std::max(v, low), high);
-}
-
-}  // namespace
-
 int orientationExact(const Point& a, const Point& b, const Point& c) {
     const Two ax = twoDiff(a.x, c.x);
     const Two by = twoDiff(b.y, c.y);
@@ -91,52 +58,6 @@ bool Nearness::holds(const Point& p, Point a, Point b) const {
 void CrossingGrid::fit(int exponent) {
     step = std::ldexp(1.0, exponent);
     limit = 0x1p52 * step;
-}
-
-bool crossingByFilter(const Point& a, const Point& b, const Point& c, const Point& d,
-                      const CrossingGrid& grid, Point& out) {
-    using Wide = long double;
-    const Wide ex = static_cast<Wide>(b.x) - a.x, ey = static_cast<Wide>(b.y) - a.y;
-    const Wide fx = static_cast<Wide>(d.x) - c.x, fy = static_cast<Wide>(d.y) - c.y;
-    const Wide gx = static_cast<Wide>(c.x) - a.x, gy = static_cast<Wide>(c.y) - a.y;
-    const Bounded over = crossBounded(gx, gy, fx, fy);
-    const Bounded under = crossBounded(ex, ey, fx, fy);
-    if (!(std::fabs(under.value) > 4 * under.error)) return false;
-    const Wide t = over.value / under.value;
-    const Wide error =
-        2 * (over.error + std::fabs(t) * under.error) / std::fabs(under.value) + 0x1p-60L;
-    return roundSafely(a.x + t * ex, error * std::fabs(ex) + 0x1p-62L * std::fabs(a.x), grid,
-                       out.x) &&
-           roundSafely(a.y + t * ey, error * std::fabs(ey) + 0x1p-62L * std::fabs(a.y), grid,
-                       out.y);
-}
-
-Point crossingPoint(Point a, Point b, Point c, Point d, const CrossingGrid& grid) {
-    if (a.y == b.y && c.x == d.x) return {c.x, a.y};
-    if (a.x == b.x && c.y == d.y) return {a.x, c.y};
-    if (b < a) std::swap(a, b);
-    if (d < c) std::swap(c, d);
-    const double lengthE = longestSide(a, b);
-    const double lengthF = longestSide(c, d);
-    if (lengthF < lengthE || (lengthF == lengthE && (c < a || (c == a && d < b)))) {
-        std::swap(a, c);
-        std::swap(b, d);
-    }
-    Point at;
-    if (crossingByFilter(a, b, c, d, grid, at)) {
-        return {within(at.x, a.x, b.x, c.x, d.x) + 0.0, within(at.y, a.y, b.y, c.y, d.y) + 0.0};
-    }
-    const Two ex = twoDiff(b.x, a.x);
-    const Two ey = twoDiff(b.y, a.y);
-    const Two fx = twoDiff(d.x, c.x);
-    const Two fy = twoDiff(d.y, c.y);
-    const Two gx = twoDiff(c.x, a.x);
-    const Two gy = twoDiff(c.y, a.y);
-    const Two t = divide(cross(gx, gy, fx, fy), cross(ex, ey, fx, fy));
-    const Two x = add({a.x, 0}, multiply(t, ex));
-    const Two y = add({a.y, 0}, multiply(t, ey));
-    return {within(grid.round(x.h), a.x, b.x, c.x, d.x) + 0.0,
-            within(grid.round(y.h), a.y, b.y, c.y, d.y) + 0.0};
 }
 
 WideArea wideArea(const Point* p, int n) {

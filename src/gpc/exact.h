@@ -76,16 +76,6 @@ struct CrossingGrid {
     }
 };
 
-/// Computes the point of the grid nearest to where the segments ab and cd, which cross properly,
-/// meet, in extended precision; false where that does not tell the nearest for certain.
-bool crossingByFilter(const Point& a, const Point& b, const Point& c, const Point& d,
-                      const CrossingGrid& grid, Point& out);
-
-/// Computes the point where the segments ab and cd, which cross properly, meet: correctly to a
-/// few units of the double-double format, then rounded to the grid and kept within both
-/// segments' boxes. The order of the segments and their directions do not matter.
-Point crossingPoint(Point a, Point b, Point c, Point d, const CrossingGrid& grid);
-
 /// Twice the signed area of a closed contour, positive when counter-clockwise, in double-double.
 struct WideArea {
     double high;

@@ -43,6 +43,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "gpc/crossing.h"
+
 namespace jws::gpc {
 namespace {
 
@@ -173,25 +175,29 @@ void Noder::meet(std::uint32_t i, const Contour& ci, std::uint32_t j, const Cont
     const double sumB = sumA + turn;
     const double e = std::fabs(ex) + std::fabs(ey);
     const double f = std::fabs(fx) + std::fabs(fy);
-    const double nearestE = std::min(std::fabs(sumC), std::fabs(sumD)) / e;
-    const double nearestF = std::min(std::fabs(sumA), std::fabs(sumB)) / f;
-    const double nearest = std::min(nearestE, nearestF);
+    const double offC = std::fabs(sumC) / e;
+    const double offD = std::fabs(sumD) / e;
+    const double offA = std::fabs(sumA) / f;
+    const double offB = std::fabs(sumB) / f;
+    const double nearest = std::min(std::min(offA, offB), std::min(offC, offD));
     if (nearest <= radius_) {
         suspect(i, j);
-        if (nearest <= tight_) return meetClosely(i, i1, j, j1);
+        if (nearest <= tight_) {
+            bool cut = offC <= tight_ && cutAt(i, i1, j, j);
+            cut |= offD <= tight_ && cutAt(i, i1, j1, j);
+            cut |= offA <= tight_ && cutAt(j, j1, i, i);
+            cut |= offB <= tight_ && cutAt(j, j1, i1, i);
+            if (!cut) crossClosely(i, i1, j, j1);
+            return;
+        }
     }
     if ((sumC > 0) == (sumD > 0) || (sumA > 0) == (sumB > 0)) return;
     if (std::fabs(turn) <= kShallow * e * f) suspect(i, j);
     cross(i, i1, j, j1);
 }
 
-// The same for edges of which one has an end on the other's line or hardly off it.
-void Noder::meetClosely(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1) {
-    bool cut = cutAt(i, i1, j, j);
-    cut |= cutAt(i, i1, j1, j);
-    cut |= cutAt(j, j1, i, i);
-    cut |= cutAt(j, j1, i1, i);
-    if (cut) return;
+// The same for edges of which one has an end hardly off the other's line and yet not on that edge.
+void Noder::crossClosely(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1) {
     const Point* p = set_->points.data();
     if (orientation(p[i], p[i1], p[j]) * orientation(p[i], p[i1], p[j1]) >= 0) return;
     if (orientation(p[j], p[j1], p[i]) * orientation(p[j], p[j1], p[i1]) >= 0) return;

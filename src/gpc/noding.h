@@ -77,7 +77,7 @@ class Noder {
     void meet(std::uint32_t i, const Contour& ci, std::uint32_t j, const Contour& cj);
     void meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint32_t farI,
                    std::uint32_t farJ, std::uint32_t i, std::uint32_t j, bool neighbours);
-    void meetClosely(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1);
+    void crossClosely(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1);
     bool cutAt(std::uint32_t edge, std::uint32_t end, std::uint32_t point, std::uint32_t by);
     void cross(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1);
     void mark(std::uint32_t point) { set_->flags[point] |= kMeeting; }

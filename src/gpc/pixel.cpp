@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// Which pixel of a grid a point, a crossing or a segment lies in, exactly.
+// Which pixel of a grid a point or a segment lies in, exactly.
 //
-// Snap rounding is right if every crossing goes to the very pixel that it lies in and every segment
-// to every pixel that it enters; a crossing on the border of two pixels, or a segment through the
-// corner of one, must not be left to chance. So plain values decide only where their error bounds
-// allow it. Otherwise: a crossing lies at a + t e with t = (g x f) / (e x f), and which side of a
-// border X it is on is the sign of (a - X) (e x f) + e (g x f), a sum of products of three
-// differences. A segment enters a square if their boxes meet and its line passes the middle within
-// half a side, measured by the sum of its direction's components.
+// Snap rounding is right only if every segment goes to every pixel that it enters; one through the
+// corner of a pixel must not be left to chance. A segment enters a square if their boxes meet and
+// its line passes the middle within half a side, measured by the sum of its direction's components.
+// Extended precision decides where its error bound allows it, sums without rounding elsewhere.
 #include "gpc/pixel.h"
 
 #include <algorithm>
@@ -18,69 +15,6 @@
 
 namespace jws::gpc {
 namespace {
-
-constexpr double kIllConditioned = 0x1p-20;  // of a cross product, against its terms
-constexpr double kUncertain = 0x1p-16;       // of a step, near a border
-
-/// Two segments that cross: e and f, from a to the first and from c to the second.
-struct Crossing {
-    Two ex, ey, fx, fy, gx, gy;
-    Two t;
-    double turn;
-
-    Crossing(const Point& a, const Point& b, const Point& c, const Point& d)
-        : ex(twoDiff(b.x, a.x)),
-          ey(twoDiff(b.y, a.y)),
-          fx(twoDiff(d.x, c.x)),
-          fy(twoDiff(d.y, c.y)),
-          gx(twoDiff(c.x, a.x)),
-          gy(twoDiff(c.y, a.y)) {
-        Two whole = cross(ex, ey, fx, fy);
-        Two part = cross(gx, gy, fx, fy);
-        const double size = std::fabs(ex.h * fy.h) + std::fabs(ey.h * fx.h);
-        if (!(std::fabs(whole.h) >= kIllConditioned * size)) {
-            whole = exactCross(ex, ey, fx, fy);
-            part = exactCross(gx, gy, fx, fy);
-        }
-        turn = whole.h;
-        t = divide(part, whole);
-    }
-
-    static Two exactCross(Two ax, Two ay, Two bx, Two by) {
-        ExactSum sum;
-        sum.addProduct(ax, by);
-        sum.addProduct(negate(ay), bx);
-        return sum.value();
-    }
-
-    /// The sign of x - (middle + offset), where the crossing's coordinate is x on an axis on which
-    /// e is `along` and starts at `start`.
-    int sideOf(double start, Two along, double middle, double offset) const {
-        const Two from = twoDiff(start, middle);
-        ExactSum sum;
-        for (const double part : {from.l, -offset, from.h}) {
-            sum.addProduct(ex, fy, part);
-            sum.addProduct(negate(ey), fx, part);
-        }
-        for (const double part : {along.l, along.h}) {
-            sum.addProduct(gx, fy, part);
-            sum.addProduct(negate(gy), fx, part);
-        }
-        return turn > 0 ? sum.sign() : -sum.sign();
-    }
-
-    double pixelOn(double start, Two along, const CrossingGrid& grid) const {
-        const Two x = add({start, 0}, multiply(t, along));
-        const double middle = grid.round(x.h);
-        const double rest = (x.h - middle) + x.l;
-        const double border = std::copysign(grid.step / 2, rest);
-        const double over = rest - border;
-        const bool certain = std::fabs(over) > kUncertain * grid.step;
-        const bool beyond = certain ? over > 0 : sideOf(start, along, middle, border) >= 0;
-        if (border > 0) return middle + (beyond ? grid.step : 0);
-        return middle - (beyond ? 0 : grid.step);
-    }
-};
 
 double pixelOn(double v, const CrossingGrid& grid) {
     const double middle = grid.round(v);
@@ -129,14 +63,6 @@ bool passesMiddle(const Point& a, const Point& b, const Point& middle, double ha
 
 Point pixelOf(const Point& p, const CrossingGrid& grid) {
     return {pixelOn(p.x, grid), pixelOn(p.y, grid)};
-}
-
-Point crossingPixel(const Point& a, const Point& b, const Point& c, const Point& d,
-                    const CrossingGrid& grid) {
-    Point certain;
-    if (crossingByFilter(a, b, c, d, grid, certain)) return certain;
-    const Crossing at(a, b, c, d);
-    return {at.pixelOn(a.x, at.ex, grid), at.pixelOn(a.y, at.ey, grid)};
 }
 
 bool entersPixel(Point a, Point b, const Point& middle, double step) {

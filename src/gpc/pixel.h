@@ -12,10 +12,6 @@ namespace jws::gpc {
 /// Returns the middle of the pixel that `p` lies in.
 Point pixelOf(const Point& p, const CrossingGrid& grid);
 
-/// Returns the middle of the pixel in which the segments ab and cd, which cross properly, meet.
-Point crossingPixel(const Point& a, const Point& b, const Point& c, const Point& d,
-                    const CrossingGrid& grid);
-
 /// Tells whether the segment ab has a point in the square of side `step` around `middle`, which
 /// need not be a point of the grid.
 bool entersPixel(Point a, Point b, const Point& middle, double step);

@@ -27,6 +27,7 @@
 
 #include <algorithm>
 
+#include "gpc/crossing.h"
 #include "gpc/pixel.h"
 
 namespace jws::gpc {
