@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "boolean/packed_tree.h"
 
-#include "boolean/hilbert_order.h"
+#include "foundation/hilbert_order.h"
 
 namespace jws::detail {
 

@@ -178,7 +178,9 @@ TEST(AnalysisLayers, ResultsAreThoseOfTheGeometryForms) {
         const Outcome outcome = run(operation, *input);
         ASSERT_FALSE(outcome.content.empty());
         EXPECT_EQ(row.one, geometryOf(outcome.content[0]));
-        if (row.two != nullptr) EXPECT_EQ(row.two, geometryOf(outcome.content[1]));
+        if (row.two != nullptr) {
+            EXPECT_EQ(row.two, geometryOf(outcome.content[1]));
+        }
         EXPECT_EQ(row.fields, outcome.fields);
     }
     const Outcome circle = run(bound("circle", JWBoundingMinimumCircle, false), *input);
@@ -209,7 +211,9 @@ TEST(AnalysisLayers, PointsAreBoundTogether) {
         const Outcome outcome = run(bound("all", c.kind, true), *input);
         EXPECT_EQ(c.geometry != nullptr ? 1 : 0, outcome.code);
         EXPECT_EQ(c.geometry == nullptr && !c.rows.empty(), !outcome.report.rejected.empty());
-        if (outcome.code == 1) EXPECT_EQ(c.geometry, geometryOf(outcome.content[0]));
+        if (outcome.code == 1) {
+            EXPECT_EQ(c.geometry, geometryOf(outcome.content[0]));
+        }
     }
 }
 
