@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Union and erasure of many ring sets by the engine's own entries: all sets in one arrangement,
-// where every two boundaries are compared once, however many sets there are.
+// Union, erasure and partition of many ring sets by the engine's own entries: all sets in one
+// arrangement, where every two boundaries are compared once, however many sets there are.
 #include <cstddef>
 
 #include "boolean/ring_clip.h"
@@ -60,6 +60,26 @@ ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews
     const int failure =
         gpc::eraseAll(*polygons.front(), polygons.data() + 1, polygons.size() - 1, result);
     return {result, failure};
+}
+
+static_assert(kMostSets <= gpc::kMostSets);
+
+std::vector<PartOfSets> partitionRings(const RingViews& subject,
+                                       const std::vector<RingViews>& sets) {
+    EngineSets operands;
+    operands.add(subject);
+    for (const RingViews& rings : sets) operands.add(rings);
+    const auto& polygons = operands.polygons();
+    std::vector<gpc::Part> parts;
+    const int failure =
+        gpc::partition(*polygons.front(), polygons.data() + 1, polygons.size() - 1, parts);
+    if (failure != 0) ClippedContours({}, failure);
+    std::vector<PartOfSets> result;
+    result.reserve(parts.size());
+    for (const gpc::Part& part : parts) {
+        result.push_back({part.sets, ClippedContours(part.polygon, 0)});
+    }
+    return result;
 }
 
 ClippedContours uniteDirected(const RingViews& loops, double& overlap) {

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// Union and erasure of many ring sets by the calls that GPC publishes, for a build with an
-// installed GPC: sets are united in pairs of neighbours, and these in pairs again, so that a point
-// takes part in as many unions as the number of sets has binary digits.
+// Union, erasure and partition of many ring sets by the calls that GPC publishes, for a build with
+// an installed GPC: sets are united in pairs of neighbours, and these in pairs again, so that a
+// point takes part in as many unions as the number of sets has binary digits.
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -61,6 +62,29 @@ ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews
         if (isFinite(rings, other) && other.intersected(whole)) near.push_back(rings);
     }
     return clipRings(subject, uniteRings(near).views(), JWBooleanDifference);
+}
+
+// Each set in turn cuts every part so far in two.
+std::vector<PartOfSets> partitionRings(const RingViews& subject,
+                                       const std::vector<RingViews>& sets) {
+    std::vector<PartOfSets> parts;
+    if (!areFinite({subject}) || !areFinite(sets)) return parts;
+    const auto add = [](std::vector<PartOfSets>& to, std::uint32_t bits, ClippedContours part) {
+        if (part.count() > 0) to.push_back({bits, std::move(part)});
+    };
+    add(parts, 0, clipRings(subject, {}, JWBooleanUnion));
+    for (std::size_t i = 0; i < sets.size(); ++i) {
+        std::vector<PartOfSets> cut;
+        for (const PartOfSets& part : parts) {
+            const RingViews rings = part.contours.views();
+            add(cut, part.sets, clipRings(rings, sets[i], JWBooleanDifference));
+            add(cut, part.sets | 1u << i, clipRings(rings, sets[i], JWBooleanIntersection));
+        }
+        parts = std::move(cut);
+    }
+    std::sort(parts.begin(), parts.end(),
+              [](const PartOfSets& a, const PartOfSets& b) { return a.sets < b.sets; });
+    return parts;
 }
 
 ClippedContours uniteDirected(const RingViews&, double&) { throw ClipFailure(); }

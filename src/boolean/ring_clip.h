@@ -2,6 +2,7 @@
 #ifndef JW_BOOLEAN_RING_CLIP_H
 #define JW_BOOLEAN_RING_CLIP_H
 
+#include <cstdint>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -60,6 +61,20 @@ ClippedContours uniteRings(const std::vector<RingViews>& sets);
 /// Takes any number of ring sets out of `subject`: what lies in it and in none of them. Errors as
 /// of `clipRings`. Sets that miss the subject's rectangle cost next to nothing.
 ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews>& sets);
+
+/// What lies in a subject, in the ring sets whose bits are set, and in no other.
+struct PartOfSets {
+    std::uint32_t sets;
+    ClippedContours contours;
+};
+
+/// The ring sets that one call of `partitionRings` takes.
+constexpr std::size_t kMostSets = 30;
+
+/// Cuts `subject` into the parts that lie in the same of at most kMostSets ring sets, each read by
+/// the even-odd rule. Parts are not empty and come by rising `sets`. Errors as of `clipRings`.
+std::vector<PartOfSets> partitionRings(const RingViews& subject,
+                                       const std::vector<RingViews>& sets);
 
 /// Clips operands in the engine's own form; otherwise as `clipRings`. The operands stay the
 /// caller's.

@@ -69,7 +69,8 @@ struct Frame {
 struct Engine {
     ContourSet set;
     ContourSet resolved;
-    Buffer<std::size_t> near;  // polygons that reach the subject
+    Buffer<std::size_t> near;     // polygons that reach the subject
+    Buffer<std::int32_t> labels;  // of a partition
     Noder noder;
     Arrangement arrangement;
     ContourBuilder builder;
@@ -224,6 +225,48 @@ int eraseInto(const gpc_polygon& subject, const gpc_polygon* const* polygons, st
     return 0;
 }
 
+constexpr std::int32_t kWhole = 1 << kMostSets;
+
+/// The labels of what lies in the subject, each once, in order.
+void labelsOf(const Arrangement& arrangement, Buffer<std::int32_t>& labels) {
+    labels.clear();
+    for (const Arrangement::Run& run : arrangement.runs()) {
+        if (run.merged || run.step == 0) continue;
+        for (const std::int32_t label : {run.left, arrangement.rightOf(run)}) {
+            if (label & kWhole) labels.push(label);
+        }
+    }
+    std::sort(labels.begin(), labels.end());
+    labels.resize(
+        static_cast<std::size_t>(std::unique(labels.begin(), labels.end()) - labels.begin()));
+}
+
+int partitionInto(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
+                  std::vector<Part>& parts) {
+    Box box;
+    if (!boundsOf(subject, box)) return EDOM;
+    Box all = box;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!boundsOf(*polygons[i], all)) return EDOM;
+    }
+    if (isEmpty(box)) return 0;
+    const Frame frame(all);
+    const Box window = frame.to(box);
+    Engine& e = engine();
+    const Trim trim;
+    e.set.clear();
+    e.set.add(subject, kWhole, frame.to, nullptr);
+    for (std::size_t i = 0; i < count; ++i) e.set.add(*polygons[i], 1 << i, frame.to, &window);
+    e.arrange(e.set, frame, false);
+    labelsOf(e.arrangement, e.labels);
+    for (const std::int32_t label : e.labels) {
+        parts.push_back({static_cast<std::uint32_t>(label & ~kWhole), {0, nullptr, nullptr}});
+        e.builder.build(e.arrangement, {Rule::kExactly, label}, frame.from, parts.back().polygon);
+        if (parts.back().polygon.num_contours == 0) parts.pop_back();
+    }
+    return 0;
+}
+
 /// The area that is covered more than once, counted once for each further cover, in scaled
 /// coordinates: each run of boundary contributes what its two sides differ by.
 double overlapOf(const Arrangement& arrangement, const Point& origin) {
@@ -294,6 +337,18 @@ int uniteAll(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon&
 int eraseAll(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
              gpc_polygon& result) noexcept {
     return guarded(result, [&] { return eraseInto(subject, polygons, count, result); });
+}
+
+int partition(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
+              std::vector<Part>& parts) noexcept {
+    gpc_polygon none;
+    const int failure =
+        guarded(none, [&] { return partitionInto(subject, polygons, count, parts); });
+    if (failure != 0) {
+        for (Part& part : parts) gpc_free_polygon(&part.polygon);
+        parts.clear();
+    }
+    return failure;
 }
 
 int uniteDirected(const gpc_polygon& loops, gpc_polygon& result, double& overlap) noexcept {

@@ -5,6 +5,8 @@
 #include <gpc.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <vector>
 
 #include "gpc/box_tree.h"
 #include "gpc/contour_set.h"
@@ -54,6 +56,21 @@ int uniteAll(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon&
 /// `uniteAll`. Polygons whose boxes miss the subject's are only read through.
 int eraseAll(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
              gpc_polygon& result) noexcept;
+
+/// The polygons that one call of `partition` takes beside its subject.
+constexpr std::size_t kMostSets = 30;
+
+/// What lies in the subject, in the polygons whose bits are set, and in no other.
+struct Part {
+    std::uint32_t sets;
+    gpc_polygon polygon;
+};
+
+/// Cuts `subject` into the parts that lie in the same of the other polygons, in one go: appends
+/// those that are not empty to `parts`, which is empty, by rising `sets`; the polygons must be
+/// freed. At most kMostSets polygons, none null. Otherwise as `uniteAll`; no parts after a failure.
+int partition(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
+              std::vector<Part>& parts) noexcept;
 
 /// Computes the union of any number of areas from the directed loops around them, inside on the
 /// left: what the loops wind round at least once. Loops of different areas may cross, touch and

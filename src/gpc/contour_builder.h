@@ -13,7 +13,8 @@ struct Rule {
     /// What the subject's contours count as where depths are added up.
     static constexpr std::int32_t kSubject = 1 << 24;
 
-    enum Kind { kDifference, kIntersection, kXor, kUnion, kCovered, kErased } kind;
+    enum Kind { kDifference, kIntersection, kXor, kUnion, kCovered, kErased, kExactly } kind;
+    std::int32_t label = 0;  ///< of kExactly
     bool holds(std::int32_t state) const {
         switch (kind) {
             case kDifference:
@@ -26,8 +27,10 @@ struct Rule {
                 return state != 0;
             case kCovered:
                 return state > 0;
-            default:  // kErased: what only the subject covers
+            case kErased:  // what only the subject covers
                 return state == kSubject;
+            default:  // kExactly
+                return state == label;
         }
     }
 };

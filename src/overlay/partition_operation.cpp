@@ -3,14 +3,16 @@
 // What the features of one layer have in common, and the pieces into which they cut one another.
 //
 // A piece of the partition is what lies in all features of some set and in no other feature. It is
-// made from the set's first feature, in order: a piece that lies in a set and in no feature before
-// the set's last one is cut by the features behind that: into its common part with each of them,
-// without what lies in those between, which is cut in turn by the features further behind; and into
-// what lies in none of them. So every point lands in one piece, each part is a difference from a
-// union taken at once, and no piece is cut by a feature that does not meet it. Pieces wait in a
-// list of their own, since a thousand features may lie on top of one another.
+// made by the set's first feature, in order: what of that lies in no earlier feature is cut by the
+// later ones, as many at once as the engine takes, in one arrangement; pieces that more features
+// meet are cut again. So every point lands in one piece, pieces share their borders, and no piece
+// is cut by a feature that its rectangle does not meet. Pieces wait in a list of their own, since a
+// thousand features may lie on top of one another.
+//
+// O((n + k) log n) for the n edges and k crossings of the features around one, and O(n + k) again
+// for each piece.
+#include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <utility>
 
 #include "overlay/area_check.h"
@@ -67,13 +69,21 @@ class Neighbours {
 
 using SharedContours = std::shared_ptr<const ClippedContours>;
 
-/// What lies in all features of a set, and in no other up to the set's last one.
+/// What lies in all features of a set, and in no other up to a position.
 struct Piece {
     Area area;
     SharedContours contours;  ///< null for the feature itself
-    std::int64_t last;        ///< position of the set's last feature
+    std::int64_t last;        ///< features up to this position have cut it
     const JWFeature* second;  ///< of the set, null for the feature itself
 };
+
+/// Tells whether a set of features stands before another, both without repetition and compared
+/// member by member.
+bool comesBefore(std::uint32_t a, std::uint32_t b) {
+    const std::uint32_t first = (a ^ b) & (0u - (a ^ b));  // the first member that only one has
+    const std::uint32_t behind = ~(first | (first - 1));
+    return (a & first) != 0 ? (b & behind) != 0 : (a & behind) == 0;
+}
 
 /// The pieces of one feature that lie in no earlier one.
 class Partition {
@@ -88,7 +98,10 @@ class Partition {
 
     /// Emits the pieces and returns their area.
     double run() {
-        m_waiting.push_back({m_self.area, nullptr, -1, nullptr});
+        Piece whole = {m_self.area, nullptr, m_self.position, nullptr};
+        whole.area.prepare();
+        eraseEarlier(whole);
+        if (!whole.area.isEmpty()) m_waiting.push_back(std::move(whole));
         while (!m_waiting.empty()) {
             Piece piece = std::move(m_waiting.back());
             m_waiting.pop_back();
@@ -98,68 +111,83 @@ class Partition {
     }
 
   private:
-    /// Emits what of the piece lies in no feature further behind, and puts what it has in common
-    /// with those on the list.
-    void cut(Piece& piece) {
-        piece.area.prepare();
-        AreaUnion others(piece.area.envelop());
-        bool covered = false;
-        std::vector<Piece> parts;
-        m_neighbours.overlapping(piece.area, [&](const OverlayFeature& other) {
-            if (other.position <= piece.last) return true;
-            auto part =
-                std::make_shared<const ClippedContours>(intersectAreas(piece.area, other.area));
-            if (part->count() == 0) return true;
-            others.add(other.area);
-            if (other.position > m_self.position) addPart(piece, other, std::move(part), parts);
-            covered = covers(other.area, piece.area);
+    static void become(Piece& piece, ClippedContours&& contours) {
+        piece.contours = std::make_shared<const ClippedContours>(std::move(contours));
+        piece.area = Area(piece.contours->views(), piece.contours);
+    }
+
+    static bool covers(const Area& cover, const Area& area) {
+        if (!cover.envelop().isContain(area.envelop())) return false;
+        AreaUnion cutter(area.envelop());
+        cutter.add(cover);
+        return eraseUnion(area, cutter).count() == 0;
+    }
+
+    void eraseEarlier(Piece& piece) const {
+        AreaUnion earlier(piece.area.envelop());
+        bool any = false, covered = false;
+        m_neighbours.overlapping(m_self.area, [&](const OverlayFeature& other) {
+            if (other.position > m_self.position) return false;
+            any = any || intersectAreas(piece.area, other.area).count() > 0;
+            earlier.add(other.area);
+            covered = any && covers(other.area, piece.area);
             return !covered;
         });
-        if (!covered && (m_single || piece.second != nullptr)) emitRest(piece, others);
-        m_waiting.insert(m_waiting.end(), std::make_move_iterator(parts.rbegin()),
-                         std::make_move_iterator(parts.rend()));
+        if (covered) piece.area = Area();
+        if (any && !covered) become(piece, eraseUnion(piece.area, earlier));
     }
 
-    static bool covers(const Area& cover, const Area& piece) {
-        if (!cover.envelop().isContain(piece.envelop())) return false;
-        AreaUnion cutter(piece.envelop());
-        cutter.add(cover);
-        return eraseUnion(piece, cutter).count() == 0;
-    }
-
-    /// Adds what of `part`, the common part of a piece and `other`, lies in no feature between.
-    void addPart(const Piece& piece, const OverlayFeature& other, SharedContours part,
-                 std::vector<Piece>& parts) const {
-        Area area(part->views(), part);
-        AreaUnion between(area.envelop());
-        m_neighbours.overlapping(area, [&](const OverlayFeature& feature) {
-            if (feature.position >= other.position) return false;
-            if (feature.position > piece.last) between.add(feature.area);
-            return true;
+    /// Cuts the piece by the next features that may meet it: puts the parts on the list, or emits
+    /// it when there are none.
+    void cut(Piece& piece) {
+        std::vector<const OverlayFeature*> cutters;
+        m_neighbours.overlapping(piece.area, [&](const OverlayFeature& other) {
+            if (other.position > piece.last) cutters.push_back(&other);
+            return cutters.size() < kMostSets;
         });
-        if (!between.isEmpty()) {
-            part = std::make_shared<const ClippedContours>(eraseUnion(area, between));
-            if (part->count() == 0) return;
-            area = Area(part->views(), part);
+        if (cutters.empty()) {
+            if (m_single || piece.second != nullptr) emit(piece);
+            return;
         }
-        parts.push_back({std::move(area), std::move(part), other.position,
-                         piece.second != nullptr ? piece.second : other.get()});
+        const std::int64_t last = cutters.back()->position;
+        piece.area.prepare();
+        std::vector<PartOfSets> parts = partitionArea(piece.area, cutters);
+        if (parts.size() == 1 && parts.front().sets == 0) {  // they only touch it
+            piece.last = last;
+            m_waiting.push_back(std::move(piece));
+            return;
+        }
+        std::sort(parts.begin(), parts.end(), [](const PartOfSets& a, const PartOfSets& b) {
+            return comesBefore(a.sets, b.sets);
+        });
+        for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+            Piece next = {Area(), nullptr, last, piece.second};
+            for (std::size_t i = 0; i < cutters.size() && next.second == nullptr; ++i) {
+                if (part->sets >> i & 1u) next.second = cutters[i]->get();
+            }
+            become(next, std::move(part->contours));
+            m_waiting.push_back(std::move(next));
+        }
     }
 
-    void emitRest(const Piece& piece, AreaUnion& others) {
-        if (!others.isEmpty()) {
-            emit(eraseUnion(piece.area, others), piece);
-        } else if (piece.contours) {
-            emit(*piece.contours, piece);
-        } else {
+    static std::vector<PartOfSets> partitionArea(
+        const Area& area, const std::vector<const OverlayFeature*>& cutters) {
+        std::vector<RingSet> shortened(cutters.size());
+        std::vector<RingViews> sets(cutters.size());
+        for (std::size_t i = 0; i < cutters.size(); ++i) {
+            cutters[i]->area.appendWithin(area.envelop(), shortened[i], sets[i]);
+        }
+        return partitionRings(area.rings(), sets);
+    }
+
+    void emit(const Piece& piece) {
+        if (!piece.contours) {
             m_area += resolvedArea(piece.area);
             m_out.emitCopy(m_self, m_self.get(), nullptr);
+            return;
         }
-    }
-
-    void emit(const ClippedContours& contours, const Piece& piece) {
-        m_area += areaOf(contours);
-        m_out.emit(buildArea(contours, m_tolerance), m_self.get(), piece.second);
+        m_area += areaOf(*piece.contours);
+        m_out.emit(buildArea(*piece.contours, m_tolerance), m_self.get(), piece.second);
     }
 
     const OverlayFeature& m_self;

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
-// Union and erasure of many ring sets at once, on a lattice where areas are counts of cells.
+// Union, erasure and partition of many ring sets at once, on a lattice where areas are counts of
+// cells.
 #include "boolean/ring_clip.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+#include <map>
 #include <string>
 
 #include "jw_report.h"
@@ -47,7 +49,7 @@ bool covers(const Rings& boxes, int x, int y) {
     return inside;
 }
 
-TEST(RingSets, UnionAndErasureOfMany) {
+TEST(RingSets, UnionErasureAndPartitionOfMany) {
     const unsigned long long seed = 4;
     RandomRings random(seed);
     for (int round = 0; round < 200; ++round) {
@@ -58,10 +60,14 @@ TEST(RingSets, UnionAndErasureOfMany) {
         }
         const Rings subject = {random.box(kSize), random.box(kSize)};
         int united = 0, erased = 0;
+        std::map<std::uint32_t, double> parts, expected;
         for (int x = 0; x < kSize; ++x) {
             for (int y = 0; y < kSize; ++y) {
-                bool any = false;
-                for (const Rings& set : sets) any = any || covers(set, x, y);
+                std::uint32_t in = 0;
+                for (std::size_t i = 0; i < sets.size(); ++i)
+                    in |= covers(sets[i], x, y) ? 1u << i : 0;
+                const bool any = in != 0;
+                if (covers(subject, x, y)) ++expected[in];
                 united += any;
                 erased += covers(subject, x, y) && !any;
             }
@@ -70,6 +76,10 @@ TEST(RingSets, UnionAndErasureOfMany) {
         for (const Rings& set : sets) views.push_back(viewsOf(set));
         EXPECT_EQ(area(detail::uniteRings(views)), united);
         EXPECT_EQ(area(detail::eraseRings(viewsOf(subject), views)), erased);
+        for (const auto& part : detail::partitionRings(viewsOf(subject), views)) {
+            parts[part.sets] += area(part.contours);
+        }
+        EXPECT_EQ(parts, expected);
     }
 }
 
