@@ -83,8 +83,9 @@ struct JWLayerReport {
     std::int64_t readB = 0;   ///< features read from the overlay layer
     std::int64_t emptyA = 0;  ///< of these, without a geometry or with an empty one
     std::int64_t emptyB = 0;
-    std::int64_t pairs = 0;    ///< candidate pairs whose envelopes meet
-    std::int64_t written = 0;  ///< features written to the result
+    std::int64_t pairs = 0;         ///< candidate pairs whose envelopes meet
+    std::int64_t written = 0;       ///< features written to the result
+    std::int64_t writtenEmpty = 0;  ///< of these, without a geometry, as they were read
 
     // Areas in square layer units, summed over features: what features of one layer have in common
     // counts for each of them. The area of a feature that is read, and of its copy in the result,

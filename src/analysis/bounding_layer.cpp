@@ -192,7 +192,7 @@ std::int64_t WholeLayer::write() {
     std::vector<PendingResult> made;
     std::vector<std::string> failures;
     const JWFeature none;
-    MapResults results(m_schema, none, made, failures);
+    MapResults results(m_schema, none, -1, made, failures);
     results.add(std::make_unique<JWPolygon>(std::move(ring)));
     results.set(m_count, m_gathered);
     m_fields.fill(measures, results);

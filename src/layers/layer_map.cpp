@@ -13,6 +13,7 @@ namespace jws::detail {
 
 void MapResults::add(std::unique_ptr<JWGeometry> geometry) {
     PendingResult result;
+    result.isEmpty = !geometry;
     if (geometry) {
         result.area = areaOf(*geometry);
         result.vertices = vertexCount(*geometry);
@@ -50,7 +51,7 @@ class MapRun {
 
   private:
     void mapBlock(std::int64_t block);
-    void mapFeature(const FeatureMap& map, const JWFeature& feature, MapSlot& slot) const;
+    void mapFeature(const FeatureMap& map, std::size_t i);
     std::size_t write(std::size_t i);
     void reject(const JWFeature& feature, const std::string& reason) {
         m_report.rejected.push_back(
@@ -62,14 +63,18 @@ class MapRun {
     Team m_team;
     std::int64_t m_total;
     Blocks m_blocks;
+    std::int64_t m_blockBegin = 0;
     std::vector<std::shared_ptr<const JWFeature>> m_block;
     std::vector<MapSlot> m_slots;
     OrderedWriter m_writer;
 };
 
-void MapRun::mapFeature(const FeatureMap& map, const JWFeature& feature, MapSlot& slot) const {
+void MapRun::mapFeature(const FeatureMap& map, std::size_t i) {
+    const JWFeature& feature = *m_block[i];
+    MapSlot& slot = m_slots[i];
     slot.check = checkGeometry(feature, m_job.kinds);
-    MapResults results(m_job.schema, feature, slot.results, slot.failures);
+    MapResults results(m_job.schema, feature, m_blockBegin + static_cast<std::int64_t>(i),
+                       slot.results, slot.failures);
     if (slot.check == GeometryCheck::Usable) {
         slot.inputArea = areaOf(*feature.getGeometryPtr());
         slot.inputVertices = vertexCount(*feature.getGeometryPtr());
@@ -100,11 +105,11 @@ std::size_t MapRun::write(std::size_t i) {
 }
 
 void MapRun::mapBlock(std::int64_t block) {
-    const std::int64_t first = m_blocks.first(block) - 1;
-    m_job.input.readBlock(first, m_blocks.size(), m_block);
+    m_blockBegin = m_blocks.first(block) - 1;
+    m_job.input.readBlock(m_blockBegin, m_blocks.size(), m_block);
     const auto count = static_cast<std::int64_t>(m_block.size());
     if (count == 0) return;
-    if (m_job.onBlock) m_job.onBlock(block, first, count);
+    if (m_job.onBlock) m_job.onBlock(block, m_blockBegin, count);
     m_slots = std::vector<MapSlot>(m_block.size());
     m_writer.start(m_block.size());
     const std::int64_t chunk =
@@ -112,7 +117,7 @@ void MapRun::mapBlock(std::int64_t block) {
     parallelChunks(m_team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
         const FeatureMap map = m_job.makeMap ? m_job.makeMap() : m_job.map;
         for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
-            mapFeature(map, *m_block[i], m_slots[i]);
+            mapFeature(map, i);
             m_writer.setComplete(i);
         }
         return m_writer.writeCompleted();
@@ -142,7 +147,7 @@ std::int64_t runLayerMap(LayerMapJob& job, const LayerMapOptions& options, JWLay
         job.output.commit();
     } catch (...) {
         job.output.rollback();
-        report.written = 0;
+        report.written = report.writtenEmpty = 0;
         report.area = 0;
         report.vertices = 0;
         report.cancelled = run.isStopped();

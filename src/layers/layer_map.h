@@ -46,9 +46,16 @@ namespace jws::detail {
 /// Takes what a map makes of one feature, in order.
 class MapResults {
   public:
-    MapResults(const ResultSchema& schema, const JWFeature& source,
+    MapResults(const ResultSchema& schema, const JWFeature& source, std::int64_t position,
                std::vector<PendingResult>& results, std::vector<std::string>& failures)
-        : m_schema(schema), m_source(source), m_results(results), m_failures(failures) {}
+        : m_schema(schema),
+          m_source(source),
+          m_position(position),
+          m_results(results),
+          m_failures(failures) {}
+
+    /// The position of the feature at hand in its layer, from 0.
+    std::int64_t position() const { return m_position; }
 
     /// Adds a result with the attributes that the schema takes from the feature at hand. Null is a
     /// feature without geometry.
@@ -66,6 +73,7 @@ class MapResults {
   private:
     const ResultSchema& m_schema;
     const JWFeature& m_source;
+    std::int64_t m_position;
     std::vector<PendingResult>& m_results;
     std::vector<std::string>& m_failures;
 };

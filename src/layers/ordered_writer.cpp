@@ -15,6 +15,7 @@ void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInpu
     }
     if (output.write(result.feature, result.record)) {
         ++report.written;
+        if (result.isEmpty) ++report.writtenEmpty;
         report.area += result.area;
         report.vertices += result.vertices;
     } else if (isRefusal(JWReport::lastError().kind)) {

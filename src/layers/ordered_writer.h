@@ -24,6 +24,7 @@ struct PendingResult {
     std::shared_ptr<JWFeatureRecord> record;  ///< what the output prepared of it; may be null
     double area = 0;
     std::int64_t vertices = 0;
+    bool isEmpty = false;   ///< it has no geometry
     std::string lostField;  ///< name of a field whose value the result cannot hold
 };
 

@@ -150,6 +150,7 @@ TEST(AnalysisLayers, EachFeatureComesOutOrIsAccountedFor) {
         EXPECT_EQ(outcome.code, outcome.report.written);
         EXPECT_EQ(6, outcome.report.readA);
         EXPECT_EQ(2, outcome.report.emptyA);
+        EXPECT_EQ(rows[i].labels.find("none") < 9 ? 2 : 0, outcome.report.writtenEmpty);
         std::vector<long long> lost;
         for (const JWRejectedFeature& feature : outcome.report.rejected)
             lost.push_back(feature.fid);

@@ -123,9 +123,10 @@ LayerContent readLayer(const std::string& path, const std::string& layerName) {
             ++content.features;
             const OGRGeometry* geometry = feature->GetGeometryRef();
             if (geometry == nullptr) continue;
-            content.area += wkbFlatten(geometry->getGeometryType()) == wkbPolygon
-                                ? geometry->toPolygon()->get_Area()
-                                : geometry->toGeometryCollection()->get_Area();
+            if (content.first.empty()) content.first = geometry->exportToWkt();
+            const OGRwkbGeometryType type = wkbFlatten(geometry->getGeometryType());
+            if (type == wkbPolygon) content.area += geometry->toPolygon()->get_Area();
+            if (type == wkbMultiPolygon) content.area += geometry->toMultiPolygon()->get_Area();
         }
     }
     GDALClose(source);

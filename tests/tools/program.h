@@ -44,6 +44,7 @@ struct LayerContent {
     bool exists = false;
     long long features = 0;
     double area = 0;
+    std::string first;  ///< the first geometry as text
     std::string geometryType;
     std::vector<std::string> fields;
 };

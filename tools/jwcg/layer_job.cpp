@@ -127,7 +127,7 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
     const double running = watch.lap();
 
     bar.startPhase("finishing");
-    for (JWRejectedFeature& lost : output.commit(report.written)) {
+    for (JWRejectedFeature& lost : output.commit(report.written, report.writtenEmpty)) {
         lost.source = settings.output;
         report.rejected.push_back(std::move(lost));
     }
@@ -145,7 +145,7 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
     summary.hasAreas = isAreal(type);
     const double writing = std::max(0.0, running - report.secondsIndex - report.secondsOverlay);
     summary.seconds.emplace_back("open", opening);
-    if (b || job.account == AccountOfAreas) {
+    if (report.secondsIndex > 0 || job.account == AccountOfAreas) {
         summary.seconds.emplace_back("index", report.secondsIndex);
     }
     summary.seconds.emplace_back(job.account == AccountOfAreas ? "overlay" : "run",

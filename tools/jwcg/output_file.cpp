@@ -252,13 +252,15 @@ void OutputFile::checkUnchanged() const {
                          m_request.path + ": another program has changed it meanwhile");
 }
 
-std::vector<JWRejectedFeature> OutputFile::commit(std::int64_t features) {
+std::vector<JWRejectedFeature> OutputFile::commit(std::int64_t features,
+                                                  std::int64_t withoutGeometry) {
     // Formats differ in what they still write when closing; both closings count.
     bool closed = m_layer->flush();
     closed = JWFeatureLayer::destroyFeatureLayer(m_layer.release()) && closed;
     closed = JWDataSource::destroyDataSource(m_source.release()) && closed;
     if (!closed) throw writeFailure();
     std::vector<JWRejectedFeature> lost = verify(features);
+    if (static_cast<std::int64_t>(lost.size()) <= withoutGeometry) lost.clear();
     throwIfInterrupted();
     checkUnchanged();
     m_work->publish(m_request.overwrite || (m_request.append && m_exists));

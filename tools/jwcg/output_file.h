@@ -52,9 +52,10 @@ class OutputFile {
     /// `reference` (may be null). Throws CommandFailure when that cannot be done.
     JWFeatureLayer& createLayer(enumJWWKBGeometryType type, const JWSpatialReference* reference);
     /// Ends the output: closes it, verifies that `features` features are in it, and moves it to its
-    /// final place. Returns features whose geometry the format did not keep. Throws CommandFailure;
-    /// the destination is unharmed then.
-    std::vector<JWRejectedFeature> commit(std::int64_t features);
+    /// final place. Returns features whose geometry the format did not keep: those without one, if
+    /// there are more than were written so. Throws CommandFailure; the destination is unharmed
+    /// then.
+    std::vector<JWRejectedFeature> commit(std::int64_t features, std::int64_t withoutGeometry);
     /// `text` with the final path in place of the hidden one.
     std::string withFinalPath(std::string text) const;
     /// The library's last error as a failure of this output, naming the final path.
