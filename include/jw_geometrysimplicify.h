@@ -31,6 +31,11 @@ struct JWSimplifyOptions {
     int minimumRingPoints = 3;    ///< a ring that would store fewer stays as it was
     int threads = 1;              ///< for feature classes and layers; 0 for one per core
     int blockSize = 0;            ///< for layers: features held at a time; 0 for all
+    /// For layers of polygons: borders that polygons share are simplified once, for both.
+    bool coverage = false;
+    /// With `coverage`: vertices this near to one another become one first, layer units; 0 or less
+    /// for none.
+    double coverageTolerance = 0;
 };
 
 /// Removes vertices. No state; all functions may run on any number of threads, each on geometries
@@ -157,6 +162,14 @@ class JW_API JWGeometrySimplicify {
     /// fields, in the order of the input and in one transaction. Points and features without a
     /// geometry go through as they are, and so does a line that the method cannot take (too few
     /// points). The output is declared of the input's type.
+    ///
+    /// With `coverage` no gap and no overlap comes up between polygons that had none: a border is
+    /// simplified once, whatever the vertices of the two neighbours; places where three polygons or
+    /// more meet stay; and where a method would have lines cross or touch, a ring lose its area, or
+    /// something change sides, points come back until it does not. Kept points have their own bits;
+    /// a vertex may be added where a neighbour has one on an edge. Polygons that cross themselves
+    /// or overlap beforehand still do so. Other geometries than polygons are rejected; the whole
+    /// layer is held in memory, about 200 bytes a vertex.
     ///
     /// The result is the same, bit for bit, for any number of threads and any block size.
     /// \param report  may be null; receives features read, empty, written, the rejected ones (other

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "analysis/coverage_layer.h"
 #include "analysis/line_forms.h"
 #include "analysis/line_simplifier.h"
 
@@ -206,6 +207,7 @@ bool JWGeometrySimplicify::simplifyFeatures(JWFeatureClass* features,
 
 int JWGeometrySimplicify::simplifyLayer(JWFeatureLayer* input, JWFeatureLayer* output,
                                         const JWSimplifyOptions& options, JWLayerReport* report) {
+    if (options.coverage) return simplifyCoverage(input, output, options, report);
     return Forms::editLayer("simplifyLayer", input, output, options, report);
 }
 

@@ -73,16 +73,21 @@ struct LineForms {
         return editClass(function, features, options, report, [](const JWGeometry&) {});
     }
 
+    /// Throws LayerFailure when a parameter is out of range.
+    template <class Options>
+    static void requireUsable(const char* function, const Options& options) {
+        if (Editor(options).isUsable()) return;
+        JWReport::setError(JWErrorInvalidArgument,
+                           std::string(function) + ": a parameter is out of range");
+        throw LayerFailure();
+    }
+
     /// Points go through as they are.
     template <class Options>
     static int editLayer(const char* function, JWFeatureLayer* input, JWFeatureLayer* output,
                          const Options& options, JWLayerReport* report) {
         const auto setUp = [&](LayerMapJob& job) {
-            if (!Editor(options).isUsable()) {
-                JWReport::setError(JWErrorInvalidArgument,
-                                   std::string(function) + ": a parameter is out of range");
-                throw LayerFailure();
-            }
+            requireUsable(function, options);
             job.kinds = PointKind | LineKind | AreaKind;
             job.outputType = input->getGeometryType();
             job.keepsEmpty = true;

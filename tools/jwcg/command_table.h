@@ -49,6 +49,8 @@ struct Settings {
     std::string simplifyMethod = "douglas-peucker";
     std::string smoothMethod = "chaiken";
     std::map<std::string, double> parameters;  ///< those given, by the name of the option
+    bool coverage = false;
+    double snap = 0;
     // Transformation.
     std::vector<TransformStep> steps;
     std::vector<double> origin;  ///< empty for the centre of the layer

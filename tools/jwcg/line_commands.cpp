@@ -240,6 +240,14 @@ std::string describe(const Family& family, const char* opening, const char* clos
     return text + "\n" + closing;
 }
 
+enumJWWKBGeometryType requireFor(const Settings& settings, InputLayer& input) {
+    if (settings.snap > 0 && !settings.coverage) {
+        throw CommandFailure(ExitUsage, "--snap means nothing without --coverage");
+    }
+    if (settings.coverage) input.requirePolygons();
+    return requireLinesOrPolygons(input);
+}
+
 using Run = std::function<int(const JobLayers&, const Method&, std::map<std::string, double>&,
                               JWLayerReport&)>;
 
@@ -248,16 +256,26 @@ int runFamily(const Family& family, const Settings& settings, const Run& run) {
     std::map<std::string, double> values = parametersFor(method, settings);
     Json parameters = {{"method", method.name}};
     for (const Use& use : method.uses) parameters[use.name] = values[use.name];
+    if (settings.coverage) parameters.update({{"coverage", true}, {"snap", settings.snap}});
     LayerJob job = {family.command,
                     family.command == simplification().command ? "simplifying" : "smoothing",
                     false,
                     std::move(parameters),
-                    requireLinesOrPolygons,
+                    [&](InputLayer& input) { return requireFor(settings, input); },
                     [&](const JobLayers& layers, JWLayerReport& report) {
                         return run(layers, method, values, report);
                     },
                     AccountOfVertices};
     return runLayerJob(settings, job);
+}
+
+void setupSimplify(CLI::App& app, Settings& settings) {
+    setupFamily(simplification(), app, settings);
+    app.add_flag("--coverage", settings.coverage,
+                 "Simplify borders that polygons share once, for both: no gaps, no overlaps");
+    addNonNegative(
+        app, "--snap", settings.snap,
+        "With --coverage: make vertices this near to one another one first, layer units");
 }
 
 constexpr int kLeastRing = 4;  // a triangle and its closing point
@@ -274,6 +292,8 @@ int runSimplify(const Settings& settings) {
                          options.minimumRingPoints = kLeastRing;
                          options.threads = settings.threads;
                          options.blockSize = settings.blockSize;
+                         options.coverage = settings.coverage;
+                         options.coverageTolerance = settings.snap;
                          return JWGeometrySimplicify::simplifyLayer(
                              &layers.input.layer(), &layers.output, options, &report);
                      });
@@ -310,12 +330,14 @@ Command simplifyCommand() {
         "Writes the lines or polygons of a layer with fewer points, with their attributes. Points "
         "that stay are not moved. The methods and what their parameters mean:",
         "Polygons are simplified ring by ring, so neighbours that share a border may come apart; a "
-        "ring that would have fewer than three corners stays as it was.");
+        "ring that would have fewer than three corners stays as it was. With --coverage shared "
+        "borders are simplified once, with any method, and points come back where polygons would "
+        "come to cross or to vanish; the layer is held in memory.");
     return {"simplify",
             "take points out of lines and polygons",
             description.c_str(),
             "jwcg simplify coast.gpkg coast_small.gpkg --method douglas-peucker --tolerance 100",
-            [](CLI::App& app, Settings& settings) { setupFamily(simplification(), app, settings); },
+            setupSimplify,
             runSimplify};
 }
 
