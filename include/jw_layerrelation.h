@@ -24,8 +24,8 @@ struct JWRelatedPair {
 
 /// Which pairs are wanted, and how they are worked out.
 struct JWLayerRelationOptions {
-    /// A name such as "contains" (see `JWRelationMatrix::predicateName`) or "intersects": only pairs
-    /// for which it holds. Empty: all.
+    /// A name such as "contains" (see `JWRelationMatrix::predicateName`) or "intersects": only
+    /// pairs for which it holds. Empty: all.
     std::string predicate;
     /// Only pairs whose matrix fits a pattern (see `JWRelationMatrix::matches`). Empty: all.
     std::string pattern;
@@ -37,10 +37,10 @@ struct JWLayerRelationOptions {
 
 /// Relations of the features of two layers, of any kinds of geometry. No state.
 ///
-/// The pairs are those whose envelopes meet, borders included: all others are disjoint. They come in
-/// the order of A, and of B for each feature of A. Features without a geometry are counted and left
-/// out; one with a coordinate that is not finite, and curves, are listed as rejected. A layer may be
-/// related to itself.
+/// The pairs are those whose envelopes meet, borders included: all others are disjoint. They come
+/// in the order of A, and of B for each feature of A. Features without a geometry are counted and
+/// left out; one with a coordinate that is not finite, and curves, are listed as rejected. A layer
+/// may be related to itself.
 ///
 /// Cost: one pass over each layer, then the pairs; large features of B are prepared once as long as
 /// memory (about 200 MB) holds them, so each partner costs what lies near it.
@@ -49,22 +49,23 @@ class JW_API JWLayerRelation {
     /// Receives the wanted pairs one by one, on the caller's thread; false stops the run.
     using Visitor = std::function<bool(const JWRelatedPair& pair)>;
 
-    /// Calls `visit` for every wanted pair. Returns their number; −1 when a layer is missing, cannot
-    /// be read, an option is unknown, or the run was stopped; −2 when the spatial references differ.
-    /// The last error then tells why. `report` may be null; `pairs` in it counts all pairs whose
-    /// envelopes meet.
+    /// Calls `visit` for every wanted pair. Returns their number; −1 when a layer is missing,
+    /// cannot be read, an option is unknown, or the run was stopped; −2 when the spatial references
+    /// differ. The last error then tells why. `report` may be null; `pairs` in it counts all pairs
+    /// whose envelopes meet.
     static std::int64_t relateLayers(JWFeatureLayer* a, JWFeatureLayer* b,
                                      const JWLayerRelationOptions& options, const Visitor& visit,
                                      JWLayerReport* report = nullptr);
     /// Writes the wanted pairs as rows without geometry: "fid_a" and "fid_b" (integers), "relation"
     /// (the names of the predicates that hold, with blanks between) and "matrix" (nine characters).
-    /// All or nothing, in one transaction. Also −1 when the output cannot be written, −3 when it has
-    /// fields already.
+    /// All or nothing, in one transaction. Also −1 when the output cannot be written, −3 when it
+    /// has fields already.
     static std::int64_t relateLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
                                      const JWLayerRelationOptions& options,
                                      JWLayerReport* report = nullptr);
 
-    /// The names of the predicates that hold, with blanks between.
+    /// The names of the predicates that hold, with blanks between; "intersects" where none of them
+    /// does, as for an area whose spike leaves another one that holds all else of it.
     static std::string relationNames(const JWRelationMatrix& matrix);
 };
 

@@ -37,10 +37,9 @@ class PairTable {
   public:
     PairTable(FeatureOutput& output, bool wideA, bool wideB) : m_output(output) {
         const auto identifier = [](bool wide) { return wide ? JWFieldInteger64 : JWFieldInteger; };
-        m_schema = output.createFields({JWField("fid_a", identifier(wideA)),
-                                        JWField("fid_b", identifier(wideB)),
-                                        JWField("relation", JWFieldString, 64),
-                                        JWField("matrix", JWFieldString, 9)});
+        m_schema = output.createFields(
+            {JWField("fid_a", identifier(wideA)), JWField("fid_b", identifier(wideB)),
+             JWField("relation", JWFieldString, 64), JWField("matrix", JWFieldString, 9)});
         output.begin();
     }
     void add(const JWRelatedPair& pair, JWLayerReport& report) {
@@ -115,6 +114,7 @@ std::string JWLayerRelation::relationNames(const JWRelationMatrix& matrix) {
         if (!names.empty()) names += ' ';
         names += JWRelationMatrix::predicateName(i);
     }
+    if (names.empty()) names = "intersects";  // of areas with spikes, only their boundaries do
     return names;
 }
 

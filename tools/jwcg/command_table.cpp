@@ -38,7 +38,7 @@ const std::vector<Command>& commandTable() {
         identityCommand(),  symdiffCommand(),       updateCommand(),   spatialJoinCommand(),
         selfUnionCommand(), selfIntersectCommand(), dissolveCommand(), hullCommand(),
         minCircleCommand(), minRectCommand(),       envelopeCommand(), simplifyCommand(),
-        smoothCommand(),    transformCommand(),     infoCommand(),
+        smoothCommand(),    transformCommand(),     relateCommand(),   infoCommand(),
     };
     return table;
 }
@@ -134,6 +134,11 @@ void addChoice(CLI::App& app, const std::string& names, std::string& target,
 
 void addFile(CLI::App& app, const std::string& name, std::string& target, const std::string& help) {
     app.add_option(name, target, help)->type_name("")->required();
+}
+
+void addOptionalFile(CLI::App& app, const std::string& name, std::string& target,
+                     const std::string& help) {
+    app.add_option(name, target, help)->type_name("");
 }
 
 void addText(CLI::App& app, const std::string& names, std::string& target, const std::string& type,

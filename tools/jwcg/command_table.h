@@ -70,6 +70,8 @@ struct Settings {
     bool overwrite = false;
     bool append = false;
     bool scan = false;
+    std::string predicate = "any";
+    std::string pattern;
     bool json = false;
     bool quiet = false;
     bool verbose = false;
@@ -112,6 +114,9 @@ void addChoice(CLI::App& app, const std::string& names, std::string& target,
                const std::vector<std::string>& choices, const std::string& help);
 /// Declares a positional argument that must be there.
 void addFile(CLI::App& app, const std::string& name, std::string& target, const std::string& help);
+/// Declares a positional argument that may be missing.
+void addOptionalFile(CLI::App& app, const std::string& name, std::string& target,
+                     const std::string& help);
 /// Declares an option that takes a text of at least one character.
 void addText(CLI::App& app, const std::string& names, std::string& target, const std::string& type,
              const std::string& help);

@@ -36,6 +36,9 @@ Command smoothCommand();
 // transform_command.cpp
 Command transformCommand();
 
+// relate_command.cpp
+Command relateCommand();
+
 // info_command.cpp
 Command infoCommand();
 

@@ -35,13 +35,19 @@ bool isAreal(enumJWWKBGeometryType type) {
 
 Json textOrNull(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
 
-Json parametersOf(const Settings& settings, const LayerJob& job) {
-    Json parameters = job.parameters.is_null() ? Json::object() : job.parameters;
+/// The shared parameters behind a command's own.
+Json withSharedParameters(const Settings& settings, const Json& own, bool takesOverlay) {
+    Json parameters = own.is_null() ? Json::object() : own;
     parameters["block_size"] = settings.blockSize;
     parameters["threads"] = settings.threads;
     parameters["where"] = textOrNull(settings.where);
-    if (job.takesOverlay) parameters["overlay_where"] = textOrNull(settings.overlayWhere);
+    if (takesOverlay) parameters["overlay_where"] = textOrNull(settings.overlayWhere);
     parameters["bbox"] = settings.bbox.empty() ? Json(nullptr) : Json(settings.bbox);
+    return parameters;
+}
+
+Json parametersOf(const Settings& settings, const LayerJob& job) {
+    Json parameters = withSharedParameters(settings, job.parameters, job.takesOverlay);
     parameters["overwrite"] = settings.overwrite;
     parameters["append"] = settings.append;
     return parameters;
@@ -68,14 +74,18 @@ void restrictInputs(const Settings& settings, InputLayer& a, InputLayer* b) {
     if (b != nullptr) b->restrictTo(settings.overlayWhere, nullptr);
 }
 
+void throwInterrupt(const JWLayerReport& report) {
+    if (report.cancelled || interruptRequested()) {
+        throw CommandFailure(ExitInterrupted, "interrupted; nothing was written");
+    }
+}
+
 /// Runs the library's operation into the output layer. Throws CommandFailure when it fails.
 void operate(const LayerJob& job, const JobLayers& layers, const OutputFile& output,
              JWLayerReport& report) {
     JWReport::clearError();
     if (job.operation(layers, report) >= 0) return;
-    if (report.cancelled || interruptRequested()) {
-        throw CommandFailure(ExitInterrupted, "interrupted; nothing was written");
-    }
+    throwInterrupt(report);
     // The text names the input.
     const enumJWErrorKind kind = JWReport::lastError().kind;
     if (kind == JWErrorInputUnreadable || kind == JWErrorInvalidArgument) throw libraryFailure("");
@@ -88,10 +98,8 @@ void operate(const LayerJob& job, const JobLayers& layers, const OutputFile& out
 }
 
 /// Features held in memory know their layer, not the file that they come from.
-void nameSources(const InputLayer& a, const InputLayer* b, const OutputFile& output,
-                 JWLayerReport& report) {
+void nameSources(const InputLayer& a, const InputLayer* b, JWLayerReport& report) {
     for (JWRejectedFeature& rejected : report.rejected) {
-        rejected.reason = output.withFinalPath(rejected.reason);
         if (!rejected.source.empty()) continue;
         const bool isOverlay = b != nullptr && rejected.layer == b->layerName();
         rejected.source = isOverlay ? b->path() : a.path();
@@ -108,7 +116,7 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
     const enumJWWKBGeometryType type = job.prepare(a);
     if (job.takesOverlay) {
         b.emplace(settings.overlay, settings.overlayLayer);
-        b->requirePolygons();
+        if (!job.anyOverlay) b->requirePolygons();
         requireSameReference(a, *b);
         output.checkInputLayer(b->path(), b->layerName());
     }
@@ -123,7 +131,10 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
     if (!report.rejected.empty() && output.isOutOfSpace()) {
         throw CommandFailure(ExitOutOfSpace, settings.output + ": out of disk space");
     }
-    nameSources(a, b ? &*b : nullptr, output, report);
+    nameSources(a, b ? &*b : nullptr, report);
+    for (JWRejectedFeature& rejected : report.rejected) {
+        rejected.reason = output.withFinalPath(rejected.reason);
+    }
     const double running = watch.lap();
 
     bar.startPhase("finishing");
@@ -175,6 +186,40 @@ int runLayerJob(const Settings& settings, const LayerJob& job) {
     return summary.exitCode;
 }
 
+RunSummary runReadJob(const Settings& settings, const ReadJob& job) {
+    ProgressBar bar(!settings.quiet);
+    bar.attachToLibrary(settings.verbose);
+    Stopwatch watch;
+    RunSummary summary;
+    bar.startPhase("opening");
+    InputLayer a(settings.input, settings.inputLayer);
+    InputLayer b(settings.overlay, settings.overlayLayer);
+    requireSameReference(a, b);
+    restrictInputs(settings, a, &b);
+    summary.seconds.emplace_back("open", watch.lap());
+
+    bar.startPhase(job.phase);
+    JWReport::clearError();
+    JWLayerReport& report = summary.report;
+    if (job.operation(a, b, report) < 0) {
+        throwInterrupt(report);
+        throw libraryFailure("");
+    }
+    bar.clear();
+    nameSources(a, &b, report);
+    summary.seconds.emplace_back("run", watch.lap());
+    summary.command = job.command;
+    summary.parameters = withSharedParameters(settings, job.parameters, true);
+    summary.input = {a.path(), a.layerName(), report.readA, report.emptyA};
+    summary.overlay = LayerSummary{b.path(), b.layerName(), report.readB, report.emptyB};
+    summary.reference = describe(a.reference());
+    summary.account = AccountOfNothing;
+    summary.hasAreas = false;
+    if (!report.rejected.empty()) summary.exitCode = ExitFeaturesRejected;
+    listRejected(summary, settings.verbose);
+    return summary;
+}
+
 enumJWWKBGeometryType requirePolygons(InputLayer& input) {
     input.requirePolygons();
     return JWWKBMultiPolygon;
@@ -197,10 +242,15 @@ Json withAreaParameters(const Settings& settings, Json parameters) {
     return parameters;
 }
 
-void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay) {
+void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay, bool mayBeMissing) {
     addFile(app, "INPUT", settings.input, "File with the input layer");
     if (takesOverlay) addFile(app, "OVERLAY", settings.overlay, "File with the overlay layer");
-    addFile(app, "OUTPUT", settings.output, "File that receives the result");
+    if (mayBeMissing) {
+        addOptionalFile(app, "OUTPUT", settings.output,
+                        "File that receives the result; without it the result is printed");
+    } else {
+        addFile(app, "OUTPUT", settings.output, "File that receives the result");
+    }
     addText(app, "--input-layer", settings.inputLayer, "NAME",
             "Layer of INPUT; default: the only one, or the first with geometries");
     if (takesOverlay) {

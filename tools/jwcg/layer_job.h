@@ -40,13 +40,29 @@ struct LayerJob {
     enumAccount account = AccountOfAreas;
     /// Adds what the command has to say besides, once it is done; may be empty.
     std::function<void(RunSummary& summary)> describe = {};
+    bool anyOverlay = false;  ///< takes an overlay of any geometries, not of polygons only
+};
+
+/// A job on two layers that writes none.
+struct ReadJob {
+    const char* command;
+    const char* phase;
+    Json parameters;
+    /// Runs the library's operation; a negative code is a failure.
+    std::function<std::int64_t(InputLayer& input, InputLayer& overlay, JWLayerReport& report)>
+        operation;
 };
 
 /// Runs a job, prints its account, and returns the exit status; throws CommandFailure.
 int runLayerJob(const Settings& settings, const LayerJob& job);
+/// Runs a job without an output, lists what was rejected, and returns its account, which has no
+/// output either; throws CommandFailure.
+RunSummary runReadJob(const Settings& settings, const ReadJob& job);
 
-/// Declares the positional arguments and the options that choose files, layers and features.
-void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay);
+/// Declares the positional arguments and the options that choose files, layers and features. An
+/// output that `mayBeMissing` is not asked for.
+void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay,
+                     bool mayBeMissing = false);
 /// Declares --block-size and --threads.
 void addThreadOptions(CLI::App& app, Settings& settings);
 /// These, and --tolerance and --area-field before them.

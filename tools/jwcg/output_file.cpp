@@ -30,8 +30,9 @@ bool contains(const std::vector<std::string>& names, const std::string& name) {
 }
 
 /// Reads every feature back and returns their number, −1 when reading fails. Those that the format
-/// took but did not keep the geometry of go into `lost`.
-std::int64_t countByReading(JWFeatureLayer& layer, std::vector<JWRejectedFeature>& lost) {
+/// took but did not keep the geometry of go into `lost`, if they had one.
+std::int64_t countByReading(JWFeatureLayer& layer, bool hasGeometries,
+                            std::vector<JWRejectedFeature>& lost) {
     constexpr std::int64_t blockSize = 4096;
     JWFeatureClass block;
     std::int64_t count = 0;
@@ -41,7 +42,7 @@ std::int64_t countByReading(JWFeatureLayer& layer, std::vector<JWRejectedFeature
         if (read < 0) return -1;
         for (int i = 0; i < read; ++i) {
             const JWFeature& feature = *block.getFeatureAt(i);
-            if (feature.getGeometryPtr() != nullptr) continue;
+            if (feature.getGeometryPtr() != nullptr || !hasGeometries) continue;
             lost.push_back({layer.getDataSourceName(), layer.getLayerName(), feature.getFID64(),
                             "the output format did not keep the geometry"});
         }
@@ -166,8 +167,9 @@ JWFeatureLayer& OutputFile::createLayer(enumJWWKBGeometryType type,
                                         const JWSpatialReference* reference) {
     throwIfInterrupted();
     open();
+    m_hasGeometries = type != JWWKBNone;
     m_layer.reset(
-        m_source->createLayer(m_layerName.c_str(), type, reference, layerOptions(m_format)));
+        m_source->createLayer(m_layerName.c_str(), type, reference, layerOptions(m_format, type)));
     if (!m_layer) throw writeFailure();
     checkLayer(type);
     m_layerName = m_layer->getLayerName();
@@ -234,8 +236,9 @@ std::vector<JWRejectedFeature> OutputFile::verify(std::int64_t features) const {
     if (!layer && source->getLayerCount() == 1) layer.reset(source->openLayer(0));
     if (!layer && features == 0 && source->getLayerCount() == 0) return lost;
     if (!layer) throw incomplete("its layer is missing");
-    const std::int64_t found =
-        hasTransactions(m_format) ? layer->getFeatureCount64() : countByReading(*layer, lost);
+    const std::int64_t found = hasTransactions(m_format)
+                                   ? layer->getFeatureCount64()
+                                   : countByReading(*layer, m_hasGeometries, lost);
     if (found < 0) throw incomplete("it cannot be read back");
     if (found != features) {
         throw incomplete("it holds " + std::to_string(found) + " of " + std::to_string(features) +

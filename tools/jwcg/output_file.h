@@ -83,6 +83,7 @@ class OutputFile {
     std::filesystem::file_time_type m_timeBefore;
     std::string m_format;
     std::string m_layerName;
+    bool m_hasGeometries = true;
     std::unique_ptr<WorkDirectory> m_work;
     SourcePointer m_source;
     LayerPointer m_layer;

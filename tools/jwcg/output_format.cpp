@@ -133,8 +133,8 @@ std::vector<fs::path> filesOf(const fs::path& path) {
     return files;
 }
 
-std::vector<std::string> layerOptions(const std::string& format) {
-    if (format == "CSV") return {"GEOMETRY=AS_WKT"};
+std::vector<std::string> layerOptions(const std::string& format, enumJWWKBGeometryType type) {
+    if (format == "CSV" && type != JWWKBNone) return {"GEOMETRY=AS_WKT"};
     return {};
 }
 

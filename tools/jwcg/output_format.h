@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "jw_codes.h"
+
 namespace jws::cli {
 
 /// Short names of the file formats that can be written, in alphabetic order. Databases, services
@@ -27,8 +29,8 @@ std::vector<std::filesystem::path> filesOf(const std::filesystem::path& path);
 /// The same as names that the format may create, existing or not.
 std::vector<std::filesystem::path> possibleFilesOf(const std::filesystem::path& path);
 
-/// Layer options without which a format would lose something.
-std::vector<std::string> layerOptions(const std::string& format);
+/// Layer options without which a format would lose something of a layer of this type.
+std::vector<std::string> layerOptions(const std::string& format, enumJWWKBGeometryType type);
 /// True when a layer can be added to an existing file of the format.
 bool takesSeveralLayers(const std::string& format);
 /// True when the format's own transactions report every failed write, so that counting suffices to

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
 //
 // `jwcg relate`: how the features of two layers lie to one another. Without an output the pairs are
-// printed, one line each, and the account goes to standard error; with one they become the rows of a
-// table, under the same rules as every other output.
+// printed, one line each; with one they become the rows of a table, under the same rules as every
+// other output.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cerrno>
+#include <climits>
 #include <cstdio>
+#include <cstring>
 
 #include "commands.h"
 #include "jw_layerrelation.h"
 #include "layer_job.h"
-#include "progress_bar.h"
 
 namespace jws::cli {
 namespace {
@@ -35,37 +38,41 @@ Json pairAsJson(const JWRelatedPair& pair) {
             {"matrix", pair.matrix.text()}};
 }
 
-void printPair(const JWRelatedPair& pair) {
-    std::printf("%lld\t%lld\t%s\t%s\n", static_cast<long long>(pair.fidA),
-                static_cast<long long>(pair.fidB), pair.matrix.text().c_str(),
-                JWLayerRelation::relationNames(pair.matrix).c_str());
+/// False when standard output takes no more.
+bool printPair(const JWRelatedPair& pair) {
+    return 0 <= std::printf("%lld\t%lld\t%s\t%s\n", static_cast<long long>(pair.fidA),
+                            static_cast<long long>(pair.fidB), pair.matrix.text().c_str(),
+                            JWLayerRelation::relationNames(pair.matrix).c_str());
 }
 
-/// Prints the pairs, and with --json the account beside them.
+/// Prints the pairs; with --json in the account.
 int printRelations(const Settings& settings) {
-    ProgressBar bar(!settings.quiet && !isTerminal(stdout));
-    bar.attachToLibrary(settings.verbose);
-    bar.startPhase("relating");
     Json pairs = Json::array();
+    int failure = 0;
     const auto show = [&](const JWRelatedPair& pair) {
         if (settings.json) {
             pairs.push_back(pairAsJson(pair));
-        } else {
-            printPair(pair);
+        } else if (!printPair(pair)) {
+            failure = errno;
         }
-        return std::ferror(stdout) == 0;
+        return failure == 0;
     };
-    if (!settings.json) std::puts("fid_a\tfid_b\tmatrix\trelation");
-    const RunSummary summary =
-        readLayerJob(settings, {"relate", parametersOf(settings)},
-                     [&](InputLayer& a, InputLayer& b, JWLayerReport& report) {
-                         return JWLayerRelation::relateLayers(&a.layer(), &b.layer(),
-                                                              optionsOf(settings), show, &report);
-                     });
-    bar.clear();
-    listRejected(summary, settings.verbose);
+    const auto relate = [&](InputLayer& a, InputLayer& b, JWLayerReport& report) {
+        if (!settings.json) std::puts("fid_a\tfid_b\tmatrix\trelation");
+        return JWLayerRelation::relateLayers(&a.layer(), &b.layer(), optionsOf(settings), show,
+                                             &report);
+    };
+    RunSummary summary;
+    try {
+        summary = runReadJob(settings, {"relate", "relating", parametersOf(settings), relate});
+    } catch (const CommandFailure&) {
+        if (failure == 0) throw;
+        throw CommandFailure(ExitOutOfSpace,
+                             std::string("standard output: ") + std::strerror(failure));
+    }
     if (settings.json) {
         Json object = asJson(summary);
+        object.erase("output");
         object["relations"] = std::move(pairs);
         printJson(object);
     }
@@ -73,16 +80,69 @@ int printRelations(const Settings& settings) {
 }
 
 int writeRelations(const Settings& settings) {
-    return runLayerJob(settings,
-                       {"relate", "relating", true, parametersOf(settings),
-                        [](InputLayer&) { return JWWKBNone; },
-                        [&](const JobLayers& layers, JWLayerReport& report) {
-                            const std::int64_t rows = JWLayerRelation::relateLayers(
-                                &layers.input.layer(), &layers.overlay->layer(), &layers.output,
-                                optionsOf(settings), &report);
-                            return static_cast<int>(std::min<std::int64_t>(rows, INT_MAX));
-                        }});
+    const auto relate = [&](const JobLayers& layers, JWLayerReport& report) {
+        const std::int64_t rows =
+            JWLayerRelation::relateLayers(&layers.input.layer(), &layers.overlay->layer(),
+                                          &layers.output, optionsOf(settings), &report);
+        return static_cast<int>(std::min<std::int64_t>(rows, INT_MAX));
+    };
+    LayerJob job{"relate",
+                 "relating",
+                 true,
+                 parametersOf(settings),
+                 [](InputLayer&) { return JWWKBNone; },
+                 relate,
+                 AccountOfNothing,
+                 {},
+                 true};
+    return runLayerJob(settings, job);
+}
+
+int runRelate(const Settings& settings) {
+    if (!settings.output.empty()) return writeRelations(settings);
+    if (settings.overwrite || settings.append || !settings.outputLayer.empty() ||
+        !settings.outputFormat.empty()) {
+        throw CommandFailure(ExitUsage, "options about the output need an OUTPUT");
+    }
+    return printRelations(settings);
+}
+
+std::vector<std::string> predicateChoices() {
+    std::vector<std::string> choices = {"any", "intersects"};
+    for (int i = 0; i < JWRelationMatrix::kPredicates; ++i) {
+        choices.emplace_back(JWRelationMatrix::predicateName(i));
+    }
+    return choices;
+}
+
+void setupRelate(CLI::App& app, Settings& settings) {
+    addLayerOptions(app, settings, true, true);
+    addChoice(app, "--predicate", settings.predicate, predicateChoices(),
+              "Only pairs for which this holds of the feature of INPUT to that of OVERLAY");
+    addText(app, "--pattern", settings.pattern, "MATRIX",
+            "Only pairs whose matrix fits nine characters: T for something, F for nothing, 0 to 2 "
+            "for a dimension, * for either, as in 'T*F**F***'");
+    addThreadOptions(app, settings);
 }
 
 }  // namespace
+
+Command relateCommand() {
+    return {
+        "relate",
+        "tell how the features of two layers lie to one another",
+        "For every pair of a feature of INPUT and a feature of OVERLAY whose envelopes meet, of "
+        "any kinds of geometry, prints their identifiers, the matrix of dimensions in which "
+        "interior, boundary and exterior of the first meet those of the second (DE-9IM), and "
+        "the names of the relations that hold: equals, disjoint, touches, crosses, overlaps, "
+        "contains, covers, within, coveredby. All other pairs are disjoint.\n\n"
+        "Lines of the printed table are separated by tabs. With OUTPUT the pairs become the "
+        "rows of a table without geometry instead, with the fields fid_a, fid_b, relation and "
+        "matrix.\n\n"
+        "Nothing is rounded: features touch when they touch exactly.",
+        "jwcg relate counties.gpkg states.gpkg --predicate within",
+        setupRelate,
+        runRelate};
+}
+
 }  // namespace jws::cli
