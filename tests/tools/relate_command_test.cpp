@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // `jwcg relate`: the printed table, the object, the table in a file, filters, and what is refused.
+#include <algorithm>
+
 #include "program.h"
 
 namespace jws::test {
@@ -66,11 +68,12 @@ TEST_F(RelateCommand, WritesATable) {
         EXPECT_EQ(3, object["pairs"]);
         EXPECT_EQ(0, object["output"].count("area"));
     }
-    EXPECT_EQ((Arguments{"fid_a", "fid_b", "relation", "matrix"}), layer("out.gpkg", "out").fields);
+    std::string table = read("out.csv");
+    table.erase(std::remove(table.begin(), table.end(), '"'), table.end());
     EXPECT_EQ(
         "fid_a,fid_b,relation,matrix\n0,0,contains covers,212F11FF2\n"
         "1,0,touches,FF2F11212\n1,1,touches,FF2F11212\n",
-        read("out.csv"));
+        table);
     EXPECT_EQ(6, run({"relate", "a.geojson", "b.geojson", "out.csv"}).status);
 }
 
