@@ -98,6 +98,39 @@ void EdgeForest::buildGroups() {
     });
 }
 
+EdgeForest::PairSearch::PairSearch(const EdgeForest& a, const EdgeForest& b)
+    : m_a(a), m_b(b), m_limit(4 * (a.m_nodes.size() + b.m_nodes.size()) + 256) {}
+
+void EdgeForest::PairSearch::makeOriented() {
+    const JWRawPoint& origin = m_a.m_points.front();
+    JWEnvelop all = m_a.m_nodes[m_a.m_root].box;
+    all.inflates_to_contain(m_b.m_nodes[m_b.m_root].box);
+    m_extent = (all.maxX - all.minX) + (all.maxY - all.minY);
+    m_orientedA = m_a.orientedBoxes(origin);
+    if (!isWithinOne()) m_orientedB = m_b.orientedBoxes(origin);
+}
+
+bool EdgeForest::PairSearch::areOrientedApart(const Node& a, const Node& b) const {
+    if (a.kind == kGroup || b.kind == kGroup) return false;
+    const std::vector<OrientedBox>& boxesB = isWithinOne() ? m_orientedA : m_orientedB;
+    const auto i = static_cast<std::size_t>(&a - m_a.m_nodes.data());
+    const auto j = static_cast<std::size_t>(&b - m_b.m_nodes.data());
+    return m_orientedA[i].clearlyApart(boxesB[j], m_extent);
+}
+
+/// One for each node; those of groups stand for nothing.
+std::vector<OrientedBox> EdgeForest::orientedBoxes(const JWRawPoint& origin) const {
+    std::vector<OrientedBox> boxes;
+    boxes.reserve(m_nodes.size());
+    for (const Node& node : m_nodes) {
+        const auto points = static_cast<int>(node.lastEdge - node.firstEdge) + 1;
+        boxes.push_back(node.kind == kGroup
+                            ? OrientedBox{}
+                            : OrientedBox::around(&m_points[node.firstEdge], points, origin));
+    }
+    return boxes;
+}
+
 bool EdgeForest::areIdleNeighbours(std::uint32_t i, std::uint32_t j, const EdgeChain& chain) const {
     const bool follows = j == i + 1;
     const bool wraps = chain.closed && i == chain.first && j + 1 == chain.last;

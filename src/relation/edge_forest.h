@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "foundation/orientation.h"
+#include "foundation/oriented_box.h"
 #include "jw_envelop.h"
 
 namespace jws::detail {
@@ -97,13 +98,17 @@ class EdgeForest {
     bool visitPairs(const EdgeForest& other, Visit&& visit) const {
         if (isEmpty() || other.isEmpty()) return false;
         const Node &a = m_nodes[m_root], &b = other.m_nodes[other.m_root];
-        return !a.box.isDisjoin(b.box) && pairsOf(a, other, b, visit);
+        if (a.box.isDisjoin(b.box)) return false;
+        PairSearch search(*this, other);
+        return pairsOf(a, b, search, visit);
     }
     /// The same for pairs i < j of edges of this forest, except neighbours along a chain that do
     /// not run back over one another.
     template <class Visit>
     bool visitOwnPairs(Visit&& visit) const {
-        return !isEmpty() && ownPairsOf(m_nodes[m_root], visit);
+        if (isEmpty()) return false;
+        PairSearch search(*this, *this);
+        return ownPairsOf(m_nodes[m_root], search, visit);
     }
 
   private:
@@ -131,12 +136,40 @@ class EdgeForest {
     bool isOddIn(const Node& n, const JWRawPoint& p, Touch& touch) const;
     template <class Touch>
     bool isOddEdge(std::uint32_t i, const Node& n, const JWRawPoint& p, Touch& touch) const;
+    /// A search for pairs of runs that may meet. Bundles of long, nearly parallel edges have
+    /// upright rectangles that all overlap although nothing meets: when more pairs of leaves come
+    /// up than ordinary outlines have, rectangles along the edges are made, which tell them apart.
+    class PairSearch {
+      public:
+        PairSearch(const EdgeForest& a, const EdgeForest& b);
+        const EdgeForest& other() const { return m_b; }
+        bool isWithinOne() const { return &m_a == &m_b; }
+        /// Tells that two runs, whose rectangles meet, cannot meet.
+        bool areApart(const Node& a, const Node& b) {
+            if (a.kind == kLeaf && b.kind == kLeaf && m_leafPairs++ == m_limit) makeOriented();
+            return !m_orientedA.empty() && areOrientedApart(a, b);
+        }
+
+      private:
+        void makeOriented();
+        bool areOrientedApart(const Node& a, const Node& b) const;
+
+        const EdgeForest& m_a;
+        const EdgeForest& m_b;
+        std::size_t m_leafPairs = 0;
+        std::size_t m_limit;
+        double m_extent = 0;
+        std::vector<OrientedBox> m_orientedA;
+        std::vector<OrientedBox> m_orientedB;
+    };
+    std::vector<OrientedBox> orientedBoxes(const JWRawPoint& origin) const;
+
     template <class Visit>
-    bool pairsOf(const Node& a, const EdgeForest& other, const Node& b, Visit& visit) const;
+    bool pairsOf(const Node& a, const Node& b, PairSearch& search, Visit& visit) const;
     template <class Visit>
     bool leafPairs(const Node& a, const EdgeForest& other, const Node& b, Visit& visit) const;
     template <class Visit>
-    bool ownPairsOf(const Node& n, Visit& visit) const;
+    bool ownPairsOf(const Node& n, PairSearch& search, Visit& visit) const;
     template <class Visit>
     bool ownLeafPairs(const Node& n, Visit& visit) const;
 
@@ -181,20 +214,21 @@ bool EdgeForest::isOddEdge(std::uint32_t i, const Node& n, const JWRawPoint& p,
 }
 
 template <class Visit>
-bool EdgeForest::pairsOf(const Node& a, const EdgeForest& other, const Node& b,
-                         Visit& visit) const {
-    if (this == &other && formStaircase(a, b)) return false;
+bool EdgeForest::pairsOf(const Node& a, const Node& b, PairSearch& search, Visit& visit) const {
+    if (search.isWithinOne() && formStaircase(a, b)) return false;
+    if (search.areApart(a, b)) return false;
+    const EdgeForest& other = search.other();
     if (a.kind == kLeaf && b.kind == kLeaf) return leafPairs(a, other, b, visit);
     const auto extent = [](const JWEnvelop& e) { return (e.maxX - e.minX) + (e.maxY - e.minY); };
     if (b.kind == kLeaf || (a.kind != kLeaf && extent(a.box) >= extent(b.box))) {
         for (std::uint32_t i = a.first; i < a.last; ++i)
-            if (!m_nodes[i].box.isDisjoin(b.box) && pairsOf(m_nodes[i], other, b, visit))
+            if (!m_nodes[i].box.isDisjoin(b.box) && pairsOf(m_nodes[i], b, search, visit))
                 return true;
         return false;
     }
     for (std::uint32_t i = b.first; i < b.last; ++i) {
         const Node& child = other.m_nodes[i];
-        if (!child.box.isDisjoin(a.box) && pairsOf(a, other, child, visit)) return true;
+        if (!child.box.isDisjoin(a.box) && pairsOf(a, child, search, visit)) return true;
     }
     return false;
 }
@@ -221,7 +255,7 @@ bool EdgeForest::leafPairs(const Node& a, const EdgeForest& other, const Node& b
 }
 
 template <class Visit>
-bool EdgeForest::ownPairsOf(const Node& n, Visit& visit) const {
+bool EdgeForest::ownPairsOf(const Node& n, PairSearch& search, Visit& visit) const {
     if (isStaircase(n.sense)) return false;
     if (n.kind == kLeaf) return ownLeafPairs(n, visit);
     const auto forward = [&](std::uint32_t i, std::uint32_t c, std::uint32_t j, std::uint32_t d) {
@@ -229,10 +263,10 @@ bool EdgeForest::ownPairsOf(const Node& n, Visit& visit) const {
         return i < j ? visit(i, c, j, d) : visit(j, d, i, c);
     };
     for (std::uint32_t i = n.first; i < n.last; ++i) {
-        if (ownPairsOf(m_nodes[i], visit)) return true;
+        if (ownPairsOf(m_nodes[i], search, visit)) return true;
         for (std::uint32_t j = i + 1; j < n.last; ++j)
             if (!m_nodes[i].box.isDisjoin(m_nodes[j].box) &&
-                pairsOf(m_nodes[i], *this, m_nodes[j], forward))
+                pairsOf(m_nodes[i], m_nodes[j], search, forward))
                 return true;
     }
     return false;
