@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <climits>
 
+#include "layers/geometry_check.h"
+
 namespace jws::detail {
 namespace {
 
@@ -91,13 +93,21 @@ void LayerRelationRun::indexB() {
         ++m_report.readB;
         ++m_done;
         if (position % 4096 == 0) pulse();
-        if (feature->isGeometryEmpty()) {
-            ++m_report.emptyB;
-            continue;
-        }
+        if (!canTake(m_b, *feature, m_report.emptyB)) continue;
         m_index.addRect(feature->getGeometryPtr()->getEnvelop(),
                         reinterpret_cast<void*>(static_cast<std::intptr_t>(position + 1)));
     }
+}
+
+/// Counts an empty feature and lists one that cannot be compared; true for all others.
+bool LayerRelationRun::canTake(FeatureInput& input, const JWFeature& feature, std::int64_t& empty) {
+    const GeometryCheck check = checkGeometry(feature, AnyKind);
+    empty += check == GeometryCheck::Empty;
+    const std::string reason = reasonOf(check, feature, AnyKind);
+    if (!reason.empty()) {
+        m_report.rejected.push_back({input.source(), input.name(), feature.getFID64(), reason});
+    }
+    return check == GeometryCheck::Usable;
 }
 
 void LayerRelationRun::readBlock(std::int64_t first, std::int64_t count) {
@@ -106,10 +116,7 @@ void LayerRelationRun::readBlock(std::int64_t first, std::int64_t count) {
     m_slots.resize(m_block.size());
     for (std::size_t i = 0; i < m_block.size(); ++i) {
         ++m_report.readA;
-        if (m_block[i]->isGeometryEmpty()) {
-            ++m_report.emptyA;
-            continue;
-        }
+        if (!canTake(m_a, *m_block[i], m_report.emptyA)) continue;
         m_index.spatialSearch(m_block[i]->getGeometryPtr()->getEnvelop(), m_slots[i].near);
         m_report.pairs += static_cast<std::int64_t>(m_slots[i].near.size());
     }
@@ -148,11 +155,6 @@ void LayerRelationRun::preparePartners() {
     }
     for (std::size_t i = 0; i < missing.size(); ++i) {
         m_points += partners[i].points;
-        if (!partners[i].prepared->isUsable() && m_rejected.emplace(missing[i], true).second) {
-            m_report.rejected.push_back({m_b.source(), m_b.name(), partners[i].fid,
-                                         "the geometry cannot be compared: a coordinate is not "
-                                         "finite, or it is a curve"});
-        }
         m_partners.emplace(missing[i], std::move(partners[i]));
     }
 }
@@ -170,8 +172,6 @@ void LayerRelationRun::relateFeature(std::size_t i) {
     Slot& slot = m_slots[i];
     if (slot.near.empty()) return;
     const JWPreparedRelation own(m_block[i]->getGeometryPtr());
-    slot.usable = own.isUsable();
-    if (!slot.usable) return;
     for (const void* payload : slot.near) {
         const Partner& partner = m_partners.at(positionOf(payload));
         JWRelatedPair pair{m_block[i]->getFID64(), partner.fid, {}};
@@ -182,13 +182,8 @@ void LayerRelationRun::relateFeature(std::size_t i) {
 
 std::int64_t LayerRelationRun::handOut(const JWLayerRelation::Visitor& visit) {
     std::int64_t count = 0;
-    for (std::size_t i = 0; i < m_slots.size(); ++i) {
-        if (!m_slots[i].usable) {
-            m_report.rejected.push_back({m_a.source(), m_a.name(), m_block[i]->getFID64(),
-                                         "the geometry cannot be compared: a coordinate is not "
-                                         "finite, or it is a curve"});
-        }
-        for (const JWRelatedPair& pair : m_slots[i].pairs) {
+    for (const Slot& slot : m_slots) {
+        for (const JWRelatedPair& pair : slot.pairs) {
             if (!visit(pair)) stop();
             ++count;
         }

@@ -47,10 +47,10 @@ class LayerRelationRun {
     struct Slot {
         std::vector<void*> near;
         std::vector<JWRelatedPair> pairs;
-        bool usable = true;
     };
 
     void indexB();
+    bool canTake(FeatureInput& input, const JWFeature& feature, std::int64_t& empty);
     void readBlock(std::int64_t first, std::int64_t count);
     void preparePartners();
     void relateBlock();
@@ -70,7 +70,6 @@ class LayerRelationRun {
     std::vector<Slot> m_slots;
     std::unordered_map<std::int64_t, Partner> m_partners;
     std::size_t m_points = 0;  ///< of the partners that are kept
-    std::unordered_map<std::int64_t, bool> m_rejected;
     std::int64_t m_done = 0;
     std::int64_t m_total = 0;
 };

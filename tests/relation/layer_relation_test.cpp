@@ -132,4 +132,37 @@ TEST(LayerRelation, WritesATableOrNothing) {
     EXPECT_EQ(empty->getFieldsDefnPtr()->getFieldCount(), 0);
 }
 
+// The rectangle filter of layers stands in the other library, and must say the same.
+TEST(LayerRelation, RectangleFiltersAgreeWithTheMatrix) {
+    RandomGeometries random(3, 4);
+    std::vector<Row> rows;
+    for (int i = 0; i < 400; ++i) rows.push_back({i + 1, toWkt(*random.next()), ""});
+    rows.push_back({401, "POLYGON ((1 1, 3 1, 3 2, 1 2, 1 1))", ""});
+    const LayerPtr layer = layerOf("a", rows);
+    const JWRing ring(std::vector<JWRawPoint>{{1, 1}, {3, 1}, {3, 2}, {1, 2}});
+    const JWPolygon rectangle{JWRing(ring)};
+    using Predicate = bool (JWRelationMatrix::*)() const;
+    const std::pair<enumJWSpatialRelation, Predicate> tests[] = {
+        {JWRelationEqual, &JWRelationMatrix::isEqual},
+        {JWRelationDisjoint, &JWRelationMatrix::isDisjoint},
+        {JWRelationContain, &JWRelationMatrix::isCovering},
+        {JWRelationWithin, &JWRelationMatrix::isCoveredBy},
+        {JWRelationOverlap, &JWRelationMatrix::isIntersecting},
+    };
+    for (const auto& [code, test] : tests) {
+        std::vector<std::int64_t> expected, found;
+        for (const Row& row : rows) {
+            JWRelationMatrix matrix;
+            relateGeometries(fromWkt(row.wkt).get(), &rectangle, &matrix);
+            if ((matrix.*test)()) expected.push_back(row.fid);
+        }
+        JWFeatureClass features;
+        layer->getFeaturesByEnvelopFilter(rectangle.getEnvelop(), code, features);
+        for (int i = 0; i < features.getFeatureCount(); ++i)
+            found.push_back(features.getFeatureAt(i)->getFID64());
+        EXPECT_FALSE(expected.empty());
+        EXPECT_EQ(found, expected) << "code " << code;
+    }
+}
+
 }  // namespace
