@@ -39,7 +39,7 @@ struct JWLayerRelationOptions {
 ///
 /// The pairs are those whose envelopes meet, borders included: all others are disjoint. They come
 /// in the order of A, and of B for each feature of A. Features without a geometry are counted and
-/// left out; one with a coordinate that is not finite, and curves, are listed as rejected. A layer
+/// left out; those with a coordinate that is not finite are listed as rejected. A layer
 /// may be related to itself.
 ///
 /// Cost: one pass over each layer, then the pairs; large features of B are prepared once as long as
