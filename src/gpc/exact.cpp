@@ -48,11 +48,15 @@ bool Nearness::holds(const Point& p, Point a, Point b) const {
     } else if (p == a || p == b) {
         return false;
     }
+    return holdsOnLine(p, a, b);
+}
+
+bool Nearness::holdsOnLine(const Point& p, const Point& a, const Point& b) const {
     const long double dx = static_cast<long double>(b.x) - a.x;
     const long double dy = static_cast<long double>(b.y) - a.y;
     const long double cross =
         dx * (static_cast<long double>(p.y) - a.y) - dy * (static_cast<long double>(p.x) - a.x);
-    return std::fabs(cross) <= reach * (dx + std::fabs(dy));
+    return std::fabs(cross) <= reach * (std::fabs(dx) + std::fabs(dy));
 }
 
 void CrossingGrid::fit(int exponent) {

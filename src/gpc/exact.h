@@ -59,6 +59,8 @@ struct Nearness {
     /// Tells whether `p` lies beside the edge ab, between its ends, within the reach of it. The
     /// direction of the edge does not matter.
     bool holds(const Point& p, Point a, Point b) const;
+    /// Tells whether the line ab passes `p` within the reach.
+    bool holdsOnLine(const Point& p, const Point& a, const Point& b) const;
     Nearness within(double other) const { return {other, aspect}; }
 };
 

@@ -20,7 +20,7 @@
 // or end before, near it: both are marked. An edge split beside its line is always suspect.
 //
 // Where edges crowd, as in bundles that are parallel to within rounding, bent edges may go on
-// crossing one another, ever further along. Therefore the second pass may split no more often than
+// crossing one another, ever further along. Therefore the second pass may split half as often as
 // there are points and splits in the first, and every further one half as often as the one before.
 // What asks for more goes back to the beginning and is snap rounded as a whole: snap_rounding.h
 // says why no crossing is left then. Crossings go to the same grid there; what differs is that
@@ -28,14 +28,15 @@
 // keep their place only where nothing else is within a pixel or two. Rounding the outcome again
 // leads edges away from vertices that they pass within half a unit now (iterated snap rounding:
 // Halperin and Packer 2002); that is repeated a few times, or until nothing changes. A last
-// comparison marks where edges meet.
+// comparison marks where edges meet. Neither way may lead an edge further than kStray from its own
+// line in the end: passes that do are given up, and so is a repetition of snap rounding.
 //
 // After the last pass any two edges are disjoint, equal, or share end points only, exactly, in
 // the very doubles that are handed out; so contours made of them are valid without any tolerance.
 // Unless the edges were snap rounded, no input vertex moves.
 //
-// With n edges and k splits in the first pass, at most log2(n + k) + 2 passes make at most
-// 2 (n + k) splits; snap rounding takes at most kRounds + 1 comparisons more.
+// With n edges and k splits in the first pass, at most log2(n + k) + 1 further passes make fewer
+// than n + k splits in all; snap rounding takes at most kRounds + 1 comparisons more.
 #include "gpc/noding.h"
 
 #include <algorithm>
@@ -49,7 +50,9 @@ namespace jws::gpc {
 namespace {
 
 constexpr double kShallow = 0x1p-7;
-constexpr int kRounds = 8;  // of snap rounding
+constexpr int kRounds = 8;      // of snap rounding
+constexpr double kStray = 2.5;  // units, in x and y together
+constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
 
 bool isWithin(const Point& p, const Point& a, const Point& b) {
     return p.x >= std::min(a.x, b.x) && p.x <= std::max(a.x, b.x) && p.y >= std::min(a.y, b.y) &&
@@ -68,6 +71,7 @@ void Noder::run(ContourSet& source, int exponent, double aspect) {
     doubles_.clear();
     grid_.fit(exponent - 53);
     near_ = {2 * grid_.step, aspect};
+    stray_ = near_.within(kStray * grid_.step);
     snapped_ = false;
     tight_ = 32 * grid_.step;
     radius_ = 0x1p13 * grid_.step;
@@ -82,13 +86,14 @@ void Noder::run(ContourSet& source, int exponent, double aspect) {
 bool Noder::bend() {
     set_ = source_;
     for (std::uint8_t& f : set_->flags) f |= kUnchecked;
-    std::size_t most = 0;
+    most_ = kNoLimit;
     for (pass_ = 1; check(); ++pass_) {
-        if (pass_ > 1 && splits_.size() > most) return false;
-        most = pass_ == 1 ? set_->points.size() + splits_.size() : most / 2;
+        if (splits_.size() > most_) return false;
+        most_ = (most_ == kNoLimit ? set_->points.size() + splits_.size() : most_) / 2;
         findCrowds();
         const bool any = rebuild();
         treeIsFresh_ = false;
+        if (strayed_) return false;
         if (!any) return true;
         findDoubles();
     }
@@ -98,6 +103,7 @@ bool Noder::bend() {
 // Starts again from the source and snap rounds it.
 void Noder::snap() {
     doubles_.clear();
+    most_ = kNoLimit;
     set_ = source_;
     set_->flags.fill(set_->points.size(), kUnchecked);
     active_ = 1;  // so that the first target is 0
@@ -108,12 +114,24 @@ void Noder::snap() {
         if (round > 1) {
             if (work_[target].points.size() == set_->points.size()) break;
             for (std::uint32_t& parent : parents_[target]) parent = parents_[active_][parent];
+            if (!keepsToOrigin(work_[target], parents_[target])) break;
         }
         active_ = target;
         set_ = &work_[target];
     }
     set_->flags.fill(set_->points.size(), kUnchecked);
     findDoubles();
+}
+
+bool Noder::keepsToOrigin(const ContourSet& set, const Buffer<std::uint32_t>& parents) const {
+    for (const Contour& c : set.contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            if (!keepsTo(parents[i], set.points[i]) || !keepsTo(parents[i], set.points[i + 1])) {
+                return false;
+            }
+        }
+    }
+    return true;
 }
 
 std::size_t Noder::countConflicts() {
@@ -125,6 +143,7 @@ std::size_t Noder::countConflicts() {
     const std::size_t before = meetings();
     for (std::uint8_t& f : set_->flags) f = static_cast<std::uint8_t>((f | kUnchecked) & ~kDouble);
     doubles_.clear();
+    most_ = kNoLimit;
     pass_ = 2;
     check();
     return splits_.size() + meetings() - before;
@@ -138,6 +157,7 @@ bool Noder::check() {
     treeIsFresh_ = true;
     const auto visit = [this](std::uint32_t i, std::uint32_t ci, std::uint32_t j,
                               std::uint32_t cj) {
+        if (splits_.size() > most_) return;  // too many to go on from
         meet(i, set_->contours[ci], j, set_->contours[cj]);
     };
     tree_.joinSelf(*set_, visit);
@@ -340,6 +360,7 @@ void Noder::findDoubles() {
 bool Noder::rebuild() {
     const std::uint8_t doubtful = pass_ == 1 ? kSuspect : 0xFF;
     bool any = false;
+    strayed_ = false;
     const int target = set_ == source_ ? 0 : 1 - active_;
     const ContourSet& from = *set_;
     ContourSet& to = work_[target];
@@ -371,6 +392,7 @@ bool Noder::rebuild() {
             to.flags[n++] = static_cast<std::uint8_t>((from.flags[i] & kMeeting) | unchecked);
             for (const SplitPoint& s : sorted_) {
                 if (s.p == to.points[n - 1]) continue;
+                strayed_ |= s.moved && pass_ > 1 && !keepsTo(parent, s.p);
                 to.points[n] = s.p;
                 parents[n] = parent;
                 to.flags[n++] = static_cast<std::uint8_t>(kMeeting | unchecked);

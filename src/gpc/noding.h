@@ -105,6 +105,11 @@ class Noder {
         return firstSplit_[isDouble ? standIns_[edge] : edge];
     }
     bool sortSplits(std::uint32_t edge);
+    /// Tells whether `p` lies by the edge of the source.
+    bool keepsTo(std::uint32_t edge, const Point& p) const {
+        return stray_.holdsOnLine(p, source_->points[edge], source_->points[edge + 1]);
+    }
+    bool keepsToOrigin(const ContourSet& set, const Buffer<std::uint32_t>& parents) const;
 
     ContourSet* source_ = nullptr;
     ContourSet* set_ = nullptr;
@@ -115,10 +120,13 @@ class Noder {
     CrossingGrid grid_;
     SnapRounder rounder_;
     int pass_ = 0;
+    std::size_t most_ = 0;  // splits that this pass may make
     bool snapped_ = false;  // edges are cut at what lies on them only
     bool treeIsFresh_ = false;
-    int scans_ = 0;      // rays answered without the tree
-    Nearness near_;      // within which edges are cut at vertices
+    int scans_ = 0;   // rays answered without the tree
+    Nearness near_;   // within which edges are cut at vertices
+    Nearness stray_;  // beyond which no edge is led from its own line
+    bool strayed_ = false;
     double tight_ = 0;   // beyond which plain sums tell that they are not
     double radius_ = 0;  // within which edges are suspect
     Buffer<SplitPoint> splits_;
