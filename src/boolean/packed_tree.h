@@ -66,6 +66,18 @@ class PackedTree {
         }
     }
 
+    /// Calls `visit(item, itemOfOther)` for the pairs that may lie nearer than `limit()`, near ones
+    /// first as far as they are told apart by their nodes.
+    ///
+    /// `bound(rectangle, rectangleOfOther)` is no more than the measure of any pair in the two.
+    template <class Bound, class Limit, class Visit>
+    void searchPairs(const PackedTree& other, const Bound& bound, const Limit& limit,
+                     Visit&& visit) const {
+        if (isEmpty() || other.isEmpty()) return;
+        PairSearch<Bound, Limit, Visit>{*this, other, bound, limit, visit}.within(
+            {m_levels.size() - 1, 0}, {other.m_levels.size() - 1, 0});
+    }
+
   private:
     static constexpr std::size_t kFan = 8;
 
@@ -112,12 +124,56 @@ class PackedTree {
                 std::push_heap(queue.begin(), queue.end());
                 continue;
             }
-            std::size_t at = count++;
-            for (; at > 0 && near[at - 1].bound > candidate.bound; --at) near[at] = near[at - 1];
-            near[at] = candidate;
+            insertNear(candidate, near, count);
         }
         for (std::size_t i = 0; i < count && near[i].bound <= limit(); ++i)
             visit(m_items[near[i].place]);
+    }
+
+    struct Node {
+        std::size_t level, index;
+    };
+    const JWEnvelop& boxOf(const Node& node) const {
+        return m_boxes[m_levels[node.level].first + node.index];
+    }
+
+    template <class Bound, class Limit, class Visit>
+    struct PairSearch {
+        const PackedTree &a, &b;
+        const Bound& bound;
+        const Limit& limit;
+        Visit& visit;
+
+        /// Goes on with the members of the node on the higher level, the near ones first.
+        void within(const Node& nodeA, const Node& nodeB) const {
+            if (nodeA.level == 0 && nodeB.level == 0)
+                return visit(a.m_items[nodeA.index], b.m_items[nodeB.index]);
+            const bool openA = nodeA.level >= nodeB.level;
+            const PackedTree& tree = openA ? a : b;
+            const Node& node = openA ? nodeA : nodeB;
+            const std::size_t below = node.level - 1;
+            const std::size_t first = node.index * kFan;
+            const std::size_t end = std::min(first + kFan, tree.m_levels[below].count);
+            Candidate near[kFan];
+            std::size_t count = 0;
+            for (std::size_t i = first; i < end; ++i) {
+                const JWEnvelop& box = tree.boxOf({below, i});
+                const double least =
+                    openA ? bound(box, b.boxOf(nodeB)) : bound(a.boxOf(nodeA), box);
+                insertNear({least, i}, near, count);
+            }
+            for (std::size_t i = 0; i < count && near[i].bound <= limit(); ++i) {
+                const Node member{below, near[i].place};
+                openA ? within(member, nodeB) : within(nodeA, member);
+            }
+        }
+    };
+
+    /// Keeps a few candidates in the order of their bounds.
+    static void insertNear(const Candidate& candidate, Candidate* near, std::size_t& count) {
+        std::size_t at = count++;
+        for (; at > 0 && near[at - 1].bound > candidate.bound; --at) near[at] = near[at - 1];
+        near[at] = candidate;
     }
 
     std::vector<int> m_items;

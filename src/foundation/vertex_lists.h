@@ -70,6 +70,17 @@ inline std::int64_t vertexCount(const JWGeometry& geometry) {
     return count;
 }
 
+/// The rectangle around a geometry from its coordinates, whatever envelope is stored. NaN
+/// coordinates are passed over; invalid where there is nothing else. Cost: one pass.
+inline JWEnvelop rectangleAround(const JWGeometry& geometry) {
+    JWEnvelop rectangle = JWEnvelop::invalid();
+    everyVertexList(geometry, [&](const JWRawPoint* points, std::size_t n) {
+        for (std::size_t i = 0; i < n; ++i) rectangle.inflates_to_contain(points[i]);
+        return true;
+    });
+    return rectangle;
+}
+
 }  // namespace jws::detail
 
 #endif  // JW_FOUNDATION_VERTEX_LISTS_H

@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+#include "nearest/nearest_layers.h"
+
+#include <algorithm>
+#include <chrono>
+#include <climits>
+
+#include "foundation/hilbert_order.h"
+#include "foundation/parallel.h"
+#include "foundation/vertex_lists.h"
+#include "layers/geometry_check.h"
+#include "layers/ordered_writer.h"
+
+namespace jws::detail {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::int64_t kBlock = 16384;  // sources answered at a time
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+/// Why a feature takes no part; empty for one that does, and for one without a geometry.
+struct Refusal {
+    GeometryCheck check;
+    std::string reason;
+};
+
+Refusal refusalOf(const JWFeature& feature, unsigned kinds, bool takesMultiPoints) {
+    const GeometryCheck check = checkGeometry(feature, kinds);
+    if (check == GeometryCheck::Usable && !takesMultiPoints &&
+        feature.getGeometryType() == JWGeometryMultiPoint)
+        return {GeometryCheck::WrongKind, "the geometry is a multi-point, not a point"};
+    return {check, reasonOf(check, feature, kinds)};
+}
+
+/// Finds the connections of sources, those near each other one after the other: their searches
+/// visit the same parts of the tree. False when `keepOn` asked to stop.
+template <class KeepOn>
+bool findConnections(const Team& team, const NearestMethod& method, const FeatureList& sources,
+                     std::vector<Connections>& found, const KeepOn& keepOn) {
+    std::vector<JWEnvelop> boxes(sources.size(), JWEnvelop::invalid());
+    std::vector<int> order;
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        if (!sources[i]) continue;
+        boxes[i] = rectangleAround(*sources[i]->getGeometryPtr());
+        order.push_back(static_cast<int>(i));
+    }
+    sortAlongHilbertCurve(boxes, order);
+    found.assign(sources.size(), {});
+    const auto count = static_cast<std::int64_t>(order.size());
+    const std::int64_t chunk = std::max<std::int64_t>(count / (std::int64_t{8} * team.size()), 64);
+    return parallelChunks(team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
+        const NearestFinder find = method.finder();
+        for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
+            const auto source = static_cast<std::size_t>(order[i]);
+            find(*sources[source], found[source]);
+        }
+        return keepOn();
+    });
+}
+
+class NearestRun {
+  public:
+    NearestRun(NearestJob& job, JWLayerReport& report)
+        : m_job(job), m_report(report), m_team(job.threads), m_total(job.source.count()) {}
+
+    void readTargets();
+    void requireSources();
+    void createFields();
+    void answerAll();
+
+  private:
+    /// Leaves what takes part; null in the place of any other feature.
+    void select(FeatureInput& input, unsigned kinds, FeatureList& features, std::int64_t& read,
+                std::int64_t& empty);
+    void write(const JWFeature& source, const Connections& connections);
+    void writeConnection(const JWFeature& source, const Connection& connection, int rank);
+    bool keepOn() {
+        bool going = true;
+        exclusive([&] { going = JWReport::progress(m_report.readA, m_total); });
+        return going;
+    }
+    [[noreturn]] void fail(enumJWErrorKind kind, const std::string& text) {
+        JWReport::setError(kind, text);
+        throw LayerFailure();
+    }
+    std::string title(const FeatureInput& input) const {
+        return std::string(input.source()) + ", layer " + input.name();
+    }
+
+    NearestJob& m_job;
+    JWLayerReport& m_report;
+    Team m_team;
+    std::int64_t m_total;
+    FeatureList m_targets;
+    JWFields* m_schema = nullptr;
+};
+
+void NearestRun::select(FeatureInput& input, unsigned kinds, FeatureList& features,
+                        std::int64_t& read, std::int64_t& empty) {
+    for (auto& feature : features) {
+        ++read;
+        const Refusal refusal = refusalOf(*feature, kinds, m_job.method.takesMultiPoints());
+        if (refusal.check == GeometryCheck::Empty) ++empty;
+        if (!refusal.reason.empty())
+            m_report.rejected.push_back(
+                {input.source(), input.name(), feature->getFID64(), refusal.reason});
+        if (refusal.check != GeometryCheck::Usable) feature.reset();
+    }
+}
+
+void NearestRun::readTargets() {
+    FeatureList all;
+    m_job.target.readBlock(0, INT_MAX, all);
+    JWEnvelop extent = JWEnvelop::invalid();
+    for (const auto& feature : all) {
+        if (!feature->isGeometryEmpty() && isFinite(*feature->getGeometryPtr()))
+            extent.inflates_to_contain(rectangleAround(*feature->getGeometryPtr()));
+    }
+    select(m_job.target, m_job.method.targetKinds(), all, m_report.readB, m_report.emptyB);
+    if (m_report.emptyB == m_report.readB)
+        fail(JWErrorInvalidArgument, title(m_job.target) + ": has no features with a geometry");
+    all.erase(std::remove(all.begin(), all.end(), nullptr), all.end());
+    m_targets = std::move(all);
+    m_job.method.setTargets(m_targets, extent);
+}
+
+/// Looks for a feature with a geometry, usually the first one.
+void NearestRun::requireSources() {
+    constexpr std::int64_t few = 64;
+    FeatureList block;
+    for (std::int64_t first = 0; first < m_total; first += few) {
+        m_job.source.readBlock(first, few, block);
+        for (const auto& feature : block)
+            if (!feature->isGeometryEmpty()) return;
+    }
+    fail(JWErrorInvalidArgument, title(m_job.source) + ": has no features with a geometry");
+}
+
+void NearestRun::createFields() {
+    const auto identifier = [](FeatureInput& input, const std::string& name) {
+        return JWField(name.c_str(), input.identifiersFitInt() ? JWFieldInteger : JWFieldInteger64);
+    };
+    std::vector<JWField> fields = {identifier(m_job.source, m_job.fields.source),
+                                   identifier(m_job.target, m_job.fields.target),
+                                   JWField(m_job.fields.length.c_str(), JWFieldReal)};
+    if (m_job.fields.ranks) fields.emplace_back("rank", JWFieldInteger);
+    m_schema = m_job.output.createFields(fields);
+}
+
+void NearestRun::writeConnection(const JWFeature& source, const Connection& connection, int rank) {
+    PendingResult result;
+    result.feature = std::make_unique<JWFeature>(m_schema);
+    const JWRawPoint ends[] = {connection.from, connection.to};
+    result.feature->setGeometryDirectly(new JWLineString(ends, 2));
+    const int first = m_job.firstField;
+    const JWFeature& target = *m_targets[static_cast<std::size_t>(connection.target)];
+    result.feature->setFieldValue(first, source.getFID64());
+    result.feature->setFieldValue(first + 1, target.getFID64());
+    result.feature->setFieldValue(first + 2, connection.length);
+    if (m_job.fields.ranks) result.feature->setFieldValue(first + 3, rank);
+    writeResult(m_job.output, result, m_job.source, source.getFID64(), m_report);
+}
+
+void NearestRun::write(const JWFeature& source, const Connections& connections) {
+    int rank = 0;
+    for (std::size_t i = 0; i < connections.size(); ++i) {
+        if (i == 0 || connections[i].length > connections[i - 1].length)
+            rank = static_cast<int>(i) + 1;
+        writeConnection(source, connections[i], rank);
+    }
+    m_report.pairs += static_cast<std::int64_t>(connections.size());
+}
+
+void NearestRun::answerAll() {
+    FeatureList sources;
+    std::vector<Connections> found;
+    for (std::int64_t first = 0; first < m_total; first += kBlock) {
+        m_job.source.readBlock(first, kBlock, sources);
+        select(m_job.source, m_job.method.sourceKinds(), sources, m_report.readA, m_report.emptyA);
+        if (!findConnections(m_team, m_job.method, sources, found, [&] { return keepOn(); })) {
+            m_report.cancelled = true;
+            fail(JWErrorCancelled, "the run was stopped; nothing was written");
+        }
+        for (std::size_t i = 0; i < sources.size(); ++i)
+            if (sources[i]) write(*sources[i], found[i]);
+    }
+}
+
+}  // namespace
+
+std::int64_t runNearest(NearestJob& job, JWLayerReport& report) {
+    NearestRun run(job, report);
+    const Clock::time_point start = Clock::now();
+    run.readTargets();
+    report.secondsIndex = secondsSince(start);
+    run.requireSources();
+    run.createFields();
+    job.output.begin();
+    try {
+        run.answerAll();
+        job.output.commit();
+    } catch (...) {
+        job.output.rollback();
+        report.written = 0;
+        throw;
+    }
+    report.secondsOverlay = secondsSince(start) - report.secondsIndex;
+    return report.written;
+}
+
+void findNearestPairs(const JWFeatureClass& source, const JWFeatureClass& target,
+                      NearestMethod& method, int threads, std::vector<JWNearestPair>& pairs) {
+    JWEnvelop extent = JWEnvelop::invalid();
+    /// The features that take part, in their places, and these places without gaps.
+    const auto select = [&](const JWFeatureClass& features, unsigned kinds, FeatureList& list) {
+        for (int i = 0; i < features.getFeatureCount(); ++i) {
+            const JWFeature* feature = features.getFeatureAt(i);
+            const bool takesPart = refusalOf(*feature, kinds, method.takesMultiPoints()).check ==
+                                   GeometryCheck::Usable;
+            list.push_back(takesPart
+                               ? std::shared_ptr<const JWFeature>(std::shared_ptr<void>(), feature)
+                               : nullptr);
+        }
+    };
+    FeatureList sources, targets, present;
+    select(source, method.sourceKinds(), sources);
+    select(target, method.targetKinds(), targets);
+    std::vector<int> positions;
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        if (!targets[i]) continue;
+        extent.inflates_to_contain(rectangleAround(*targets[i]->getGeometryPtr()));
+        positions.push_back(static_cast<int>(i));
+        present.push_back(targets[i]);
+    }
+    method.setTargets(present, extent);
+    std::vector<Connections> found;
+    const Team team(threads);
+    findConnections(team, method, sources, found, [] { return true; });
+    for (std::size_t i = 0; i < found.size(); ++i)
+        for (const Connection& c : found[i])
+            pairs.push_back({static_cast<int>(i), positions[static_cast<std::size_t>(c.target)],
+                             c.length, c.from, c.to});
+}
+
+}  // namespace jws::detail

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+//
+// A way to find the nearest features: what the driver of layer operations and the form for features
+// in memory know of the established search and of the exact one.
+#ifndef JW_NEAREST_NEAREST_METHOD_H
+#define JW_NEAREST_NEAREST_METHOD_H
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "jw_feature.h"
+
+namespace jws::detail {
+
+/// A line to a target, by its position among the targets.
+struct Connection {
+    int target;
+    double length;
+    JWRawPoint from;
+    JWRawPoint to;
+};
+using Connections = std::vector<Connection>;
+
+/// Finds the targets nearest to one source; one worker has it to itself.
+using NearestFinder = std::function<void(const JWFeature& source, Connections& connections)>;
+
+using FeatureList = std::vector<std::shared_ptr<const JWFeature>>;
+
+class NearestMethod {
+  public:
+    virtual ~NearestMethod() = default;
+    /// The kinds of geometry that it takes, as `GeometryKind`s.
+    virtual unsigned sourceKinds() const = 0;
+    virtual unsigned targetKinds() const = 0;
+    /// Multi-points are taken as well as points.
+    virtual bool takesMultiPoints() const = 0;
+    /// Prepares the targets, which must stay; `extent` is that of their whole layer. Called once.
+    virtual void setTargets(const FeatureList& targets, const JWEnvelop& extent) = 0;
+    /// Makes what one worker needs; after `setTargets`, by any thread.
+    virtual NearestFinder finder() const = 0;
+};
+
+}  // namespace jws::detail
+
+#endif  // JW_NEAREST_NEAREST_METHOD_H

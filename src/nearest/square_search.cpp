@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+//
+// The established search: the nearest among the targets whose rectangles meet the first square
+// around a source that meets any.
+//
+// The square may hold a good part of all targets, and so they are not all measured. The tree hands
+// them out by the distance of their rectangles; once that is above the least distance so far, no
+// other can be nearer or tie. The bound stays below every distance that is computed, so the answer
+// is that of measuring all of them.
+#include "nearest/square_search.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <optional>
+
+#include "foundation/vertex_lists.h"
+#include "layers/geometry_check.h"
+#include "nearest/square_growth.h"
+#include "nearest/stated_target.h"
+
+namespace jws::detail {
+namespace {
+
+struct Row {
+    ShortestOperation operation;
+    unsigned sourceKind;
+    TargetKind target;
+    double divisor;
+};
+
+constexpr Row kRows[] = {
+    {{"shortestPointsToPoints", "FPointFid", "TPointFid"}, PointKind, TargetKind::Point, 16},
+    {{"shortestPointsToLines", "PointFid", "LineFid"}, PointKind, TargetKind::Lines, 16},
+    {{"shortestPointsToRings", "RingFid", "PointFid"}, PointKind, TargetKind::Rings, 8},
+    {{"shortestPointsToPolygons", "PolygonFid", "PointFid"}, PointKind, TargetKind::Areas, 16},
+    {{"shortestLinesToPoints", "LineFid", "PointFid"}, LineKind, TargetKind::Point, 16},
+    {{"shortestLinesToLines", "FLineFid", "TLineFid"}, LineKind, TargetKind::Lines, 16},
+    {{"shortestLinesToRings", "LinesFid", "RingFid"}, LineKind, TargetKind::Rings, 32},
+    {{"shortestLinesToPolygons", "LinesFid", "PolygonFid"}, LineKind, TargetKind::Areas, 32},
+};
+
+const Row* findRow(enumJWShortestOperation operation) {
+    const auto i = static_cast<std::size_t>(operation);
+    return i < std::size(kRows) ? kRows + i : nullptr;
+}
+
+class SquareSearch : public NearestMethod {
+  public:
+    explicit SquareSearch(const Row& row) : m_row(row) {}
+
+    unsigned sourceKinds() const override { return m_row.sourceKind; }
+    unsigned targetKinds() const override {
+        if (m_row.target == TargetKind::Point) return PointKind;
+        return m_row.target == TargetKind::Lines ? LineKind : AreaKind;
+    }
+    bool takesMultiPoints() const override { return false; }
+
+    void setTargets(const FeatureList& targets, const JWEnvelop& extent) override {
+        m_targets.reserve(targets.size());
+        for (const auto& feature : targets) {
+            const JWGeometry& geometry = *feature->getGeometryPtr();
+            m_rectangles.push_back(rectangleAround(geometry));
+            m_targets.emplace_back(m_row.target, geometry, m_rectangles.back());
+        }
+        m_tree = PackedTree(m_rectangles);
+        m_bound = BoxDistance(extent);
+        m_growth.emplace(m_rectangles, m_tree, extent, m_row.divisor,
+                         m_row.sourceKind == PointKind);
+    }
+
+    NearestFinder finder() const override {
+        return
+            [this, scratch = Scratch()](const JWFeature& source, Connections& connections) mutable {
+                findForFeature(*source.getGeometryPtr(), connections, scratch);
+            };
+    }
+
+  private:
+    /// Memory that a worker uses again.
+    struct Scratch {
+        StatedSource source;
+        std::vector<PackedTree::Candidate> queue;
+    };
+
+    void findForFeature(const JWGeometry& geometry, Connections& connections,
+                        Scratch& scratch) const;
+    void find(const SquareStart& start, Connections& connections, Scratch& scratch) const;
+
+    const Row& m_row;
+    std::vector<StatedTarget> m_targets;
+    std::vector<JWEnvelop> m_rectangles;
+    PackedTree m_tree;
+    BoxDistance m_bound{JWEnvelop(0, 0, 0, 0)};
+    std::optional<SquareGrowth> m_growth;
+};
+
+void SquareSearch::findForFeature(const JWGeometry& geometry, Connections& connections,
+                                  Scratch& scratch) const {
+    StatedSource& source = scratch.source;
+    source.isPoint = m_row.sourceKind == PointKind;
+    everyVertexList(geometry, [&](const JWRawPoint* p, std::size_t n) {
+        source.pieces.clear();
+        if (n == 1 && (source.isPoint || m_row.target == TargetKind::Point))
+            source.pieces.push_back({p[0], p[0]});
+        appendSegments(p, static_cast<int>(n), source.pieces);
+        if (source.pieces.empty()) return true;
+        source.box = boxAround(source.pieces);
+        find(source.isPoint ? m_growth->startAt(p[0]) : m_growth->startAt(source.box), connections,
+             scratch);
+        return true;
+    });
+}
+
+/// Appends the connections of a point or of one line, by target.
+void SquareSearch::find(const SquareStart& start, Connections& connections,
+                        Scratch& scratch) const {
+    JWEnvelop square;
+    if (!m_growth->firstSquare(start, square, scratch.queue)) return;
+    const StatedSource& source = scratch.source;
+    const auto first = static_cast<std::ptrdiff_t>(connections.size());
+    double least = std::numeric_limits<double>::max();
+    const auto take = [&](int i) {
+        const auto target = static_cast<std::size_t>(i);
+        if (m_rectangles[target].isDisjoin(square)) return;
+        const FirstLeast found = m_targets[target].measure(source, least);
+        if (!found.found() || found.least() > least) return;
+        if (found.least() < least)
+            connections.erase(connections.begin() + first, connections.end());
+        least = found.least();
+        connections.push_back({i, least, found.closest().p, found.closest().q});
+    };
+    m_tree.searchNearest([&](const JWEnvelop& box) { return m_bound(box, source.box); },
+                         [&] { return least; }, take, scratch.queue);
+    std::sort(connections.begin() + first, connections.end(),
+              [](const Connection& a, const Connection& b) { return a.target < b.target; });
+}
+
+}  // namespace
+
+const ShortestOperation* findShortestOperation(enumJWShortestOperation operation) {
+    const Row* row = findRow(operation);
+    return row != nullptr ? &row->operation : nullptr;
+}
+
+std::unique_ptr<NearestMethod> squareSearch(enumJWShortestOperation operation) {
+    return std::make_unique<SquareSearch>(*findRow(operation));
+}
+
+}  // namespace jws::detail
