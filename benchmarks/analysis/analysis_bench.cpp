@@ -4,8 +4,6 @@
 // before times. All contenders begin with the points in their own representation.
 //
 //   analysis_bench [CASE...]     cases such as hull, circle, simplify; by default all
-#include <geos_c.h>
-
 #include <algorithm>
 #include <boost/geometry.hpp>
 #include <boost/geometry/geometries/linestring.hpp>
@@ -14,7 +12,6 @@
 #include <boost/geometry/geometries/polygon.hpp>
 #include <cstdio>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,27 +19,18 @@
 #include "jw_geometryminimumbounding.h"
 #include "jw_geometrysimplicify.h"
 #include "support/contest.h"
+#include "support/geos_handles.h"
 
 namespace {
 
 using namespace jws;
+using bench::geos;
+using bench::GeosPtr;
 namespace bg = boost::geometry;
 using BoostPoint = bg::model::d2::point_xy<double>;
 
-GEOSContextHandle_t geos() {
-    static const GEOSContextHandle_t context = GEOS_init_r();
-    return context;
-}
-
-struct GeosDeleter {
-    void operator()(GEOSGeometry* g) const { GEOSGeom_destroy_r(geos(), g); }
-};
-using GeosPtr = std::unique_ptr<GEOSGeometry, GeosDeleter>;
-
 GeosPtr geosLine(const std::vector<JWRawPoint>& points) {
-    GEOSCoordSequence* s = GEOSCoordSeq_copyFromBuffer_r(
-        geos(), &points[0].x, static_cast<unsigned>(points.size()), 0, 0);
-    return GeosPtr(GEOSGeom_createLineString_r(geos(), s));
+    return bench::geosLine(&points[0].x, points.size());
 }
 
 bool hull(const std::string& set, int n, int rounds) {

@@ -4,8 +4,6 @@
 // times. All contenders begin with the geometries in their own representation.
 //
 //   relate_bench [CASE...]     points, matrix, intersects, contains; by default all
-#include <geos_c.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -17,22 +15,18 @@
 #include "jw_relationmatrix.h"
 #include "jw_spatialrelation.h"
 #include "support/contest.h"
+#include "support/geos_handles.h"
 
 namespace {
 
 using namespace jws;
+using bench::geos;
+using bench::GeosPtr;
 
-GEOSContextHandle_t geos() {
-    static const GEOSContextHandle_t context = GEOS_init_r();
-    return context;
-}
-
-struct GeosDeleter {
-    void operator()(GEOSGeometry* g) const { GEOSGeom_destroy_r(geos(), g); }
+struct PreparedDeleter {
     void operator()(const GEOSPreparedGeometry* g) const { GEOSPreparedGeom_destroy_r(geos(), g); }
 };
-using GeosPtr = std::unique_ptr<GEOSGeometry, GeosDeleter>;
-using GeosPrepared = std::unique_ptr<const GEOSPreparedGeometry, GeosDeleter>;
+using GeosPrepared = std::unique_ptr<const GEOSPreparedGeometry, PreparedDeleter>;
 
 /// A wavy, jagged outline about a place.
 JWPolygon outline(int n, double x, double y, unsigned seed) {
