@@ -16,11 +16,6 @@
 
 namespace jws::detail {
 
-inline int refused(const char* function, const char* reason) {
-    JWReport::setError(JWErrorInvalidArgument, std::string(function) + ": " + reason);
-    return 0;
-}
-
 /// True for a distance that a buffer can have; otherwise keeps the reason as the last error.
 inline bool isDistance(const char* function, double distance) {
     if (distance > 0 && std::isfinite(distance)) return true;

@@ -32,6 +32,12 @@ inline void keepCurrentException(const char* function) noexcept {
     }
 }
 
+/// Answers 0 and keeps the reason as the thread's last error.
+inline int refused(const char* function, const char* reason) {
+    JWReport::setError(JWErrorInvalidArgument, std::string(function) + ": " + reason);
+    return 0;
+}
+
 /// Returns `body()`, or `failure` when it throws.
 template <class Result, class Body>
 Result guarded(const char* function, Result failure, Body&& body) {

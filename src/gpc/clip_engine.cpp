@@ -29,6 +29,7 @@
 #include <new>
 
 #include "gpc/contour_builder.h"
+#include "gpc/face_builder.h"
 
 namespace jws::gpc {
 namespace {
@@ -74,10 +75,11 @@ struct Engine {
     Noder noder;
     Arrangement arrangement;
     ContourBuilder builder;
+    FaceBuilder faceBuilder;
 
     void trim() {
         if (set.points.bytes() + resolved.points.bytes() + noder.bytes() + arrangement.bytes() +
-                builder.bytes() <=
+                builder.bytes() + faceBuilder.bytes() <=
             kKeptScratch) {
             return;
         }
@@ -86,6 +88,7 @@ struct Engine {
         noder.release();
         arrangement.release();
         builder.release();
+        faceBuilder.release();
     }
 
     void arrange(ContourSet& contours, const Frame& frame, bool depth) {
@@ -310,6 +313,21 @@ int uniteDirectedInto(const gpc_polygon& loops, gpc_polygon& result, double& ove
     return 0;
 }
 
+int cutFacesInto(const gpc_polygon& area, const gpc_polygon& lines, gpc_polygon& faces) {
+    Box all;
+    if (!boundsOf(area, all) || !boundsOf(lines, all)) return EDOM;
+    if (isEmpty(all)) return 0;
+    const Frame frame(all);
+    Engine& e = engine();
+    const Trim trim;
+    e.set.clear();
+    e.set.add(area, 1, frame.to, nullptr);
+    for (int i = 0; i < lines.num_contours; ++i) e.set.addLine(lines.contour[i], frame.to);
+    e.arrange(e.set, frame, false);
+    e.faceBuilder.build(e.arrangement, frame.from, faces);
+    return 0;
+}
+
 template <class F>
 int guarded(gpc_polygon& result, F&& work) noexcept {
     result = {0, nullptr, nullptr};
@@ -354,6 +372,10 @@ int partition(const gpc_polygon& subject, const gpc_polygon* const* polygons, st
 int uniteDirected(const gpc_polygon& loops, gpc_polygon& result, double& overlap) noexcept {
     overlap = 0;
     return guarded(result, [&] { return uniteDirectedInto(loops, result, overlap); });
+}
+
+int cutFaces(const gpc_polygon& area, const gpc_polygon& lines, gpc_polygon& faces) noexcept {
+    return guarded(faces, [&] { return cutFacesInto(area, lines, faces); });
 }
 
 }  // namespace jws::gpc

@@ -79,6 +79,14 @@ int partition(const gpc_polygon& subject, const gpc_polygon* const* polygons, st
 ///     cover, measured on the cut edges and not on the result
 int uniteDirected(const gpc_polygon& loops, gpc_polygon& result, double& overlap) noexcept;
 
+/// Cuts an area, read by the even-odd rule, along lines into all faces that they make of it
+/// together with its outline. `lines` holds a line in each contour; where lines end inside, or only
+/// tie boundaries together, they cut nothing.
+/// \param faces  of each face the outer contour, then its holes; empty when nothing is cut off.
+///     Contours are simple, a hole starts at a point that its outer contour does not have
+/// Returns 0 or the errno value that tells why `faces` is empty.
+int cutFaces(const gpc_polygon& area, const gpc_polygon& lines, gpc_polygon& faces) noexcept;
+
 }  // namespace jws::gpc
 
 #endif  // JW_GPC_CLIP_ENGINE_H

@@ -83,6 +83,18 @@ void ContourSet::add(const gpc_polygon& polygon, int operand, const Scale& scale
     }
 }
 
+void ContourSet::addLine(const gpc_vertex_list& line, const Scale& scale) {
+    const std::size_t first = points.size();
+    for (int i = 0; i < line.num_vertices; ++i) {
+        points.push(scale(line.vertex[i].x, line.vertex[i].y));
+    }
+    const std::size_t n = points.size() - first;
+    if (n > 0 && points[first] != points.back()) {
+        for (std::size_t i = n - 1; i > 1; --i) points.push(points[first + i - 1]);
+    }
+    close(first, 0);
+}
+
 void ContourSet::shorten(std::size_t first, const Box& window) {
     Point* p = points.data() + first;
     const std::size_t n = points.size() - first;
@@ -115,7 +127,7 @@ void ContourSet::close(std::size_t first, int operand) {
         m += q != p[m - 1];
     }
     while (m > 1 && p[m - 1] == p[0]) --m;
-    if (m < 3) {
+    if (m < (operand == 0 ? 2u : 3u)) {
         points.resize(first);
         return;
     }

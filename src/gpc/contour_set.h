@@ -73,7 +73,7 @@ enum PointFlag : std::uint8_t {
 struct Contour {
     std::uint32_t first;
     std::uint32_t last;
-    std::int32_t operand;  ///< 1 subject, 2 clip; or what the inside counts as
+    std::int32_t operand;  ///< 1 subject, 2 clip; or what the inside counts as; 0 for a line
     std::uint32_t tree;    ///< the box tree's node over its edges
 };
 
@@ -94,8 +94,11 @@ struct ContourSet {
 
     /// Cuts the points from `first` on, which become a contour, short in the same way.
     void shorten(std::size_t first, const Box& window);
+    /// Appends a line, scaled: a contour of operand 0, which goes there and back unless the line
+    /// is closed.
+    void addLine(const gpc_vertex_list& line, const Scale& scale);
     /// Makes a contour of the points from `first` on; drops repeated points, and all of them if
-    /// fewer than three are left.
+    /// fewer than three are left, of a line two.
     void close(std::size_t first, int operand);
 };
 

@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: MIT
+#include "clip/geometry_clip.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <utility>
+
+#include "clip/area_cut.h"
+#include "foundation/vertex_lists.h"
+#include "jw_cpgeometrybasic.h"
+#include "overlay/geometry_overlay.h"
+
+namespace jws::detail {
+namespace {
+
+using Pieces = std::vector<std::unique_ptr<JWGeometry>>;
+
+bool isWeird(const JWGeometry& geometry) {
+    switch (geometry.getGeometryType()) {
+        case JWGeometryLineString:
+            return JWCPGeometryBasic::isLineStringWeird(
+                static_cast<const JWLineString*>(&geometry));
+        case JWGeometryRing:
+            return JWCPGeometryBasic::isRingWeird(static_cast<const JWRing*>(&geometry));
+        case JWGeometryPolygon: {
+            const std::vector<JWRing>& rings =
+                static_cast<const JWPolygon&>(geometry).getRingList();
+            return std::any_of(rings.begin(), rings.end(),
+                               [](const JWRing& ring) { return isWeird(ring); });
+        }
+        case JWGeometryMultiLineString:
+        case JWGeometryMultiPolygon: {
+            const auto& members = static_cast<const JWGeometryCollection&>(geometry);
+            for (int i = 0; i < members.getGeometryCount(); ++i) {
+                if (isWeird(*members.getGeometryPtrAt(i))) return true;
+            }
+            return false;
+        }
+        default:
+            return false;
+    }
+}
+
+MarkedPieces<JWLineString> cutLine(const JWLineString& line, const Cutter& cutter) {
+    MarkedPieces<JWLineString> pieces;
+    cutter.split(line, Beginning::LikeWhatFollows,
+                 [&](std::vector<JWRawPoint>& points, bool inside) {
+                     auto piece = std::make_unique<JWLineString>(std::move(points));
+                     piece->updateEnvelop();
+                     pieces.push_back({std::move(piece), inside ? 1u : 0u});
+                 });
+    return pieces;
+}
+
+bool isLine(enumJWGeometryType type) {
+    return type == JWGeometryLineString || type == JWGeometryMultiLineString;
+}
+bool isPolygonal(enumJWGeometryType type) {
+    return type == JWGeometryPolygon || type == JWGeometryMultiPolygon;
+}
+
+template <class Geometry>
+void moveInto(Pieces& all, MarkedPieces<Geometry>&& pieces) {
+    for (MarkedPiece<Geometry>& piece : pieces) all.push_back(std::move(piece.geometry));
+}
+
+}  // namespace
+
+void checkOperand(const JWGeometry& geometry, bool forWeird) {
+    if (geometry.isEmpty()) throw ClipRefused("a geometry is empty");
+    if (!isFinite(geometry)) throw ClipRefused("a coordinate is not finite");
+    if (forWeird && isWeird(geometry))
+        throw ClipRefused("a line or ring crosses or touches itself");
+}
+
+void PreparedCutter::check(bool forWeird) {
+    if (!m_isChecked) checkOperand(m_geometry, false);
+    m_isChecked = true;
+    if (!forWeird) return;
+    if (m_isWeird == Answer::Unknown) m_isWeird = isWeird(m_geometry) ? Answer::Yes : Answer::No;
+    if (m_isWeird == Answer::Yes) throw ClipRefused("a line or ring crosses or touches itself");
+}
+
+const Cutter& PreparedCutter::edges() {
+    if (!m_edges) m_edges = std::make_unique<const Cutter>(m_geometry, m_search);
+    if (m_edges->isEmpty()) throw ClipRefused("the cutter has no edge");
+    return *m_edges;
+}
+
+MarkedPieces<JWLineString> cutLines(const JWGeometry& lines, const Cutter& cutter,
+                                    const Team& team) {
+    if (lines.getGeometryType() == JWGeometryLineString)
+        return cutLine(static_cast<const JWLineString&>(lines), cutter);
+    const auto& members = static_cast<const JWMultiLineString&>(lines).getMemberList();
+    std::vector<MarkedPieces<JWLineString>> ofMembers(members.size());
+    constexpr std::int64_t chunk = 64;
+    parallelChunks(team, static_cast<std::int64_t>(members.size()), chunk,
+                   [&](std::int64_t begin, std::int64_t end) {
+                       for (auto i = static_cast<std::size_t>(begin);
+                            i < static_cast<std::size_t>(end); ++i)
+                           ofMembers[i] = cutLine(members[i], cutter);
+                       return true;
+                   });
+    MarkedPieces<JWLineString> all;
+    for (MarkedPieces<JWLineString>& pieces : ofMembers)
+        for (MarkedPiece<JWLineString>& piece : pieces) all.push_back(std::move(piece));
+    return all;
+}
+
+MarkedPieces<JWMultiPoint> cutPoints(const JWMultiPoint& points, const Cutter& cutter) {
+    auto inside = std::make_unique<JWMultiPoint>(), outside = std::make_unique<JWMultiPoint>();
+    for (const JWPoint& p : points.getPointList())
+        (cutter.holds(p.getRawPoint()) ? inside : outside)->addPoint(p);
+    MarkedPieces<JWMultiPoint> pieces;
+    for (auto* part : {&inside, &outside}) {
+        if ((*part)->isEmpty()) continue;
+        (*part)->updateEnvelop();
+        pieces.push_back({std::move(*part), part == &inside ? 1u : 0u});
+    }
+    return pieces;
+}
+
+std::vector<Face> cutArea(const JWGeometry& area, const JWGeometry& lines, const Team& team) {
+    std::vector<Face> faces;
+    const auto cutRing = [&](const JWRing& ring) {
+        JWPolygon polygon;
+        polygon.addRing(ring);
+        return cutPolygon(polygon, lines);
+    };
+    switch (area.getGeometryType()) {
+        case JWGeometryRing:
+            faces = cutRing(static_cast<const JWRing&>(area));
+            break;
+        case JWGeometryPolygon:
+            faces = cutPolygon(static_cast<const JWPolygon&>(area), lines);
+            break;
+        default: {
+            const auto& members = static_cast<const JWMultiPolygon&>(area).getMemberList();
+            std::vector<std::vector<Face>> ofMembers(members.size());
+            parallelChunks(team, static_cast<std::int64_t>(members.size()), 1,
+                           [&](std::int64_t i, std::int64_t) {
+                               const auto k = static_cast<std::size_t>(i);
+                               ofMembers[k] = cutPolygon(members[k], lines);
+                               return true;
+                           });
+            for (std::vector<Face>& some : ofMembers)
+                for (Face& face : some) faces.push_back(std::move(face));
+        }
+    }
+    // A face within a hole of another one is smaller than it.
+    std::vector<std::pair<double, std::size_t>> order;
+    for (std::size_t i = 0; i < faces.size(); ++i)
+        order.emplace_back(std::fabs(faces[i].front().getArea()), i);
+    std::sort(order.begin(), order.end());
+    std::vector<Face> sorted;
+    for (const auto& place : order) sorted.push_back(std::move(faces[place.second]));
+    return sorted;
+}
+
+Pieces clipGeometry(const JWGeometry& target, PreparedCutter& cutter, bool checkWeird,
+                    const Team& team) {
+    const enumJWGeometryType type = target.getGeometryType();
+    const enumJWGeometryType cutterType = cutter.geometry().getGeometryType();
+    const bool byArea = isPolygonal(cutterType);
+    if (!byArea && !isLine(cutterType)) throw ClipRefused("the cutter is neither line nor area");
+    if (!isLine(type) && !isPolygonal(type) && !(type == JWGeometryMultiPoint && byArea))
+        throw ClipRefused("geometries of these kinds do not clip each other");
+    const bool areas = isPolygonal(type) && byArea;
+    checkOperand(target, checkWeird && !areas);
+    cutter.check(checkWeird && !areas);
+    Pieces pieces;
+    if (isLine(type)) {
+        moveInto(pieces, cutLines(target, cutter.edges(), team));
+    } else if (type == JWGeometryMultiPoint) {
+        moveInto(pieces, cutPoints(static_cast<const JWMultiPoint&>(target), cutter.edges()));
+    } else if (areas) {
+        if (std::unique_ptr<JWGeometry> common = intersect(target, cutter.geometry(), 0))
+            pieces.push_back(std::move(common));
+    } else {
+        cutter.edges();
+        for (Face& face : cutArea(target, cutter.geometry(), team)) {
+            auto polygon = std::make_unique<JWPolygon>();
+            polygon->addRings(std::move(face));
+            polygon->updateEnvelop();
+            pieces.push_back(std::move(polygon));
+        }
+    }
+    if (pieces.empty()) throw ClipRefused("the result is empty");
+    return pieces;
+}
+
+}  // namespace jws::detail

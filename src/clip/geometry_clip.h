@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+//
+// Clipping of two geometries, one body for all forms. Functions throw when memory runs out or the
+// engine gives up, and ClipRefused for operands that have no answer.
+#ifndef JW_CLIP_GEOMETRY_CLIP_H
+#define JW_CLIP_GEOMETRY_CLIP_H
+
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "clip/cutter.h"
+#include "foundation/parallel.h"
+#include "jw_geometry.h"
+
+namespace jws::detail {
+
+/// Why there is no answer.
+struct ClipRefused : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// A piece with its marker: 1 inside, 0 outside.
+template <class Geometry>
+struct MarkedPiece {
+    std::unique_ptr<Geometry> geometry;
+    unsigned inside;
+};
+template <class Geometry>
+using MarkedPieces = std::vector<MarkedPiece<Geometry>>;
+
+/// A geometry that cuts many others: checked once, its edges read once, when first asked for.
+class PreparedCutter {
+  public:
+    PreparedCutter(const JWGeometry& geometry, EdgeSearch search)
+        : m_geometry(geometry), m_search(search) {}
+
+    const JWGeometry& geometry() const { return m_geometry; }
+    /// Throws ClipRefused when the geometry is empty, not finite or, where that is asked for,
+    /// weird.
+    void check(bool forWeird);
+    /// Throws ClipRefused when there are no edges.
+    const Cutter& edges();
+
+  private:
+    enum class Answer { Unknown, Yes, No };
+    const JWGeometry& m_geometry;
+    EdgeSearch m_search;
+    bool m_isChecked = false;
+    Answer m_isWeird = Answer::Unknown;
+    std::unique_ptr<const Cutter> m_edges;
+};
+
+/// Throws ClipRefused as `PreparedCutter::check` does.
+void checkOperand(const JWGeometry& geometry, bool forWeird);
+
+/// The pieces of a line string or multi line string. Lines of no length have none.
+MarkedPieces<JWLineString> cutLines(const JWGeometry& lines, const Cutter& cutter,
+                                    const Team& team);
+
+/// The points of a multipoint inside and outside.
+MarkedPieces<JWMultiPoint> cutPoints(const JWMultiPoint& points, const Cutter& cutter);
+
+/// A face: its outer ring, then its holes.
+using Face = std::vector<JWRing>;
+/// The faces that lines cut a ring, polygon or multipolygon into, the smaller ones first.
+std::vector<Face> cutArea(const JWGeometry& area, const JWGeometry& lines, const Team& team);
+
+/// Does what `JWGeometryClip::geometryClipByGeometry` does. Throws ClipRefused when there is no
+/// piece.
+std::vector<std::unique_ptr<JWGeometry>> clipGeometry(const JWGeometry& target,
+                                                      PreparedCutter& cutter, bool checkWeird,
+                                                      const Team& team);
+
+}  // namespace jws::detail
+
+#endif  // JW_CLIP_GEOMETRY_CLIP_H

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+//
+// The public clip functions of geometries, one line each.
+#include "jw_geometryclip.h"
+
+#include <algorithm>
+
+#include "clip/clip_forms.h"
+
+namespace jws {
+
+using namespace detail;
+
+namespace {
+
+constexpr bool kTree = true;
+constexpr bool kAllPairs = false;
+constexpr int kAlone = 1;
+
+}  // namespace
+
+int JWGeometryClip::geometryClipByGeometry(JWGeometry* target, JWGeometry* cutter,
+                                           std::vector<JWGeometry*>& pieces, bool checkWeird,
+                                           bool useRTree) {
+    return clipAny(target, cutter, pieces, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::lineStringClipByRing(JWLineString* line, JWRing* ring,
+                                         std::vector<JWLineString*>& pieces,
+                                         std::vector<unsigned int>& inside, bool checkWeird) {
+    return clipLines(line, ring, pieces, &inside, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::lineStringClipByRingWithOutRTree(const JWLineString* line, JWRing* ring,
+                                                     std::vector<JWLineString*>& pieces,
+                                                     std::vector<unsigned int>& inside,
+                                                     bool checkWeird) {
+    return clipLines(line, ring, pieces, &inside, {checkWeird, kAllPairs, kAlone});
+}
+
+int JWGeometryClip::lineStringClipByRing1(JWLineString* line, JWRing* ring,
+                                          std::vector<JWLineString*>& pieces,
+                                          std::vector<unsigned int>& inside, bool checkWeird,
+                                          bool useRTree) {
+    return clipLines(line, ring, pieces, &inside, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::lineStringClipByPolygon(JWLineString* line, JWPolygon* polygon,
+                                            std::vector<JWLineString*>& pieces,
+                                            std::vector<unsigned int>& inside, bool checkWeird,
+                                            bool useRTree) {
+    return clipLines(line, polygon, pieces, &inside, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::lineStringClipByMultiPolygon(JWLineString* line, JWMultiPolygon* polygons,
+                                                 std::vector<JWLineString*>& pieces,
+                                                 std::vector<unsigned int>& inside, bool checkWeird,
+                                                 bool useRTree) {
+    return clipLines(line, polygons, pieces, &inside, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::multiLineStringClipByPolygon(JWMultiLineString* lines, JWPolygon* polygon,
+                                                 std::vector<JWLineString*>& pieces,
+                                                 std::vector<unsigned int>& inside, bool checkWeird,
+                                                 bool useRTree) {
+    return clipLines(lines, polygon, pieces, &inside, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::multiLineStringClipByMultiPolygon(JWMultiLineString* lines,
+                                                      JWMultiPolygon* polygons,
+                                                      std::vector<JWLineString*>& pieces,
+                                                      std::vector<unsigned int>& inside,
+                                                      bool checkWeird, bool useRTree) {
+    return clipLines(lines, polygons, pieces, &inside, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::lineStringClipByLineString(JWLineString* line, JWLineString* cutter,
+                                               std::vector<JWLineString*>& pieces,
+                                               bool checkWeird) {
+    return clipLines(line, cutter, pieces, nullptr, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::lineStringClipByLineStringWithOutRTree(JWLineString* line, JWLineString* cutter,
+                                                           std::vector<JWLineString*>& pieces,
+                                                           bool checkWeird) {
+    return clipLines(line, cutter, pieces, nullptr, {checkWeird, kAllPairs, kAlone});
+}
+
+int JWGeometryClip::lineStringClipByLineString1(JWLineString* line, JWLineString* cutter,
+                                                std::vector<JWLineString*>& pieces, bool checkWeird,
+                                                bool useRTree) {
+    return clipLines(line, cutter, pieces, nullptr, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::lineStringClipByMultiLineString(JWLineString* line, JWMultiLineString* cutter,
+                                                    std::vector<JWLineString*>& pieces,
+                                                    bool checkWeird, bool useRTree) {
+    return clipLines(line, cutter, pieces, nullptr, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::multiLineStringClipBylineString(JWMultiLineString* lines, JWLineString* cutter,
+                                                    std::vector<JWLineString*>& pieces,
+                                                    bool checkWeird, bool useRTree) {
+    return clipLines(lines, cutter, pieces, nullptr, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::multiLineStringClipByMultiLineString(JWMultiLineString* lines,
+                                                         JWMultiLineString* cutter,
+                                                         std::vector<JWLineString*>& pieces,
+                                                         bool checkWeird, bool useRTree) {
+    return clipLines(lines, cutter, pieces, nullptr, {checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::ringClipByLineString(JWRing* ring, JWLineString* line,
+                                         std::vector<JWRing*>& pieces, bool checkWeird) {
+    return clipAreaByLines(ring, line, pieces, nullptr, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::polygonClipByLineString(JWPolygon* polygon, JWLineString* line,
+                                            std::vector<JWRing*>& rings,
+                                            std::vector<int>& holeFlags, bool checkWeird) {
+    return clipAreaByLines(polygon, line, rings, &holeFlags, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::polygonClipByLineString1(JWPolygon* polygon, JWLineString* line,
+                                             std::vector<JWRing*>& rings,
+                                             std::vector<int>& holeFlags, bool checkWeird) {
+    return clipAreaByLines(polygon, line, rings, &holeFlags, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::polygonClipByMultiLineString(JWPolygon* polygon, JWMultiLineString* lines,
+                                                 std::vector<JWRing*>& rings,
+                                                 std::vector<int>& holeFlags, bool checkWeird) {
+    return clipAreaByLines(polygon, lines, rings, &holeFlags, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::multiPolygonClipBylineString(JWMultiPolygon* polygons, JWLineString* line,
+                                                 std::vector<JWRing*>& rings,
+                                                 std::vector<int>& holeFlags, bool checkWeird) {
+    return clipAreaByLines(polygons, line, rings, &holeFlags, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::multiPolygonClipByMultiLineString(JWMultiPolygon* polygons,
+                                                      JWMultiLineString* lines,
+                                                      std::vector<JWRing*>& rings,
+                                                      std::vector<int>& holeFlags,
+                                                      bool checkWeird) {
+    return clipAreaByLines(polygons, lines, rings, &holeFlags, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::multiPointClipByRing(JWMultiPoint* points, JWRing* ring,
+                                         std::vector<JWMultiPoint*>& pieces,
+                                         std::vector<unsigned int>& inside, bool checkWeird) {
+    return clipPoints(points, ring, pieces, inside, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::multiPointClipByPolygon(JWMultiPoint* points, JWPolygon* polygon,
+                                            std::vector<JWMultiPoint*>& pieces,
+                                            std::vector<unsigned int>& inside, bool checkWeird) {
+    return clipPoints(points, polygon, pieces, inside, {checkWeird, kTree, kAlone});
+}
+
+int JWGeometryClip::multiPointClipByMultiPolygon(JWMultiPoint* points, JWMultiPolygon* polygons,
+                                                 std::vector<JWMultiPoint*>& pieces,
+                                                 std::vector<unsigned int>& inside,
+                                                 bool checkWeird) {
+    return clipPoints(points, polygons, pieces, inside, {checkWeird, kTree, kAlone});
+}
+
+bool JWGeometryClip::compare(const JWRawPoint& a, const JWRawPoint& b) { return a < b; }
+
+int JWGeometryClip::removeDuplicate(std::vector<JWRawPoint>& points, int count) {
+    const auto end = points.begin() + std::clamp(count, 0, static_cast<int>(points.size()));
+    std::sort(points.begin(), end, compare);
+    return static_cast<int>(std::unique(points.begin(), end) - points.begin());
+}
+
+}  // namespace jws
