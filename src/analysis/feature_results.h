@@ -10,16 +10,9 @@
 
 #include "jw_feature.h"
 #include "jw_report.h"
+#include "layers/feature_like.h"
 
 namespace jws::detail {
-
-/// A feature with the identifier, schema and attributes of `source` and no geometry.
-inline std::unique_ptr<JWFeature> featureLike(JWFeature& source) {
-    auto feature = std::make_unique<JWFeature>(source.getFieldsDefPtr());
-    feature->setFID64(source.getFID64());
-    for (int i = 0; i < source.getFieldCount(); ++i) feature->copyFieldFrom(i, source, i);
-    return feature;
-}
 
 /// Counts a feature as rejected.
 inline void reject(JWLayerReport& report, const JWFeature& feature, std::string reason) {

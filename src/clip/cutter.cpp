@@ -78,6 +78,12 @@ bool Cutter::split(const JWLineString& line, Beginning beginning, const PieceSin
     return isArea() ? splitByArea(span, *edges, beginning, sink) : splitByLines(span, *edges, sink);
 }
 
+bool Cutter::mayReach(const JWEnvelop& box) const {
+    JWEnvelop scaled = box;
+    scaled *= m_edges->scale();
+    return m_edges->mayReach(scaled);
+}
+
 bool Cutter::holds(const JWRawPoint& p) const { return isInArea(p, *m_edges); }
 
 }  // namespace jws::detail

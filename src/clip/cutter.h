@@ -30,6 +30,9 @@ class Cutter {
     /// Tells whether a point is in the area or on its boundary.
     bool holds(const JWRawPoint& p) const;
 
+    /// Tells whether an edge may reach a rectangle.
+    bool mayReach(const JWEnvelop& box) const;
+
   private:
     std::unique_ptr<EdgeIndex> index(int exponent) const;
 

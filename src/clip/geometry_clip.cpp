@@ -16,6 +16,8 @@ namespace {
 
 using Pieces = std::vector<std::unique_ptr<JWGeometry>>;
 
+constexpr const char* kWeird = "a line or ring crosses or touches itself";
+
 bool isWeird(const JWGeometry& geometry) {
     switch (geometry.getGeometryType()) {
         case JWGeometryLineString:
@@ -70,20 +72,19 @@ void moveInto(Pieces& all, MarkedPieces<Geometry>&& pieces) {
 void checkOperand(const JWGeometry& geometry, bool forWeird) {
     if (geometry.isEmpty()) throw ClipRefused("a geometry is empty");
     if (!isFinite(geometry)) throw ClipRefused("a coordinate is not finite");
-    if (forWeird && isWeird(geometry))
-        throw ClipRefused("a line or ring crosses or touches itself");
+    if (forWeird && isWeird(geometry)) throw ClipRefused(kWeird);
 }
 
 void PreparedCutter::check(bool forWeird) {
-    if (!m_isChecked) checkOperand(m_geometry, false);
-    m_isChecked = true;
+    std::call_once(m_checked, [this] { checkOperand(m_geometry, false); });
     if (!forWeird) return;
-    if (m_isWeird == Answer::Unknown) m_isWeird = isWeird(m_geometry) ? Answer::Yes : Answer::No;
-    if (m_isWeird == Answer::Yes) throw ClipRefused("a line or ring crosses or touches itself");
+    std::call_once(m_judged, [this] { m_isWeird = isWeird(m_geometry); });
+    if (m_isWeird) throw ClipRefused(kWeird);
 }
 
 const Cutter& PreparedCutter::edges() {
-    if (!m_edges) m_edges = std::make_unique<const Cutter>(m_geometry, m_search);
+    std::call_once(m_read,
+                   [this] { m_edges = std::make_unique<const Cutter>(m_geometry, m_search); });
     if (m_edges->isEmpty()) throw ClipRefused("the cutter has no edge");
     return *m_edges;
 }
@@ -186,7 +187,7 @@ Pieces clipGeometry(const JWGeometry& target, PreparedCutter& cutter, bool check
             pieces.push_back(std::move(polygon));
         }
     }
-    if (pieces.empty()) throw ClipRefused("the result is empty");
+    if (pieces.empty()) throw EmptyClip();
     return pieces;
 }
 

@@ -6,6 +6,7 @@
 #define JW_CLIP_GEOMETRY_CLIP_H
 
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <vector>
 
@@ -20,6 +21,11 @@ struct ClipRefused : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// The operands are fine, but there is no piece.
+struct EmptyClip : ClipRefused {
+    EmptyClip() : ClipRefused("the result is empty") {}
+};
+
 /// A piece with its marker: 1 inside, 0 outside.
 template <class Geometry>
 struct MarkedPiece {
@@ -29,7 +35,8 @@ struct MarkedPiece {
 template <class Geometry>
 using MarkedPieces = std::vector<MarkedPiece<Geometry>>;
 
-/// A geometry that cuts many others: checked once, its edges read once, when first asked for.
+/// A geometry that cuts many others: checked once, its edges read once, when first asked for. Any
+/// number of threads may use it at once.
 class PreparedCutter {
   public:
     PreparedCutter(const JWGeometry& geometry, EdgeSearch search)
@@ -43,11 +50,10 @@ class PreparedCutter {
     const Cutter& edges();
 
   private:
-    enum class Answer { Unknown, Yes, No };
     const JWGeometry& m_geometry;
     EdgeSearch m_search;
-    bool m_isChecked = false;
-    Answer m_isWeird = Answer::Unknown;
+    std::once_flag m_checked, m_judged, m_read;
+    bool m_isWeird = false;
     std::unique_ptr<const Cutter> m_edges;
 };
 
@@ -66,7 +72,7 @@ using Face = std::vector<JWRing>;
 /// The faces that lines cut a ring, polygon or multipolygon into, the smaller ones first.
 std::vector<Face> cutArea(const JWGeometry& area, const JWGeometry& lines, const Team& team);
 
-/// Does what `JWGeometryClip::geometryClipByGeometry` does. Throws ClipRefused when there is no
+/// Does what `JWGeometryClip::geometryClipByGeometry` does. Throws EmptyClip when there is no
 /// piece.
 std::vector<std::unique_ptr<JWGeometry>> clipGeometry(const JWGeometry& target,
                                                       PreparedCutter& cutter, bool checkWeird,

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+//
+// Parts of geometries inside an area or outside of it. Most geometries of a layer do not meet the
+// outline of what clips them: where no edge reaches a geometry's rectangle, one of its points tells
+// for all of it, and it is handed out as it is or not at all.
+#include "clip/area_clip.h"
+
+#include <utility>
+
+#include "clip/geometry_clip.h"
+#include "foundation/vertex_lists.h"
+#include "jw_cpgeometrybasic.h"
+#include "overlay/area_union.h"
+#include "overlay/geometry_overlay.h"
+
+namespace jws::detail {
+namespace {
+
+JWEnvelop boxAround(const JWGeometry& geometry) {
+    JWEnvelop box = JWEnvelop::invalid();
+    everyVertexList(geometry, [&](const JWRawPoint* points, std::size_t n) {
+        box.inflates_to_contain(boxOf(points, static_cast<int>(n)));
+        return true;
+    });
+    return box;
+}
+
+}  // namespace
+
+AreaClip::AreaClip(const RingViews& rings, std::shared_ptr<const void> owner, Beginning beginning)
+    : m_area(rings, std::move(owner)), m_edges(rings), m_beginning(beginning) {
+    m_area.prepare();
+}
+
+AreaClip AreaClip::ofRectangle(const JWEnvelop& rectangle, Beginning beginning) {
+    const auto corners = std::make_shared<const std::vector<JWRawPoint>>(
+        std::vector<JWRawPoint>{rectangle.bottom_left(), rectangle.bottom_right(),
+                                rectangle.top_right(), rectangle.top_left()});
+    return AreaClip({{corners->data(), static_cast<int>(corners->size()), 0}}, corners, beginning);
+}
+
+std::unique_ptr<JWGeometry> AreaClip::part(const JWGeometry& geometry, ClipSide side) const {
+    const JWEnvelop box = boxAround(geometry);
+    if (!box.isValid()) return nullptr;
+    if (!m_edges.mayReach(box)) {
+        const bool inside = m_edges.holds(box.bottom_left());
+        if (inside != (side == ClipSide::Inside)) return nullptr;
+        if (geometry.getGeometryType() != JWGeometryLineString)
+            return std::unique_ptr<JWGeometry>(geometry.clone());
+    }
+    switch (geometry.getGeometryType()) {
+        case JWGeometryPoint: {
+            const bool inside = m_edges.holds(static_cast<const JWPoint&>(geometry).getRawPoint());
+            if (inside != (side == ClipSide::Inside)) return nullptr;
+            return std::unique_ptr<JWGeometry>(geometry.clone());
+        }
+        case JWGeometryMultiPoint: {
+            auto kept = std::make_unique<JWMultiPoint>();
+            for (const JWPoint& p : static_cast<const JWMultiPoint&>(geometry).getPointList()) {
+                if (m_edges.holds(p.getRawPoint()) == (side == ClipSide::Inside)) kept->addPoint(p);
+            }
+            if (kept->isEmpty()) return nullptr;
+            kept->updateEnvelop();
+            return kept;
+        }
+        case JWGeometryLineString:
+        case JWGeometryMultiLineString:
+            return partOfLines(geometry, side);
+        case JWGeometryPolygon:
+        case JWGeometryMultiPolygon:
+            return partOfArea(geometry, side);
+        case JWGeometryGeometryBag:
+            return partOfBag(static_cast<const JWGeometryCollection&>(geometry), side);
+        default:
+            return nullptr;
+    }
+}
+
+std::unique_ptr<JWGeometry> AreaClip::partOfLines(const JWGeometry& lines, ClipSide side) const {
+    auto kept = std::make_unique<JWMultiLineString>();
+    const auto add = [&](const JWLineString& line) {
+        m_edges.split(line, m_beginning, [&](std::vector<JWRawPoint>& points, bool inside) {
+            if (inside != (side == ClipSide::Inside)) return;
+            kept->addLineString(JWLineString(std::move(points)));
+        });
+    };
+    if (lines.getGeometryType() == JWGeometryLineString) {
+        add(static_cast<const JWLineString&>(lines));
+    } else {
+        for (const JWLineString& line :
+             static_cast<const JWMultiLineString&>(lines).getMemberList())
+            add(line);
+    }
+    if (kept->isEmpty()) return nullptr;
+    kept->updateEnvelop();
+    return kept;
+}
+
+std::unique_ptr<JWGeometry> AreaClip::partOfArea(const JWGeometry& area, ClipSide side) const {
+    const Area target(area);
+    if (side == ClipSide::Inside)
+        return std::move(buildArea(intersectAreas(target, m_area), 0).geometry);
+    RingSet shortened;
+    RingViews near;
+    m_area.appendWithin(target.envelop(), shortened, near);
+    return std::move(buildArea(clipRings(target.rings(), near, JWBooleanDifference), 0).geometry);
+}
+
+std::unique_ptr<JWGeometry> AreaClip::partOfBag(const JWGeometryCollection& bag,
+                                                ClipSide side) const {
+    auto kept = std::make_unique<JWGeometryBag>();
+    for (int i = 0; i < bag.getGeometryCount(); ++i) {
+        if (const auto member = part(*bag.getGeometryPtrAt(i), side))
+            kept->addGeometry(member.get());
+    }
+    if (kept->isEmpty()) return nullptr;
+    kept->updateEnvelop();
+    return kept;
+}
+
+bool isClipRectangle(const JWEnvelop& rectangle) {
+    const JWRawPoint corners[] = {rectangle.bottom_left(), rectangle.top_right()};
+    return rectangle.isValid() && areFinite(corners, 2);
+}
+
+std::unique_ptr<JWGeometry> partInRectangle(const AreaClip& clip, const JWEnvelop& rectangle,
+                                            const JWGeometry& geometry) {
+    if (!isFinite(geometry)) throw ClipRefused("a coordinate is not finite");
+    if (geometry.getGeometryType() != JWGeometryPoint) return clip.part(geometry, ClipSide::Inside);
+    const JWRawPoint p = static_cast<const JWPoint&>(geometry).getRawPoint();
+    if (JWCPGeometryBasic::isPointWithinEnvelop(&p, &rectangle) != 1) return nullptr;
+    return std::unique_ptr<JWGeometry>(geometry.clone());
+}
+
+}  // namespace jws::detail

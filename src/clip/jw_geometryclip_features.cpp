@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: MIT
+//
+// Features and feature classes clipped. Targets are dealt out to the team; what each gives is put
+// into its own slot and becomes features in the order of the targets.
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "clip/area_clip.h"
+#include "clip/geometry_clip.h"
+#include "foundation/api_guard.h"
+#include "foundation/vertex_lists.h"
+#include "jw_cpgeometrybasic.h"
+#include "jw_feature.h"
+#include "jw_geometryclip.h"
+#include "layers/feature_like.h"
+
+namespace jws {
+
+using namespace detail;
+
+namespace {
+
+using Pieces = std::vector<std::unique_ptr<JWGeometry>>;
+
+constexpr int kAlone = 1;
+
+/// The stored envelope where it is valid, otherwise a fresh one.
+JWEnvelop envelopeOf(const JWGeometry& geometry) {
+    const JWEnvelop stored = geometry.getEnvelop();
+    if (stored.isValid()) return stored;
+    JWEnvelop box = JWEnvelop::invalid();
+    everyVertexList(geometry, [&](const JWRawPoint* points, std::size_t n) {
+        for (std::size_t i = 0; i < n; ++i) box.inflates_to_contain(points[i]);
+        return true;
+    });
+    return box;
+}
+
+void addFeatures(const JWFeature& source, Pieces&& pieces, JWFeatureClass& out) {
+    for (std::unique_ptr<JWGeometry>& piece : pieces) {
+        std::unique_ptr<JWFeature> feature = featureLike(source);
+        feature->setGeometryDirectly(piece.release());
+        out.addFeature(feature.release());
+    }
+}
+
+std::string reasonFor(const JWFeature& feature, const char* reason) {
+    return "feature " + std::to_string(feature.getFID64()) + ": " + reason;
+}
+
+/// What each feature of a class gives, in order. `piecesOf(feature)` may throw ClipRefused and
+/// ClipFailure: the features pass with the reason of the last as the last error. Returns 1 when
+/// there is any piece.
+template <class PiecesOf>
+int clipFeatures(const char* function, const JWFeatureClass& in, JWFeatureClass& out, int threads,
+                 const PiecesOf& piecesOf) {
+    const int count = in.getFeatureCount();
+    std::vector<Pieces> pieces(static_cast<std::size_t>(count));
+    std::vector<std::string> reasons(static_cast<std::size_t>(count));
+    {
+        const Team team(threads);
+        constexpr std::int64_t chunk = 8;
+        parallelChunks(team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
+            for (std::int64_t i = begin; i < end; ++i) {
+                const auto slot = static_cast<std::size_t>(i);
+                const JWFeature& feature = *in.getFeatureAt(static_cast<int>(i));
+                if (feature.isGeometryEmpty()) continue;
+                try {
+                    piecesOf(feature, pieces[slot], reasons[slot]);
+                } catch (const std::runtime_error& refusal) {
+                    reasons[slot] = refusal.what();
+                }
+            }
+            return true;
+        });
+    }
+    int answer = 0;
+    bool failed = false;
+    for (int i = 0; i < count; ++i) {
+        const auto slot = static_cast<std::size_t>(i);
+        const JWFeature& feature = *in.getFeatureAt(i);
+        if (!reasons[slot].empty()) {
+            failed = true;
+            JWReport::setError(JWErrorFeatureRejected, reasonFor(feature, reasons[slot].c_str()),
+                               feature.getFID64());
+        }
+        if (pieces[slot].empty()) continue;
+        addFeatures(feature, std::move(pieces[slot]), out);
+        answer = 1;
+    }
+    out.updateEnvelop();
+    return answer == 0 && !failed ? refused(function, "the result is empty") : answer;
+}
+
+int clipClassByClass(JWFeatureClass& targets, JWFeatureClass& cutters, JWFeatureClass& out,
+                     bool checkWeird, bool useRTree, int threads) {
+    constexpr const char* name = "featureClassClipByfeatureClass";
+    if (&out == &targets || &out == &cutters) return refused(name, "the result is an operand");
+    return guarded(name, 0, [&] {
+        out.setGeometryType(targets.getGeometryType());
+        out.setSpatialReference(targets.getSpatialReference());
+        const EdgeSearch search = useRTree ? EdgeSearch::Tree : EdgeSearch::AllEdges;
+        std::vector<std::unique_ptr<PreparedCutter>> prepared;
+        JWSpatialIndex index;
+        index.initRTreeIndex();
+        for (int i = 0; i < cutters.getFeatureCount(); ++i) {
+            const JWFeature& cutter = *cutters.getFeatureAt(i);
+            prepared.emplace_back();
+            if (cutter.isGeometryEmpty()) continue;
+            prepared.back() = std::make_unique<PreparedCutter>(*cutter.getGeometryPtr(), search);
+            index.addRect(envelopeOf(*cutter.getGeometryPtr()),
+                          reinterpret_cast<void*>(static_cast<std::intptr_t>(i) + 1));
+        }
+        return clipFeatures(
+            name, targets, out, threads,
+            [&](const JWFeature& target, Pieces& pieces, std::string& reason) {
+                const Team alone(kAlone);
+                std::vector<void*> found;
+                index.spatialSearch(envelopeOf(*target.getGeometryPtr()), found);
+                for (void* payload : found) {
+                    const auto i =
+                        static_cast<std::size_t>(reinterpret_cast<std::intptr_t>(payload));
+                    try {
+                        Pieces some = clipGeometry(*target.getGeometryPtr(), *prepared[i - 1],
+                                                   checkWeird, alone);
+                        std::move(some.begin(), some.end(), std::back_inserter(pieces));
+                    } catch (const EmptyClip&) {
+                    } catch (const std::runtime_error& refusal) {
+                        reason = refusal.what();
+                    }
+                }
+            });
+    });
+}
+
+int clipFeature(JWFeature* target, JWFeature* cutter, JWFeatureClass& out, bool checkWeird,
+                bool useRTree, int threads) {
+    constexpr const char* name = "featureClipByfeature";
+    if (target == nullptr || cutter == nullptr) return refused(name, "a feature is null");
+    if (target->isGeometryEmpty() || cutter->isGeometryEmpty())
+        return refused(name, "a geometry is empty");
+    return guarded(name, 0, [&] {
+        const JWGeometry &geometry = *target->getGeometryPtr(), &by = *cutter->getGeometryPtr();
+        if (envelopeOf(geometry).isDisjoin(envelopeOf(by)))
+            return refused(name, "the features lie apart");
+        try {
+            const Team team(threads);
+            PreparedCutter prepared(by, useRTree ? EdgeSearch::Tree : EdgeSearch::AllEdges);
+            addFeatures(*target, clipGeometry(geometry, prepared, checkWeird, team), out);
+            return 1;
+        } catch (const ClipRefused& reason) {
+            return refused(name, reason.what());
+        }
+    });
+}
+
+int clipClassByRectangle(JWFeatureClass& in, JWFeatureClass& out, const JWEnvelop& envelope,
+                         int threads) {
+    constexpr const char* name = "featureClassClipByEnvelop";
+    if (&out == &in) return refused(name, "the result is the operand");
+    if (!isClipRectangle(envelope)) return refused(name, "the rectangle is not valid and finite");
+    return guarded(name, 0, [&] {
+        out.setGeometryType(in.getGeometryType());
+        out.setSpatialReference(in.getSpatialReference());
+        const AreaClip clip = AreaClip::ofRectangle(envelope, Beginning::LikeWhatFollows);
+        return clipFeatures(
+            name, in, out, threads, [&](const JWFeature& feature, Pieces& pieces, std::string&) {
+                auto part = partInRectangle(clip, envelope, *feature.getGeometryPtr());
+                if (part) pieces.push_back(std::move(part));
+            });
+    });
+}
+
+}  // namespace
+
+int JWGeometryClip::featureClipByfeature(JWFeature* target, JWFeature* cutter, JWFeatureClass& out,
+                                         bool checkWeird, bool useRTree) {
+    return clipFeature(target, cutter, out, checkWeird, useRTree, kAlone);
+}
+
+int JWGeometryClip::featureClipByfeature_mp(JWFeature* target, JWFeature* cutter,
+                                            JWFeatureClass& out, bool checkWeird, bool useRTree) {
+    return clipFeature(target, cutter, out, checkWeird, useRTree, fixedTeamSize);
+}
+
+int JWGeometryClip::featureClassClipByfeatureClass(JWFeatureClass& targets, JWFeatureClass& cutters,
+                                                   JWFeatureClass& out, bool checkWeird,
+                                                   bool useRTree) {
+    return clipClassByClass(targets, cutters, out, checkWeird, useRTree, kAlone);
+}
+
+int JWGeometryClip::featureClassClipByfeatureClass_mp(JWFeatureClass& targets,
+                                                      JWFeatureClass& cutters, JWFeatureClass& out,
+                                                      bool checkWeird, bool useRTree) {
+    return clipClassByClass(targets, cutters, out, checkWeird, useRTree, fixedTeamSize);
+}
+
+int JWGeometryClip::featureClassClipByEnvelop(JWFeatureClass& in, JWFeatureClass& out,
+                                              JWEnvelop& envelope) {
+    return clipClassByRectangle(in, out, envelope, kAlone);
+}
+
+int JWGeometryClip::featureClassClipByEnvelop_mp(JWFeatureClass& in, JWFeatureClass& out,
+                                                 JWEnvelop& envelope) {
+    return clipClassByRectangle(in, out, envelope, fixedTeamSize);
+}
+
+}  // namespace jws

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+//
+// Layers clipped. The cutters are united first: what lies in two of them is in the result once, and
+// their common borders cut nothing. The union is prepared once and then asked by every worker; the
+// course over the layer is the driver's of all operations on one layer.
+#include <utility>
+
+#include "clip/area_clip.h"
+#include "clip/geometry_clip.h"
+#include "jw_feature.h"
+#include "jw_geometryclip.h"
+#include "layers/feature_like.h"
+#include "layers/layer_checks.h"
+#include "layers/layer_map.h"
+#include "overlay/area_union.h"
+
+namespace jws {
+
+using namespace detail;
+
+namespace {
+
+/// A line may come in several pieces, an area in several parts.
+enumJWWKBGeometryType resultType(enumJWWKBGeometryType input) {
+    switch (input) {
+        case JWWKBLineString:
+            return JWWKBMultiLineString;
+        case JWWKBPolygon:
+            return JWWKBMultiPolygon;
+        default:
+            return input;
+    }
+}
+
+/// The union of the areas of a layer.
+AreaClip uniteCutters(FeatureInput& cutters, JWLayerReport& report) {
+    AreaUnion all(everywhere());
+    for (std::int64_t i = 0;; ++i) {
+        const std::shared_ptr<const JWFeature> feature = cutters.next(i);
+        if (!feature) break;
+        ++report.readB;
+        const GeometryCheck check = checkGeometry(*feature, AreaKind);
+        if (check == GeometryCheck::Empty) ++report.emptyB;
+        const std::string reason = reasonOf(check, *feature, AreaKind);
+        if (!reason.empty()) {
+            report.rejected.push_back(
+                {cutters.source(), cutters.name(), feature->getFID64(), reason});
+        }
+        if (check != GeometryCheck::Usable) continue;
+        report.areaB += areaOf(*feature->getGeometryPtr());
+        all.add(Area(*feature->getGeometryPtr(), feature));
+    }
+    const auto outline = std::make_shared<const ClippedContours>(all.contours());
+    return AreaClip(outline->views(), outline, Beginning::Inside);
+}
+
+/// Clips `in` by what `makeClip(report)` returns.
+template <class MakeClip>
+std::int64_t clipLayer(JWFeatureLayer& in, JWFeatureLayer& out, const JWClipOptions& options,
+                       JWLayerReport& report, const MakeClip& makeClip) {
+    const std::unique_ptr<FeatureInput> features = inputFrom(in);
+    const std::unique_ptr<FeatureOutput> results = outputTo(out);
+    JWLayerReport ofCutters;
+    const AreaClip clip = makeClip(ofCutters);
+    LayerMapJob job(*features, *results);
+    job.outputType = resultType(features->geometryType());
+    job.schema.addFieldsOf(job.input);
+    const ClipSide side = options.outside ? ClipSide::Outside : ClipSide::Inside;
+    job.map = [&](const JWFeature& feature, MapResults& made) {
+        try {
+            if (auto part = clip.part(*feature.getGeometryPtr(), side)) made.add(std::move(part));
+        } catch (const ClipFailure& failure) {
+            made.reject(failure.what());
+        }
+    };
+    const std::int64_t written = runLayerMap(job, {options.blockSize, options.threads}, report);
+    report.readB = ofCutters.readB;
+    report.emptyB = ofCutters.emptyB;
+    report.areaB = ofCutters.areaB;
+    report.rejected.insert(report.rejected.begin(), ofCutters.rejected.begin(),
+                           ofCutters.rejected.end());
+    return written;
+}
+
+/// Gives a layer without fields those of another one.
+bool takeFields(const JWFeatureLayer& from, JWFeatureLayer& to) {
+    if (to.getFieldsDefnPtr()->getFieldCount() > 0) return true;
+    const JWFields& fields = *from.getFieldsDefnPtr();
+    for (int i = 0; i < fields.getFieldCount(); ++i) {
+        if (!to.createField(*fields.getFieldPtr(i))) return false;
+    }
+    to.updateFieldsDefnRef();
+    return true;
+}
+
+/// Writes what of each feature lies in the rectangle. Returns whether there is any; throws
+/// LayerFailure.
+bool writeParts(JWFeatureLayer& in, JWFeatureLayer& out, const JWEnvelop& envelope, int threads) {
+    const AreaClip clip = AreaClip::ofRectangle(envelope, Beginning::LikeWhatFollows);
+    const Team team(threads);
+    bool any = false;
+    constexpr int block = 4096;
+    std::vector<std::shared_ptr<const JWFeature>> features;
+    const std::unique_ptr<FeatureInput> input = inputFrom(in);
+    for (std::int64_t first = 0;; first += block) {
+        input->readBlock(first, block, features);
+        if (features.empty()) return any;
+        std::vector<std::unique_ptr<JWFeature>> parts(features.size());
+        std::vector<std::string> reasons(features.size());
+        const auto count = static_cast<std::int64_t>(features.size());
+        parallelChunks(team, count, 16, [&](std::int64_t begin, std::int64_t end) {
+            for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
+                if (features[i]->isGeometryEmpty()) continue;
+                try {
+                    auto part = partInRectangle(clip, envelope, *features[i]->getGeometryPtr());
+                    if (!part) continue;
+                    parts[i] = featureLike(*features[i]);
+                    parts[i]->setGeometryDirectly(part.release());
+                } catch (const std::runtime_error& refusal) {
+                    reasons[i] = refusal.what();
+                }
+            }
+            return true;
+        });
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            if (!reasons[i].empty()) {
+                JWReport::setError(
+                    JWErrorFeatureRejected,
+                    "feature " + std::to_string(features[i]->getFID64()) + ": " + reasons[i],
+                    features[i]->getFID64());
+            }
+            if (!parts[i]) continue;
+            if (out.createFeature(parts[i].get())) {
+                any = true;
+            } else if (!isRefusal(JWReport::lastError().kind)) {
+                throw LayerFailure();
+            }
+        }
+    }
+}
+
+int clipLayerByRectangle(const JWFeatureLayer* in, JWFeatureLayer* out, const JWEnvelop& envelope,
+                         int threads) {
+    constexpr const char* name = "featureLayerClipByEnvelop";
+    if (in == nullptr || out == nullptr) return refused(name, "a layer is null");
+    if (in == out) return refused(name, "the result is the operand");
+    if (!out->isUpdateMode()) return refused(name, "the result is not open for writing");
+    if (!isClipRectangle(envelope)) return refused(name, "the rectangle is not valid and finite");
+    JWReport::clearError();
+    return guarded(name, 0, [&] {
+        auto& source = const_cast<JWFeatureLayer&>(*in);  // reading moves its cursor
+        if (!takeFields(*in, *out) || !out->beginTransaction()) return 0;
+        bool any = false;
+        try {
+            any = writeParts(source, *out, envelope, threads);
+        } catch (...) {
+            out->rollbackTransaction();
+            throw;
+        }
+        if (!out->commitTransaction()) return 0;
+        if (!any && JWReport::lastError().kind == JWErrorNone)
+            return refused(name, "the result is empty");
+        return any ? 1 : 0;
+    });
+}
+
+}  // namespace
+
+int JWGeometryClip::featureLayerClipByEnvelop(const JWFeatureLayer* in, JWFeatureLayer* out,
+                                              JWEnvelop& envelope) {
+    return clipLayerByRectangle(in, out, envelope, 1);
+}
+
+int JWGeometryClip::featureLayerClipByEnvelop_mp(const JWFeatureLayer* in, JWFeatureLayer* out,
+                                                 JWEnvelop& envelope) {
+    return clipLayerByRectangle(in, out, envelope, fixedTeamSize);
+}
+
+int JWGeometryClip::featureLayerClipByLayer(JWFeatureLayer* in, JWFeatureLayer* cutters,
+                                            JWFeatureLayer* out, const JWClipOptions& options,
+                                            JWLayerReport* report) {
+    return accountedLayers(
+        "featureLayerClipByLayer", in, cutters, out, report, [&](JWLayerReport& account) {
+            return clipLayer(*in, *out, options, account, [&](JWLayerReport& ofCutters) {
+                return uniteCutters(*inputFrom(*cutters), ofCutters);
+            });
+        });
+}
+
+int JWGeometryClip::featureLayerClipByEnvelop(JWFeatureLayer* in, JWFeatureLayer* out,
+                                              const JWEnvelop& envelope,
+                                              const JWClipOptions& options, JWLayerReport* report) {
+    return accountedLayers(
+        "featureLayerClipByEnvelop", in, in, out, report, [&](JWLayerReport& account) {
+            if (!isClipRectangle(envelope)) {
+                JWReport::setError(JWErrorInvalidArgument, "the rectangle is not valid and finite");
+                throw LayerFailure();
+            }
+            return clipLayer(*in, *out, options, account, [&](JWLayerReport&) {
+                return AreaClip::ofRectangle(envelope, Beginning::Inside);
+            });
+        });
+}
+
+}  // namespace jws
