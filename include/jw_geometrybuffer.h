@@ -4,12 +4,16 @@
 #ifndef JW_GEOMETRYBUFFER_H
 #define JW_GEOMETRYBUFFER_H
 
+#include <string>
 #include <vector>
 
 #include "jw_export.h"
 #include "jw_geometry.h"
+#include "jw_report.h"
 
 namespace jws {
+
+class JWFeatureLayer;
 
 /// Which part of the buffered area is handed out. Points and lines have one kind only and do not
 /// look at it.
@@ -20,6 +24,21 @@ enum enumJWBufferType : int {
     /// Of a polygon: what the grown polygon has beyond the polygon, outside and in its holes. Of a
     /// ring: the whole band, both sides of the line.
     JWBufferEdge = 2,
+};
+
+/// What a buffer of a layer can be told.
+struct JWBufferOptions {
+    double distance = 0;  ///< layer units, greater than 0 and finite
+    /// Name of a field that holds each feature's own distance, in the place of `distance`; empty
+    /// for none.
+    std::string distanceField;
+    enumJWBufferType type = JWBufferFace;
+    /// Unites all buffers to one feature without attributes.
+    bool dissolve = false;
+    /// Features held at a time; 0 or less means all in one block.
+    int blockSize = 0;
+    /// Threads of the team; 0 or less means one per core. The result is the same for any number.
+    int threads = 1;
 };
 
 /// Buffers of geometries. All members are static, the class holds no state, and every function may
@@ -132,6 +151,20 @@ class JW_API JWGeometryBuffer {
     /// \return 1, or 0 for a null `result`, no ring or a failure
     static int polygonizeRing(std::vector<JWRing*>& rings, std::vector<int>& flags,
                               JWGeometry** result);
+
+    /// Buffers each feature of a layer; an addition to the fixed names. Buffers are polygons and
+    /// multipolygons with the attributes of their features, in the order of the layer, or united to
+    /// one feature. `out` must have no fields.
+    ///
+    /// A distance that is not greater than 0 and finite is an error; where it comes from a field it
+    /// has the feature rejected, and so do a missing one, a bag, a coordinate that is not finite
+    /// and a buffer that is empty. Features without a geometry are passed over. `report` accounts
+    /// for every feature and may be null. Buffers that are united are all held in memory.
+    /// \return the number of features written, or −1 a layer or the field is missing, the options
+    ///     make no sense, a layer cannot be read to its end or written, or the run was stopped; −3
+    ///     the output has fields already; the last error says which
+    static int bufferLayer(JWFeatureLayer* in, JWFeatureLayer* out, const JWBufferOptions& options,
+                           JWLayerReport* report);
 
     /// \name Compatibility names
     /// @{

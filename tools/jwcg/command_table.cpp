@@ -34,11 +34,12 @@ std::vector<std::string> split(const std::string& text) {
 
 const std::vector<Command>& commandTable() {
     static const std::vector<Command> table = {
-        intersectCommand(), unionCommand(),         mergeCommand(),    eraseCommand(),
-        identityCommand(),  symdiffCommand(),       updateCommand(),   spatialJoinCommand(),
-        selfUnionCommand(), selfIntersectCommand(), dissolveCommand(), hullCommand(),
-        minCircleCommand(), minRectCommand(),       envelopeCommand(), simplifyCommand(),
-        smoothCommand(),    transformCommand(),     relateCommand(),   infoCommand(),
+        intersectCommand(), unionCommand(),         mergeCommand(),     eraseCommand(),
+        identityCommand(),  symdiffCommand(),       updateCommand(),    spatialJoinCommand(),
+        selfUnionCommand(), selfIntersectCommand(), dissolveCommand(),  clipCommand(),
+        bufferCommand(),    hullCommand(),          minCircleCommand(), minRectCommand(),
+        envelopeCommand(),  simplifyCommand(),      smoothCommand(),    transformCommand(),
+        relateCommand(),    infoCommand(),
     };
     return table;
 }

@@ -51,6 +51,13 @@ struct Settings {
     std::map<std::string, double> parameters;  ///< those given, by the name of the option
     bool coverage = false;
     double snap = 0;
+    // Clips and buffers.
+    std::vector<double> clipBox;  ///< empty, or as `bbox`
+    bool outside = false;
+    std::vector<double> distance;  ///< empty, or the one
+    std::string distanceField;
+    bool edge = false;
+    bool dissolve = false;
     // Transformation.
     std::vector<TransformStep> steps;
     std::vector<double> origin;  ///< empty for the centre of the layer

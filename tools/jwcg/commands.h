@@ -23,6 +23,12 @@ Command selfIntersectCommand();
 // dissolve_command.cpp
 Command dissolveCommand();
 
+// clip_command.cpp
+Command clipCommand();
+
+// buffer_command.cpp
+Command bufferCommand();
+
 // bounding_commands.cpp
 Command hullCommand();
 Command minCircleCommand();

@@ -42,7 +42,9 @@ Json withSharedParameters(const Settings& settings, const Json& own, bool takesO
     parameters["threads"] = settings.threads;
     parameters["where"] = textOrNull(settings.where);
     if (takesOverlay) parameters["overlay_where"] = textOrNull(settings.overlayWhere);
-    parameters["bbox"] = settings.bbox.empty() ? Json(nullptr) : Json(settings.bbox);
+    if (!parameters.contains("bbox")) {
+        parameters["bbox"] = settings.bbox.empty() ? Json(nullptr) : Json(settings.bbox);
+    }
     return parameters;
 }
 
@@ -251,11 +253,18 @@ void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay, bool 
     } else {
         addFile(app, "OUTPUT", settings.output, "File that receives the result");
     }
+    addFileOptions(app, settings, takesOverlay ? "OVERLAY" : nullptr);
+    addRectangle(app, "--bbox", settings.bbox,
+                 "Take the features of INPUT that meet a rectangle, in its coordinates");
+    addOutputOptions(app, settings);
+}
+
+void addFileOptions(CLI::App& app, Settings& settings, const char* overlay) {
     addText(app, "--input-layer", settings.inputLayer, "NAME",
             "Layer of INPUT; default: the only one, or the first with geometries");
-    if (takesOverlay) {
+    if (overlay != nullptr) {
         addText(app, "--overlay-layer", settings.overlayLayer, "NAME",
-                "Layer of OVERLAY; likewise");
+                std::string("Layer of ") + overlay + "; likewise");
     }
     addText(app, "--output-layer", settings.outputLayer, "NAME",
             "Layer of OUTPUT; default: the name of the file");
@@ -264,12 +273,13 @@ void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay, bool 
     addText(app, "--where", settings.where, "SQL",
             "Take the features of INPUT that satisfy a condition, such as \"pop > 1000\"; fid is "
             "the identifier");
-    if (takesOverlay) {
+    if (overlay != nullptr) {
         addText(app, "--overlay-where", settings.overlayWhere, "SQL",
-                "Take the features of OVERLAY that satisfy a condition");
+                std::string("Take the features of ") + overlay + " that satisfy a condition");
     }
-    addRectangle(app, "--bbox", settings.bbox,
-                 "Take the features of INPUT that meet a rectangle, in its coordinates");
+}
+
+void addOutputOptions(CLI::App& app, Settings& settings) {
     app.add_flag("--overwrite", settings.overwrite, "Replace OUTPUT, once the result is complete");
     app.add_flag("--append", settings.append,
                  "Add a layer to OUTPUT, if it exists; with --overwrite a layer of that name is "

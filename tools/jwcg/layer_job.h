@@ -63,6 +63,11 @@ RunSummary runReadJob(const Settings& settings, const ReadJob& job);
 /// output that `mayBeMissing` is not asked for.
 void addLayerOptions(CLI::App& app, Settings& settings, bool takesOverlay,
                      bool mayBeMissing = false);
+/// Of these, those that choose layers, features of INPUT and of the file called `overlay` (null for
+/// none), and the format.
+void addFileOptions(CLI::App& app, Settings& settings, const char* overlay);
+/// Of these, --overwrite and --append.
+void addOutputOptions(CLI::App& app, Settings& settings);
 /// Declares --block-size and --threads.
 void addThreadOptions(CLI::App& app, Settings& settings);
 /// These, and --tolerance and --area-field before them.

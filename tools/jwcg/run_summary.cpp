@@ -105,7 +105,7 @@ std::string asText(const RunSummary& summary) {
         out << "area     " << formatted("%.10g", report.area) << ' ' << summary.areaUnit << "\n";
     }
     out << accountText(summary) << summary.notes;
-    if (summary.overlay) {
+    if (summary.overlay && summary.account == AccountOfAreas) {
         out << "pairs    " << grouped(report.pairs) << " with envelopes that meet\n";
     }
     if (!report.rejected.empty()) {

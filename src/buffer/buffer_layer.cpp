@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+//
+// Buffers of a layer, each a feature, or united to one.
+//
+// Features are dealt out to the team; where there are fewer of them than threads, each is buffered
+// by the whole team instead. To unite them the outlines of all buffers are kept in memory and
+// united neighbours first, which is the union that buffers of many parts go through anyway; they
+// are gathered in the order of the layer, so that the result depends on nothing else.
+#include <cmath>
+#include <utility>
+
+#include "buffer/geometry_buffer.h"
+#include "jw_feature.h"
+#include "jw_geometrybuffer.h"
+#include "layers/block_filter.h"
+#include "layers/layer_checks.h"
+#include "layers/layer_map.h"
+
+namespace jws {
+
+using namespace detail;
+
+namespace {
+
+constexpr unsigned kKinds = PointKind | LineKind | AreaKind;
+
+/// A feature cannot be buffered; the text says why.
+struct NoBuffer : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+[[noreturn]] void refuse(const std::string& text) {
+    JWReport::setError(JWErrorInvalidArgument, "bufferLayer: " + text);
+    throw LayerFailure();
+}
+
+/// What the options come to for a layer.
+class LayerBuffer {
+  public:
+    LayerBuffer(const JWBufferOptions& options, FeatureInput& input)
+        : m_distance(options.distance), m_type(options.type), m_fieldName(options.distanceField) {
+        if (m_type != JWBufferFace && m_type != JWBufferEdge) refuse("there is no such type");
+        if (m_fieldName.empty()) {
+            if (!isUsable(m_distance)) refuse("the distance is not greater than 0 and finite");
+            return;
+        }
+        m_field = input.fields() ? input.fields()->getFieldIndex(m_fieldName.c_str()) : -1;
+        if (m_field < 0) refuse("the input has no field '" + m_fieldName + "'");
+    }
+
+    /// Throws NoBuffer and ClipFailure.
+    FlaggedRings make(const JWFeature& feature, const Team& team) const {
+        try {
+            FlaggedRings rings = bufferGeometry(*feature.getGeometryPtr(), m_type,
+                                                {distanceOf(feature), kPlainArcs, team});
+            if (rings.empty()) throw NoBuffer("the buffer is empty");
+            return rings;
+        } catch (const BadBuffer& bad) {
+            throw NoBuffer(bad.what());
+        }
+    }
+
+  private:
+    static bool isUsable(double distance) { return distance > 0 && std::isfinite(distance); }
+
+    double distanceOf(const JWFeature& feature) const {
+        if (m_field < 0) return m_distance;
+        double distance = 0;
+        if (!feature.getFieldAsDouble(m_field, distance))
+            throw NoBuffer("there is no distance in field '" + m_fieldName + "'");
+        if (!isUsable(distance))
+            throw NoBuffer("the distance in field '" + m_fieldName +
+                           "' is not greater than 0 and finite");
+        return distance;
+    }
+
+    double m_distance;
+    enumJWBufferType m_type;
+    std::string m_fieldName;
+    int m_field = -1;
+};
+
+std::int64_t bufferEach(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferOptions& options,
+                        JWLayerReport& report) {
+    const std::unique_ptr<FeatureInput> input = inputFrom(in);
+    const std::unique_ptr<FeatureOutput> output = outputTo(out);
+    const LayerBuffer buffer(options, *input);
+    const bool isFew = input->count() < teamSize(options.threads);
+    LayerMapJob job(*input, *output);
+    job.kinds = kKinds;
+    job.outputType = JWWKBMultiPolygon;
+    job.schema.addFieldsOf(*input);
+    job.map = [&](const JWFeature& feature, MapResults& results) {
+        try {
+            const Team team(isFew ? options.threads : 1);
+            results.add(polygonize(buffer.make(feature, team)));
+        } catch (const std::runtime_error& refusal) {
+            results.reject(refusal.what());
+        }
+    };
+    return runLayerMap(job, {options.blockSize, isFew ? 1 : options.threads}, report);
+}
+
+/// The buffers of all features, in the order of the layer.
+class BufferGathering {
+  public:
+    BufferGathering(const LayerBuffer& buffer, FeatureInput& input, const JWBufferOptions& options,
+                    JWLayerReport& report)
+        : m_buffer(buffer),
+          m_input(input),
+          m_team(options.threads),
+          m_report(report),
+          m_total(input.count()),
+          m_blocks(m_total, options.blockSize) {}
+
+    std::vector<FlaggedRings> gather() {
+        for (std::int64_t block = 0; block < m_blocks.number(); ++block) {
+            m_input.readBlock(m_blocks.first(block) - 1, m_blocks.size(), m_features);
+            bufferBlock();
+            if (JWReport::progress(m_report.readA, m_total)) continue;
+            m_report.cancelled = true;
+            JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
+            throw LayerFailure();
+        }
+        return std::move(m_buffers);
+    }
+    const Team& team() const { return m_team; }
+
+  private:
+    void bufferBlock() {
+        std::vector<FlaggedRings> made(m_features.size());
+        std::vector<std::string> reasons(m_features.size());
+        parallelChunks(m_team, static_cast<std::int64_t>(m_features.size()), 16,
+                       [&](std::int64_t begin, std::int64_t end) {
+                           const Team alone(1);
+                           for (auto i = static_cast<std::size_t>(begin);
+                                i < static_cast<std::size_t>(end); ++i)
+                               bufferOne(*m_features[i], alone, made[i], reasons[i]);
+                           return true;
+                       });
+        for (std::size_t i = 0; i < made.size(); ++i) {
+            const JWFeature& feature = *m_features[i];
+            ++m_report.readA;
+            if (feature.isGeometryEmpty()) ++m_report.emptyA;
+            if (!reasons[i].empty()) {
+                m_report.rejected.push_back(
+                    {m_input.source(), m_input.name(), feature.getFID64(), reasons[i]});
+            }
+            if (!made[i].empty()) m_buffers.push_back(std::move(made[i]));
+        }
+    }
+
+    void bufferOne(const JWFeature& feature, const Team& alone, FlaggedRings& made,
+                   std::string& reason) const {
+        const GeometryCheck check = checkGeometry(feature, kKinds);
+        reason = reasonOf(check, feature, kKinds);
+        if (check != GeometryCheck::Usable) return;
+        try {
+            made = m_buffer.make(feature, alone);
+        } catch (const std::runtime_error& refusal) {
+            reason = refusal.what();
+        }
+    }
+
+    const LayerBuffer& m_buffer;
+    FeatureInput& m_input;
+    Team m_team;
+    JWLayerReport& m_report;
+    std::int64_t m_total;
+    Blocks m_blocks;
+    std::vector<std::shared_ptr<const JWFeature>> m_features;
+    std::vector<FlaggedRings> m_buffers;
+};
+
+std::int64_t bufferAll(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferOptions& options,
+                       JWLayerReport& report) {
+    const std::unique_ptr<FeatureInput> input = inputFrom(in);
+    const std::unique_ptr<FeatureOutput> output = outputTo(out);
+    const LayerBuffer buffer(options, *input);
+    BufferGathering gathering(buffer, *input, options, report);
+    std::vector<FlaggedRings> buffers = gathering.gather();
+    ResultSchema schema;
+    output->setGeometryType(JWWKBMultiPolygon);
+    schema.create(*output);
+    if (buffers.empty()) return 0;
+    PendingResult result;
+    std::unique_ptr<JWGeometry> united =
+        polygonize(uniteGroups(std::move(buffers), gathering.team()));
+    result.area = areaOf(*united);
+    result.feature = schema.makeFeature(std::move(united), {nullptr}, result.lostField);
+    output->begin();
+    try {
+        writeResult(*output, result, *input, -1, report);
+        output->commit();
+    } catch (...) {
+        output->rollback();
+        report.written = 0;
+        throw;
+    }
+    return report.written;
+}
+
+}  // namespace
+
+int JWGeometryBuffer::bufferLayer(JWFeatureLayer* in, JWFeatureLayer* out,
+                                  const JWBufferOptions& options, JWLayerReport* report) {
+    return accountedLayers("bufferLayer", in, in, out, report, [&](JWLayerReport& account) {
+        return options.dissolve ? bufferAll(*in, *out, options, account)
+                                : bufferEach(*in, *out, options, account);
+    });
+}
+
+}  // namespace jws

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+//
+// `jwcg buffer`: the area within a distance of each feature, or of all together.
+#include <CLI/CLI.hpp>
+
+#include "commands.h"
+#include "jw_geometrybuffer.h"
+#include "layer_job.h"
+
+namespace jws::cli {
+namespace {
+
+void setupBuffer(CLI::App& app, Settings& settings) {
+    addLayerOptions(app, settings, false);
+    addNumbers(app, "--distance", {1}, "NUMBER",
+               "Distance in layer units (degrees for longitude and latitude), above 0",
+               [&settings](const std::vector<double>& numbers) { settings.distance = numbers; });
+    addText(app, "--distance-field", settings.distanceField, "NAME",
+            "Field with the distance of each feature, in the place of --distance");
+    app.add_flag("--edge", settings.edge, "Leave the polygons themselves out of their buffers");
+    app.add_flag("--dissolve", settings.dissolve,
+                 "Unite all buffers to one feature, without attributes");
+    addThreadOptions(app, settings);
+}
+
+int runBuffer(const Settings& settings) {
+    if (settings.distance.empty() == settings.distanceField.empty()) {
+        throw CommandFailure(ExitUsage,
+                             "buffer: --distance or --distance-field is needed, not both");
+    }
+    JWBufferOptions options;
+    if (!settings.distance.empty()) options.distance = settings.distance.front();
+    if (settings.distanceField.empty() && !(options.distance > 0)) {
+        throw CommandFailure(ExitUsage, "buffer: the distance must be greater than 0");
+    }
+    options.distanceField = settings.distanceField;
+    options.type = settings.edge ? JWBufferEdge : JWBufferFace;
+    options.dissolve = settings.dissolve;
+    options.blockSize = settings.blockSize;
+    options.threads = settings.threads;
+    const auto prepare = [&](InputLayer& input) {
+        requireGeometries(input);
+        const JWFields& fields = *input.layer().getFieldsDefnPtr();
+        if (!options.distanceField.empty() &&
+            fields.getFieldIndex(options.distanceField.c_str()) < 0) {
+            throw CommandFailure(ExitUsage, input.path() + ": layer " + input.layerName() +
+                                                " has no field '" + options.distanceField + "'");
+        }
+        return JWWKBMultiPolygon;
+    };
+    const auto buffer = [&](const JobLayers& layers, JWLayerReport& report) {
+        return JWGeometryBuffer::bufferLayer(&layers.input.layer(), &layers.output, options,
+                                             &report);
+    };
+    Json parameters = {
+        {"distance", settings.distance.empty() ? Json(nullptr) : Json(options.distance)},
+        {"distance_field",
+         settings.distanceField.empty() ? Json(nullptr) : Json(settings.distanceField)},
+        {"edge", settings.edge},
+        {"dissolve", settings.dissolve}};
+    return runLayerJob(settings, {"buffer", "buffering", false, std::move(parameters), prepare,
+                                  buffer, AccountOfNothing});
+}
+
+}  // namespace
+
+Command bufferCommand() {
+    return {"buffer",
+            "draw the area within a distance of each feature, or of all together",
+            "Writes the area within --distance of each point, line or polygon, with its "
+            "attributes. Arcs have a corner every 10 degrees around points and every 15 degrees at "
+            "lines. Distances of 0 or less give no buffer; features for which --distance-field "
+            "has one are listed and make the exit status 4.",
+            "jwcg buffer rivers.gpkg banks.gpkg --distance 50 --dissolve",
+            setupBuffer,
+            runBuffer};
+}
+
+}  // namespace jws::cli

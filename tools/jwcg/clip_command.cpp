@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+//
+// `jwcg clip`: by the areas of another layer, or by a rectangle.
+#include <CLI/CLI.hpp>
+
+#include "commands.h"
+#include "jw_geometryclip.h"
+#include "layer_job.h"
+
+namespace jws::cli {
+namespace {
+
+void setupClip(CLI::App& app, Settings& settings) {
+    addFile(app, "INPUT", settings.input, "File with the input layer");
+    app.add_option("CUTTER", settings.overlay, "File with the areas to clip by; none with --bbox")
+        ->type_name("")
+        ->required();
+    app.add_option("OUTPUT", settings.output, "File that receives the result")->type_name("");
+    addFileOptions(app, settings, "CUTTER");
+    addRectangle(app, "--bbox", settings.clipBox,
+                 "Clip by a rectangle, in the coordinates of INPUT, in the place of CUTTER");
+    app.add_flag("--outside", settings.outside, "Keep what lies outside instead");
+    addOutputOptions(app, settings);
+    addThreadOptions(app, settings);
+}
+
+/// With --bbox the second file is the output.
+Settings withFilesInPlace(const Settings& given) {
+    Settings settings = given;
+    const bool byBox = !given.clipBox.empty();
+    if (byBox != given.output.empty()) {
+        throw CommandFailure(ExitUsage, byBox ? "clip: with --bbox there is no CUTTER"
+                                              : "clip: CUTTER or --bbox is needed");
+    }
+    if (!byBox) return settings;
+    if (!given.overlayLayer.empty() || !given.overlayWhere.empty()) {
+        throw CommandFailure(ExitUsage, "clip: with --bbox there is no CUTTER to choose from");
+    }
+    settings.output.swap(settings.overlay);
+    return settings;
+}
+
+enumJWWKBGeometryType resultType(InputLayer& input) {
+    switch (requireGeometries(input)) {
+        case JWWKBLineString:
+        case JWWKBMultiLineString:
+            return JWWKBMultiLineString;
+        case JWWKBPolygon:
+        case JWWKBMultiPolygon:
+            return JWWKBMultiPolygon;
+        default:
+            return input.widestType();
+    }
+}
+
+int runClip(const Settings& given) {
+    const Settings settings = withFilesInPlace(given);
+    JWClipOptions options;
+    options.outside = settings.outside;
+    options.blockSize = settings.blockSize;
+    options.threads = settings.threads;
+    const std::vector<double>& box = settings.clipBox;
+    const auto clip = [&](const JobLayers& layers, JWLayerReport& report) {
+        JWFeatureLayer* input = &layers.input.layer();
+        if (layers.overlay != nullptr) {
+            return JWGeometryClip::featureLayerClipByLayer(input, &layers.overlay->layer(),
+                                                           &layers.output, options, &report);
+        }
+        return JWGeometryClip::featureLayerClipByEnvelop(
+            input, &layers.output, JWEnvelop(box[0], box[1], box[2], box[3]), options, &report);
+    };
+    return runLayerJob(settings, {"clip",
+                                  "clipping",
+                                  box.empty(),
+                                  {{"bbox", box.empty() ? Json(nullptr) : Json(box)},
+                                   {"outside", settings.outside}},
+                                  resultType,
+                                  clip,
+                                  AccountOfNothing});
+}
+
+}  // namespace
+
+Command clipCommand() {
+    return {"clip",
+            "keep what lies inside the areas of another layer, or in a rectangle",
+            "Writes what of each point, line or polygon of INPUT lies in the areas of CUTTER, "
+            "whatever they are in one or several of them, with its attributes; borders that two "
+            "areas share cut nothing, and what lies on the boundary is inside. With --bbox a "
+            "rectangle takes the place of CUTTER: jwcg clip INPUT OUTPUT --bbox X1,Y1,X2,Y2. Lines "
+            "in several pieces become multi-lines.",
+            "jwcg clip roads.gpkg state.gpkg state_roads.gpkg",
+            setupClip,
+            runClip};
+}
+
+}  // namespace jws::cli
