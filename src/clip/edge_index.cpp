@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "clip/edge_index.h"
 
-#include "boolean/hilbert_order.h"
+#include "foundation/hilbert_order.h"
 
 namespace jws::detail {
 namespace {
