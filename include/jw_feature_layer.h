@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "jw_codes.h"
 #include "jw_export.h"
@@ -28,6 +29,14 @@ class JWSpatialIndex;
 class JWSpatialReference;
 /// A feature in the form that a layer stores it in; see `JWFeatureLayer::prepareFeature`.
 struct JWFeatureRecord;
+/// A feature in the form that a layer read it in; see `JWFeatureLayer::readAhead`.
+struct JWSourceRecord;
+
+/// A feature that was read and perhaps not decoded yet: one of the two is null.
+struct JWReadFeature {
+    std::shared_ptr<const JWFeature> feature;
+    std::shared_ptr<JWSourceRecord> record;
+};
 
 /// Base of all layers: a name and a kind.
 class JW_API JWLayer {
@@ -125,6 +134,24 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// Visits the features from position `first` on without copying: fills `feature` with the next
     /// one, entered into the cache, false at the end or on failure (last error set then).
     bool getNextSharedFeature(std::int64_t position, std::shared_ptr<const JWFeature>& feature);
+
+    /// Appends the features at positions `first` to `first + count - 1`, fewer at the end, to
+    /// `features`: those that the cache holds, others as records. Decoding these with
+    /// `decodeFeature` is left to the caller, who may have many threads for it; with `decode` it is
+    /// done here. Consecutive calls continue one cursor. Returns false with the last error set when
+    /// reading failed; what was read before stays in `features`.
+    bool readAhead(std::int64_t first, std::int64_t count, bool decode,
+                   std::vector<JWReadFeature>& features);
+    /// Reads the feature at `position` alone in the same way. Returns false with the last error set
+    /// when there is none or it cannot be read.
+    bool readFeature(std::int64_t position, JWReadFeature& feature);
+    /// Decodes a feature that was read as a record. Any number of threads may do this, each with
+    /// features of its own, and while another one reads. Returns false with the last error set when
+    /// its geometry is of no known kind.
+    bool decodeFeature(JWReadFeature& feature) const;
+    /// Enters a decoded feature into the cache, unless it holds that position already. Returns
+    /// false when the cache had no room for it, or let others go.
+    bool keepFeature(std::int64_t position, std::shared_ptr<const JWFeature> feature);
 
     /// Reads the features that satisfy a condition (a WHERE clause in the source's own dialect)
     /// into `out`, which is cleared first unless `append`. "fid" names the identifier in every

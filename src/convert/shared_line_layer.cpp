@@ -11,6 +11,7 @@
 #include "foundation/parallel.h"
 #include "layers/block_filter.h"
 #include "layers/layer_checks.h"
+#include "layers/ordered_writer.h"
 
 namespace jws::detail {
 namespace {

@@ -31,14 +31,17 @@ class FeatureCache {
         return found->second->feature;
     }
 
-    /// Adds a feature that is not held yet.
-    void add(std::int64_t position, std::shared_ptr<const JWFeature> feature) {
+    /// Adds a feature that is not held yet. Returns false when there was no room, for it or for one
+    /// that had to go.
+    bool add(std::int64_t position, std::shared_ptr<const JWFeature> feature) {
         const std::size_t bytes = feature->memorySize() + overhead;
-        if (bytes > m_limit) return;
+        if (bytes > m_limit) return false;
+        const bool fits = m_bytes + bytes <= m_limit;
         m_entries.push_front({position, bytes, std::move(feature)});
         m_places[position] = m_entries.begin();
         m_bytes += bytes;
         shrink();
+        return fits;
     }
 
     void clear() {

@@ -59,6 +59,8 @@ struct JWFeatureLayer::Impl {
     void refreshFields();
     /// Drops what was kept of features when the layer was written to.
     void noticeChanges();
+    /// Reads the feature at `position` alone; false with the last error set when there is none.
+    bool readAt(std::int64_t position, OGRFeatureUniquePtr& feature, detail::GdalErrors& errors);
     /// Decodes a feature; null with the last error set when its geometry is of no known kind.
     std::unique_ptr<JWFeature> decode(OGRFeature& feature) const;
     bool createField(const JWField& field);
@@ -102,6 +104,11 @@ struct JWFeatureRecord {
 
     OGRFeature feature;
     OGRwkbGeometryType declaredType;  ///< of the layer at the time
+};
+
+/// A feature as the driver handed it out.
+struct JWSourceRecord {
+    OGRFeatureUniquePtr feature;
 };
 
 }  // namespace jws

@@ -23,6 +23,17 @@ std::unique_ptr<JWFeature> JWFeatureLayer::Impl::decode(OGRFeature& feature) con
     return decoded;
 }
 
+bool JWFeatureLayer::Impl::readAt(std::int64_t position, OGRFeatureUniquePtr& feature,
+                                  GdalErrors& errors) {
+    if (!requireReadable()) return false;
+    const Outcome outcome = reader.readAt(position, feature, errors);
+    if (outcome == Outcome::End) {
+        JWReport::setError(JWErrorInvalidArgument, title() + ": there is no feature at position " +
+                                                       std::to_string(position));
+    }
+    return outcome == Outcome::Read;
+}
+
 void JWFeatureLayer::Impl::prepare(JWFeatureClass& out) const {
     out.clearAll();
     out.setGeometryType(geometryType());
@@ -55,18 +66,10 @@ JWFeature* JWFeatureLayer::getFeature(int i) {
     Impl& impl = *m_impl;
     return impl.run("getFeature", static_cast<JWFeature*>(nullptr), [&]() -> JWFeature* {
         impl.noticeChanges();
-        if (!impl.requireReadable()) return nullptr;
         if (const auto cached = impl.cache.find(i)) return cached->clone();
         GdalErrors errors;
         OGRFeatureUniquePtr feature;
-        const Outcome outcome = impl.reader.readAt(i, feature, errors);
-        if (outcome == Outcome::Read) return impl.decode(*feature).release();
-        if (outcome == Outcome::End) {
-            JWReport::setError(
-                JWErrorInvalidArgument,
-                impl.title() + ": there is no feature at position " + std::to_string(i));
-        }
-        return nullptr;
+        return impl.readAt(i, feature, errors) ? impl.decode(*feature).release() : nullptr;
     });
 }
 
@@ -76,15 +79,10 @@ JWGeometry* JWFeatureLayer::getGeometry(int i) {
 }
 
 std::shared_ptr<const JWFeature> JWFeatureLayer::getSharedFeature(int i) {
-    Impl& impl = *m_impl;
-    using Shared = std::shared_ptr<const JWFeature>;
-    impl.noticeChanges();
-    if (Shared cached = impl.cache.find(i)) return cached;
-    return impl.run("getSharedFeature", Shared(), [&] {
-        Shared feature(getFeature(i));
-        if (feature) impl.cache.add(i, feature);
-        return feature;
-    });
+    JWReadFeature read;
+    if (!readFeature(i, read)) return nullptr;
+    if (read.record && decodeFeature(read)) keepFeature(i, read.feature);
+    return read.feature;
 }
 
 void JWFeatureLayer::setCacheLimit(std::size_t bytes) { m_impl->cache.setLimit(bytes); }
@@ -120,18 +118,72 @@ int JWFeatureLayer::getFeaturesByPosition(std::int64_t first, std::int64_t count
 
 bool JWFeatureLayer::getNextSharedFeature(std::int64_t position,
                                           std::shared_ptr<const JWFeature>& feature) {
+    std::vector<JWReadFeature> read;
+    feature.reset();
+    if (!readAhead(position, 1, true, read) || read.empty()) return false;
+    feature = std::move(read.front().feature);
+    keepFeature(position, feature);
+    return true;
+}
+
+bool JWFeatureLayer::readAhead(std::int64_t first, std::int64_t count, bool decode,
+                               std::vector<JWReadFeature>& features) {
     Impl& impl = *m_impl;
-    impl.noticeChanges();
-    feature = impl.cache.find(position);
-    if (feature) return true;
-    return impl.run("getNextSharedFeature", false, [&] {
+    return impl.run("readAhead", false, [&] {
+        impl.noticeChanges();
         if (!impl.requireReadable()) return false;
         GdalErrors errors;
+        for (std::int64_t position = first; position < first + count; ++position) {
+            JWReadFeature read{impl.cache.find(position), nullptr};
+            if (!read.feature) {
+                OGRFeatureUniquePtr source;
+                const Outcome outcome = impl.reader.readNext(position, source, errors);
+                if (outcome != Outcome::Read) return outcome == Outcome::End;
+                if (decode) {
+                    read.feature = impl.decode(*source);
+                    if (!read.feature) return false;
+                } else {
+                    read.record = std::make_shared<JWSourceRecord>();
+                    read.record->feature = std::move(source);
+                }
+            }
+            features.push_back(std::move(read));
+        }
+        return true;
+    });
+}
+
+bool JWFeatureLayer::readFeature(std::int64_t position, JWReadFeature& feature) {
+    Impl& impl = *m_impl;
+    impl.noticeChanges();
+    feature = {impl.cache.find(position), nullptr};
+    if (feature.feature) return true;
+    return impl.run("readFeature", false, [&] {
+        GdalErrors errors;
         OGRFeatureUniquePtr source;
-        if (impl.reader.readNext(position, source, errors) != Outcome::Read) return false;
-        feature = impl.decode(*source);
-        if (feature) impl.cache.add(position, feature);
-        return feature != nullptr;
+        if (!impl.readAt(position, source, errors)) return false;
+        feature.record = std::make_shared<JWSourceRecord>();
+        feature.record->feature = std::move(source);
+        return true;
+    });
+}
+
+bool JWFeatureLayer::decodeFeature(JWReadFeature& feature) const {
+    const Impl& impl = *m_impl;
+    return detail::guarded("decodeFeature", false, [&] {
+        if (!feature.record) return feature.feature != nullptr;
+        const GdalErrors errors;
+        feature.feature = impl.decode(*feature.record->feature);
+        feature.record.reset();
+        return feature.feature != nullptr;
+    });
+}
+
+bool JWFeatureLayer::keepFeature(std::int64_t position, std::shared_ptr<const JWFeature> feature) {
+    Impl& impl = *m_impl;
+    return detail::guarded("keepFeature", false, [&] {
+        if (!feature) return false;
+        return impl.cache.find(position) != nullptr || impl.cache.add(position, std::move(feature));
     });
 }
 

@@ -183,7 +183,7 @@ std::shared_ptr<JWFeatureRecord> JWFeatureLayer::prepareFeature(const JWFeature&
             if (declared == wkbNone) return none;
             std::unique_ptr<OGRGeometry> made = impl.geometryFor(declared, *geometry);
             if (!made) return none;
-            made->assignSpatialReference(impl.layer.GetSpatialRef());
+            if (!impl.source->isMemory()) made->assignSpatialReference(impl.layer.GetSpatialRef());
             record->feature.SetGeometryDirectly(made.release());
         }
         return detail::valuesToOgr(feature, record->feature).empty() ? record : none;
@@ -210,7 +210,7 @@ bool JWFeatureLayer::Impl::createFeature(const JWFeature& feature, bool keepFID,
             std::string why;
             std::unique_ptr<OGRGeometry> storable = storableGeometry(*geometry, why);
             if (!storable) return refuse(JWErrorWrongGeometryType, why);
-            storable->assignSpatialReference(layer.GetSpatialRef());
+            if (!source->isMemory()) storable->assignSpatialReference(layer.GetSpatialRef());
             made->SetGeometryDirectly(storable.release());
         }
         const std::string lost = detail::valuesToOgr(feature, *made);

@@ -86,39 +86,45 @@ void exclusive(Body&& body) {
     if (thrown) std::rethrow_exception(thrown);
 }
 
+/// Calls `body()` on the workers of the team, `most` of them at most, at the same time. An
+/// exception of one is thrown again when all have come back.
+template <class Body>
+void onEachWorker(const Team& team, std::int64_t most, Body&& body) {
+    const int workers = static_cast<int>(
+        std::min<std::int64_t>(workersOf(team.size()), std::max<std::int64_t>(most, 1)));
+    if (workers == 1) return body();
+    std::exception_ptr thrown;
+#pragma omp parallel num_threads(workers)
+    {
+        try {
+            body();
+        } catch (...) {
+#pragma omp critical(jw_parallel_exception)
+            if (!thrown) thrown = std::current_exception();
+        }
+    }
+    if (thrown) std::rethrow_exception(thrown);
+}
+
 /// Calls `body(begin, end)` for the chunks [begin, end) of 0 .. count − 1. A body that returns
 /// false stops the loop: chunks not begun yet are left out. Returns false when it was stopped.
 template <class Body>
 bool parallelChunks(const Team& team, std::int64_t count, std::int64_t chunkSize, Body&& body) {
     std::atomic<std::int64_t> next{0};
     std::atomic<bool> stopped{false};
-    std::exception_ptr thrown;
-    const auto work = [&] {
-        for (;;) {
-            const std::int64_t begin = next.fetch_add(chunkSize);
-            if (begin >= count || stopped.load(std::memory_order_relaxed)) return;
-            if (!body(begin, std::min(begin + chunkSize, count))) stopped = true;
-        }
-    };
     // One worker for each chunk is enough.
-    const std::int64_t chunks = (count + chunkSize - 1) / chunkSize;
-    const int workers = static_cast<int>(
-        std::min<std::int64_t>(workersOf(team.size()), std::max<std::int64_t>(chunks, 1)));
-    if (workers == 1) {
-        work();
-        return !stopped;
-    }
-#pragma omp parallel num_threads(workers)
-    {
+    onEachWorker(team, (count + chunkSize - 1) / chunkSize, [&] {
         try {
-            work();
+            for (;;) {
+                const std::int64_t begin = next.fetch_add(chunkSize);
+                if (begin >= count || stopped.load(std::memory_order_relaxed)) return;
+                if (!body(begin, std::min(begin + chunkSize, count))) stopped = true;
+            }
         } catch (...) {
             stopped = true;
-#pragma omp critical(jw_parallel_exception)
-            if (!thrown) thrown = std::current_exception();
+            throw;
         }
-    }
-    if (thrown) std::rethrow_exception(thrown);
+    });
     return !stopped;
 }
 

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <climits>
 
-#include "layers/block_filter.h"
-
 namespace jws::detail {
 namespace {
 
@@ -25,40 +23,21 @@ class LayerInput : public FeatureInput {
         return count;
     }
 
-    std::shared_ptr<const JWFeature> feature(std::int64_t position) override {
-        if (position > INT_MAX) {
-            JWReport::setError(JWErrorInvalidArgument,
-                               std::string(source()) + ", layer " + name() +
-                                   ": has more features than can be searched");
-            throw LayerFailure();
-        }
-        std::shared_ptr<const JWFeature> feature =
-            m_layer.getSharedFeature(static_cast<int>(position));
-        if (!feature) throw LayerFailure();
-        return feature;
+    void read(std::int64_t first, std::int64_t count, bool decode,
+              std::vector<JWReadFeature>& features) override {
+        if (!m_layer.readAhead(first, count, decode, features)) throw LayerFailure();
     }
 
-    std::shared_ptr<const JWFeature> next(std::int64_t position) override {
-        std::shared_ptr<const JWFeature> feature;
-        JWReport::clearError();
-        if (!m_layer.getNextSharedFeature(position, feature) &&
-            JWReport::lastError().kind != JWErrorNone) {
-            throw LayerFailure();
-        }
-        return feature;
+    void readAt(std::int64_t position, JWReadFeature& feature) override {
+        if (!m_layer.readFeature(position, feature)) throw LayerFailure();
     }
 
-    void readBlock(std::int64_t first, std::int64_t count,
-                   std::vector<std::shared_ptr<const JWFeature>>& block) override {
-        block.clear();
-        const auto features = std::make_shared<JWFeatureClass>();
-        if (readFeatures(m_layer, nullptr, first + 1, first + count, *features) < 0) {
-            throw LayerFailure();
-        }
-        block.reserve(features->getFeatureCount());
-        for (int i = 0; i < features->getFeatureCount(); ++i) {
-            block.emplace_back(features, features->getFeatureAt(i));
-        }
+    void decode(std::int64_t, JWReadFeature& feature) const override {
+        if (!m_layer.decodeFeature(feature)) throw LayerFailure();
+    }
+
+    bool keep(std::int64_t position, const std::shared_ptr<const JWFeature>& feature) override {
+        return m_layer.keepFeature(position, feature);
     }
 
   private:
@@ -88,20 +67,20 @@ class ClassInput : public FeatureInput {
         return true;
     }
 
-    std::shared_ptr<const JWFeature> feature(std::int64_t position) override {
-        return borrowed(static_cast<int>(position));
-    }
-
-    std::shared_ptr<const JWFeature> next(std::int64_t position) override {
-        return position < count() ? borrowed(static_cast<int>(position)) : nullptr;
-    }
-
-    void readBlock(std::int64_t first, std::int64_t count,
-                   std::vector<std::shared_ptr<const JWFeature>>& block) override {
-        block.clear();
+    void read(std::int64_t first, std::int64_t count, bool,
+              std::vector<JWReadFeature>& features) override {
         const std::int64_t end = std::min(first + count, this->count());
-        for (std::int64_t i = first; i < end; ++i) block.push_back(borrowed(static_cast<int>(i)));
+        for (std::int64_t i = first; i < end; ++i) {
+            features.push_back({borrowed(static_cast<int>(i)), nullptr});
+        }
     }
+
+    void readAt(std::int64_t position, JWReadFeature& feature) override {
+        feature.feature = borrowed(static_cast<int>(position));
+    }
+
+    void decode(std::int64_t, JWReadFeature&) const override {}
+    bool keep(std::int64_t, const std::shared_ptr<const JWFeature>&) override { return true; }
 
   private:
     /// A pointer that owns nothing: the class outlives the run.
@@ -128,27 +107,34 @@ class JoinedInput : public FeatureInput {
     const JWFields* fields() const override { return m_a.fields(); }
     bool identifiersFitInt() override { return m_a.identifiersFitInt() && m_b.identifiersFitInt(); }
 
-    std::shared_ptr<const JWFeature> feature(std::int64_t position) override {
-        return position < m_first ? m_a.feature(position) : m_b.feature(position - m_first);
-    }
-
-    std::shared_ptr<const JWFeature> next(std::int64_t position) override {
-        return position < m_first ? m_a.next(position) : m_b.next(position - m_first);
-    }
-
-    void readBlock(std::int64_t first, std::int64_t count,
-                   std::vector<std::shared_ptr<const JWFeature>>& block) override {
-        block.clear();
+    void read(std::int64_t first, std::int64_t count, bool decode,
+              std::vector<JWReadFeature>& features) override {
         const std::int64_t end = first + count;
-        if (first < m_first) m_a.readBlock(first, std::min(end, m_first) - first, block);
+        if (first < m_first) m_a.read(first, std::min(end, m_first) - first, decode, features);
         if (end <= m_first) return;
-        std::vector<std::shared_ptr<const JWFeature>> others;
         const std::int64_t from = std::max(first, m_first);
-        m_b.readBlock(from - m_first, end - from, others);
-        block.insert(block.end(), others.begin(), others.end());
+        m_b.read(from - m_first, end - from, decode, features);
+    }
+
+    void readAt(std::int64_t position, JWReadFeature& feature) override {
+        inputOf(position).readAt(placeOf(position), feature);
+    }
+
+    void decode(std::int64_t position, JWReadFeature& feature) const override {
+        inputOf(position).decode(placeOf(position), feature);
+    }
+
+    bool keep(std::int64_t position, const std::shared_ptr<const JWFeature>& feature) override {
+        return inputOf(position).keep(placeOf(position), feature);
     }
 
   private:
+    FeatureInput& inputOf(std::int64_t position) const { return position < m_first ? m_a : m_b; }
+    /// The position within its own input.
+    std::int64_t placeOf(std::int64_t position) const {
+        return position < m_first ? position : position - m_first;
+    }
+
     FeatureInput& m_a;
     FeatureInput& m_b;
     std::int64_t m_first;

@@ -5,7 +5,7 @@
 // the three interfaces below, so that every form of an operation has one body.
 //
 // None of the classes locks anything: the driver calls them from one thread at a time, but for
-// `prepare`.
+// `decode` and `prepare`.
 #ifndef JW_LAYERS_FEATURE_IO_H
 #define JW_LAYERS_FEATURE_IO_H
 
@@ -13,6 +13,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "jw_feature.h"
@@ -54,14 +55,26 @@ class FeatureInput {
     virtual const JWFields* fields() const = 0;
     /// True when every identifier fits an `int`.
     virtual bool identifiersFitInt() = 0;
-    /// The feature at `position`, decoded once as far as memory allows. Throws LayerFailure.
-    virtual std::shared_ptr<const JWFeature> feature(std::int64_t position) = 0;
-    /// The same while walking on: null at the end. Throws LayerFailure.
-    virtual std::shared_ptr<const JWFeature> next(std::int64_t position) = 0;
-    /// Fills `block` with features `first` to `first + count - 1` (fewer at the end). Throws
-    /// LayerFailure.
-    virtual void readBlock(std::int64_t first, std::int64_t count,
-                           std::vector<std::shared_ptr<const JWFeature>>& block) = 0;
+    /// Appends features `first` to `first + count - 1` (fewer at the end) to `features`, as part of
+    /// a walk; decoded where it costs nothing, and all of them with `decode`. Throws LayerFailure.
+    virtual void read(std::int64_t first, std::int64_t count, bool decode,
+                      std::vector<JWReadFeature>& features) = 0;
+    /// Fills `block` with the same features, decoded. Throws LayerFailure.
+    void readBlock(std::int64_t first, std::int64_t count,
+                   std::vector<std::shared_ptr<const JWFeature>>& block) {
+        std::vector<JWReadFeature> features;
+        read(first, count, true, features);
+        block.clear();
+        for (JWReadFeature& feature : features) block.push_back(std::move(feature.feature));
+    }
+    /// Reads the feature at `position` alone in the same way. Throws LayerFailure.
+    virtual void readAt(std::int64_t position, JWReadFeature& feature) = 0;
+    /// Decodes a feature read at `position`: a call that many threads may make at a time, and while
+    /// another one reads. Throws LayerFailure.
+    virtual void decode(std::int64_t position, JWReadFeature& feature) const = 0;
+    /// Remembers a decoded feature, so that reading it again costs nothing. Returns false when
+    /// memory does not allow it, for this one or for one that had to go.
+    virtual bool keep(std::int64_t position, const std::shared_ptr<const JWFeature>& feature) = 0;
 };
 
 /// Where result features go.

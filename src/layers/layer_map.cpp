@@ -8,6 +8,7 @@
 #include "foundation/vertex_lists.h"
 #include "layers/block_filter.h"
 #include "layers/layer_checks.h"
+#include "layers/ordered_walk.h"
 
 namespace jws::detail {
 
@@ -42,17 +43,24 @@ class MapRun {
           m_team(options.threads),
           m_total(job.input.count()),
           m_blocks(m_total, options.blockSize),
-          m_writer({[this](std::size_t i) { return write(i); },
-                    [this](std::size_t i) { m_slots[i] = MapSlot(); },
-                    [this] { return JWReport::progress(m_report.readA, m_total); }}) {}
+          m_walk(m_team, job.input,
+                 {[this](Chunk& chunk) { mapChunk(chunk); },
+                  [this](Chunk& chunk, std::size_t i) { write(chunk, i); },
+                  [this] { return JWReport::progress(m_report.readA, m_total); },
+                  [this](Chunk& chunk, std::size_t i) {
+                      return prepareResults(m_job.output, chunk.slots[i].results);
+                  }}) {}
 
     void run();
-    bool isStopped() const { return m_writer.isStopped(); }
+    bool isStopped() const { return m_stopped; }
 
   private:
+    using Chunk = FeatureChunk<MapSlot>;
+
     void mapBlock(std::int64_t block);
-    void mapFeature(const FeatureMap& map, std::size_t i);
-    std::size_t write(std::size_t i);
+    void mapChunk(Chunk& chunk) const;
+    void mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i) const;
+    void write(Chunk& chunk, std::size_t i);
     void reject(const JWFeature& feature, const std::string& reason) {
         m_report.rejected.push_back(
             {m_job.input.source(), m_job.input.name(), feature.getFID64(), reason});
@@ -63,18 +71,22 @@ class MapRun {
     Team m_team;
     std::int64_t m_total;
     Blocks m_blocks;
-    std::int64_t m_blockBegin = 0;
-    std::vector<std::shared_ptr<const JWFeature>> m_block;
-    std::vector<MapSlot> m_slots;
-    OrderedWriter m_writer;
+    OrderedWalk<MapSlot> m_walk;
+    bool m_stopped = false;
 };
 
-void MapRun::mapFeature(const FeatureMap& map, std::size_t i) {
-    const JWFeature& feature = *m_block[i];
-    MapSlot& slot = m_slots[i];
+void MapRun::mapChunk(Chunk& chunk) const {
+    const FeatureMap map = m_job.makeMap ? m_job.makeMap() : m_job.map;
+    for (std::size_t i = 0; i < chunk.size(); ++i) {
+        mapFeature(map, chunk, i);
+    }
+}
+
+void MapRun::mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i) const {
+    const JWFeature& feature = *chunk.feature(i);
+    MapSlot& slot = chunk.slots[i];
     slot.check = checkGeometry(feature, m_job.kinds);
-    MapResults results(m_job.schema, feature, m_blockBegin + static_cast<std::int64_t>(i),
-                       slot.results, slot.failures);
+    MapResults results(m_job.schema, feature, chunk.position(i), slot.results, slot.failures);
     if (slot.check == GeometryCheck::Usable) {
         slot.inputArea = areaOf(*feature.getGeometryPtr());
         slot.inputVertices = vertexCount(*feature.getGeometryPtr());
@@ -82,15 +94,11 @@ void MapRun::mapFeature(const FeatureMap& map, std::size_t i) {
     } else if (slot.check == GeometryCheck::Empty && m_job.keepsEmpty) {
         results.add(nullptr);
     }
-    // One worker would only do earlier what it has to do anyway.
-    if (m_team.size() == 1) return;
-    for (PendingResult& result : slot.results)
-        result.record = m_job.output.prepare(*result.feature);
 }
 
-std::size_t MapRun::write(std::size_t i) {
-    const JWFeature& feature = *m_block[i];
-    MapSlot& slot = m_slots[i];
+void MapRun::write(Chunk& chunk, std::size_t i) {
+    const JWFeature& feature = *chunk.feature(i);
+    MapSlot& slot = chunk.slots[i];
     ++m_report.readA;
     m_report.areaA += slot.inputArea;
     m_report.verticesA += slot.inputVertices;
@@ -101,28 +109,14 @@ std::size_t MapRun::write(std::size_t i) {
     for (PendingResult& result : slot.results) {
         writeResult(m_job.output, result, m_job.input, feature.getFID64(), m_report);
     }
-    return slot.results.size();
 }
 
 void MapRun::mapBlock(std::int64_t block) {
-    m_blockBegin = m_blocks.first(block) - 1;
-    m_job.input.readBlock(m_blockBegin, m_blocks.size(), m_block);
-    const auto count = static_cast<std::int64_t>(m_block.size());
-    if (count == 0) return;
-    if (m_job.onBlock) m_job.onBlock(block, m_blockBegin, count);
-    m_slots = std::vector<MapSlot>(m_block.size());
-    m_writer.start(m_block.size());
-    const std::int64_t chunk =
-        std::clamp<std::int64_t>(count / (std::int64_t{8} * m_team.size()), 1, 64);
-    parallelChunks(m_team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
-        const FeatureMap map = m_job.makeMap ? m_job.makeMap() : m_job.map;
-        for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
-            mapFeature(map, i);
-            m_writer.setComplete(i);
-        }
-        return m_writer.writeCompleted();
-    });
-    if (!m_writer.isStopped()) return;
+    const std::int64_t first = m_blocks.first(block) - 1;
+    const std::int64_t count = std::min(m_blocks.size(), m_total - first);
+    if (count > 0 && m_job.onBlock) m_job.onBlock(block, first, count);
+    if (m_walk.run(first, m_blocks.size())) return;
+    m_stopped = true;
     JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
     throw LayerFailure();
 }

@@ -38,7 +38,7 @@
 
 #include "layers/feature_io.h"
 #include "layers/geometry_check.h"
-#include "layers/ordered_writer.h"
+#include "layers/pending_result.h"
 #include "layers/result_schema.h"
 
 namespace jws::detail {
@@ -95,8 +95,8 @@ struct LayerMapJob {
     /// In its place, for a map that needs memory of its own: makes the map of one worker, which has
     /// some neighbouring features to do. Called by many threads at once; what it makes by one.
     std::function<FeatureMap()> makeMap;
-    /// Called before a block of `count` features from position `first` (from 0) on is mapped; may
-    /// be empty.
+    /// Called before a block of `count` features, as far as the layer knows, from position `first`
+    /// (from 0) on is mapped; may be empty.
     std::function<void(std::int64_t block, std::int64_t first, std::int64_t count)> onBlock;
 };
 

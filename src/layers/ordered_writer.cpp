@@ -5,26 +5,6 @@
 
 namespace jws::detail {
 
-void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
-                 std::int64_t fid, JWLayerReport& report) {
-    const auto reject = [&](const std::string& reason) {
-        report.rejected.push_back({input.source(), input.name(), fid, reason});
-    };
-    if (!result.lostField.empty()) {
-        reject("the result cannot hold the value of field " + result.lostField);
-    }
-    if (output.write(result.feature, result.record)) {
-        ++report.written;
-        if (result.isEmpty) ++report.writtenEmpty;
-        report.area += result.area;
-        report.vertices += result.vertices;
-    } else if (isRefusal(JWReport::lastError().kind)) {
-        reject(JWReport::lastError().text);
-    } else {
-        throw LayerFailure();
-    }
-}
-
 void OrderedWriter::start(std::size_t count) {
     m_complete = std::vector<std::atomic<bool>>(count);
     m_next = 0;

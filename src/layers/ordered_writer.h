@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Results on their way from many workers to one output, in the order of the input. Workers put what
+// Results of items that are no features of an input (ordered_walk.h has those) on their way from
+// many workers to one output, in the order of the items. Workers put what
 // they make of an item of a block into that item's slot, mark it complete and offer to write: a
 // worker writes the slots that are complete from the front, unless another one is at it. Writing
 // thus overlaps the work, happens in order, and never has a worker wait for its end.
@@ -10,28 +11,12 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
-#include <memory>
-#include <string>
+#include <utility>
 #include <vector>
 
-#include "layers/feature_io.h"
+#include "layers/pending_result.h"
 
 namespace jws::detail {
-
-/// A result feature that waits for its turn.
-struct PendingResult {
-    std::unique_ptr<JWFeature> feature;
-    std::shared_ptr<JWFeatureRecord> record;  ///< what the output prepared of it; may be null
-    double area = 0;
-    std::int64_t vertices = 0;
-    bool isEmpty = false;   ///< it has no geometry
-    std::string lostField;  ///< name of a field whose value the result cannot hold
-};
-
-/// Writes a result and accounts for it: area and vertices, a lost value, a refusal, under the
-/// feature `fid` of `input` that it comes from. Throws LayerFailure when the output cannot go on.
-void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
-                 std::int64_t fid, JWLayerReport& report);
 
 class OrderedWriter {
   public:

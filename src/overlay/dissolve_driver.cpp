@@ -12,6 +12,7 @@
 #include "boolean/ring_set.h"
 #include "foundation/parallel.h"
 #include "layers/layer_checks.h"
+#include "layers/ordered_walk.h"
 #include "overlay/feature_check.h"
 #include "overlay/group_statistics.h"
 #include "overlay/group_union.h"
@@ -23,7 +24,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::int64_t kBlock = 4096;   // features read at a time, at most
+constexpr std::int64_t kBeyond = 256;   // places for features that a source does not state
 constexpr std::size_t kWindow = 32768;  // features whose groups are written together
 
 /// Prints numbers by the thousand: a message each would cost more than the dissolve.
@@ -89,7 +90,9 @@ class DissolveRun {
     void write();
 
   private:
-    bool readNextBlock();
+    struct NoSlot {};
+    using Chunk = FeatureChunk<NoSlot>;
+
     void examine(std::size_t position);
     Examination examineGeometry(DissolveItem& item);
     void keepAccount();
@@ -119,7 +122,6 @@ class DissolveRun {
 
     JWFields* m_schema = nullptr;
     std::vector<std::string> m_names;  ///< of the result fields, as asked for
-    std::int64_t m_nextBlock = 0;
     std::vector<DissolveItem> m_items;
     std::vector<Examination> m_examined;
     std::vector<std::string> m_keys;
@@ -173,34 +175,26 @@ void DissolveRun::read() {
         fail(JWErrorInvalidArgument, std::string(m_input.source()) + ", layer " + m_input.name() +
                                          ": has more features than a dissolve can hold");
     }
-    const std::int64_t block =
-        m_options.blockSize > 0 ? std::min<std::int64_t>(m_options.blockSize, kBlock) : kBlock;
-    const std::int64_t blocks = (m_total + block - 1) / block;
-    const auto places = static_cast<std::size_t>(blocks * block);  // more than features, at the end
-    m_items.resize(places);
-    m_examined.resize(places);
-    m_keys.resize(places);
     NumberPrinter printer;
-    const auto readAndExamine = [&](std::int64_t, std::int64_t) {
-        std::int64_t first = 0;
-        std::vector<std::shared_ptr<const JWFeature>> features;
-        bool going = true;
-        exclusive([&] {
-            first = m_nextBlock++ * block;
-            m_input.readBlock(first, block, features);
-            for (std::size_t i = 0; i < features.size(); ++i) {
-                printer.print(++m_report.readA, '\n');
-            }
-            going = keepOn(m_report.readA);
-        });
-        for (std::size_t i = 0; i < features.size(); ++i) {
-            const std::size_t position = static_cast<std::size_t>(first) + i;
-            m_items[position].feature = std::move(features[i]);
+    const auto examineAll = [this](Chunk& chunk) {
+        for (std::size_t i = 0; i < chunk.size(); ++i) {
+            const auto position = static_cast<std::size_t>(chunk.position(i));
+            m_items[position].feature = std::move(chunk.read[i].feature);
             examine(position);
         }
-        return going;
     };
-    if (!parallelChunks(m_team, blocks, 1, readAndExamine)) stop();
+    const auto count = [&](Chunk&, std::size_t) { printer.print(++m_report.readA, '\n'); };
+    OrderedWalk<NoSlot> walk(
+        m_team, m_input, {examineAll, count, [this] { return keepOn(m_report.readA); }, {}, 256});
+    std::int64_t end = 0;
+    do {
+        end += std::max<std::int64_t>(m_total - end, 0) + kBeyond;
+        const auto places = static_cast<std::size_t>(end);
+        m_items.resize(places);
+        m_examined.resize(places);
+        m_keys.resize(places);
+        if (!walk.run(walk.position(), end - walk.position())) stop();
+    } while (walk.position() == end);
     keepAccount();
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "overlay/layer_side.h"
 
+#include <algorithm>
+
 #include "foundation/parallel.h"
 
 namespace jws::detail {
@@ -18,8 +20,15 @@ void LayerSide::startIndex() {
     throw LayerFailure();
 }
 
-void LayerSide::index(std::int64_t position, const JWEnvelop& envelop) {
-    if (!m_hasIndex || !envelop.isValid() || m_index.addRect(envelop, payloadOf(position))) return;
+void LayerSide::enter(std::int64_t position, const std::shared_ptr<const JWFeature>& feature,
+                      const JWEnvelop& envelop) {
+    if (!m_hasIndex) return;
+    if (m_holdsAll) {
+        m_holdsAll = m_input.keep(position, feature);
+        m_held.push_back(feature);
+        if (!m_holdsAll) m_held = {};
+    }
+    if (!envelop.isValid() || m_index.addRect(envelop, payloadOf(position))) return;
     JWReport::setError(JWErrorOutOfSpace, "the spatial index cannot hold every feature");
     throw LayerFailure();
 }
@@ -40,28 +49,72 @@ void LayerSide::keepChains(std::int64_t position, const std::shared_ptr<const Ch
 
 void LayerSide::fetch(void* const* hits, std::size_t count, std::vector<OverlayFeature>& features) {
     const std::size_t first = features.size();
-    std::vector<std::shared_ptr<const ChainBoxes>> chains;
+    features.resize(first + count);
+    for (std::size_t i = 0; i < count; ++i) features[first + i].position = positionOf(hits[i]);
+    if (!m_isRead || !m_holdsAll) readAll(&features[first], count);
+    std::vector<OverlayFeature*> large;
+    for (std::size_t i = first; i < features.size(); ++i) {
+        OverlayFeature& feature = features[i];
+        if (!feature.feature) {
+            // Held as long as this operand: counting references would have threads wait.
+            feature.feature = std::shared_ptr<const JWFeature>(
+                std::shared_ptr<void>(), m_held[static_cast<std::size_t>(feature.position)].get());
+        }
+        feature.area = Area(feature.geometry(), feature.feature);
+        if (feature.area.isLarge()) large.push_back(&feature);
+    }
+    if (!large.empty()) shareChains(large);
+}
+
+/// Reads features in one go, decodes them without the lock, and has them remembered.
+void LayerSide::readAll(OverlayFeature* features, std::size_t count) {
+    std::vector<JWReadFeature> read;
+    std::vector<OverlayFeature*> places;  // of what was read
+    std::vector<std::size_t> sources(count);
     exclusive([&] {
         for (std::size_t i = 0; i < count; ++i) {
-            const std::int64_t position = positionOf(hits[i]);
-            features.push_back({position, m_input.feature(position), Area()});
-            chains.push_back(m_chains.empty() ? nullptr : findChains(position));
+            sources[i] = static_cast<std::size_t>(std::find_if(places.begin(), places.end(),
+                                                               [&](const OverlayFeature* p) {
+                                                                   return p->position ==
+                                                                          features[i].position;
+                                                               }) -
+                                                  places.begin());
+            if (sources[i] < places.size()) continue;
+            places.push_back(&features[i]);
+            m_input.readAt(features[i].position, read.emplace_back());
         }
     });
-    std::vector<std::size_t> made;
-    for (std::size_t i = 0; i < count; ++i) {
-        OverlayFeature& feature = features[first + i];
-        feature.area = Area(feature.geometry(), feature.feature);
-        feature.area.setChains(std::move(chains[i]));
-        if (feature.area.chains() || !feature.area.isLarge()) continue;
-        feature.area.prepare();
-        made.push_back(first + i);
+    bool decoded = false;
+    for (std::size_t k = 0; k < read.size(); ++k) {
+        if (!read[k].record) continue;
+        m_input.decode(places[k]->position, read[k]);
+        decoded = true;
+    }
+    for (std::size_t i = 0; i < count; ++i) features[i].feature = read[sources[i]].feature;
+    if (!decoded) return;
+    exclusive([&] {
+        for (std::size_t k = 0; k < read.size(); ++k) {
+            m_input.keep(places[k]->position, read[k].feature);
+        }
+    });
+}
+
+/// Gives large areas their boxes, made once as far as memory allows.
+void LayerSide::shareChains(const std::vector<OverlayFeature*>& features) {
+    exclusive([&] {
+        for (OverlayFeature* feature : features) {
+            feature->area.setChains(findChains(feature->position));
+        }
+    });
+    std::vector<OverlayFeature*> made;
+    for (OverlayFeature* feature : features) {
+        if (feature->area.chains()) continue;
+        feature->area.prepare();
+        made.push_back(feature);
     }
     if (made.empty()) return;
     exclusive([&] {
-        for (const std::size_t i : made) {
-            keepChains(features[i].position, features[i].area.chains());
-        }
+        for (OverlayFeature* feature : made) keepChains(feature->position, feature->area.chains());
     });
 }
 

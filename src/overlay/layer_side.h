@@ -18,7 +18,7 @@
 
 namespace jws::detail {
 
-/// A feature of an operand with its area, ready for clips. Holds the feature.
+/// A feature of an operand with its area, ready for clips.
 struct OverlayFeature {
     std::int64_t position = -1;
     std::shared_ptr<const JWFeature> feature;
@@ -40,9 +40,12 @@ class LayerSide {
 
     /// Makes the tree ready; without it the operand cannot be searched. Throws LayerFailure.
     void startIndex();
-    /// Puts the feature at `position` into the tree, if there is one; those without an extent are
-    /// passed over. Not while another thread searches. Throws LayerFailure.
-    void index(std::int64_t position, const JWEnvelop& envelop);
+    /// Enters the next feature of the first walk over the operand: into the tree, if there is one
+    /// and the feature has an extent, and into memory, as far as the layer's cache goes. One thread
+    /// at a time, inside the critical section, and not while another one searches. Throws
+    /// LayerFailure.
+    void enter(std::int64_t position, const std::shared_ptr<const JWFeature>& feature,
+               const JWEnvelop& envelop);
     /// Every feature was read once.
     bool isRead() const { return m_isRead; }
     void setRead() { m_isRead = true; }
@@ -51,8 +54,8 @@ class LayerSide {
     void search(const JWEnvelop& envelop, Hits& hits) const {
         m_index.spatialSearch(envelop, hits);
     }
-    /// Appends the features of some hits. Any number of threads, outside the critical section.
-    /// Throws LayerFailure.
+    /// Appends the features of some hits, good as long as this operand. Any number of threads,
+    /// outside the critical section. Throws LayerFailure.
     void fetch(void* const* hits, std::size_t count, std::vector<OverlayFeature>& features);
     /// Calls `visit` for the features of some hits, of which it holds a few hundred at a time.
     template <class Visit>
@@ -74,6 +77,8 @@ class LayerSide {
     }
 
   private:
+    void readAll(OverlayFeature* features, std::size_t count);
+    void shareChains(const std::vector<OverlayFeature*>& features);
     std::shared_ptr<const ChainBoxes> findChains(std::int64_t position) const;
     void keepChains(std::int64_t position, const std::shared_ptr<const ChainBoxes>& chains);
 
@@ -81,6 +86,9 @@ class LayerSide {
     JWSpatialIndex m_index;
     bool m_hasIndex = false;
     bool m_isRead = false;
+    bool m_holdsAll = true;
+    /// Every feature, while all of them have room in the layer's cache; none otherwise.
+    std::vector<std::shared_ptr<const JWFeature>> m_held;
     std::unordered_map<std::int64_t, std::shared_ptr<const ChainBoxes>> m_chains;
     std::size_t m_chainBytes = 0;
 };

@@ -31,11 +31,10 @@ void Emitter::add(std::unique_ptr<JWGeometry> geometry, const Values& values, do
 }
 
 void Emitter::addResult(std::unique_ptr<JWGeometry> geometry, const Values& values, double area) {
-    Slot::Result result;
+    PendingResult result;
     result.area = area;
     result.feature = m_schema.makeFeature(
         std::move(geometry), {values.a, values.b, values.joined, area}, result.lostField);
-    if (m_prepareFor != nullptr) result.record = m_prepareFor->prepare(*result.feature);
     m_slot.results.push_back(std::move(result));
 }
 

@@ -5,12 +5,12 @@
 #ifndef JW_OVERLAY_OVERLAY_SLOT_H
 #define JW_OVERLAY_OVERLAY_SLOT_H
 
-#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "layers/feature_io.h"
+#include "layers/pending_result.h"
 #include "layers/result_schema.h"
 #include "overlay/feature_check.h"
 #include "overlay/geometry_overlay.h"
@@ -19,38 +19,23 @@
 namespace jws::detail {
 
 struct Slot {
-    struct Result {
-        std::unique_ptr<JWFeature> feature;
-        std::shared_ptr<JWFeatureRecord> record;
-        double area;
-        std::string lostField;
-    };
-    using Results = std::vector<Result>;
-
     AreaCheck check = AreaCheck::Usable;
     JWEnvelop envelop = JWEnvelop::invalid();
     double inputArea = 0;
     std::size_t pairs = 0;
-    Results results;
+    std::vector<PendingResult> results;
     double dropped = 0;
     double mismatch = 0;
     std::vector<std::string> failures;
-    std::atomic<bool> complete{false};
 };
 
 /// Takes what an operation makes of one feature, in order.
 class Emitter {
   public:
-    /// `prepareFor`: the output that results are prepared for ahead of their turn; may be null.
     /// `others`: the operand that the feature is overlaid with. `multipart`: whether a result of
     /// several parts stays one feature.
-    Emitter(const ResultSchema& schema, const FeatureOutput* prepareFor, FeatureInput& others,
-            bool multipart, Slot& slot)
-        : m_schema(schema),
-          m_prepareFor(prepareFor),
-          m_others(others),
-          m_multipart(multipart),
-          m_slot(slot) {}
+    Emitter(const ResultSchema& schema, FeatureInput& others, bool multipart, Slot& slot)
+        : m_schema(schema), m_others(others), m_multipart(multipart), m_slot(slot) {}
 
     /// Adds the feature at hand as it is, with the attributes of `a` and `b`, either of which may
     /// be null; `joined` goes into the count field, if there is one.
@@ -77,7 +62,6 @@ class Emitter {
     void addResult(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);
 
     const ResultSchema& m_schema;
-    const FeatureOutput* m_prepareFor;
     FeatureInput& m_others;
     bool m_multipart;
     Slot& m_slot;
