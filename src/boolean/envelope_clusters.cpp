@@ -2,11 +2,10 @@
 //
 // Clusters of rectangles that meet.
 //
-// A cluster grows from its first member: search what meets a member, add it, search from there. A
-// plain R-tree would hand out the same neighbours again and again, n² times where all rectangles
-// overlap. Here what was found is taken out: each node of the tree keeps the rectangle around what
-// it still holds, so that a search enters only where something is left to be found. Every rectangle
-// is handed out once, and a search costs about the way to what it finds. About O(n log n).
+// A packed tree over the rectangles is joined with itself, and rectangles that meet are united
+// (union-find). Pairs of nodes whose boxes are apart are passed over, and so are pairs of nodes all
+// of whose rectangles are known to be in one cluster: without that, n rectangles that overlap one
+// another would cost n² tests. About O(n log n).
 //
 // The tree is packed: rectangles sorted by their middles into strips and tiles
 // (sort-tile-recursive, Leutenegger, Lopez and Edgington 1997), eight to a leaf, and eight nodes to
@@ -15,56 +14,72 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
+#include <utility>
 
 namespace jws::detail {
 namespace {
 
-constexpr std::size_t kFan = 8;
+constexpr std::size_t kFanBits = 3;
+constexpr std::size_t kFan = std::size_t{1} << kFanBits;
 
-class ShrinkingTree {
+class ContactTree {
   public:
-    explicit ShrinkingTree(const std::vector<JWEnvelop>& envelops);
+    /// Unites those of the valid envelopes that meet.
+    explicit ContactTree(const std::vector<JWEnvelop>& envelops);
 
-    bool holds(int position) const { return m_held[static_cast<std::size_t>(position)] != 0; }
-    /// Takes out everything that meets `query` and appends it to `found`.
-    void takeOut(const JWEnvelop& query, std::vector<int>& found) {
-        if (m_levels.size() > 1) takeOut(m_levels.size() - 1, 0, query, found);
-    }
+    /// Positions of the valid envelopes, in the order of the tree.
+    const std::vector<int>& order() const { return m_order; }
+    /// Number of the cluster that the rectangle at a place of the tree belongs to: the first place
+    /// of the cluster.
+    int clusterOf(int place);
 
   private:
-    /// The rectangle around what a node still holds, invalid when that is nothing. Level 0 are the
-    /// rectangles themselves, in the order of the tree.
-    using Level = std::vector<JWEnvelop>;
+    struct Node {
+        JWEnvelop box;
+        bool whole;  ///< all below it is known to be in one cluster
+    };
+    /// Level 0 are the rectangles themselves, in the order of the tree.
+    using Level = std::vector<Node>;
 
     void sortIntoTiles(const std::vector<JWEnvelop>& envelops);
-    JWEnvelop boxOfMembers(std::size_t level, std::size_t node) const;
-    bool takeOut(std::size_t level, std::size_t node, const JWEnvelop& query,
-                 std::vector<int>& found);
+    void buildLevels(const std::vector<JWEnvelop>& envelops);
+    std::size_t endOf(std::size_t level, std::size_t node) const {
+        return std::min((node + 1) * kFan, m_levels[level - 1].size());
+    }
+    int firstPlace(std::size_t level, std::size_t node) const {
+        return static_cast<int>(node << (kFanBits * level));
+    }
+    int clusterAt(std::size_t level, std::size_t node) {
+        return clusterOf(firstPlace(level, node));
+    }
+    /// Both are whole and of one cluster: there is nothing left to be found between them.
+    bool isDone(std::size_t level, std::size_t a, std::size_t b) {
+        return m_levels[level][a].whole && m_levels[level][b].whole &&
+               clusterAt(level, a) == clusterAt(level, b);
+    }
+    void joinWithin(std::size_t level, std::size_t node);
+    void joinBetween(std::size_t level, std::size_t a, std::size_t b);
+    void updateWhole(std::size_t level, std::size_t node);
 
     std::vector<int> m_order;
-    std::vector<char> m_held;
+    std::vector<int> m_parents;  ///< of places
     std::vector<Level> m_levels;
 };
 
-ShrinkingTree::ShrinkingTree(const std::vector<JWEnvelop>& envelops) : m_held(envelops.size(), 0) {
+ContactTree::ContactTree(const std::vector<JWEnvelop>& envelops) {
     for (std::size_t i = 0; i < envelops.size(); ++i) {
-        if (!envelops[i].isValid()) continue;
-        m_held[i] = 1;
-        m_order.push_back(static_cast<int>(i));
+        if (envelops[i].isValid()) m_order.push_back(static_cast<int>(i));
     }
     if (m_order.empty()) return;
     sortIntoTiles(envelops);
-    m_levels.emplace_back();
-    for (const int i : m_order) m_levels[0].push_back(envelops[static_cast<std::size_t>(i)]);
-    do {
-        const std::size_t level = m_levels.size();
-        const std::size_t nodes = (m_levels.back().size() + kFan - 1) / kFan;
-        m_levels.emplace_back();
-        for (std::size_t i = 0; i < nodes; ++i) m_levels[level].push_back(boxOfMembers(level, i));
-    } while (m_levels.back().size() > 1);
+    buildLevels(envelops);
+    m_parents.resize(m_order.size());
+    std::iota(m_parents.begin(), m_parents.end(), 0);
+    joinWithin(m_levels.size() - 1, 0);
 }
 
-void ShrinkingTree::sortIntoTiles(const std::vector<JWEnvelop>& envelops) {
+void ContactTree::sortIntoTiles(const std::vector<JWEnvelop>& envelops) {
     struct Middle {
         double x, y;
         int position;
@@ -92,50 +107,104 @@ void ShrinkingTree::sortIntoTiles(const std::vector<JWEnvelop>& envelops) {
     for (std::size_t i = 0; i < count; ++i) m_order[i] = middles[i].position;
 }
 
-JWEnvelop ShrinkingTree::boxOfMembers(std::size_t level, std::size_t node) const {
-    const Level& below = m_levels[level - 1];
-    JWEnvelop box = JWEnvelop::invalid();
-    for (std::size_t i = node * kFan; i < std::min((node + 1) * kFan, below.size()); ++i) {
-        box.inflates_to_contain(below[i]);
+void ContactTree::buildLevels(const std::vector<JWEnvelop>& envelops) {
+    m_levels.emplace_back();
+    for (const int i : m_order) {
+        m_levels[0].push_back({envelops[static_cast<std::size_t>(i)], true});
     }
-    return box;
+    do {
+        const Level& below = m_levels.back();
+        Level level;
+        for (std::size_t i = 0; i < below.size(); i += kFan) {
+            JWEnvelop box = JWEnvelop::invalid();
+            for (std::size_t k = i; k < std::min(i + kFan, below.size()); ++k) {
+                box.inflates_to_contain(below[k].box);
+            }
+            level.push_back({box, false});
+        }
+        m_levels.push_back(std::move(level));
+    } while (m_levels.back().size() > 1);
 }
 
-/// Returns true when something was taken out.
-bool ShrinkingTree::takeOut(std::size_t level, std::size_t node, const JWEnvelop& query,
-                            std::vector<int>& found) {
-    JWEnvelop& box = m_levels[level][node];
-    if (!box.isValid() || box.isDisjoin(query)) return false;
-    if (level == 0) {
-        m_held[static_cast<std::size_t>(m_order[node])] = 0;
-        found.push_back(m_order[node]);
-        box.setInvalid();
-        return true;
+int ContactTree::clusterOf(int place) {
+    auto at = static_cast<std::size_t>(place);
+    while (m_parents[at] != static_cast<int>(at)) {
+        m_parents[at] = m_parents[static_cast<std::size_t>(m_parents[at])];
+        at = static_cast<std::size_t>(m_parents[at]);
     }
-    bool taken = false;
-    const std::size_t end = std::min((node + 1) * kFan, m_levels[level - 1].size());
+    return static_cast<int>(at);
+}
+
+void ContactTree::updateWhole(std::size_t level, std::size_t node) {
+    Node& self = m_levels[level][node];
+    if (self.whole) return;
+    const int cluster = clusterAt(level, node);
+    for (std::size_t i = node * kFan; i < endOf(level, node); ++i) {
+        if (!m_levels[level - 1][i].whole || clusterAt(level - 1, i) != cluster) return;
+    }
+    self.whole = true;
+}
+
+void ContactTree::joinWithin(std::size_t level, std::size_t node) {
+    if (level == 0) return;
+    const std::size_t end = endOf(level, node);
     for (std::size_t i = node * kFan; i < end; ++i) {
-        taken = takeOut(level - 1, i, query, found) || taken;
+        joinWithin(level - 1, i);
+        for (std::size_t k = node * kFan; k < i; ++k) joinBetween(level - 1, k, i);
     }
-    if (taken) box = boxOfMembers(level, node);
-    return taken;
+    updateWhole(level, node);
+}
+
+void ContactTree::joinBetween(std::size_t level, std::size_t a, std::size_t b) {
+    if (m_levels[level][a].box.isDisjoin(m_levels[level][b].box) || isDone(level, a, b)) return;
+    if (level == 0) {
+        const int first = clusterAt(0, a), second = clusterAt(0, b);
+        m_parents[static_cast<std::size_t>(std::max(first, second))] = std::min(first, second);
+        return;
+    }
+    const Level& below = m_levels[level - 1];
+    for (std::size_t i = a * kFan; i < endOf(level, a); ++i) {
+        if (below[i].box.isDisjoin(m_levels[level][b].box)) continue;
+        for (std::size_t k = b * kFan; k < endOf(level, b); ++k) joinBetween(level - 1, i, k);
+    }
+    updateWhole(level, a);
+    updateWhole(level, b);
 }
 
 }  // namespace
 
+/// Clusters in the order of their first positions.
 PositionLists clusterByContact(const std::vector<JWEnvelop>& envelops) {
-    ShrinkingTree tree(envelops);
+    ContactTree tree(envelops);
+    std::vector<int> clusterOf(envelops.size(), -1);  // by position: the tree's number
+    const auto count = static_cast<int>(tree.order().size());
+    for (int place = 0; place < count; ++place) {
+        clusterOf[static_cast<std::size_t>(tree.order()[static_cast<std::size_t>(place)])] =
+            tree.clusterOf(place);
+    }
+    std::vector<int> numbers(tree.order().size(), -1);  // of the tree's clusters in the result
     PositionLists clusters;
-    std::vector<int>& members = clusters.positions;
-    for (std::size_t i = 0; i < envelops.size(); ++i) {
-        if (!tree.holds(static_cast<int>(i))) continue;
-        const std::size_t first = members.size();
-        tree.takeOut(envelops[i], members);
-        for (std::size_t k = first; k < members.size(); ++k) {
-            tree.takeOut(envelops[static_cast<std::size_t>(members[k])], members);
+    for (int& cluster : clusterOf) {
+        if (cluster < 0) continue;
+        int& number = numbers[static_cast<std::size_t>(cluster)];
+        if (number < 0) {
+            number = static_cast<int>(clusters.ends.size());
+            clusters.ends.push_back(0);
         }
-        std::sort(members.begin() + static_cast<std::ptrdiff_t>(first), members.end());
-        clusters.ends.push_back(members.size());
+        cluster = number;
+        ++clusters.ends[static_cast<std::size_t>(number)];
+    }
+    std::vector<std::size_t> next;  // where the next member of a cluster goes
+    std::size_t end = 0;
+    for (std::size_t& size : clusters.ends) {
+        next.push_back(end);
+        end += size;
+        size = end;
+    }
+    clusters.positions.resize(end);
+    for (std::size_t i = 0; i < clusterOf.size(); ++i) {
+        if (clusterOf[i] < 0) continue;
+        clusters.positions[next[static_cast<std::size_t>(clusterOf[i])]++] = static_cast<int>(i);
     }
     return clusters;
 }
