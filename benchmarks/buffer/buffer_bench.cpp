@@ -14,6 +14,7 @@
 #include "buffer/buffer_rival.h"
 #include "jw_datasource.h"
 #include "jw_feature.h"
+#include "support/run_main.h"
 #include "support/stats.h"
 
 namespace bench {
@@ -136,11 +137,4 @@ int run(int argc, char** argv) {
 }  // namespace
 }  // namespace bench
 
-int main(int argc, char** argv) {
-    try {
-        return bench::run(argc, argv);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "buffer_bench: %s\n", failure.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return bench::runMain("buffer_bench", bench::run, argc, argv); }

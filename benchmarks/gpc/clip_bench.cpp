@@ -18,6 +18,7 @@
 
 #include "gpc/clip_rival.h"
 #include "support/child_process.h"
+#include "support/run_main.h"
 #include "support/stats.h"
 
 namespace bench {
@@ -259,11 +260,4 @@ int run(int argc, char** argv) {
 }  // namespace
 }  // namespace bench
 
-int main(int argc, char** argv) {
-    try {
-        return bench::run(argc, argv);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "clip_bench: %s\n", failure.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return bench::runMain("clip_bench", bench::run, argc, argv); }

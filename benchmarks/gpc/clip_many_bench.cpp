@@ -12,6 +12,7 @@
 
 #include "gpc/clip_engine.h"
 #include "support/random_rings.h"
+#include "support/run_main.h"
 #include "support/stats.h"
 
 namespace bench {
@@ -237,4 +238,6 @@ int run(int argc, char** argv) {
 }  // namespace
 }  // namespace bench
 
-int main(int argc, char** argv) { return bench::run(argc, argv); }
+int main(int argc, char** argv) {
+    return bench::runMain("clip_many_bench", bench::run, argc, argv);
+}

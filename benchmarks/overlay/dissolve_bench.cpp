@@ -5,13 +5,13 @@
 // of the unary union, and who differs is named and not timed. Then they run in turn.
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <exception>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "overlay/dissolve_cases.h"
 #include "support/child_process.h"
+#include "support/run_main.h"
 #include "support/stats.h"
 
 namespace bench {
@@ -127,11 +127,4 @@ int run(int argc, char** argv) {
 
 }  // namespace bench
 
-int main(int argc, char** argv) {
-    try {
-        return bench::run(argc, argv);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "dissolve_bench: %s\n", failure.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return bench::runMain("dissolve_bench", bench::run, argc, argv); }

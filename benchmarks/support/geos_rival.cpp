@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// GEOS through its C interface. Timed: building the tree, the queries, the pretests and the
-// intersections. Not timed: reading and parsing the input, which is valid already.
+// GEOS through its C interface. Timed: building the trees, the queries, the pretests and the
+// overlays. Not timed: reading and parsing the input, which is valid already.
 #include "support/geos_rival.h"
 
 #include <geos_c.h>
@@ -19,7 +19,8 @@ namespace {
 
 class GeosLoop final : public Rival {
   public:
-    explicit GeosLoop(GeosPretest pretest) : pretest_(pretest), context_(GEOS_init_r()) {
+    GeosLoop(Operation operation, GeosPretest pretest)
+        : parts_(partsOf(operation)), pretest_(pretest), context_(GEOS_init_r()) {
         GEOSContext_setErrorMessageHandler_r(context_, &GeosLoop::keepError, this);
     }
 
@@ -36,15 +37,8 @@ class GeosLoop final : public Rival {
     }
 
     void run() override {
-        GEOSSTRtree* tree = GEOSSTRtree_create_r(context_, 10);
-        for (GEOSGeometry* b : b_) GEOSSTRtree_insert_r(context_, tree, b, b);
-        std::vector<const GEOSGeometry*> candidates;
-        for (const GEOSGeometry* a : a_) {
-            candidates.clear();
-            GEOSSTRtree_query_r(context_, tree, a, &GeosLoop::keepCandidate, &candidates);
-            if (!candidates.empty()) intersectWith(a, candidates);
-        }
-        GEOSSTRtree_destroy_r(context_, tree);
+        walk(a_, b_, parts_.pieces, parts_.restOfA);
+        if (parts_.restOfB) walk(b_, a_, false, true);
     }
 
     void summarize(Summary& summary) override {
@@ -89,21 +83,75 @@ class GeosLoop final : public Rival {
         GEOSWKBReader_destroy_r(context_, reader);
     }
 
-    void intersectWith(const GEOSGeometry* a, const std::vector<const GEOSGeometry*>& candidates) {
-        const bool prepare = pretest_ == GeosPretest::Prepared;
-        const GEOSPreparedGeometry* prepared = prepare ? GEOSPrepare_r(context_, a) : nullptr;
-        for (const GEOSGeometry* b : candidates) {
-            if (prepare && GEOSPreparedIntersects_r(context_, prepared, b) == 0) continue;
-            if (prepare && GEOSPreparedContainsProperly_r(context_, prepared, b) == 1) {
-                pieces_.push_back(GEOSGeom_clone_r(context_, b));
-                continue;
-            }
-            keepPolygons(GEOSIntersection_r(context_, a, b));
+    void walk(const std::vector<GEOSGeometry*>& own, const std::vector<GEOSGeometry*>& others,
+              bool pieces, bool rest) {
+        GEOSSTRtree* tree = GEOSSTRtree_create_r(context_, 10);
+        for (GEOSGeometry* other : others) GEOSSTRtree_insert_r(context_, tree, other, other);
+        std::vector<const GEOSGeometry*> candidates;
+        for (const GEOSGeometry* feature : own) {
+            candidates.clear();
+            GEOSSTRtree_query_r(context_, tree, feature, &GeosLoop::keepCandidate, &candidates);
+            if (!candidates.empty()) meet(feature, candidates, pieces);
+            if (rest) keepPolygons(restOf(feature, candidates));
         }
+        GEOSSTRtree_destroy_r(context_, tree);
+    }
+
+    // Keeps the pieces of a feature, if wanted, and leaves of the candidates those that it meets.
+    void meet(const GEOSGeometry* feature, std::vector<const GEOSGeometry*>& candidates,
+              bool pieces) {
+        const bool prepare = pretest_ == GeosPretest::Prepared;
+        const GEOSPreparedGeometry* prepared = prepare ? GEOSPrepare_r(context_, feature) : nullptr;
+        std::size_t met = 0;
+        for (const GEOSGeometry* other : candidates) {
+            if (prepare && GEOSPreparedIntersects_r(context_, prepared, other) == 0) continue;
+            candidates[met++] = other;
+            if (!pieces) continue;
+            if (prepare && GEOSPreparedContainsProperly_r(context_, prepared, other) == 1) {
+                pieces_.push_back(GEOSGeom_clone_r(context_, other));
+            } else {
+                keepPolygons(GEOSIntersection_r(context_, feature, other));
+            }
+        }
+        candidates.resize(met);
         if (prepare) GEOSPreparedGeom_destroy_r(context_, prepared);
     }
 
-    // Takes over an intersection: polygons as they are, of a collection the polygons, of anything
+    // A feature without what it meets: that one by one, or united where there is much of it.
+    GEOSGeometry* restOf(const GEOSGeometry* feature,
+                         const std::vector<const GEOSGeometry*>& others) const {
+        constexpr std::size_t few = 8;
+        GEOSGeometry* rest = GEOSGeom_clone_r(context_, feature);
+        const auto takeOff = [&](const GEOSGeometry* other) {
+            GEOSGeometry* less = GEOSDifference_r(context_, rest, other);
+            check(less != nullptr);
+            GEOSGeom_destroy_r(context_, rest);
+            rest = less;
+        };
+        if (others.size() > few) {
+            GEOSGeometry* united = unite(others);
+            takeOff(united);
+            GEOSGeom_destroy_r(context_, united);
+            return rest;
+        }
+        for (const GEOSGeometry* other : others) {
+            if (GEOSisEmpty_r(context_, rest) == 0) takeOff(other);
+        }
+        return rest;
+    }
+
+    GEOSGeometry* unite(const std::vector<const GEOSGeometry*>& geometries) const {
+        std::vector<GEOSGeometry*> copies;
+        for (const GEOSGeometry* g : geometries) copies.push_back(GEOSGeom_clone_r(context_, g));
+        GEOSGeometry* all = GEOSGeom_createCollection_r(
+            context_, GEOS_GEOMETRYCOLLECTION, copies.data(), static_cast<unsigned>(copies.size()));
+        GEOSGeometry* united = GEOSUnaryUnion_r(context_, all);
+        check(united != nullptr);
+        GEOSGeom_destroy_r(context_, all);
+        return united;
+    }
+
+    // Takes over a result: polygons as they are, of a collection the polygons, of anything
     // else nothing.
     void keepPolygons(GEOSGeometry* piece) {
         check(piece != nullptr);
@@ -135,6 +183,7 @@ class GeosLoop final : public Rival {
         }
     }
 
+    Parts parts_;
     GeosPretest pretest_;
     GEOSContextHandle_t context_;
     std::string error_;
@@ -145,8 +194,8 @@ class GeosLoop final : public Rival {
 
 }  // namespace
 
-std::unique_ptr<Rival> makeGeosLoop(GeosPretest pretest) {
-    return std::make_unique<GeosLoop>(pretest);
+std::unique_ptr<Rival> makeGeosLoop(Operation operation, GeosPretest pretest) {
+    return std::make_unique<GeosLoop>(operation, pretest);
 }
 
 }  // namespace bench

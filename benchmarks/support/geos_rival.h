@@ -8,15 +8,17 @@
 
 namespace bench {
 
-/// How the GEOS loop treats a pair before it computes the intersection.
+/// How the GEOS loop treats a pair before it computes anything.
 enum class GeosPretest {
-    None,      ///< intersects every pair whose envelopes meet
-    Prepared,  ///< with A's feature prepared: skips what misses it, copies what it contains
+    None,      ///< overlays every pair whose envelopes meet
+    Prepared,  ///< with the feature at hand prepared: skips what misses it, copies what it contains
 };
 
-/// The loop that a programmer writes with GEOS: geometries in memory, an STRtree over B, the
-/// intersection of each pair, polygonal parts kept. No attributes, one thread.
-std::unique_ptr<Rival> makeGeosLoop(GeosPretest pretest);
+/// The loop that a programmer writes with GEOS: geometries in memory, an STRtree over the other
+/// layer, the intersection of each pair, the difference with all that a feature meets (taken off
+/// one by one where they are few, united first where they are many), polygonal parts kept. No
+/// attributes, one thread.
+std::unique_ptr<Rival> makeGeosLoop(Operation operation, GeosPretest pretest);
 
 }  // namespace bench
 

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace bench {
@@ -65,6 +66,22 @@ std::int64_t copyFeatures(OGRLayer& from, OGRLayer& to) {
     return repaired;
 }
 
+// Makes a GeoPackage of one layer, which `fill` fills in one transaction.
+void writeGeoPackageLayer(const std::string& path, const char* name,
+                          const OGRSpatialReference* reference, OGRwkbGeometryType type,
+                          const std::function<void(OGRLayer&)>& fill) {
+    removeGeoPackage(path);
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GPKG");
+    GDALDatasetUniquePtr target(driver->Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    if (target == nullptr) fail("cannot create " + path);
+    OGRLayer* output =
+        target->CreateLayer(name, const_cast<OGRSpatialReference*>(reference), type, nullptr);
+    if (output == nullptr) fail("cannot create a layer in " + path);
+    target->StartTransaction();
+    fill(*output);
+    if (target->CommitTransaction() != OGRERR_NONE) fail("cannot write " + path);
+}
+
 }  // namespace
 
 void forEachWkb(const std::string& path,
@@ -83,17 +100,36 @@ void forEachWkb(const std::string& path,
 std::int64_t copyRepaired(const std::string& from, const std::string& to) {
     const GDALDatasetUniquePtr source = openVector(from);
     OGRLayer& input = *source->GetLayer(0);
-    removeGeoPackage(to);
-    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GPKG");
-    GDALDatasetUniquePtr target(driver->Create(to.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
-    if (target == nullptr) fail("cannot create " + to);
-    OGRLayer* output =
-        target->CreateLayer(input.GetName(), input.GetSpatialRef(), wkbMultiPolygon, nullptr);
-    if (output == nullptr) fail("cannot create a layer in " + to);
-    target->StartTransaction();
-    const std::int64_t repaired = copyFeatures(input, *output);
-    if (target->CommitTransaction() != OGRERR_NONE) fail("cannot write " + to);
+    std::int64_t repaired = 0;
+    writeGeoPackageLayer(to, input.GetName(), input.GetSpatialRef(), wkbMultiPolygon,
+                         [&](OGRLayer& output) { repaired = copyFeatures(input, output); });
     return repaired;
+}
+
+void writeWorldCells(const std::string& path, int degrees) {
+    GDALAllRegister();
+    OGRSpatialReference reference;
+    reference.importFromEPSG(4326);
+    reference.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    writeGeoPackageLayer(path, "cells", &reference, wkbPolygon, [degrees](OGRLayer& output) {
+        OGRFieldDefn field("cell", OFTInteger);
+        if (output.CreateField(&field) != OGRERR_NONE) fail("cannot create a field");
+        int number = 0;
+        for (int y = -90; y < 90; y += degrees) {
+            for (int x = -180; x < 180; x += degrees) {
+                auto ring = std::make_unique<OGRLinearRing>();
+                for (const auto& [dx, dy] : {std::pair(0, 0), {1, 0}, {1, 1}, {0, 1}, {0, 0}}) {
+                    ring->addPoint(x + dx * degrees, y + dy * degrees);
+                }
+                auto cell = std::make_unique<OGRPolygon>();
+                cell->addRingDirectly(ring.release());
+                OGRFeature feature(output.GetLayerDefn());
+                feature.SetField(0, ++number);
+                feature.SetGeometryDirectly(cell.release());
+                if (output.CreateFeature(&feature) != OGRERR_NONE) fail("cannot write a cell");
+            }
+        }
+    });
 }
 
 void removeGeoPackage(const std::string& path) {

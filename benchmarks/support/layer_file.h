@@ -23,6 +23,10 @@ void forEachWkb(const std::string& path,
 /// multipolygons. Returns how many were repaired. Throws `std::runtime_error` on failure.
 std::int64_t copyRepaired(const std::string& from, const std::string& to);
 
+/// Writes the square cells between the meridians and parallels of every `degrees` degrees, which
+/// must divide 180, as a GeoPackage. Throws `std::runtime_error` on failure.
+void writeWorldCells(const std::string& path, int degrees);
+
 /// Removes a file, if it is there, with the side files that SQLite may have left.
 void removeGeoPackage(const std::string& path);
 

@@ -6,9 +6,9 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <exception>
 #include <string>
 
+#include "support/run_main.h"
 #include "support/tessellation.h"
 
 namespace {
@@ -45,11 +45,4 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "make_tessellation: %s\n", error.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return bench::runMain("make_tessellation", run, argc, argv); }

@@ -21,6 +21,7 @@ using namespace jws;
 
 constexpr int kAttributesOfBoth = 0;
 constexpr double kKeepAll = 0.0;  // no area is too small
+constexpr int kTeam = 8;          // of the _mp forms
 
 [[noreturn]] void fail(const std::string& what) {
     throw std::runtime_error(what + ": " + JWReport::lastError().text);
@@ -86,19 +87,37 @@ OpenLayer copyToMemory(const std::string& path) {
     return memory;
 }
 
-void intersect(OurForm form, int blockSize, JWFeatureLayer& a, JWFeatureLayer& b,
-               JWFeatureLayer& result) {
-    const int code = form == OurForm::Mp
-                         ? JWGeometryOverlay2::intersectPolygonLayers_mp(
-                               &a, &b, &result, kAttributesOfBoth, kKeepAll, blockSize)
-                         : JWGeometryOverlay2::intersectPolygonLayers(
-                               &a, &b, &result, kAttributesOfBoth, kKeepAll, blockSize);
-    if (code < 0) fail("intersectPolygonLayers answered " + std::to_string(code));
+using Overlay = int (*)(JWFeatureLayer*, JWFeatureLayer*, JWFeatureLayer*, const JWOverlayOptions&,
+                        JWLayerReport*);
+
+Overlay functionOf(Operation operation) {
+    switch (operation) {
+        case Operation::Intersect:
+            return &JWGeometryOverlay2::intersectPolygonLayers;
+        case Operation::Erase:
+            return &JWGeometryOverlay2::erasePolygonLayer;
+        case Operation::Union:
+            return &JWGeometryOverlay2::unionPolygonLayers2;
+        case Operation::Identity:
+            return &JWGeometryOverlay2::identityPolygonLayers;
+        default:
+            return &JWGeometryOverlay2::symmetricalDifferencePolygonLayers;
+    }
+}
+
+void overlay(const OurForm& form, JWFeatureLayer& a, JWFeatureLayer& b, JWFeatureLayer& result) {
+    JWOverlayOptions options;
+    options.attributeMode = kAttributesOfBoth;
+    options.tolerance = kKeepAll;
+    options.blockSize = form.blockSize;
+    options.threads = form.team ? kTeam : 1;
+    const int code = functionOf(form.operation)(&a, &b, &result, options, nullptr);
+    if (code < 0) fail("the overlay answered " + std::to_string(code));
 }
 
 class OursMemory final : public Rival {
   public:
-    OursMemory(OurForm form, int blockSize) : form_(form), blockSize_(blockSize) {}
+    explicit OursMemory(const OurForm& form) : form_(form) {}
 
     void load(const LayerPair& pair) override {
         JWReport::setMessageSink(swallow, nullptr);
@@ -109,7 +128,7 @@ class OursMemory final : public Rival {
     void run() override {
         result_ = createLayer(SourcePtr(JWDataSource::createInMemory()), "result",
                               JWWKBMultiPolygon, *a_.layer);
-        intersect(form_, blockSize_, *a_.layer, *b_.layer, *result_.layer);
+        overlay(form_, *a_.layer, *b_.layer, *result_.layer);
     }
 
     void summarize(Summary& summary) override {
@@ -136,7 +155,6 @@ class OursMemory final : public Rival {
     static constexpr int kBlock = 10000;
 
     OurForm form_;
-    int blockSize_;
     OpenLayer a_;
     OpenLayer b_;
     OpenLayer result_;
@@ -144,12 +162,12 @@ class OursMemory final : public Rival {
 
 class OursFile final : public Rival {
   public:
-    OursFile(OurForm form, int blockSize) : form_(form), blockSize_(blockSize) {}
+    explicit OursFile(const OurForm& form) : form_(form) {}
 
     void load(const LayerPair& pair) override {
         JWReport::setMessageSink(swallow, nullptr);
         pair_ = pair;
-        path_ = pair.workDirectory + (form_ == OurForm::Mp ? "/ours_mp.gpkg" : "/ours.gpkg");
+        path_ = pair.workDirectory + (form_.team ? "/ours_mp.gpkg" : "/ours.gpkg");
         removeGeoPackage(path_);
     }
 
@@ -158,7 +176,7 @@ class OursFile final : public Rival {
         const OpenLayer b = openFile(pair_.b);
         OpenLayer result = createLayer(SourcePtr(JWDataSource::create(path_.c_str(), "GPKG")),
                                        "result", JWWKBMultiPolygon, *a.layer);
-        intersect(form_, blockSize_, *a.layer, *b.layer, *result.layer);
+        overlay(form_, *a.layer, *b.layer, *result.layer);
         result.close();
     }
 
@@ -172,19 +190,18 @@ class OursFile final : public Rival {
 
   private:
     OurForm form_;
-    int blockSize_;
     LayerPair pair_;
     std::string path_;
 };
 
 }  // namespace
 
-std::unique_ptr<Rival> makeOursMemory(OurForm form, int blockSize) {
-    return std::make_unique<OursMemory>(form, blockSize);
+std::unique_ptr<Rival> makeOursMemory(const OurForm& form) {
+    return std::make_unique<OursMemory>(form);
 }
 
-std::unique_ptr<Rival> makeOursFile(OurForm form, int blockSize) {
-    return std::make_unique<OursFile>(form, blockSize);
+std::unique_ptr<Rival> makeOursFile(const OurForm& form) {
+    return std::make_unique<OursFile>(form);
 }
 
 }  // namespace bench

@@ -8,15 +8,18 @@
 
 namespace bench {
 
-/// Which of the two forms of `intersectPolygonLayers` runs.
-enum class OurForm { Plain, Mp };
+/// How an operation runs.
+struct OurForm {
+    Operation operation = Operation::Intersect;
+    bool team = false;     ///< as its `_mp` form
+    int blockSize = 4096;  ///< features held at a time
+};
 
-/// `intersectPolygonLayers` from in-memory layers into an in-memory layer, attributes of both
-/// sides. `blockSize`: features of A held at a time.
-std::unique_ptr<Rival> makeOursMemory(OurForm form, int blockSize);
+/// A layer operation from in-memory layers into an in-memory layer, attributes of both sides.
+std::unique_ptr<Rival> makeOursMemory(const OurForm& form);
 
 /// The same from GeoPackage to GeoPackage, opening and closing included.
-std::unique_ptr<Rival> makeOursFile(OurForm form, int blockSize);
+std::unique_ptr<Rival> makeOursFile(const OurForm& form);
 
 }  // namespace bench
 

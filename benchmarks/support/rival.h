@@ -19,7 +19,33 @@ struct LayerPair {
     std::string workDirectory;  ///< for results
 };
 
-/// An intersection of two polygon layers: one result feature per pair that shares an area.
+/// What is done to two polygon layers A and B.
+enum class Operation { Intersect, Erase, Union, Identity, SymmetricalDifference };
+
+/// What becomes of the features: one result for each pair that shares an area (pieces), and one for
+/// what of a feature lies outside of the other layer (rest).
+struct Parts {
+    bool pieces;
+    bool restOfA;
+    bool restOfB;
+};
+
+inline Parts partsOf(Operation operation) {
+    switch (operation) {
+        case Operation::Intersect:
+            return {true, false, false};
+        case Operation::Erase:
+            return {false, true, false};
+        case Operation::Union:
+            return {true, true, true};
+        case Operation::Identity:
+            return {true, true, false};
+        default:
+            return {false, true, true};
+    }
+}
+
+/// One way to overlay two polygon layers.
 class Rival {
   public:
     virtual ~Rival() = default;

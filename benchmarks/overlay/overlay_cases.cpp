@@ -2,7 +2,7 @@
 //
 // A sliver is a piece below 1e-9 of the mean polygon of B: whether two borders that coincide but
 // for rounding leave one is decided by the last bit, and every library decides for itself.
-#include "overlay/intersect_cases.h"
+#include "overlay/overlay_cases.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,6 +17,7 @@ namespace bench {
 namespace {
 
 constexpr double kSliver = 1e-9;
+constexpr int kCellDegrees = 2;
 
 struct Sizes {
     std::int64_t polygonsA = 0;
@@ -47,6 +48,9 @@ Sizes writeLayers(const std::string& name, const CaseSettings& settings, const L
     if (name == "counties") {
         sizes.repaired = copyRepaired(settings.dataDirectory + "/us_counties.gpkg", pair.a) +
                          copyRepaired(settings.dataDirectory + "/climate_cells.gpkg", pair.b);
+    } else if (name == "countries") {
+        sizes.repaired = copyRepaired(settings.dataDirectory + "/countries_50m.gpkg", pair.a);
+        writeWorldCells(pair.b, kCellDegrees);
     } else {
         char* end = nullptr;
         const long long polygons = std::strtoll(name.c_str(), &end, 10);
@@ -63,8 +67,8 @@ Sizes writeLayers(const std::string& name, const CaseSettings& settings, const L
 
 }  // namespace
 
-IntersectCase prepareCase(const std::string& name, const CaseSettings& settings) {
-    IntersectCase made;
+OverlayCase prepareCase(const std::string& name, const CaseSettings& settings) {
+    OverlayCase made;
     made.pair.a = settings.workDirectory + "/" + name + "_a.gpkg";
     made.pair.b = settings.workDirectory + "/" + name + "_b.gpkg";
     made.pair.workDirectory = settings.workDirectory;

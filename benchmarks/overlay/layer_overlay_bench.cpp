@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Intersection of two polygon layers, beside a hand-written GEOS loop and GDAL's layer algebra.
+// Overlays of two polygon layers (intersection, erase, union, identity, symmetrical difference),
+// beside a hand-written GEOS loop and, for the intersection, GDAL's layer algebra.
 //
 // Every contender first runs once in a process of its own: that gives its answer and its peak
 // memory. Answers are compared with those of the GEOS loop, and who differs is named and not timed.
@@ -12,17 +13,19 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
-#include "overlay/intersect_cases.h"
+#include "overlay/overlay_cases.h"
 #include "support/child_process.h"
 #include "support/gdal_rival.h"
 #include "support/geos_rival.h"
 #include "support/ours.h"
+#include "support/run_main.h"
 #include "support/stats.h"
 
 namespace bench {
@@ -35,7 +38,8 @@ constexpr std::size_t kMostContenders = 8;
 
 struct Settings {
     CaseSettings input;
-    std::vector<std::string> cases{"1000", "10000", "100000", "counties"};
+    std::vector<std::string> cases{"1000", "10000", "counties", "countries"};
+    std::vector<std::string> operations;
     std::vector<std::string> groups;
     std::vector<std::string> skip;
     int rounds = 0;
@@ -67,28 +71,44 @@ struct Times {
     double ratio[kMostContenders] = {};
 };
 
-std::vector<Group> groupsOf(const Settings& settings) {
-    const int block = settings.blockSize;
-    const auto memory = [block](OurForm form) {
-        return [=] { return makeOursMemory(form, block); };
+struct NamedOperation {
+    const char* name;
+    Operation operation;
+};
+
+constexpr NamedOperation kOperations[] = {
+    {"intersect", Operation::Intersect},
+    {"erase", Operation::Erase},
+    {"union", Operation::Union},
+    {"identity", Operation::Identity},
+    {"symdiff", Operation::SymmetricalDifference},
+};
+
+std::vector<Group> groupsOf(Operation operation, const Settings& settings) {
+    const OurForm plain{operation, false, settings.blockSize};
+    const OurForm team{operation, true, settings.blockSize};
+    const auto memory = [](const OurForm& form) { return [form] { return makeOursMemory(form); }; };
+    const auto file = [](const OurForm& form) { return [form] { return makeOursFile(form); }; };
+    const auto geos = [operation](GeosPretest pretest) {
+        return [=] { return makeGeosLoop(operation, pretest); };
     };
-    const auto file = [block](OurForm form) { return [=] { return makeOursFile(form, block); }; };
-    return {
+    std::vector<Group> groups{
         {"memory",
-         {{"jwcg", memory(OurForm::Plain)},
-          {"geos", [] { return makeGeosLoop(GeosPretest::None); }},
-          {"geos-prepared", [] { return makeGeosLoop(GeosPretest::Prepared); }},
-          {"gdal", makeGdalMemory, kQuadraticLimit}}},
-        {"file", {{"jwcg-file", file(OurForm::Plain)}, {"gdal-file", makeGdalFile}}},
-        {"threads",
-         {{"jwcg", memory(OurForm::Plain)}, {"jwcg_mp", memory(OurForm::Mp), INT64_MAX, true}}},
+         {{"jwcg", memory(plain)},
+          {"geos", geos(GeosPretest::None)},
+          {"geos-prepared", geos(GeosPretest::Prepared)}}},
+        {"threads", {{"jwcg", memory(plain)}, {"jwcg_mp", memory(team), INT64_MAX, true}}},
         {"threads-file",
-         {{"jwcg-file", file(OurForm::Plain)},
-          {"jwcg_mp-file", file(OurForm::Mp), INT64_MAX, true}}},
+         {{"jwcg-file", file(plain)}, {"jwcg_mp-file", file(team), INT64_MAX, true}}},
     };
+    if (operation == Operation::Intersect) {
+        groups[0].entries.push_back({"gdal", makeGdalMemory, kQuadraticLimit});
+        groups.push_back({"file", {{"jwcg-file", file(plain)}, {"gdal-file", makeGdalFile}}});
+    }
+    return groups;
 }
 
-ChildResult<Probe> probe(const Entry& entry, const IntersectCase& input) {
+ChildResult<Probe> probe(const Entry& entry, const OverlayCase& input) {
     return inChild<Probe>([&] {
         Probe result;
         const std::unique_ptr<Rival> rival = entry.make();
@@ -103,8 +123,7 @@ ChildResult<Probe> probe(const Entry& entry, const IntersectCase& input) {
     });
 }
 
-Times timeTogether(const std::vector<const Entry*>& entries, const IntersectCase& input,
-                   int rounds) {
+Times timeTogether(const std::vector<const Entry*>& entries, const OverlayCase& input, int rounds) {
     std::vector<std::unique_ptr<Rival>> rivals;
     std::vector<Contender> contenders;
     for (const Entry* entry : entries) {
@@ -123,7 +142,7 @@ Times timeTogether(const std::vector<const Entry*>& entries, const IntersectCase
     return times;
 }
 
-int roundsFor(const Settings& settings, const IntersectCase& input) {
+int roundsFor(const Settings& settings, const OverlayCase& input) {
     if (settings.rounds > 0) return settings.rounds;
     return input.polygonsA <= 5000 ? 9 : input.polygonsA <= 20000 ? 5 : 3;
 }
@@ -134,7 +153,7 @@ bool listed(const std::vector<std::string>& names, const std::string& name) {
 
 // The contenders of a group whose answers hold; says of the others why they are left out.
 std::vector<const Entry*> agreeing(const Group& group, const Settings& settings,
-                                   const IntersectCase& input, const Summary& expected,
+                                   const OverlayCase& input, const Summary& expected,
                                    std::vector<Probe>& probes, bool& allAgree) {
     std::vector<const Entry*> agreed;
     for (const Entry& entry : group.entries) {
@@ -174,7 +193,7 @@ void printTable(const std::vector<const Entry*>& entries, const std::vector<Prob
     }
 }
 
-bool runGroup(const Group& group, const Settings& settings, const IntersectCase& input,
+bool runGroup(const Group& group, const Settings& settings, const OverlayCase& input,
               const Summary& expected) {
     const int rounds = roundsFor(settings, input);
     std::printf(" %s (%d rounds)\n", group.name, rounds);
@@ -191,39 +210,64 @@ bool runGroup(const Group& group, const Settings& settings, const IntersectCase&
     return allAgree;
 }
 
-bool runCase(const std::string& name, const Settings& settings) {
-    const IntersectCase input = prepareCase(name, settings.input);
-    const Entry geos{"geos", [] { return makeGeosLoop(GeosPretest::None); }};
+bool runOperation(const NamedOperation& named, const std::string& caseName,
+                  const Settings& settings, const OverlayCase& input) {
+    const Entry geos{"geos",
+                     [&named] { return makeGeosLoop(named.operation, GeosPretest::Prepared); }};
     const ChildResult<Probe> reference = probe(geos, input);
     if (!reference.ok()) throw std::runtime_error(std::string("reference: ") + reference.error);
     const Summary& expected = reference.value.summary;
-    std::printf("%s: %lld x %lld polygons; %lld pieces above %.3g square units, area %.15g\n",
-                name.c_str(), static_cast<long long>(input.polygonsA),
+    std::printf("%s, %s: %lld x %lld polygons; %lld results above %.3g square units, area %.15g\n",
+                named.name, caseName.c_str(), static_cast<long long>(input.polygonsA),
                 static_cast<long long>(input.polygonsB),
                 static_cast<long long>(expected.features() - expected.slivers()), input.sliver,
                 expected.area());
     bool allAgree = true;
-    for (const Group& group : groupsOf(settings)) {
+    for (const Group& group : groupsOf(named.operation, settings)) {
         if (!settings.groups.empty() && !listed(settings.groups, group.name)) continue;
         if (!runGroup(group, settings, input, expected)) allAgree = false;
+    }
+    return allAgree;
+}
+
+bool runCase(const std::string& name, const Settings& settings) {
+    const OverlayCase input = prepareCase(name, settings.input);
+    bool allAgree = true;
+    for (const NamedOperation& named : kOperations) {
+        if (!settings.operations.empty() && !listed(settings.operations, named.name)) continue;
+        if (!runOperation(named, name, settings, input)) allAgree = false;
     }
     std::filesystem::remove(input.pair.a);
     std::filesystem::remove(input.pair.b);
     return allAgree;
 }
 
-std::string makeWorkDirectory() {
-    std::string name = (std::filesystem::temp_directory_path() / "jwcg-bench-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot create " + name);
-    return name;
-}
+// A directory that goes with this object.
+struct TemporaryDirectory {
+    TemporaryDirectory()
+        : path((std::filesystem::temp_directory_path() / "jwcg-bench-XXXXXX").string()) {
+        if (mkdtemp(path.data()) == nullptr) throw std::runtime_error("cannot create " + path);
+    }
+    ~TemporaryDirectory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    std::string path;
+};
 
 int run(int argc, char** argv) {
     Settings settings;
     settings.input.dataDirectory = JWCG_EXAMPLE_DATA;
-    CLI::App app{"Intersects two polygon layers with jwcg, GEOS and GDAL: answers, times, memory."};
-    app.add_option("CASE", settings.cases, "numbers of generated polygons, or \"counties\"")
+    CLI::App app{"Overlays two polygon layers with jwcg, GEOS and GDAL: answers, times, memory."};
+    app.add_option("CASE", settings.cases,
+                   "numbers of generated polygons, \"counties\", \"countries\"")
         ->capture_default_str();
+    app.add_option("--operation", settings.operations,
+                   "intersect, erase, union, identity, symdiff; default: all")
+        ->check(CLI::IsMember({"intersect", "erase", "union", "identity", "symdiff"}));
     app.add_option("--group", settings.groups, "memory, file, threads, threads-file; default: all")
         ->check(CLI::IsMember({"memory", "file", "threads", "threads-file"}));
     app.add_option("--skip", settings.skip, "contenders to leave out, by name");
@@ -239,18 +283,12 @@ int run(int argc, char** argv) {
                    "existing directory for inputs and results; default: a temporary one");
     CLI11_PARSE(app, argc, argv);
 
-    const bool temporary = settings.input.workDirectory.empty();
-    if (temporary) settings.input.workDirectory = makeWorkDirectory();
-    bool allAgree = true;
-    try {
-        for (const std::string& name : settings.cases) {
-            if (!runCase(name, settings)) allAgree = false;
-        }
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "layer_intersect_bench: %s\n", failure.what());
-        allAgree = false;
+    std::optional<TemporaryDirectory> temporary;
+    if (settings.input.workDirectory.empty()) {
+        settings.input.workDirectory = temporary.emplace().path;
     }
-    if (temporary) std::filesystem::remove_all(settings.input.workDirectory);
+    bool allAgree = true;
+    for (const std::string& name : settings.cases) allAgree = runCase(name, settings) && allAgree;
     return allAgree ? 0 : 1;
 }
 
@@ -259,10 +297,5 @@ int run(int argc, char** argv) {
 }  // namespace bench
 
 int main(int argc, char** argv) {
-    try {
-        return bench::run(argc, argv);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "layer_intersect_bench: %s\n", failure.what());
-        return 1;
-    }
+    return bench::runMain("layer_overlay_bench", bench::run, argc, argv);
 }
