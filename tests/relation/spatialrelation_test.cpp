@@ -215,7 +215,7 @@ TEST(SpatialRelation, PredicatesMeanWhatTheMatrixSays) {
     std::vector<Named> predicates = namedPredicates();
     RandomGeometries random(5, 4);
     std::vector<std::unique_ptr<JWGeometry>> kinds[7];
-    for (int i = 0; i < 400; ++i) {
+    for (int i = 0; i < 240; ++i) {
         auto geometry = random.next();
         kinds[geometry->getGeometryType()].push_back(std::move(geometry));
     }
@@ -233,8 +233,8 @@ TEST(SpatialRelation, PredicatesMeanWhatTheMatrixSays) {
             }
         }
         EXPECT_GT(hits, 0) << predicate.name;
-        const JWGeometry* some = kinds[predicate.kindB].front().get();
-        EXPECT_FALSE(predicate.ask(nullptr, some) || predicate.ask(some, nullptr))
+        EXPECT_FALSE(predicate.ask(nullptr, kinds[predicate.kindB].front().get()) ||
+                     predicate.ask(kinds[predicate.kindA].front().get(), nullptr))
             << predicate.name;
     }
 }
