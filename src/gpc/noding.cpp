@@ -22,14 +22,15 @@
 // Where edges crowd, as in bundles that are parallel to within rounding, bent edges may go on
 // crossing one another, ever further along. Therefore the second pass may split half as often as
 // there are points and splits in the first, and every further one half as often as the one before.
-// What asks for more goes back to the beginning and is snap rounded as a whole: snap_rounding.h
-// says why no crossing is left then. Crossings go to the same grid there; what differs is that
-// edges are led through every crowded pixel that they enter, and that vertices finer than the grid
-// keep their place only where nothing else is within a pixel or two. Rounding the outcome again
-// leads edges away from vertices that they pass within half a unit now (iterated snap rounding:
-// Halperin and Packer 2002); that is repeated a few times, or until nothing changes. A last
-// comparison marks where edges meet. Neither way may lead an edge further than kStray from its own
-// line in the end: passes that do are given up, and so is a repetition of snap rounding.
+// What asks for more, or has most of its first splits fall together, goes back to the beginning and
+// is snap rounded as a whole: snap_rounding.h says why no crossing is left then. Crossings go to
+// the same grid there; what differs is that edges are led through every crowded pixel that they
+// enter, and that vertices finer than the grid keep their place only where nothing else is within a
+// pixel or two. Rounding the outcome again leads edges away from vertices that they pass within
+// half a unit now (iterated snap rounding: Halperin and Packer 2002); that is repeated a few times,
+// or until nothing changes. A last comparison marks where edges meet. Neither way may lead an edge
+// further than kStray from its own line in the end: passes that do are given up, and so is a
+// repetition of snap rounding.
 //
 // After the last pass any two edges are disjoint, equal, or share end points only, exactly, in
 // the very doubles that are handed out; so contours made of them are valid without any tolerance.
@@ -50,8 +51,10 @@ namespace jws::gpc {
 namespace {
 
 constexpr double kShallow = 0x1p-7;
-constexpr int kRounds = 8;      // of snap rounding
-constexpr double kStray = 2.5;  // units, in x and y together
+constexpr int kRounds = 8;           // of snap rounding
+constexpr double kStray = 2.5;       // units, in x and y together
+constexpr std::size_t kHeap = 4;     // splits that fall together, on the average
+constexpr std::size_t kBundle = 64;  // pieces of an edge, on the average
 constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
 
 bool isWithin(const Point& p, const Point& a, const Point& b) {
@@ -90,10 +93,11 @@ bool Noder::bend() {
     for (pass_ = 1; check(); ++pass_) {
         if (splits_.size() > most_) return false;
         most_ = (most_ == kNoLimit ? set_->points.size() + splits_.size() : most_) / 2;
-        findCrowds();
+        if (pass_ == 1) findCrowds();
+        const std::size_t before = set_->points.size();
         const bool any = rebuild();
         treeIsFresh_ = false;
-        if (strayed_) return false;
+        if (strayed_ || (pass_ == 1 && isHeap(set_->points.size() - before))) return false;
         if (!any) return true;
         findDoubles();
     }
@@ -118,6 +122,7 @@ void Noder::snap() {
         }
         active_ = target;
         set_ = &work_[target];
+        if (set_->points.size() > kBundle * source_->points.size()) break;
     }
     set_->flags.fill(set_->points.size(), kUnchecked);
     findDoubles();
@@ -298,9 +303,15 @@ void Noder::cross(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint3
     }
 }
 
+// Tells whether the splits beside edges, of which `made` points came, mostly fell together.
+bool Noder::isHeap(std::size_t made) const {
+    std::size_t moved = 0;
+    for (const SplitPoint& s : splits_) moved += s.moved;
+    return moved > kHeap * made;
+}
+
 // Marks edges with two split points near each other, and the edges that split them there.
 void Noder::findCrowds() {
-    if (pass_ > 1) return;
     for (const Contour& c : set_->contours) {
         for (std::uint32_t i = c.first; i < c.last; ++i) {
             if (firstSplit_[i] == 0 || splits_[firstSplit_[i] - 1].next == 0) continue;

@@ -87,6 +87,7 @@ class Noder {
         set_->flags[i] |= kSuspect;
         set_->flags[j] |= kSuspect;
     }
+    bool isHeap(std::size_t made) const;
     void findCrowds();
     /// After snap rounding an edge is cut at what lies on it only.
     bool isNear(const Point& p, const Point& a, const Point& b) const {
