@@ -30,6 +30,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr std::uint64_t kChunk = 64;
+constexpr std::uint64_t kTold = 10000;  // pairs between words on progress
 
 double secondsNow() {
     return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
@@ -57,6 +58,9 @@ void reportCrash(int signal) {
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
+
+volatile std::sig_atomic_t askedToEnd = 0;
+void askToEnd(int) { askedToEnd = 1; }
 
 /// A miss without its figures: what misses of one cause have in common.
 std::string kindOf(const Miss& miss) {
@@ -98,6 +102,7 @@ class Campaign {
         for (const int signal : {SIGSEGV, SIGABRT, SIGFPE, SIGBUS}) {
             std::signal(signal, reportCrash);
         }
+        for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, askToEnd);
         const double start = secondsNow();
         std::vector<InHand> hands(static_cast<std::size_t>(settings_.threads));
         std::atomic<int> running{settings_.threads};
@@ -111,6 +116,7 @@ class Campaign {
         while (running > 0) {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
             for (const InHand& hand : hands) watch(hand);
+            tellProgress();
         }
         for (std::thread& worker : team) worker.join();
         return summarize(secondsNow() - start);
@@ -122,8 +128,9 @@ class Campaign {
         std::vector<Tally> mine(families_.size());
         for (;;) {
             const std::uint64_t first = next_.fetch_add(kChunk);
-            if (first >= total_) break;
+            if (first >= total_ || askedToEnd) break;
             for (std::uint64_t i = first; i < std::min(first + kChunk, total_); ++i) {
+                if (askedToEnd) break;
                 const std::size_t f = i % families_.size();
                 const std::uint64_t pair = settings_.only < 0
                                                ? i / families_.size()
@@ -154,6 +161,7 @@ class Campaign {
             }
         }
         hand.since = 0;
+        ++done_;
     }
 
     Miss check(const RingPair& pair, RandomRings random) const {
@@ -181,6 +189,14 @@ class Campaign {
         std::printf("# HANG over %g s in %s\n", settings_.limit, hand.name);
         std::fflush(stdout);
         std::_Exit(1);
+    }
+
+    void tellProgress() {
+        const std::uint64_t done = done_;
+        if (done < told_ + kTold) return;
+        told_ = done;
+        std::printf("# %llu pairs done\n", static_cast<unsigned long long>(done));
+        std::fflush(stdout);
     }
 
     std::uint64_t summarize(double elapsed) const {
@@ -211,6 +227,8 @@ class Campaign {
     std::vector<Tally> tallies_;
     std::uint64_t total_ = 0;
     std::atomic<std::uint64_t> next_{0};
+    std::atomic<std::uint64_t> done_{0};
+    std::uint64_t told_ = 0;  // of them, at the last word
     std::mutex mutex_;
 };
 

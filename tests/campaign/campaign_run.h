@@ -22,7 +22,8 @@ struct CampaignSettings {
 };
 
 /// Checks the pairs, prints misses as they come and a table at the end; returns how many pairs
-/// missed. A crash, or a pair over the limit, is printed and ends the process.
+/// missed. A crash, or a pair over the limit, is printed and ends the process. SIGINT and SIGTERM
+/// end it early, with the table of what was done.
 std::uint64_t runCampaign(const CampaignSettings& settings);
 
 /// Checks pairs from a file of well-known text, one operand per line, A then B; empty lines and
