@@ -175,38 +175,51 @@ class LineMaker {
     NumberTable m_loops;
 };
 
-/// Names the polygons beside each line: `owner` of every ring, on the side where its interior is.
+/// A ring's run along a line: which polygon it bounds, and whether that lies on the line's left.
+struct Side {
+    int line;
+    int place;  ///< in the order of the rings
+    int owner;
+    bool isLeft;
+};
+
+std::vector<Side> sidesOf(const RingViews& rings, const std::vector<int>& owners,
+                          const SharedLines& result) {
+    std::vector<Side> sides;
+    sides.reserve(result.rings.members.size());
+    for (std::size_t r = 0; r < rings.size(); ++r) {
+        if (result.rings[r].size() == 0) continue;
+        const bool interiorLeft = runsCounterClockwise(rings[r]) == (rings[r].hole == 0);
+        for (const LineStep& step : result.rings[r])
+            sides.push_back({step.line, static_cast<int>(sides.size()), owners[r],
+                             interiorLeft == step.forward});
+    }
+    std::sort(sides.begin(), sides.end(), [](const Side& a, const Side& b) {
+        return a.line != b.line ? a.line < b.line : a.place < b.place;
+    });
+    return sides;
+}
+
+/// Names the polygons beside each line. A polygon that runs along it to and fro stands on the side
+/// that prevails, on both where neither does.
 void findSides(const RingViews& rings, const std::vector<int>& owners, SharedLines& result) {
-    struct Side {
-        int line, place, owner;
-    };
-    const auto gather = [&](bool wantLeft, ListOfLists<int>& lists) {
-        std::vector<Side> sides;
-        int place = 0;
-        for (std::size_t r = 0; r < rings.size(); ++r) {
-            if (result.rings[r].size() == 0) continue;
-            const bool interiorLeft = runsCounterClockwise(rings[r]) == (rings[r].hole == 0);
-            for (const LineStep& step : result.rings[r]) {
-                if ((interiorLeft == step.forward) == wantLeft)
-                    sides.push_back({step.line, place++, owners[r]});
-            }
+    const std::vector<Side> sides = sidesOf(rings, owners, result);
+    auto side = sides.begin();
+    for (std::size_t line = 0; line < result.lines.count(); ++line) {
+        const auto first = side;
+        while (side != sides.end() && side->line == static_cast<int>(line)) ++side;
+        for (auto own = first; own != side; ++own) {
+            const auto isSame = [&](const Side& other) { return other.owner == own->owner; };
+            if (std::find_if(first, own, isSame) != own) continue;
+            int balance = 0;
+            for (auto other = own; other != side; ++other)
+                if (isSame(*other)) balance += other->isLeft ? 1 : -1;
+            if (balance >= 0) result.left.members.push_back(own->owner);
+            if (balance <= 0) result.right.members.push_back(own->owner);
         }
-        std::sort(sides.begin(), sides.end(), [](const Side& a, const Side& b) {
-            return a.line != b.line ? a.line < b.line : a.place < b.place;
-        });
-        auto side = sides.begin();
-        for (std::size_t line = 0; line < result.lines.count(); ++line) {
-            const auto first = static_cast<std::ptrdiff_t>(lists.members.size());
-            for (; side != sides.end() && side->line == static_cast<int>(line); ++side) {
-                if (std::find(lists.members.begin() + first, lists.members.end(), side->owner) ==
-                    lists.members.end())
-                    lists.members.push_back(side->owner);
-            }
-            lists.endList();
-        }
-    };
-    gather(true, result.left);
-    gather(false, result.right);
+        result.left.endList();
+        result.right.endList();
+    }
 }
 
 }  // namespace

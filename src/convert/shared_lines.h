@@ -53,6 +53,8 @@ struct SharedLines {
     ListOfLists<JWRawPoint> lines;
     /// For each line the polygons on its left and right, by the numbers that the rings were given
     /// with, each once and in the order of the rings. One or none on each side in a clean coverage.
+    /// A polygon that runs along a line to and fro, as spikes do, stands on the side that prevails,
+    /// on both where neither does.
     ListOfLists<int> left, right;
     /// For each ring the lines that make it up, in the order of its points, beginning with the
     /// first line that starts at or after its first point. A closed line may begin elsewhere. Empty

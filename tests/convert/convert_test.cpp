@@ -316,6 +316,58 @@ TEST(ConvertLayers, InsidePointsLieInside) {
     }
 }
 
+/// The vertices of a polygon's rings wind around a point an odd number of times.
+bool isInside(const JWGeometry& polygon, const JWRawPoint& p) {
+    bool inside = false;
+    std::vector<JWLineString*> rings;
+    Convert::convertPolygonToLines(&polygon, rings);
+    for (JWLineString* ring : rings) {
+        if (JWRing(ring->getPointList()).isPointInRing(p)) inside = !inside;
+        delete ring;
+    }
+    return inside;
+}
+
+/// A point just left (1) or right (-1) of the middle of a line's longest edge.
+JWRawPoint besideLine(const JWLineString& line, int side) {
+    JWLine longest = line.getSegmentAt(0);
+    for (int k = 1; k < line.getSegmentCount(); ++k)
+        if (line.getSegmentAt(k).getLength() > longest.getLength()) longest = line.getSegmentAt(k);
+    const JWRawPoint a = longest.getFromPoint(), b = longest.getToPoint();
+    return {(a.x + b.x) / 2 - side * 1e-6 * (b.y - a.y),
+            (a.y + b.y) / 2 + side * 1e-6 * (b.x - a.x)};
+}
+
+TEST(ConvertLayers, CountiesLieOnTheSidesThatNameThem) {
+    SourcePtr source(JWDataSource::open(JW_EXAMPLE_DATA "/us_counties.gpkg"));
+    if (!source) GTEST_SKIP() << "no example data";
+    LayerPtr in(source->openLayer(0)), out = emptyLayer("out");
+    const int written =
+        Convert::convertPolygonLayerToLineLayer(in.get(), out.get(), true, {}, nullptr);
+    EXPECT_GT(written, 9000);
+    JWFeatureClass counties, lines;
+    in->getFeaturesByPosition(0, in->getFeatureCount(), counties);
+    out->getFeaturesByPosition(0, written, lines);
+    std::map<int, const JWGeometry*> byFid;
+    for (int i = 0; i < counties.getFeatureCount(); ++i)
+        byFid[counties.getFeatureAt(i)->getFID()] = counties.getFeatureAt(i)->getGeometryPtr();
+    int wrong = 0;
+    for (int i = 0; i < written; ++i) {
+        const JWFeature& line = *lines.getFeatureAt(i);
+        const auto& points = static_cast<const JWLineString&>(*line.getGeometryPtr());
+        int left = 0, right = 0;
+        line.getFieldAsInt(1, left);
+        line.getFieldAsInt(2, right);
+        if (left == right) continue;  // a spike
+        const JWRawPoint onLeft = besideLine(points, 1), onRight = besideLine(points, -1);
+        if (left >= 0)
+            wrong += !isInside(*byFid[left], onLeft) || isInside(*byFid[left], onRight) ? 1 : 0;
+        if (right >= 0)
+            wrong += !isInside(*byFid[right], onRight) || isInside(*byFid[right], onLeft) ? 1 : 0;
+    }
+    EXPECT_LE(wrong, 8) << "borders that the data runs along three times, at five places";
+}
+
 TEST(ConvertLayers, TeamWritesTheSame) {
     LayerPtr in = layerOf("in", randomRows(500, 9));
     std::vector<std::string> first;

@@ -39,7 +39,8 @@ const std::vector<Command>& commandTable() {
         selfUnionCommand(), selfIntersectCommand(), dissolveCommand(),  clipCommand(),
         bufferCommand(),    hullCommand(),          minCircleCommand(), minRectCommand(),
         envelopeCommand(),  simplifyCommand(),      smoothCommand(),    transformCommand(),
-        relateCommand(),    infoCommand(),
+        toLinesCommand(),   toPointsCommand(),      nearestCommand(),   relateCommand(),
+        infoCommand(),
     };
     return table;
 }
@@ -70,7 +71,9 @@ void addNonNegative(CLI::App& app, const std::string& names, double& target,
         }
         target = value;
     };
-    app.add_option_function<std::string>(names, read, help)->type_name("NUMBER")->default_str("0");
+    CLI::Option* option = app.add_option_function<std::string>(names, read, help);
+    option->type_name("NUMBER");
+    if (std::isfinite(target)) option->default_str("0");
 }
 
 void addRectangle(CLI::App& app, const std::string& names, std::vector<double>& target,

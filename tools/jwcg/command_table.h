@@ -5,6 +5,7 @@
 #ifndef JWCG_COMMAND_TABLE_H
 #define JWCG_COMMAND_TABLE_H
 
+#include <cmath>
 #include <functional>
 #include <map>
 #include <string>
@@ -62,6 +63,19 @@ struct Settings {
     std::vector<TransformStep> steps;
     std::vector<double> origin;  ///< empty for the centre of the layer
     bool inverse = false;
+    // Conversions.
+    bool shared = false;
+    bool innerOnly = false;
+    bool placeInside = false;
+    bool placeVertices = false;
+    int everyNth = 1;
+    double spacing = 0;
+    // Nearest features.
+    bool exact = false;
+    bool toBoundary = false;
+    bool skipSame = false;
+    int nearestCount = 1;
+    double maxDistance = HUGE_VAL;
     bool multipart = false;
     bool acrossClusters = false;
     bool singleParts = false;
@@ -101,7 +115,7 @@ const std::vector<Command>& commandTable();
 /// Declares an option that takes a decimal integer from `lowest` to `highest`.
 void addInteger(CLI::App& app, const std::string& names, int& target, int lowest, int highest,
                 const std::string& help);
-/// Declares an option that takes a finite number of at least 0.
+/// Declares an option that takes a finite number of at least 0; infinity stands for none given.
 void addNonNegative(CLI::App& app, const std::string& names, double& target,
                     const std::string& help);
 /// Declares an option that takes a rectangle, four numbers with commas between them; two opposite

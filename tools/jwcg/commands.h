@@ -45,6 +45,13 @@ Command transformCommand();
 // relate_command.cpp
 Command relateCommand();
 
+// convert_commands.cpp
+Command toLinesCommand();
+Command toPointsCommand();
+
+// nearest_command.cpp
+Command nearestCommand();
+
 // info_command.cpp
 Command infoCommand();
 

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+//
+// The commands to-lines, to-points and nearest: results, fields, and what they refuse.
+#include "program.h"
+
+namespace jws::test {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+class ConvertCommands : public ProgramTest {
+  protected:
+    ConvertCommands() {
+        write("a.geojson", geoJson({{0, 0, 2, 2, "left"}, {2, 0, 4, 2, "right"}}, 32633));
+        write("degrees.geojson", geoJson({{0, 0, 2, 2, "left"}, {2, 0, 4, 2, "right"}}));
+        write("road.geojson", geoJsonFeature("LineString", "[[0,5],[9,5]]"));
+        write("stop.geojson", geoJsonFeature("Point", "[1,3]"));
+    }
+};
+
+TEST_F(ConvertCommands, EachGivesItsResult) {
+    const struct {
+        Arguments arguments;  // without the output
+        long long features;
+        const char* type;
+        std::vector<std::string> fields;
+        const char* warning;
+    } rows[] = {
+        {{"to-lines", "a.geojson"}, 2, "Multi Line String", {"orig_fid", "name"}, ""},
+        {{"to-lines", "a.geojson", "--shared"},
+         3,
+         "Line String",
+         {"orig_fid", "left_fid", "right_fid", "name"},
+         ""},
+        {{"to-lines", "a.geojson", "--shared", "--inner", "--snap", "0.1"},
+         1,
+         "Line String",
+         {"orig_fid", "left_fid", "right_fid", "name"},
+         ""},
+        {{"to-points", "a.geojson"}, 2, "Point", {"orig_fid", "name"}, ""},
+        {{"to-points", "a.geojson", "--inside"}, 2, "Point", {"orig_fid", "name"}, ""},
+        {{"to-points", "a.geojson", "--vertices", "--every", "2"},
+         4,
+         "Point",
+         {"orig_fid", "vertex", "name"},
+         ""},
+        {{"nearest", "stop.geojson", "road.geojson"},
+         1,
+         "Line String",
+         {"PointFid", "LineFid", "ShortestLength"},
+         "degrees"},
+        {{"nearest", "stop.geojson", "degrees.geojson", "--boundary"},
+         1,
+         "Line String",
+         {"RingFid", "PointFid", "ShortestLength"},
+         "degrees"},
+        {{"nearest", "a.geojson", "a.geojson", "--true", "--others"},
+         2,
+         "Line String",
+         {"source_fid", "target_fid", "distance", "rank"},
+         ""},
+        {{"nearest", "stop.geojson", "degrees.geojson", "--true", "--k", "2", "--max-distance",
+          "1.2"},
+         1,
+         "Line String",
+         {"source_fid", "target_fid", "distance", "rank"},
+         "degrees"},
+    };
+    for (const auto& row : rows) {
+        Arguments all = row.arguments;
+        SCOPED_TRACE(all[0] + " " + all.back());
+        all.insert(all.end(), {"out.gpkg", "--overwrite", "--json"});
+        const Outcome outcome = run(all);
+        EXPECT_EQ(0, outcome.status) << outcome.err;
+        const bool warned = outcome.err.find("degrees") != std::string::npos;
+        EXPECT_EQ(*row.warning != '\0', warned) << outcome.err;
+        const LayerContent content = layer("out.gpkg", "out");
+        EXPECT_EQ(row.features, content.features);
+        EXPECT_EQ(row.type, content.geometryType);
+        EXPECT_EQ(row.fields, content.fields);
+        EXPECT_EQ(row.arguments[0], parse(outcome)["command"]);
+    }
+}
+
+TEST_F(ConvertCommands, WhatDoesNotGoTogetherIsRefused) {
+    const Arguments rows[] = {
+        {"to-lines", "road.geojson", "out.gpkg"},
+        {"to-lines", "a.geojson", "out.gpkg", "--inner"},
+        {"to-lines", "a.geojson", "out.gpkg", "--snap", "1"},
+        {"to-points", "a.geojson", "out.gpkg", "--inside", "--vertices"},
+        {"to-points", "a.geojson", "out.gpkg", "--spacing", "2"},
+        {"nearest", "degrees.geojson", "road.geojson", "out.gpkg"},
+        {"nearest", "stop.geojson", "road.geojson", "out.gpkg", "--k", "2"},
+        {"nearest", "stop.geojson", "road.geojson", "out.gpkg", "--max-distance", "2"},
+        {"nearest", "stop.geojson", "road.geojson", "out.gpkg", "--true", "--k", "0"},
+    };
+    for (const Arguments& row : rows) {
+        SCOPED_TRACE(row[0] + " " + row.back());
+        const Outcome outcome = run(row);
+        EXPECT_EQ(2, outcome.status);
+        EXPECT_NE("", outcome.err);
+        EXPECT_FALSE(exists("out.gpkg"));
+    }
+    EXPECT_EQ(7, run({"nearest", "stop.geojson", "a.geojson", "out.gpkg"}).status);
+}
+
+}  // namespace
+}  // namespace jws::test

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+//
+// `jwcg nearest`: the established search, or the exact one.
+#include <CLI/CLI.hpp>
+#include <climits>
+#include <cmath>
+
+#include "commands.h"
+#include "jw_geometrynearest.h"
+#include "layer_job.h"
+
+namespace jws::cli {
+namespace {
+
+void setupNearest(CLI::App& app, Settings& settings) {
+    addLayerOptions(app, settings, true);
+    CLI::Option* exact = app.add_flag("--true", settings.exact,
+                                      "Find what is really nearest, for features of any kind");
+    addInteger(app, "--k", settings.nearestCount, 1, INT_MAX,
+               "With --true: how many features for each of INPUT; ties are all kept");
+    addNonNegative(app, "--max-distance", settings.maxDistance,
+                   "With --true: leave out what is farther, layer units; default: none");
+    app.add_flag("--others", settings.skipSame,
+                 "With --true: leave out the feature of OVERLAY with the same identifier, for a "
+                 "layer against itself")
+        ->needs(exact);
+    app.add_flag("--boundary", settings.toBoundary,
+                 "Measure to the rings of polygons, not to their areas")
+        ->excludes(exact);
+    addThreadOptions(app, settings);
+}
+
+/// The operation for the kinds of two layers; throws CommandFailure when there is none.
+enumJWShortestOperation operationFor(const Settings& settings, const InputLayer& source,
+                                     const InputLayer& target) {
+    const auto refuse = [](const InputLayer& layer, const char* needed) {
+        return CommandFailure(ExitUsage, layer.path() + ": layer " + layer.layerName() +
+                                             " holds other geometries than " + needed +
+                                             "; --true takes any");
+    };
+    const bool fromLines = source.kind() == JWWKBLineString;
+    if (!fromLines && source.kind() != JWWKBPoint) throw refuse(source, "points or lines");
+    switch (target.kind()) {
+        case JWWKBPoint:
+            return fromLines ? JWShortestLinesToPoints : JWShortestPointsToPoints;
+        case JWWKBLineString:
+            return fromLines ? JWShortestLinesToLines : JWShortestPointsToLines;
+        case JWWKBPolygon:
+            if (settings.toBoundary)
+                return fromLines ? JWShortestLinesToRings : JWShortestPointsToRings;
+            return fromLines ? JWShortestLinesToPolygons : JWShortestPointsToPolygons;
+        default:
+            throw refuse(target, "points, lines or polygons");
+    }
+}
+
+int findNearest(const Settings& settings, const JobLayers& layers, JWLayerReport& report) {
+    JWFeatureLayer* source = &layers.input.layer();
+    JWFeatureLayer* target = &layers.overlay->layer();
+    if (!settings.exact) {
+        return JWGeometryNearest::shortestFeatures(
+            operationFor(settings, layers.input, *layers.overlay), source, target, &layers.output,
+            settings.threads, &report);
+    }
+    JWNearestOptions options;
+    options.count = settings.nearestCount;
+    options.maxDistance = settings.maxDistance;
+    options.skipSameIdentifier = settings.skipSame;
+    options.threads = settings.threads;
+    return JWGeometryNearest::nearestFeatures(source, target, &layers.output, options, &report);
+}
+
+int runNearest(const Settings& settings) {
+    const bool limited = std::isfinite(settings.maxDistance);
+    if (!settings.exact && (settings.nearestCount > 1 || limited))
+        throw CommandFailure(ExitUsage, "--k and --max-distance work with --true only");
+    bool isGeographic = false;
+    LayerJob job = {"nearest",
+                    "searching",
+                    true,
+                    {{"true", settings.exact},
+                     {"k", settings.nearestCount},
+                     {"max_distance", limited ? Json(settings.maxDistance) : Json(nullptr)},
+                     {"others", settings.skipSame},
+                     {"boundary", settings.toBoundary}},
+                    [&](InputLayer& input) {
+                        const JWSpatialReference* reference = input.reference();
+                        isGeographic = reference != nullptr && reference->isGeographic() != 0;
+                        requireGeometries(input);
+                        return JWWKBLineString;
+                    },
+                    [&](const JobLayers& layers, JWLayerReport& report) {
+                        const int written = findNearest(settings, layers, report);
+                        if (isGeographic)
+                            report.warning =
+                                "the layers are in longitude and latitude: distances are in "
+                                "degrees, and nearest means nearest in degrees; distances along "
+                                "the earth are not offered yet";
+                        return written;
+                    },
+                    AccountOfNothing,
+                    {},
+                    true};
+    return runLayerJob(settings, job);
+}
+
+}  // namespace
+
+Command nearestCommand() {
+    return {"nearest",
+            "draw lines to the nearest features of another layer",
+            "Writes a line of two points from each feature of INPUT to the nearest of OVERLAY, "
+            "with both identifiers and the distance. By default by the established search, from "
+            "points or lines: the nearest among the features whose rectangles meet the first "
+            "square around it, grown step by step, that meets any (1/16 of the larger side of "
+            "OVERLAY's extent as a rule); a nearer feature just outside of the square is missed, "
+            "and a feature of INPUT far outside of the extent in both directions may get no line. "
+            "Its fields are named as ever, such as PointFid, LineFid and ShortestLength; to "
+            "polygons from points PolygonFid is the point's identifier and PointFid the "
+            "polygon's.\n\n"
+            "With --true the search is exact, for points, lines and polygons in any pair: "
+            "source_fid, target_fid, distance and rank. Polygons are areas; what lies inside is at "
+            "distance 0. Features equally near are all written.\n\n"
+            "Distances are planar, in the units of the layers: degrees where these are in "
+            "longitude and latitude. Distances along the earth are not offered yet; project the "
+            "layers first.",
+            "jwcg nearest schools.gpkg roads.gpkg access.gpkg --true",
+            setupNearest,
+            runNearest};
+}
+
+}  // namespace jws::cli
