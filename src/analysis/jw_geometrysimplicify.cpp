@@ -74,25 +74,18 @@ bool JWGeometrySimplicify::douglasPeucker(JWLineString* line, double tolerance) 
     return Forms::editLine("douglasPeucker", line, with(JWSimplifyDouglasPeucker, tolerance));
 }
 
-int JWGeometrySimplicify::reumann_witkam(JWLineString* line, double tolerance) {
-    return Forms::countAfter("reumann_witkam", line, with(JWSimplifyReumannWitkam, tolerance));
-}
-
-int JWGeometrySimplicify::lang(JWLineString* line, double tolerance, int lookAhead) {
-    return Forms::countAfter("lang", line, with(JWSimplifyLang, tolerance, lookAhead));
-}
-
-int JWGeometrySimplicify::vertex_reduction(JWLineString* line, double tolerance) {
-    return Forms::countAfter("vertex_reduction", line, with(JWSimplifyVertexReduction, tolerance));
-}
+JW_COUNT_FORM(JWGeometrySimplicify, reumann_witkam, (double tolerance), with,
+              (JWSimplifyReumannWitkam, tolerance))
+JW_COUNT_FORM(JWGeometrySimplicify, lang, (double tolerance, int lookAhead), with,
+              (JWSimplifyLang, tolerance, lookAhead))
+JW_COUNT_FORM(JWGeometrySimplicify, vertex_reduction, (double tolerance), with,
+              (JWSimplifyVertexReduction, tolerance))
+JW_COUNT_FORM(JWGeometrySimplicify, nThPoint, (unsigned n), with,
+              (JWSimplifyNthPoint, 0, countOf(n)))
 
 int JWGeometrySimplicify::opheim(const JWLineString* line, double minimum, double maximum,
                                  JWLineString* out) {
     return appendTo("opheim", line, out, with(JWSimplifyOpheim, minimum, 0, maximum));
-}
-
-int JWGeometrySimplicify::nThPoint(JWLineString* line, unsigned n) {
-    return Forms::countAfter("nThPoint", line, with(JWSimplifyNthPoint, 0, countOf(n)));
 }
 
 int JWGeometrySimplicify::perpendicularDistance(const JWLineString* line, double tolerance,
@@ -120,44 +113,20 @@ bool JWGeometrySimplicify::geometrySimplicify(JWGeometry* geometry,
     return Forms::editGeometry("geometrySimplicify", geometry, options);
 }
 
-bool JWGeometrySimplicify::jwPolygonSimpicify(JWPolygon* polygon, double tolerance) {
-    return Forms::editPolygon("jwPolygonSimpicify", polygon,
-                              with(JWSimplifyDouglasPeucker, tolerance));
-}
-
-bool JWGeometrySimplicify::jwPolygonSimpicify_Lang(JWPolygon* polygon, double tolerance,
-                                                   int lookAhead) {
-    return Forms::editPolygon("jwPolygonSimpicify_Lang", polygon,
-                              with(JWSimplifyLang, tolerance, lookAhead));
-}
-
-bool JWGeometrySimplicify::jwPolygonSimpicify_ReumannWitkam(JWPolygon* polygon, double tolerance) {
-    return Forms::editPolygon("jwPolygonSimpicify_ReumannWitkam", polygon,
-                              with(JWSimplifyReumannWitkam, tolerance));
-}
-
-bool JWGeometrySimplicify::jwPolygonSimpicify_VertexReduction(JWPolygon* polygon,
-                                                              double tolerance) {
-    return Forms::editPolygon("jwPolygonSimpicify_VertexReduction", polygon,
-                              with(JWSimplifyVertexReduction, tolerance));
-}
-
-bool JWGeometrySimplicify::jwPolygonSimpicify_PerpendDistance(JWPolygon* polygon,
-                                                              double tolerance) {
-    return Forms::editPolygon("jwPolygonSimpicify_PerpendDistance", polygon,
-                              with(JWSimplifyPerpendicularDistance, tolerance));
-}
-
-bool JWGeometrySimplicify::jwPolygonSimpicify_Opheim(JWPolygon* polygon, double minimum,
-                                                     double maximum) {
-    return Forms::editPolygon("jwPolygonSimpicify_Opheim", polygon,
-                              with(JWSimplifyOpheim, minimum, 0, maximum));
-}
-
-bool JWGeometrySimplicify::jwPolygonSimpicify_NthPoint(JWPolygon* polygon, int n) {
-    return Forms::editPolygon("jwPolygonSimpicify_NthPoint", polygon,
-                              with(JWSimplifyNthPoint, 0, n));
-}
+JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify, (double tolerance), with,
+                (JWSimplifyDouglasPeucker, tolerance))
+JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_Lang, (double tolerance, int lookAhead),
+                with, (JWSimplifyLang, tolerance, lookAhead))
+JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_ReumannWitkam, (double tolerance), with,
+                (JWSimplifyReumannWitkam, tolerance))
+JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_VertexReduction, (double tolerance), with,
+                (JWSimplifyVertexReduction, tolerance))
+JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_PerpendDistance, (double tolerance), with,
+                (JWSimplifyPerpendicularDistance, tolerance))
+JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_Opheim, (double minimum, double maximum),
+                with, (JWSimplifyOpheim, minimum, 0, maximum))
+JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_NthPoint, (int n), with,
+                (JWSimplifyNthPoint, 0, n))
 
 // --- Feature classes -----------------------------------------------------------------------------
 
@@ -166,32 +135,18 @@ void JWGeometrySimplicify::simplifyFeatures_dp(JWFeatureClass* features, double 
                      nullptr, sayRefused);
 }
 
-void JWGeometrySimplicify::simplifyFeatures_rw(JWFeatureClass* features, double tolerance) {
-    Forms::editClass("simplifyFeatures_rw", features, with(JWSimplifyReumannWitkam, tolerance));
-}
-
-void JWGeometrySimplicify::simplifyFeatures_vr(JWFeatureClass* features, double tolerance) {
-    Forms::editClass("simplifyFeatures_vr", features, with(JWSimplifyVertexReduction, tolerance));
-}
-
-void JWGeometrySimplicify::simplifyFeatures_per(JWFeatureClass* features, double tolerance) {
-    Forms::editClass("simplifyFeatures_per", features,
-                     with(JWSimplifyPerpendicularDistance, tolerance));
-}
-
-void JWGeometrySimplicify::simplifyFeatures_lang(JWFeatureClass* features, double tolerance,
-                                                 int lookAhead) {
-    Forms::editClass("simplifyFeatures_lang", features, with(JWSimplifyLang, tolerance, lookAhead));
-}
-
-void JWGeometrySimplicify::simplifyFeatures_op(JWFeatureClass* features, double minimum,
-                                               double maximum) {
-    Forms::editClass("simplifyFeatures_op", features, with(JWSimplifyOpheim, minimum, 0, maximum));
-}
-
-void JWGeometrySimplicify::simplifyFeatures_nth(JWFeatureClass* features, unsigned n) {
-    Forms::editClass("simplifyFeatures_nth", features, with(JWSimplifyNthPoint, 0, countOf(n)));
-}
+JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_rw, (double tolerance), with,
+              (JWSimplifyReumannWitkam, tolerance))
+JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_vr, (double tolerance), with,
+              (JWSimplifyVertexReduction, tolerance))
+JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_per, (double tolerance), with,
+              (JWSimplifyPerpendicularDistance, tolerance))
+JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_lang, (double tolerance, int lookAhead), with,
+              (JWSimplifyLang, tolerance, lookAhead))
+JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_op, (double minimum, double maximum), with,
+              (JWSimplifyOpheim, minimum, 0, maximum))
+JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_nth, (unsigned n), with,
+              (JWSimplifyNthPoint, 0, countOf(n)))
 
 void JWGeometrySimplicify::simplifyFeatures_omp(JWFeatureClass* features, double tolerance) {
     JWSimplifyOptions options = with(JWSimplifyDouglasPeucker, tolerance);

@@ -62,28 +62,14 @@ JWGeometrySmooth& JWGeometrySmooth::operator=(const JWGeometrySmooth&) = default
 
 // --- Lines ---------------------------------------------------------------------------------------
 
-int JWGeometrySmooth::boyle(JWLineString* line, int lookAhead) {
-    return Forms::countAfter("boyle", line, boyleOptions(lookAhead));
-}
-
-int JWGeometrySmooth::sliding_averaging(JWLineString* line, double slide, int lookAhead) {
-    return Forms::countAfter("sliding_averaging", line,
-                             windowOptions(JWSmoothSlidingAveraging, slide, lookAhead));
-}
-
-int JWGeometrySmooth::distance_weighting(JWLineString* line, double slide, int lookAhead) {
-    return Forms::countAfter("distance_weighting", line,
-                             windowOptions(JWSmoothDistanceWeighting, slide, lookAhead));
-}
-
-int JWGeometrySmooth::chaiken(JWLineString* line, double tolerance) {
-    return Forms::countAfter("chaiken", line, chaikenOptions(tolerance));
-}
-
-int JWGeometrySmooth::hermite(JWLineString* line, double step, double tangentScale,
-                              double tangentMinimum) {
-    return Forms::countAfter("hermite", line, hermiteOptions(step, tangentScale, tangentMinimum));
-}
+JW_COUNT_FORM(JWGeometrySmooth, boyle, (int lookAhead), boyleOptions, (lookAhead))
+JW_COUNT_FORM(JWGeometrySmooth, sliding_averaging, (double slide, int lookAhead), windowOptions,
+              (JWSmoothSlidingAveraging, slide, lookAhead))
+JW_COUNT_FORM(JWGeometrySmooth, distance_weighting, (double slide, int lookAhead), windowOptions,
+              (JWSmoothDistanceWeighting, slide, lookAhead))
+JW_COUNT_FORM(JWGeometrySmooth, chaiken, (double tolerance), chaikenOptions, (tolerance))
+JW_COUNT_FORM(JWGeometrySmooth, hermite, (double step, double tangentScale, double tangentMinimum),
+              hermiteOptions, (step, tangentScale, tangentMinimum))
 
 JWLineString* JWGeometrySmooth::bezier(const JWLineString* line, int degree, int points) {
     if (line == nullptr) return nullptr;
@@ -95,34 +81,18 @@ JWLineString* JWGeometrySmooth::bezier(const JWLineString* line, int degree, int
 
 // --- Polygons and any geometry -------------------------------------------------------------------
 
-bool JWGeometrySmooth::jwPolygonSmooth_Boyle(JWPolygon* polygon, int lookAhead) {
-    return Forms::editPolygon("jwPolygonSmooth_Boyle", polygon, boyleOptions(lookAhead));
-}
-
-bool JWGeometrySmooth::jwPolygonSmooth_SlidingMean(JWPolygon* polygon, double slide,
-                                                   int lookAhead) {
-    return Forms::editPolygon("jwPolygonSmooth_SlidingMean", polygon,
-                              windowOptions(JWSmoothSlidingAveraging, slide, lookAhead));
-}
-
-bool JWGeometrySmooth::jwPolygonSmooth_dw(JWPolygon* polygon, double slide, int lookAhead) {
-    return Forms::editPolygon("jwPolygonSmooth_dw", polygon,
-                              windowOptions(JWSmoothDistanceWeighting, slide, lookAhead));
-}
-
-bool JWGeometrySmooth::jwPolygonSmooth_Chaiken(JWPolygon* polygon, double tolerance) {
-    return Forms::editPolygon("jwPolygonSmooth_Chaiken", polygon, chaikenOptions(tolerance));
-}
-
-bool JWGeometrySmooth::jwPolygonSmooth_Bezier(JWPolygon* polygon, int degree, int points) {
-    return Forms::editPolygon("jwPolygonSmooth_Bezier", polygon, bezierOptions(degree, points));
-}
-
-bool JWGeometrySmooth::jwPolygonSmooth_Hermite(JWPolygon* polygon, double step, double tangentScale,
-                                               double tangentMinimum) {
-    return Forms::editPolygon("jwPolygonSmooth_Hermite", polygon,
-                              hermiteOptions(step, tangentScale, tangentMinimum));
-}
+JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_Boyle, (int lookAhead), boyleOptions, (lookAhead))
+JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_SlidingMean, (double slide, int lookAhead),
+                windowOptions, (JWSmoothSlidingAveraging, slide, lookAhead))
+JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_dw, (double slide, int lookAhead), windowOptions,
+                (JWSmoothDistanceWeighting, slide, lookAhead))
+JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_Chaiken, (double tolerance), chaikenOptions,
+                (tolerance))
+JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_Bezier, (int degree, int points), bezierOptions,
+                (degree, points))
+JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_Hermite,
+                (double step, double tangentScale, double tangentMinimum), hermiteOptions,
+                (step, tangentScale, tangentMinimum))
 
 bool JWGeometrySmooth::geometrySmooth(JWGeometry* geometry, const JWSmoothOptions& options) {
     return Forms::editGeometry("geometrySmooth", geometry, options);
@@ -130,34 +100,18 @@ bool JWGeometrySmooth::geometrySmooth(JWGeometry* geometry, const JWSmoothOption
 
 // --- Feature classes -----------------------------------------------------------------------------
 
-void JWGeometrySmooth::smoothFeatures_boyle(JWFeatureClass* features, int lookAhead) {
-    Forms::editClass("smoothFeatures_boyle", features, boyleOptions(lookAhead));
-}
-
-void JWGeometrySmooth::smoothFeatures_slideAve(JWFeatureClass* features, double slide,
-                                               int lookAhead) {
-    Forms::editClass("smoothFeatures_slideAve", features,
-                     windowOptions(JWSmoothSlidingAveraging, slide, lookAhead));
-}
-
-void JWGeometrySmooth::smoothFeatures_dw(JWFeatureClass* features, double slide, int lookAhead) {
-    Forms::editClass("smoothFeatures_dw", features,
-                     windowOptions(JWSmoothDistanceWeighting, slide, lookAhead));
-}
-
-void JWGeometrySmooth::smoothFeatures_chaiken(JWFeatureClass* features, double tolerance) {
-    Forms::editClass("smoothFeatures_chaiken", features, chaikenOptions(tolerance));
-}
-
-void JWGeometrySmooth::smoothFeatures_bezier(JWFeatureClass* features, int degree, int points) {
-    Forms::editClass("smoothFeatures_bezier", features, bezierOptions(degree, points));
-}
-
-void JWGeometrySmooth::smoothFeatures_hermite(JWFeatureClass* features, double step,
-                                              double tangentScale, double tangentMinimum) {
-    Forms::editClass("smoothFeatures_hermite", features,
-                     hermiteOptions(step, tangentScale, tangentMinimum));
-}
+JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_boyle, (int lookAhead), boyleOptions, (lookAhead))
+JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_slideAve, (double slide, int lookAhead),
+              windowOptions, (JWSmoothSlidingAveraging, slide, lookAhead))
+JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_dw, (double slide, int lookAhead), windowOptions,
+              (JWSmoothDistanceWeighting, slide, lookAhead))
+JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_chaiken, (double tolerance), chaikenOptions,
+              (tolerance))
+JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_bezier, (int degree, int points), bezierOptions,
+              (degree, points))
+JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_hermite,
+              (double step, double tangentScale, double tangentMinimum), hermiteOptions,
+              (step, tangentScale, tangentMinimum))
 
 bool JWGeometrySmooth::smoothFeatures(JWFeatureClass* features, const JWSmoothOptions& options,
                                       JWLayerReport* report) {

@@ -108,4 +108,21 @@ struct LineForms {
 
 }  // namespace jws::detail
 
+// The public forms of a method, as rows of a table: CLASS::NAME with the DECLARED arguments behind
+// the geometry hands the options that MAKE makes of the PASSED ones to the body for its kind of
+// form.
+#define JW_UNPACK(...) __VA_ARGS__
+#define JW_COUNT_FORM(CLASS, NAME, DECLARED, MAKE, PASSED)             \
+    int CLASS::NAME(JWLineString* line, JW_UNPACK DECLARED) {          \
+        return Forms::countAfter(#NAME, line, MAKE(JW_UNPACK PASSED)); \
+    }
+#define JW_POLYGON_FORM(CLASS, NAME, DECLARED, MAKE, PASSED)               \
+    bool CLASS::NAME(JWPolygon* polygon, JW_UNPACK DECLARED) {             \
+        return Forms::editPolygon(#NAME, polygon, MAKE(JW_UNPACK PASSED)); \
+    }
+#define JW_CLASS_FORM(CLASS, NAME, DECLARED, MAKE, PASSED)           \
+    void CLASS::NAME(JWFeatureClass* features, JW_UNPACK DECLARED) { \
+        Forms::editClass(#NAME, features, MAKE(JW_UNPACK PASSED));   \
+    }
+
 #endif  // JW_ANALYSIS_LINE_FORMS_H
