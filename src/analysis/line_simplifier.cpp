@@ -79,21 +79,8 @@ bool LineSimplifier::edit(std::vector<JWRawPoint>& points) {
 }
 
 std::size_t LineSimplifier::douglasPeucker(std::vector<JWRawPoint>& points) {
-    const double tolerance = options_.tolerance;
     farthest_.setLine(points.data(), points.size());
-    kept_.assign(1, 0);
-    ranges_.assign(1, {0, points.size() - 1});
-    while (!ranges_.empty()) {
-        const auto [first, last] = ranges_.back();
-        ranges_.pop_back();
-        const FarthestPoint::Found found = farthest_.find(first, last, tolerance);
-        if (found.distance <= tolerance) {
-            kept_.push_back(last);
-            continue;
-        }
-        ranges_.emplace_back(found.index, last);
-        ranges_.emplace_back(first, found.index);
-    }
+    farthest_.keep(options_.tolerance, kept_);
     for (std::size_t i = 0; i < kept_.size(); ++i) points[i] = points[kept_[i]];
     return kept_.size();
 }

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "analysis/farthest_point.h"
+#include "foundation/farthest_point.h"
 #include "jw_geometrysimplicify.h"
 
 namespace jws::detail {
@@ -33,7 +33,6 @@ class LineSimplifier {
 
     JWSimplifyOptions options_;
     FarthestPoint farthest_;
-    std::vector<std::pair<std::size_t, std::size_t>> ranges_;
     std::vector<std::size_t> kept_;
 };
 

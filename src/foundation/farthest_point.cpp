@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "analysis/farthest_point.h"
+#include "foundation/farthest_point.h"
 
 #include <algorithm>
 #include <cmath>
@@ -65,6 +65,22 @@ FarthestPoint::Found FarthestPoint::find(std::size_t first, std::size_t last, do
     const Found found =
         isLong ? search(segment, first, last, tolerance) : scan(segment, first, last, tolerance);
     return found.distance > tolerance ? found : Found();
+}
+
+void FarthestPoint::keep(double tolerance, std::vector<std::size_t>& kept) {
+    kept.assign(1, 0);
+    ranges_.assign(1, {0, n_ - 1});
+    while (!ranges_.empty()) {
+        const auto [first, last] = ranges_.back();
+        ranges_.pop_back();
+        const Found found = find(first, last, tolerance);
+        if (found.distance <= tolerance) {
+            kept.push_back(last);
+            continue;
+        }
+        ranges_.emplace_back(found.index, last);
+        ranges_.emplace_back(first, found.index);
+    }
 }
 
 // --- Scan ----------------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// FarthestPoint: which of the points between two points of a line is farthest from their segment.
+// FarthestPoint: which of the points between two points of a line is farthest from their segment,
+// and Douglas and Peucker's algorithm (1973), which asks for nothing else.
 //
 // The answer is that of `segmentDistance`, evaluated as it stands, the earliest index on a tie, but
 // few points are evaluated so. Short ranges are scanned by a formula without root and branches, and
@@ -13,10 +14,11 @@
 // A scan costs O(range), a search about O(log n) where few points tie. Settling ties costs a step
 // for each, up to an allowance of 4 million + n log n in all; beyond it, the first of the points
 // that tie to rounding is taken, as exact arithmetic would.
-#ifndef JW_ANALYSIS_FARTHEST_POINT_H
-#define JW_ANALYSIS_FARTHEST_POINT_H
+#ifndef JW_FOUNDATION_FARTHEST_POINT_H
+#define JW_FOUNDATION_FARTHEST_POINT_H
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "jw_envelop.h"
@@ -35,6 +37,10 @@ class FarthestPoint {
     void setLine(const JWRawPoint* points, std::size_t n);
     /// The farthest point strictly between first and last, if it is farther than `tolerance`.
     Found find(std::size_t first, std::size_t last, double tolerance);
+    /// The points of the line that Douglas and Peucker keep, in order: its ends, and between two
+    /// kept points the farthest one, if it is farther than `tolerance`. The line has two points at
+    /// least, with finite coordinates. No recursion.
+    void keep(double tolerance, std::vector<std::size_t>& kept);
 
   private:
     /// A rectangle around a run of points: centre and half sides as vectors.
@@ -64,10 +70,11 @@ class FarthestPoint {
     const JWRawPoint* points_ = nullptr;
     std::size_t n_ = 0;
     std::size_t tieAllowance_ = 0;
+    std::vector<std::pair<std::size_t, std::size_t>> ranges_;
     std::vector<double> blockLargest_;
     std::vector<std::vector<Box>> levels_;  ///< level 0: runs of kLeaf points; each level halves
 };
 
 }  // namespace jws::detail
 
-#endif  // JW_ANALYSIS_FARTHEST_POINT_H
+#endif  // JW_FOUNDATION_FARTHEST_POINT_H

@@ -2,9 +2,8 @@
 //
 // Point sequences: what line strings and rings share, and the line string.
 //
-// Douglas–Peucker keeps its open ranges on an explicit stack and marks the points that stay, so
-// that neither deep nor degenerate lines recurse. Distances are to the segment, not to its line, so
-// rings, whose first and last point coincide, need no special case.
+// Douglas and Peucker's distances are to the segment, not to its line, so rings, whose first and
+// last point coincide, need no special case.
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -13,9 +12,11 @@
 #include <new>
 
 #include "foundation/api_guard.h"
+#include "foundation/farthest_point.h"
 #include "foundation/plane_map.h"
 #include "foundation/ring_math.h"
 #include "foundation/segment_math.h"
+#include "foundation/vertex_lists.h"
 #include "jw_geometry_arc.h"
 
 namespace jws {
@@ -27,31 +28,6 @@ namespace {
 template <class Map>
 void mapAll(std::vector<JWRawPoint>& points, const Map& map) {
     for (JWRawPoint& p : points) p = map(p);
-}
-
-/// Marks the points that Douglas and Peucker keep. A distance that is not a number keeps its point.
-std::vector<char> keptPoints(const std::vector<JWRawPoint>& points, double tolerance) {
-    std::vector<char> kept(points.size(), 0);
-    kept.front() = kept.back() = 1;
-    std::vector<std::pair<std::size_t, std::size_t>> open{{0, points.size() - 1}};
-    while (!open.empty()) {
-        const auto [first, last] = open.back();
-        open.pop_back();
-        double farthest = tolerance;
-        std::size_t split = first;
-        for (std::size_t i = first + 1; i < last; ++i) {
-            const double d = segmentDistance(points[i], points[first], points[last]);
-            if (d <= farthest) continue;
-            farthest = d;
-            split = i;
-            if (std::isnan(d)) break;
-        }
-        if (split == first) continue;
-        kept[split] = 1;
-        open.emplace_back(first, split);
-        open.emplace_back(split, last);
-    }
-    return kept;
 }
 
 /// Clears the outputs of a cut; false when one is missing.
@@ -190,20 +166,23 @@ void JWPointSequence::appendPoints(const JWRawPoint* points, int n, int spare) {
     insertPointsAt(points, n, getPointCount());
 }
 
+/// A point at no place has no distance: it would stay, and then every point between it and another.
 bool JWPointSequence::generalize(double tolerance, int minimum) {
     if (!(tolerance > 0.0) || getPointCount() <= minimum) return false;
-    const std::vector<char> kept = guarded("generalizeByDouglasPoiker", std::vector<char>(),
-                                           [&] { return keptPoints(pointList, tolerance); });
-    if (kept.empty()) return false;
-    const auto count = std::count(kept.begin(), kept.end(), 1);
-    if (count < minimum || count == getPointCount()) return false;
-    std::size_t written = 0;
-    for (std::size_t i = 0; i < pointList.size(); ++i) {
-        if (kept[i] != 0) pointList[written++] = pointList[i];
-    }
-    pointList.resize(written);
-    JWPointSequence::updateEnvelop();
-    return true;
+    if (!detail::areFinite(pointList.data(), pointList.size())) return false;
+    return guarded("generalizeByDouglasPoiker", false, [&] {
+        detail::FarthestPoint farthest;
+        std::vector<std::size_t> kept;
+        farthest.setLine(pointList.data(), pointList.size());
+        farthest.keep(tolerance, kept);
+        if (kept.size() < static_cast<std::size_t>(minimum) || kept.size() == pointList.size()) {
+            return false;
+        }
+        for (std::size_t i = 0; i < kept.size(); ++i) pointList[i] = pointList[kept[i]];
+        pointList.resize(kept.size());
+        JWPointSequence::updateEnvelop();
+        return true;
+    });
 }
 
 bool JWPointSequence::smooth(int degree, int steps, std::size_t minimum) {
