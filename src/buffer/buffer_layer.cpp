@@ -6,6 +6,7 @@
 // by the whole team instead. To unite them the outlines of all buffers are kept in memory and
 // united neighbours first, which is the union that buffers of many parts go through anyway; they
 // are gathered in the order of the layer, so that the result depends on nothing else.
+#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -177,6 +178,8 @@ std::int64_t bufferAll(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferOp
     const std::unique_ptr<FeatureInput> input = inputFrom(in);
     const std::unique_ptr<FeatureOutput> output = outputTo(out);
     const LayerBuffer buffer(options, *input);
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
     BufferGathering gathering(buffer, *input, options, report);
     std::vector<FlaggedRings> buffers = gathering.gather();
     ResultSchema schema;
@@ -187,6 +190,7 @@ std::int64_t bufferAll(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferOp
     std::unique_ptr<JWGeometry> united =
         polygonize(uniteGroups(std::move(buffers), gathering.team()));
     result.area = areaOf(*united);
+    report.secondsOverlay = std::chrono::duration<double>(Clock::now() - start).count();
     result.feature = schema.makeFeature(std::move(united), {nullptr}, result.lostField);
     output->begin();
     try {

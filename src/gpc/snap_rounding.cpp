@@ -63,7 +63,7 @@ void SnapRounder::run(const ContourSet& from, const BoxTree& tree, const Crossin
                 parents.push(i);
             }
         }
-        if (to.points.size() < first + 3) {
+        if (to.points.size() < first + (c.operand == 0 ? 2 : 3)) {
             to.points.resize(first);
             parents.resize(first);
             continue;

@@ -82,16 +82,17 @@ int runClip(const Settings& given) {
 }  // namespace
 
 Command clipCommand() {
-    return {"clip",
-            "keep what lies inside the areas of another layer, or in a rectangle",
-            "Writes what of each point, line or polygon of INPUT lies in the areas of CUTTER, "
-            "whatever they are in one or several of them, with its attributes; borders that two "
-            "areas share cut nothing, and what lies on the boundary is inside. With --bbox a "
-            "rectangle takes the place of CUTTER: jwcg clip INPUT OUTPUT --bbox X1,Y1,X2,Y2. Lines "
-            "in several pieces become multi-lines.",
-            "jwcg clip roads.gpkg state.gpkg state_roads.gpkg",
-            setupClip,
-            runClip};
+    return {
+        "clip",
+        "keep what lies inside the areas of another layer, or in a rectangle",
+        "Writes what of each point, line or polygon of INPUT lies in the areas of CUTTER, all of "
+        "them taken together, with its attributes; borders that two areas share cut nothing, "
+        "and what lies on the boundary is inside. With --bbox a rectangle takes the place of "
+        "CUTTER: jwcg clip INPUT OUTPUT --bbox X1,Y1,X2,Y2. Lines in several pieces become "
+        "multi-lines.",
+        "jwcg clip roads.gpkg state.gpkg state_roads.gpkg",
+        setupClip,
+        runClip};
 }
 
 }  // namespace jws::cli

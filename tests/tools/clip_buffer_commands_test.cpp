@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+//
+// clip and buffer: what is in their results, and what they answer to options that make no sense.
+#include "program.h"
+
+namespace jws::test {
+namespace {
+
+using Arguments = std::vector<std::string>;
+using nlohmann::json;
+
+class ClipBufferCommands : public ProgramTest {
+  protected:
+    ClipBufferCommands() {
+        write("boxes.geojson", geoJson({{0, 0, 4, 2, "a"}, {10, 0, 12, 6, "b"}}));
+        write("cutters.geojson", geoJson({{1, -1, 3, 9, "x"}, {3, -1, 11, 9, "y"}}));
+        write("line.geojson", geoJsonFeature("LineString", "[[0,1],[12,1],[12,5],[5,5]]"));
+        write("points.geojson", geoJsonFeature("MultiPoint", "[[0,0],[2,0],[3,1]]"));
+        write("widths.geojson", R"({"type":"FeatureCollection","features":[
+            {"type":"Feature","properties":{"width":1},"geometry":{"type":"Point","coordinates":[0,0]}},
+            {"type":"Feature","properties":{"width":0},"geometry":{"type":"Point","coordinates":[9,0]}},
+            {"type":"Feature","properties":{"width":null},"geometry":{"type":"Point","coordinates":[9,9]}},
+            {"type":"Feature","properties":{"width":2},"geometry":{"type":"Point","coordinates":[1,0]}}]})");
+    }
+};
+
+constexpr double kCircle = 3.1256671980047459;  // of 36 corners, radius 1
+
+TEST_F(ClipBufferCommands, ResultsAndAttributes) {
+    const struct {
+        Arguments arguments;
+        long long features;
+        double area;
+        const char* first;  // null: not looked at
+        std::vector<std::string> fields;
+        int status;
+    } rows[] = {
+        {{"clip", "boxes.geojson", "cutters.geojson", "out.gpkg"},
+         2,
+         6 + 6,
+         "MULTIPOLYGON (((1 0,4 0,4 2,1 2,1 0)))",
+         {"name"},
+         0},
+        {{"clip", "boxes.geojson", "cutters.geojson", "out.gpkg", "--outside"},
+         2,
+         2 + 6,
+         nullptr,
+         {"name"},
+         0},
+        {{"clip", "line.geojson", "cutters.geojson", "out.gpkg"},
+         1,
+         0,
+         "MULTILINESTRING ((1 1,11 1),(11 5,5 5))",
+         {"name"},
+         0},
+        {{"clip", "points.geojson", "cutters.geojson", "out.gpkg", "--overlay-where", "name = 'x'"},
+         1,
+         0,
+         "MULTIPOINT (2 0,3 1)",
+         {"name"},
+         0},
+        {{"clip", "boxes.geojson", "out.gpkg", "--bbox", "3,1,11,2"},
+         2,
+         1 + 1,
+         nullptr,
+         {"name"},
+         0},
+        {{"clip", "line.geojson", "out.gpkg", "--bbox", "0,0,6,9", "--outside"},
+         1,
+         0,
+         "MULTILINESTRING ((6 1,12 1,12 5,6 5))",
+         {"name"},
+         0},
+        {{"buffer", "points.geojson", "out.gpkg", "--distance", "0.1"},
+         1,
+         0.03 * kCircle,
+         nullptr,
+         {"name"},
+         0},
+        {{"buffer", "boxes.geojson", "out.gpkg", "--distance", "1", "--edge"},
+         2,
+         // both outlines and four quarters of 24 corners each
+         12 + 16 + 2 * 12 * 0.258819045102521,
+         nullptr,
+         {"name"},
+         0},
+        {{"buffer", "widths.geojson", "out.gpkg", "--distance-field", "width"},
+         2,
+         5 * kCircle,
+         nullptr,
+         {"width"},
+         4},
+        {{"buffer", "widths.geojson", "out.gpkg", "--distance-field", "width", "--dissolve"},
+         1,
+         4 * kCircle,  // one lies in the other, touching
+         nullptr,
+         {},
+         4},
+    };
+    for (const auto& row : rows) {
+        Arguments all = row.arguments;
+        SCOPED_TRACE(all[0] + " " + all[1] + " " + all.back());
+        all.insert(all.end(), {"--overwrite", "--json"});
+        const Outcome outcome = run(all);
+        EXPECT_EQ(row.status, outcome.status) << outcome.err;
+        const LayerContent content = layer("out.gpkg", "out");
+        EXPECT_EQ(row.features, content.features);
+        EXPECT_NEAR(row.area, content.area, 1e-6);
+        EXPECT_EQ(row.fields, content.fields);
+        if (row.first != nullptr) {
+            EXPECT_EQ(row.first, content.first);
+        }
+        const json object = parse(outcome);
+        EXPECT_EQ(row.features, object["output"]["features"]);
+        EXPECT_EQ(row.status == 4 ? 2 : 0, object["rejected"]["count"]);
+    }
+}
+
+TEST_F(ClipBufferCommands, SameForAnyNumberOfThreadsAndBlocks) {
+    for (const Arguments& command : {Arguments{"clip", "boxes.geojson", "cutters.geojson"},
+                                     Arguments{"buffer", "boxes.geojson", "--distance", "3"}}) {
+        std::string first;
+        for (const char* threads : {"1", "2", "8"}) {
+            Arguments all = command;
+            const std::string name = command[0] + threads + ".geojson";
+            all.insert(all.begin() + (command[0] == "clip" ? 3 : 2), name);
+            all.insert(all.end(),
+                       {"--threads", threads, "--block-size", threads, "--output-layer", "same"});
+            EXPECT_EQ(0, run(all).status);
+            if (first.empty()) first = read(name);
+            EXPECT_EQ(first, read(name));
+        }
+    }
+}
+
+TEST_F(ClipBufferCommands, OptionsThatMakeNoSense) {
+    const struct {
+        Arguments arguments;
+        int status;
+        const char* text;
+    } rows[] = {
+        {{"clip", "boxes.geojson", "out.gpkg"}, 2, "CUTTER or --bbox is needed"},
+        {{"clip", "boxes.geojson", "cutters.geojson", "out.gpkg", "--bbox", "0,0,1,1"},
+         2,
+         "there is no CUTTER"},
+        {{"clip", "boxes.geojson", "out.gpkg", "--bbox", "0,0,1,1", "--overlay-layer", "x"},
+         2,
+         "no CUTTER to choose from"},
+        {{"clip", "boxes.geojson", "line.geojson", "out.gpkg"}, 2, "polygons are needed"},
+        {{"clip", "boxes.geojson", "missing.geojson", "out.gpkg"}, 3, "missing.geojson"},
+        {{"buffer", "boxes.geojson", "out.gpkg"}, 2, "--distance or --distance-field"},
+        {{"buffer", "boxes.geojson", "out.gpkg", "--distance", "1", "--distance-field", "name"},
+         2,
+         "not both"},
+        {{"buffer", "boxes.geojson", "out.gpkg", "--distance", "0"}, 2, "greater than 0"},
+        {{"buffer", "boxes.geojson", "out.gpkg", "--distance=-2"}, 2, "greater than 0"},
+        {{"buffer", "boxes.geojson", "out.gpkg", "--distance", "nan"}, 2, "nan"},
+        {{"buffer", "boxes.geojson", "out.gpkg", "--distance-field", "nothing"}, 2, "no field"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const Outcome outcome = run(row.arguments);
+        EXPECT_EQ(row.status, outcome.status);
+        EXPECT_NE(std::string::npos, outcome.err.find(row.text)) << outcome.err;
+        EXPECT_FALSE(exists("out.gpkg"));
+    }
+}
+
+}  // namespace
+}  // namespace jws::test
