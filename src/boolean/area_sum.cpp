@@ -44,7 +44,9 @@ class LoopTracer {
     }
 
     void trace(RingSet& loops) {
+        StepCounter pace;
         for (std::size_t i = 0; i < m_edges.size(); ++i) {
+            pace.step();
             while (m_left[i] > 0) follow(i, loops);
         }
     }
@@ -113,6 +115,7 @@ void AreaSum::addEdge(const JWRawPoint& from, const JWRawPoint& to, int times) {
 }
 
 void AreaSum::addRing(const RingView& ring, bool forward) {
+    m_pace.step(static_cast<std::size_t>(ring.count));
     JWRawPoint last = plainZero(ring.points[ring.count - 1]);
     for (int i = 0; i < ring.count; ++i) {
         const JWRawPoint p = plainZero(ring.points[i]);
@@ -179,6 +182,7 @@ double AreaSum::addResolved(const RingViews& rings) {
 }
 
 void AreaSum::add(const Edges& edges) {
+    m_pace.step(edges.size());
     for (const Edge& edge : edges) addEdge(edge.from, edge.to, edge.times);
 }
 

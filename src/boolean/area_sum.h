@@ -19,6 +19,7 @@
 
 #include "boolean/plain_area.h"
 #include "boolean/ring_clip.h"
+#include "foundation/pulse.h"
 #include "jw_geometry.h"
 
 namespace jws::detail {
@@ -69,6 +70,7 @@ class AreaSum {
     std::vector<std::uint32_t> m_slots;  ///< a hash table of places in `m_edges`, plus 1
     std::size_t m_used = 0;              ///< the slots of the table that are in use
     PlainAreaTest m_test;
+    StepCounter m_pace;
     RingViews m_rings;
 };
 

@@ -20,6 +20,7 @@
 #include <cstddef>
 #include <new>
 
+#include "foundation/pulse.h"
 #include "jw_report.h"
 
 namespace jws::detail {
@@ -153,6 +154,7 @@ JWRing ClippedContours::ring(int i) const {
 ClippedContours::ClippedContours(const ::gpc_polygon& polygon, int failure) : polygon_(polygon) {
     if (failure == ENOMEM) throw std::bad_alloc();
     if (failure == ERANGE) throw ClipFailure();
+    if (failure == ECANCELED) Pulse::throwAgain();
     if (failure == EDOM) {
         JWReport::setError(JWErrorInvalidArgument, "a coordinate of a polygon is not finite");
     }

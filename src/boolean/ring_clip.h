@@ -23,7 +23,7 @@ class ClippedContours {
   public:
     ClippedContours() = default;
     /// Takes over what the engine has made. `failure` is its errno value: 0, EDOM, which becomes
-    /// the thread's last error, ENOMEM or ERANGE, which are thrown.
+    /// the thread's last error, ENOMEM, ERANGE or ECANCELED, which are thrown.
     ClippedContours(const ::gpc_polygon& polygon, int failure);
     ClippedContours(ClippedContours&& other) noexcept : polygon_(other.polygon_) {
         other.polygon_ = {};

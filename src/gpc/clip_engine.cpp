@@ -28,6 +28,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "foundation/pulse.h"
 #include "gpc/contour_builder.h"
 #include "gpc/face_builder.h"
 
@@ -76,6 +77,7 @@ struct Engine {
     Arrangement arrangement;
     ContourBuilder builder;
     FaceBuilder faceBuilder;
+    detail::StepCounter pace;
 
     void trim() {
         if (set.points.bytes() + resolved.points.bytes() + noder.bytes() + arrangement.bytes() +
@@ -97,7 +99,9 @@ struct Engine {
 #ifdef JW_GPC_SELF_CHECK
         if (noder.countConflicts() != 0) std::abort();
 #endif
+        pace.step(noder.result().points.size());
         arrangement.build(noder, depth);
+        pace.step(noder.result().points.size());
     }
 };
 
@@ -338,7 +342,7 @@ int guarded(gpc_polygon& result, F&& work) noexcept {
         return ENOMEM;
     } catch (...) {
         gpc_free_polygon(&result);
-        return ERANGE;
+        return detail::Pulse::hasStopped() ? ECANCELED : ERANGE;
     }
 }
 

@@ -45,7 +45,7 @@ struct Operand {
 
 /// Does what `gpc_polygon_clip` does, with operands that may be prepared; the answers are equal
 /// bit for bit. Sets every field of `result`; returns 0 or the errno value that tells why the
-/// result is empty.
+/// result is empty: EDOM, ENOMEM, ERANGE, or ECANCELED when the thread's pulse stopped it.
 int clip(gpc_op op, const Operand& subject, const Operand& other, gpc_polygon& result) noexcept;
 
 /// Computes the union of any number of polygons, each read by the even-odd rule, in one go.

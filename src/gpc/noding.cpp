@@ -45,6 +45,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "foundation/pulse.h"
 #include "gpc/crossing.h"
 
 namespace jws::gpc {
@@ -160,8 +161,10 @@ bool Noder::check() {
     firstSplit_.fill(set_->points.size(), 0);
     tree_.build(*set_, near_.reach);
     treeIsFresh_ = true;
-    const auto visit = [this](std::uint32_t i, std::uint32_t ci, std::uint32_t j,
-                              std::uint32_t cj) {
+    detail::StepCounter pace;
+    const auto visit = [this, &pace](std::uint32_t i, std::uint32_t ci, std::uint32_t j,
+                                     std::uint32_t cj) {
+        pace.step();
         if (splits_.size() > most_) return;  // too many to go on from
         meet(i, set_->contours[ci], j, set_->contours[cj]);
     };

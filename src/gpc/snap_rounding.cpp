@@ -27,6 +27,7 @@
 
 #include <algorithm>
 
+#include "foundation/pulse.h"
 #include "gpc/crossing.h"
 #include "gpc/pixel.h"
 
@@ -86,7 +87,9 @@ void SnapRounder::addVertices(const ContourSet& from) {
 
 void SnapRounder::addCrossings(const ContourSet& from, const BoxTree& tree) {
     const Point* p = from.points.data();
+    detail::StepCounter pace;
     const auto visit = [&](std::uint32_t i, std::uint32_t, std::uint32_t j, std::uint32_t) {
+        pace.step();
         if (!crossProperly(p[i], p[i + 1], p[j], p[j + 1])) return;
         const Point pixel = crossingPixel(p[i], p[i + 1], p[j], p[j + 1], grid_);
         add({pixel, pixel});
@@ -137,7 +140,9 @@ void SnapRounder::chooseHotPoints() {
 void SnapRounder::stopEdges(const ContourSet& from, const BoxTree& tree) {
     stops_.clear();
     firstStop_.fill(from.points.size(), 0);
+    detail::StepCounter pace;
     for (const Point& h : hot_) {
+        pace.step();
         tree.query(from, edgeBox(h, h, grid_.step), [&](std::uint32_t edge) {
             if (!entersPixel(from.points[edge], from.points[edge + 1], h, grid_.step)) return;
             stops_.push({h, firstStop_[edge]});
