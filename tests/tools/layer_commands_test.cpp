@@ -52,6 +52,8 @@ TEST_F(LayerCommands, EachGivesItsResultAndAccount) {
          {"name", "count", "first_name"}},
         {{"dissolve", "self.geojson"}, 1, 8, {}},
         {{"dissolve", "b.geojson"}, 2, 5, {}},
+        {{"merge", "a.geojson", "b.geojson", "--prefix-a", "a_"}, 2, 11, {"a_name", "name"}},
+        {{"update", "a.geojson", "b.geojson", "--attributes", "fid"}, 4, 11, {"FID_a", "FID_b"}},
         {{"intersect", "a.geojson", "b.geojson", "--prefix-a", "a_", "--prefix-b", "b_"},
          2,
          2,

@@ -97,7 +97,7 @@ void setupTwo(CLI::App& app, Settings& settings) { setupPlain(app, settings, tru
 void setupTwoJoining(CLI::App& app, Settings& settings) { setupJoining(app, settings, true); }
 
 void setupUpdate(CLI::App& app, Settings& settings) {
-    setupTwo(app, settings);
+    setupTwoJoining(app, settings);
     app.add_flag("--no-borders", settings.noBorders,
                  "Let each feature of OVERLAY take in the features of INPUT that it overlaps");
 }
@@ -157,7 +157,7 @@ Command mergeCommand() {
             "one another, directly or through others, with the attributes of the first of each "
             "layer. Polygons that touch stay apart.",
             "jwcg merge burnt_2020.gpkg burnt_2021.gpkg burnt.gpkg",
-            setupTwo,
+            setupTwoJoining,
             [](const Settings& settings) {
                 return runTwo(settings, "merge", &Overlay::unionPolygonLayers);
             }};
