@@ -1,22 +1,19 @@
 // SPDX-License-Identifier: MIT
 //
-// Shoelace areas are right for simple rings, and sums of pieces where the cutters do not overlap:
-// mostly both hold, the sum comes out at once, and that is proof enough, since pieces and rest are
-// independent clips. Only where it does not is the dear way taken: the feature's rings resolved,
-// the pieces united.
+// Shoelace areas are right for simple rings; only where a sum does not come out are the rings
+// resolved. Pieces of neighbours that do not overlap make up the feature together with its rest:
+// mostly that holds, comes out at once, and is proof enough, since pieces and rest are clips of
+// their own. Where it does not, each piece is checked by itself.
 #include "overlay/area_check.h"
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "overlay/geometry_overlay.h"
+#include "overlay/layer_side.h"
 
 namespace jws::detail {
 namespace {
-
-/// Of the whole: sums that differ by less agree.
-constexpr double kRounding = 1e-12;
 
 double shoelaceArea(const Area& area) {
     double sum = 0;
@@ -25,6 +22,29 @@ double shoelaceArea(const Area& area) {
         sum += ring.hole == 0 ? enclosed : -enclosed;
     }
     return sum;
+}
+
+std::size_t pointsOf(const Area& area) {
+    std::size_t sum = 0;
+    for (const RingView& ring : area.rings()) sum += static_cast<std::size_t>(ring.count);
+    return sum;
+}
+
+/// Sums of areas that differ by less agree: crossings are rounded to the last place of the largest
+/// coordinate.
+double roundingOf(const Area& feature, double whole) {
+    const JWEnvelop& e = feature.envelop();
+    const double size = std::max(std::max(std::fabs(e.minX), std::fabs(e.maxX)),
+                                 std::max(std::fabs(e.minY), std::fabs(e.maxY)));
+    return 1e-12 * whole + 0x1p-51 * size * (e.maxX - e.minX + e.maxY - e.minY);
+}
+
+/// What two parts of a feature miss it by.
+double mismatchOf(const Area& feature, double inside, double outside) {
+    const double whole = shoelaceArea(feature);
+    const double difference = std::fabs(whole - inside - outside);
+    if (difference <= roundingOf(feature, whole)) return difference;
+    return std::min(difference, std::fabs(resolvedArea(feature) - inside - outside));
 }
 
 }  // namespace
@@ -36,27 +56,30 @@ double resolvedArea(const Area& area) {
 double mismatchOfCut(const Area& feature, AreaUnion& cutters, double outside) {
     const double inside =
         areaOf(clipRings(feature.rings(), cutters.rings(), JWBooleanIntersection));
-    const double whole = shoelaceArea(feature);
-    const double difference = std::fabs(whole - inside - outside);
-    if (difference <= kRounding * whole) return difference;
-    return std::min(difference, std::fabs(resolvedArea(feature) - inside - outside));
+    return mismatchOf(feature, inside, outside);
 }
 
-void PieceCheck::add(ClippedContours&& piece) {
-    m_sum += areaOf(piece);
-    m_pieces.push_back(std::move(piece));
+bool PieceCheck::addsUp(double outside, double& difference) const {
+    difference = std::fabs(m_whole - m_sum - outside);
+    return difference <= roundingOf(m_feature, m_whole);
 }
 
-double PieceCheck::mismatch(AreaUnion& cutters, double outside) {
-    const double whole = shoelaceArea(m_feature);
-    const double known = std::max(outside, 0.0);
-    const double difference = std::fabs(whole - m_sum - known);
-    if (difference <= kRounding * whole) return difference;
-    if (outside < 0) outside = areaOf(eraseUnion(m_feature, cutters));
-    AreaUnion pieces(m_feature.envelop());
-    for (const ClippedContours& piece : m_pieces) pieces.add(Area(piece.views()));
-    const double covered = areaOf(pieces.contours());
-    return std::fabs(resolvedArea(m_feature) - covered - outside);
+double PieceCheck::mismatchOfPieces(Surroundings& around) const {
+    const std::size_t ownPoints = pointsOf(m_feature);
+    double sum = 0;
+    around.restart();
+    for (const double area : m_areas) {
+        const Area& other = around.next()->area;
+        if (area < 0) continue;
+        const bool ownIsSmaller = ownPoints <= pointsOf(other);
+        const Area& smaller = ownIsSmaller ? m_feature : other;
+        AreaUnion larger(smaller.envelop());
+        larger.add(ownIsSmaller ? other : m_feature);
+        const double missed = mismatchOf(smaller, area, areaOf(eraseUnion(smaller, larger)));
+        // Roundings would add up over a feature's pieces to more than they are of its area.
+        if (missed > roundingOf(smaller, shoelaceArea(smaller))) sum += missed;
+    }
+    return sum;
 }
 
 }  // namespace jws::detail

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "overlay/area_union.h"
 
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -35,19 +36,23 @@ ClippedContours uniteInPairs(const std::vector<Area>& areas, const JWEnvelop& wi
     return uniteRings(sets);
 }
 
-/// The same, in one go where the engine can.
-ClippedContours unite(const std::vector<Area>& areas, const JWEnvelop& window) {
-    if (!canUniteDirected) return uniteInPairs(areas, window);
+/// The same in one go. `surplus` receives what the parts have beyond the union, which is what they
+/// have in common, minus what the engine found them to have in common.
+ClippedContours uniteAtOnce(const std::vector<Area>& areas, const JWEnvelop& window,
+                            double& surplus) {
     thread_local AreaSum sum;
     thread_local Extract extract;
     sum.clear();
+    double parts = 0;
     for (const Area& area : areas) {
         extract.take(area, window);
-        sum.add(extract.rings);
+        parts += sum.add(extract.rings);
     }
     AreaSum::Edges edges = sum.rest();
     double overlap = 0;
-    return AreaSum::unite(edges, overlap);
+    ClippedContours united = AreaSum::unite(edges, overlap);
+    surplus = parts - overlap - areaOf(united);
+    return united;
 }
 
 }  // namespace
@@ -76,12 +81,22 @@ JWEnvelop everywhere() {
 void AreaUnion::add(const Area& area) {
     if (area.isEmpty() || !area.envelop().intersected(m_window)) return;
     m_batch.push_back(area);
-    if (m_batch.size() == kBatch) flush();
+    // What areas have in common two at a time can be clipped with any engine.
+    const std::size_t batch = m_check && !canUniteDirected ? 1 : kBatch;
+    if (m_batch.size() >= batch) flush();
+}
+
+ClippedContours AreaUnion::uniteBatch() {
+    if (!canUniteDirected) return uniteInPairs(m_batch, m_window);
+    double surplus = 0;
+    ClippedContours united = uniteAtOnce(m_batch, m_window, surplus);
+    if (m_check) m_mismatch += std::fabs(surplus);
+    return united;
 }
 
 void AreaUnion::flush() {
     if (m_batch.empty()) return;
-    m_united.push_back({unite(m_batch, m_window), 0});
+    m_united.push_back({uniteBatch(), 0});
     m_batch.clear();
     while (m_united.size() > 1 && m_united.back().rank >= m_united[m_united.size() - 2].rank) {
         mergeLast();
@@ -93,8 +108,12 @@ void AreaUnion::mergeLast() {
     m_united.pop_back();
     const United before = std::move(m_united.back());
     m_united.pop_back();
-    m_united.push_back(
-        {clipRings(before.contours.views(), last.views(), JWBooleanUnion), before.rank + 1});
+    const RingViews a = before.contours.views(), b = last.views();
+    m_united.push_back({clipRings(a, b, JWBooleanUnion), before.rank + 1});
+    if (!m_check) return;
+    const double common = areaOf(clipRings(a, b, JWBooleanIntersection));
+    m_mismatch += std::fabs(areaOf(before.contours) + areaOf(last) - common -
+                            areaOf(m_united.back().contours));
 }
 
 const RingViews& AreaUnion::rings() {

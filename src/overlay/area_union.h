@@ -31,7 +31,9 @@ JWEnvelop everywhere();
 /// std::bad_alloc.
 class AreaUnion {
   public:
-    explicit AreaUnion(const JWEnvelop& window) : m_window(window) {}
+    /// `check`: whether every union is compared with what goes into it, see `mismatch`.
+    explicit AreaUnion(const JWEnvelop& window, bool check = false)
+        : m_window(window), m_check(check) {}
     /// Adds an area; one whose envelope does not overlap the window is passed over. What it borrows
     /// must live as long as the union unless the area owns it.
     void add(const Area& area);
@@ -41,6 +43,9 @@ class AreaUnion {
     const RingViews& rings();
     /// The same as contours, simple and with hole flags.
     ClippedContours contours();
+    /// What the areas of the unions so far miss those of their parts by, once what parts have in
+    /// common is taken off; 0 if there was no check.
+    double mismatch() const { return m_mismatch; }
 
   private:
     struct United {
@@ -48,9 +53,12 @@ class AreaUnion {
         int rank;  ///< unions of two unions below it
     };
     void flush();
+    ClippedContours uniteBatch();
     void mergeLast();
 
     JWEnvelop m_window;
+    bool m_check;
+    double m_mismatch = 0;
     std::vector<Area> m_batch;
     std::vector<United> m_united;  ///< ranks fall from the first to the last but one
     RingSet m_shortened;

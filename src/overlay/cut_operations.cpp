@@ -21,8 +21,8 @@ struct Cut {
     bool check;
 
     void operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const;
-    void emitRest(const OverlayFeature& self, AreaUnion& cutters, PieceCheck& made,
-                  Emitter& out) const;
+    double mismatch(const OverlayFeature& self, AreaUnion& cutters, const PieceCheck& made,
+                    double outside, Surroundings& around) const;
     void emit(BuiltArea&& built, const OverlayFeature& self, const OverlayFeature* other,
               Emitter& out) const {
         const JWFeature* theirs = other != nullptr ? other->get() : nullptr;
@@ -32,40 +32,45 @@ struct Cut {
 
 void Cut::operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const {
     AreaUnion cutters(self.area.envelop());
-    PieceCheck made(self.area);
+    PieceCheck made(self.area, out.inputArea());
     while (const OverlayFeature* other = around.next()) {
-        if (!self.area.overlaps(other->area)) continue;
+        if (!self.area.overlaps(other->area)) {
+            if (check) made.skip();
+            continue;
+        }
         if (pieces) {
             try {
-                ClippedContours common = intersectAreas(self.area, other->area);
+                const ClippedContours common = intersectAreas(self.area, other->area);
+                if (check) made.add(areaOf(common));
                 if (common.count() == 0) continue;
                 emit(buildArea(common, tolerance), self, other, out);
-                if (check) made.add(std::move(common));
             } catch (const ClipFailure& failure) {
+                if (check) made.skip();
                 out.reject(*other, failure.what());
                 continue;  // so that the area stays in the rest
             }
         }
-        if (rest || check) cutters.add(other->area);
+        if (rest) cutters.add(other->area);
     }
-    if (rest) {
-        emitRest(self, cutters, made, out);
-    } else if (check) {
-        out.addMismatch(made.mismatch(cutters, -1));
+    double outside = 0;
+    if (rest && cutters.isEmpty()) {
+        out.emitCopy(self, overB ? nullptr : self.get(), overB ? self.get() : nullptr);
+        outside = out.inputArea();
+    } else if (rest) {
+        const ClippedContours left = eraseUnion(self.area, cutters);
+        emit(buildArea(left, tolerance), self, nullptr, out);
+        outside = areaOf(left);
     }
+    if (check) out.addMismatch(mismatch(self, cutters, made, outside, around));
 }
 
-void Cut::emitRest(const OverlayFeature& self, AreaUnion& cutters, PieceCheck& made,
-                   Emitter& out) const {
-    if (cutters.isEmpty()) {
-        return out.emitCopy(self, overB ? nullptr : self.get(), overB ? self.get() : nullptr);
-    }
-    const ClippedContours outside = eraseUnion(self.area, cutters);
-    emit(buildArea(outside, tolerance), self, nullptr, out);
-    if (!check) return;
-    const double area = areaOf(outside);
-    out.addMismatch(pieces ? made.mismatch(cutters, area)
-                           : mismatchOfCut(self.area, cutters, area));
+double Cut::mismatch(const OverlayFeature& self, AreaUnion& cutters, const PieceCheck& made,
+                     double outside, Surroundings& around) const {
+    if (!pieces) return cutters.isEmpty() ? 0 : mismatchOfCut(self.area, cutters, outside);
+    double difference = 0;
+    if (made.addsUp(outside, difference)) return difference;
+    const double missed = made.mismatchOfPieces(around);
+    return cutters.isEmpty() ? missed : missed + mismatchOfCut(self.area, cutters, outside);
 }
 
 OverlayPass cutPass(const JWOverlayOptions& options, bool pieces, bool rest, bool overB) {

@@ -111,6 +111,7 @@ BuiltArea buildArea(const ClippedContours& contours, double tolerance) {
     for (int i = 0; i < contours.count(); ++i) {
         JWRing ring = contours.ring(i);
         const double area = std::fabs(ring.getArea());
+        built.area += contours.hole(i) == 0 ? area : -area;
         if (area < tolerance) {
             built.dropped += contours.hole(i) == 0 ? area : -area;
         } else {

@@ -32,6 +32,7 @@ using OverlayPieces = std::vector<OverlayPiece>;
 /// A clip result as a geometry.
 struct BuiltArea {
     std::unique_ptr<JWGeometry> geometry;  ///< null when no outer ring reaches the tolerance
+    double area = 0;                       ///< that the contours enclose
     double dropped = 0;  ///< area of the outer rings below the tolerance minus that of such holes
 };
 

@@ -18,8 +18,8 @@ const LayerOperation planarUnionOperation = {"unionPolygonLayers2", Attributes::
 const LayerOperation symmetricalDifferenceOperation = {
     "symmetricalDifferencePolygonLayers", Attributes::OfBoth, symmetricalDifferencePasses};
 const LayerOperation updateOperation = {"updatePolygonLayer", Attributes::OfBoth, updatePasses};
-const LayerOperation spatialJoinOperation = {"spatialJoinPolygonLayers", Attributes::OfBothCount,
-                                             spatialJoinPasses};
+const LayerOperation spatialJoinOperation = {
+    "spatialJoinPolygonLayers", Attributes::OfBothCount, spatialJoinPasses, false, false, false};
 const LayerOperation growWithinOperation = {"unionPolygonsInSameLayer", Attributes::OfA,
                                             clusterPasses, false, true};
 const LayerOperation partitionWithinOperation = {"unionPolygonsInSameLayer2", Attributes::OfBoth,
@@ -48,8 +48,29 @@ std::int64_t runJob(const LayerOperation& operation, FeatureInput& a, FeatureInp
     OverlayJob job = {first, second, output, schemaOf(operation, a, b, options),
                       operation.passes(options, first.count())};
     const std::int64_t written = runLayerOverlay(job, options, report);
-    if (options.checkAreas) judge(report);
+    if (options.checkAreas && operation.changesAreas) {
+        judge(report);
+    } else {
+        report.residual = 0;
+    }
     return written;
+}
+
+std::string titleOf(const NamedClass& features, const char* role) {
+    const std::string title = std::string("feature class ") + role;
+    return features.name != nullptr ? title + " (" + features.name + ")" : title;
+}
+
+/// False with the last error set when the operand is missing or the result at once.
+bool checkClass(const LayerOperation& operation, const NamedClass& features, const char* role,
+                const JWFeatureClass& output) {
+    const char* wrong = features.features == nullptr   ? ": is missing"
+                        : features.features == &output ? ": is input and result at once"
+                                                       : nullptr;
+    if (wrong == nullptr) return true;
+    JWReport::setError(JWErrorInvalidArgument,
+                       std::string(operation.name) + ": " + titleOf(features, role) + wrong);
+    return false;
 }
 
 }  // namespace
@@ -76,17 +97,14 @@ int overlayClasses(const LayerOperation& operation, const NamedClass& a, const N
                    JWFeatureClass& output, const JWOverlayOptions& options) {
     return guarded(operation.name, -1, [&] {
         JWReport::clearError();
-        if (a.features == nullptr || b.features == nullptr || a.features == &output ||
-            b.features == &output) {
-            JWReport::setError(JWErrorInvalidArgument,
-                               "a feature class of the overlay is missing, or input and result");
+        if (a.features != &output && b.features != &output) output.clearAll();
+        if (!checkClass(operation, a, "A", output) || !checkClass(operation, b, "B", output)) {
             return -1;
         }
-        if (!checkReferences(a.features->getSpatialReference(), a.name ? a.name : "A",
-                             b.features->getSpatialReference(), b.name ? b.name : "B")) {
+        if (!checkReferences(a.features->getSpatialReference(), titleOf(a, "A").c_str(),
+                             b.features->getSpatialReference(), titleOf(b, "B").c_str())) {
             return -2;
         }
-        output.clearAll();
         output.setSpatialReference(a.features->getSpatialReference());
         const std::unique_ptr<FeatureInput> inputA = inputFrom(a.name, *a.features);
         const std::unique_ptr<FeatureInput> inputB =

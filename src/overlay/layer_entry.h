@@ -22,6 +22,7 @@ struct LayerOperation {
     MakePasses passes;
     bool joinsLayers = false;  ///< works on the features of two layers as on those of one
     bool withinLayer = false;  ///< has one operand
+    bool changesAreas = true;  ///< has an identity of areas to obey
 };
 
 extern const LayerOperation intersectOperation;
@@ -53,7 +54,8 @@ struct NamedClass {
     JWFeatureClass* features;
 };
 
-/// Replaces what `output` holds; it takes A's reference. Within one layer, `b` is `a` again.
+/// Replaces what `output` holds, unless that is an operand; it takes A's reference. Within one
+/// layer, `b` is `a` again.
 int overlayClasses(const LayerOperation& operation, const NamedClass& a, const NamedClass& b,
                    JWFeatureClass& output, const JWOverlayOptions& options);
 

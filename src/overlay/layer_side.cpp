@@ -137,7 +137,7 @@ void Surroundings::startFeature(std::size_t count) {
 
 const OverlayFeature* Surroundings::next() {
     if (m_next == m_end) return nullptr;
-    if (m_next >= m_batchBegin + m_batch.size()) {
+    if (m_next < m_batchBegin || m_next >= m_batchBegin + m_batch.size()) {
         m_pulse();
         m_batch.clear();
         m_batchBegin = m_next;

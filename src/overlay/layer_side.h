@@ -105,6 +105,8 @@ class Surroundings {
 
     /// The next feature that meets the one at hand; null at the end. Good until the next call.
     const OverlayFeature* next();
+    /// Starts over with the features that meet the one at hand.
+    void restart() { m_next = m_begin; }
     /// Their number.
     std::size_t count() const { return m_end - m_begin; }
     /// The operand that they come from, and that of the feature at hand.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "overlay/overlay_slot.h"
 
+#include <cmath>
 #include <utility>
 
 namespace jws::detail {
@@ -12,22 +13,28 @@ void Emitter::emitCopy(const OverlayFeature& self, const JWFeature* a, const JWF
 
 void Emitter::emit(BuiltArea&& built, const JWFeature* a, const JWFeature* b) {
     m_slot.dropped += built.dropped;
-    if (!built.geometry) return;
-    const double area = areaOf(*built.geometry);
-    add(std::move(built.geometry), {a, b, 0}, area);
+    double added = 0;
+    if (built.geometry) {
+        const double area = areaOf(*built.geometry);
+        added = add(std::move(built.geometry), {a, b, 0}, area);
+    }
+    m_slot.mismatch += std::fabs(built.area - built.dropped - added);
 }
 
-void Emitter::add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area) {
+double Emitter::add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area) {
     if (m_multipart || geometry->getGeometryType() != JWGeometryMultiPolygon) {
         addResult(std::move(geometry), values, area);
-        return;
+        return area;
     }
+    double sum = 0;
     auto& parts = static_cast<JWMultiPolygon&>(*geometry);
     for (int i = 0; i < parts.getPolygonCount(); ++i) {
         auto part = std::make_unique<JWPolygon>(std::move(*parts.getPolygonPtrAt(i)));
         const double partArea = part->getArea();
         addResult(std::move(part), values, partArea);
+        sum += partArea;
     }
+    return sum;
 }
 
 void Emitter::addResult(std::unique_ptr<JWGeometry> geometry, const Values& values, double area) {

@@ -41,7 +41,11 @@ class Emitter {
     /// be null; `joined` goes into the count field, if there is one.
     void emitCopy(const OverlayFeature& self, const JWFeature* a, const JWFeature* b,
                   std::int64_t joined = 0);
-    /// Adds a clip result, if something of it reached the tolerance, and accounts for the rest.
+    /// The area that the feature at hand encloses.
+    double inputArea() const { return m_slot.inputArea; }
+    /// Adds a clip result, if something of it reached the tolerance, and accounts for the rest:
+    /// what was dropped below the tolerance, and what got lost on the way from contours to
+    /// results.
     void emit(BuiltArea&& built, const JWFeature* a, const JWFeature* b);
     /// Puts the feature at hand on the list of those not processed in full: it and `other` could
     /// not be overlaid.
@@ -57,8 +61,8 @@ class Emitter {
         const JWFeature* b;
         std::int64_t joined;
     };
-    /// Adds a geometry of a known area, in parts if need be.
-    void add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);
+    /// Adds a geometry of a known area, in parts if need be; returns the area of what it added.
+    double add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);
     void addResult(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);
 
     const ResultSchema& m_schema;

@@ -36,7 +36,9 @@ struct FindOwner {
             cutters.add(other->area);
         }
         if (cutters.isEmpty()) return out.emitCopy(self, self.get(), nullptr);
-        out.emit(buildArea(eraseUnion(self.area, cutters), options.tolerance), self.get(), nullptr);
+        const ClippedContours rest = eraseUnion(self.area, cutters);
+        out.emit(buildArea(rest, options.tolerance), self.get(), nullptr);
+        if (options.checkAreas) out.addMismatch(mismatchOfCut(self.area, cutters, areaOf(rest)));
     }
 };
 
@@ -49,7 +51,7 @@ struct Absorb {
         AreaUnion grown(everywhere()), rests(everywhere());
         while (const OverlayFeature* other = around.next()) {
             if ((*owners)[static_cast<std::size_t>(other->position)] != self.position) continue;
-            auto rest = std::make_shared<const ClippedContours>(restOf(*other, around.own()));
+            auto rest = std::make_shared<const ClippedContours>(restOf(*other, around.own(), out));
             if (rest->count() == 0) continue;
             const Area area(rest->views(), rest);
             grown.add(area);
@@ -66,12 +68,14 @@ struct Absorb {
     }
 
     /// A feature of A outside of all of B.
-    static ClippedContours restOf(const OverlayFeature& feature, LayerSide& sideB) {
+    ClippedContours restOf(const OverlayFeature& feature, LayerSide& sideB, Emitter& out) const {
         Hits hits;
         sideB.search(feature.area.envelop(), hits);
         AreaUnion cutters(feature.area.envelop());
         sideB.forEach(hits, [&](const OverlayFeature& other) { cutters.add(other.area); });
-        return eraseUnion(feature.area, cutters);
+        ClippedContours rest = eraseUnion(feature.area, cutters);
+        if (options.checkAreas) out.addMismatch(mismatchOfCut(feature.area, cutters, areaOf(rest)));
+        return rest;
     }
 };
 

@@ -66,7 +66,7 @@ class LayerOperations : public testing::Test {
         options.checkAreas = true;
         output = emptyLayer("out");
         count = operations.at(operation)(&a, &b, output.get(), options, &report);
-        EXPECT_TRUE(report.checked);
+        EXPECT_EQ(report.checked, operation != "join");  // which changes no area
         EXPECT_EQ(report.warning, "") << operation;
         return contentOf(*output);
     }
@@ -174,6 +174,30 @@ TEST_F(LayerOperations, WithinALayer) {
         LayerPtr layer = layerOf("layer", row.layer);
         EXPECT_EQ(areas("grow within", *layer, *layer), row.grown) << row.name;
         EXPECT_EQ(areas("partition within", *layer, *layer), row.pieces) << row.name;
+    }
+}
+
+TEST_F(LayerOperations, AreasAddUpWhereFeaturesCrossThemselvesAndOneAnother) {
+    const auto bow = [](double x, double y, const char* name) {
+        const auto at = [](double px, double py) {
+            return std::to_string(px) + " " + std::to_string(py);
+        };
+        return Row{-1,
+                   "POLYGON((" + at(x, y) + "," + at(x + 10.3, y + 7.7) + "," + at(x + 10.3, y) +
+                       "," + at(x, y + 7.7) + "," + at(x, y) + "))",
+                   name};
+    };
+    std::vector<Row> a, b;
+    for (int i = 0; i < 40; ++i) {
+        a.push_back(bow(5e6 + 1.7 * i, 4e6 + 0.9 * (i % 7), "a"));
+        b.push_back(bow(5e6 + 2.3 * i, 4e6 + 1.1 * (i % 5), "b"));
+    }
+    LayerPtr layerA = layerOf("a", a), layerB = layerOf("b", b);
+    JWOverlayOptions options;
+    options.keepBorders = false;
+    for (const auto& entry : operations) {
+        run(entry.first, *layerA, *layerB, options);
+        EXPECT_LE(report.residual, 1e-10 * report.areaA) << entry.first;
     }
 }
 
@@ -637,6 +661,11 @@ TEST_F(LayerOperations, FeatureClassesGiveWhatLayersGiveOnAThreadTeamToo) {
         EXPECT_EQ(contentOfClass(symdiff), run("symdiff", *a, *b));
     }
     EXPECT_EQ(O::symmetricalDifferencePolygons(&classA, nullptr, symdiff, true, 0), -1);
+    EXPECT_EQ(symdiff.getFeatureCount(), 0);
+    EXPECT_EQ(O::symmetricalDifferencePolygons(&classA, &classB, classB, true, 0), -1);
+    EXPECT_EQ(classB.getFeatureCount(), 30);
+    EXPECT_NE(JWReport::lastError().text.find("feature class B: is input and result"),
+              std::string::npos);
     EXPECT_EQ(O::polygonsErasePolygons(nullptr, &classB, true, 0), nullptr);
 }
 
