@@ -14,10 +14,6 @@ int fail(int code, enumJWErrorKind kind, const std::string& text) {
     return code;
 }
 
-std::string titleOf(const JWFeatureLayer& layer) {
-    return std::string(layer.getDataSourceName()) + ", layer " + layer.getLayerName();
-}
-
 std::string describe(const JWSpatialReference* reference) {
     if (reference == nullptr || reference->isEmpty()) return "none";
     char* text = reference->describe();
@@ -27,6 +23,10 @@ std::string describe(const JWSpatialReference* reference) {
 }
 
 }  // namespace
+
+std::string titleOf(const JWFeatureLayer& layer) {
+    return std::string(layer.getDataSourceName()) + ", layer " + layer.getLayerName();
+}
 
 bool checkReferences(const JWSpatialReference* a, const char* nameA, const JWSpatialReference* b,
                      const char* nameB) {
@@ -40,7 +40,8 @@ bool checkReferences(const JWSpatialReference* a, const char* nameA, const JWSpa
 int checkOverlayLayers(const JWFeatureLayer* a, const JWFeatureLayer* b,
                        const JWFeatureLayer* output) {
     if (a == nullptr || b == nullptr || output == nullptr) {
-        return fail(-1, JWErrorInvalidArgument, "a layer of the operation is missing");
+        const char* which = a == nullptr ? "input" : b == nullptr ? "overlay" : "result";
+        return fail(-1, JWErrorInvalidArgument, std::string("the ") + which + " layer is missing");
     }
     if (output == a || output == b) {
         return fail(-1, JWErrorInvalidArgument, titleOf(*output) + ": is input and result at once");

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,9 @@
 #include "layers/feature_io.h"
 
 namespace jws::detail {
+
+/// A layer as messages name it: its data source and its name.
+std::string titleOf(const JWFeatureLayer& layer);
 
 /// Checks in the order −1, −3, −2. Returns 0 when the overlay may run; the last error is set
 /// otherwise.

@@ -26,9 +26,11 @@ int invalidArgument(const std::string& text) {
 }
 
 /// The first `count` of a list; false with the last error set when it has fewer.
-bool takeFields(std::vector<int>& fields, int count) {
+bool takeFields(const JWFeatureLayer* input, std::vector<int>& fields, int count) {
     if (count > static_cast<int>(fields.size())) {
-        invalidArgument("there are fewer dissolve fields than their count says");
+        invalidArgument((input != nullptr ? titleOf(*input) + ": " : std::string()) +
+                        std::to_string(count) + " dissolve fields are asked for, but only " +
+                        std::to_string(fields.size()) + " are listed");
         return false;
     }
     fields.resize(static_cast<std::size_t>(std::max(count, 0)));
@@ -37,12 +39,15 @@ bool takeFields(std::vector<int>& fields, int count) {
 
 /// Puts indexes in ascending order, each once. Returns false with the last error set when one is
 /// no field of the layer.
-bool normalise(std::vector<int>& fields, const JWFields& schema) {
+bool normalise(const JWFeatureLayer& layer, std::vector<int>& fields) {
+    const JWFields& schema = *layer.getFieldsDefnPtr();
     std::sort(fields.begin(), fields.end());
     fields.erase(std::unique(fields.begin(), fields.end()), fields.end());
     for (const int field : fields) {
         if (schema.getFieldPtr(field) != nullptr) continue;
-        invalidArgument("there is no field " + std::to_string(field) + " to dissolve by");
+        invalidArgument(titleOf(layer) + ": there is no field " + std::to_string(field) +
+                        " to dissolve by, of " + std::to_string(schema.getFieldCount()) +
+                        " counted from 0");
         return false;
     }
     return true;
@@ -55,11 +60,11 @@ int dissolve(JWFeatureLayer* input, JWFeatureLayer* output, DissolveKind kind,
         if (report != nullptr) *report = JWLayerReport();
         const int refused = checkOverlayLayers(input, input, output);
         if (refused != 0) return refused;
-        if (!checkReferences(input->getLayerSpatialRefPtr(), input->getLayerName(),
-                             output->getLayerSpatialRefPtr(), output->getLayerName())) {
+        if (!checkReferences(input->getLayerSpatialRefPtr(), titleOf(*input).c_str(),
+                             output->getLayerSpatialRefPtr(), titleOf(*output).c_str())) {
             return -2;
         }
-        if (!normalise(fields, *input->getFieldsDefnPtr())) return -1;
+        if (!normalise(*input, fields)) return -1;
         if (kind != DissolveKind::Areas && fields.empty()) {
             JWReport::message("Do nothing for no fields specified!\n");
             return 0;
@@ -75,7 +80,7 @@ int dissolve(JWFeatureLayer* input, JWFeatureLayer* output, DissolveKind kind,
 int dissolve(JWFeatureLayer* input, JWFeatureLayer* output, DissolveKind kind,
              std::vector<int>&& fields, int fieldCount, const JWDissolveOptions& options) {
     JWReport::clearError();
-    if (!takeFields(fields, fieldCount)) return -1;
+    if (!takeFields(input, fields, fieldCount)) return -1;
     return dissolve(input, output, kind, std::move(fields), options, nullptr);
 }
 
@@ -141,7 +146,7 @@ int JWGeometryDissolve::dissolvePolygonsWithSameAttributes(std::vector<JWFeature
                                                            bool multipart, double tolerance) {
     return guarded("dissolvePolygonsWithSameAttributes", 0, [&] {
         JWReport::clearError();
-        if (!takeFields(fieldIndexes, fieldCount)) return 0;
+        if (!takeFields(nullptr, fieldIndexes, fieldCount)) return 0;
         if (featureCount < static_cast<int>(features.size())) {
             features.resize(static_cast<std::size_t>(std::max(featureCount, 0)));
         }

@@ -311,7 +311,12 @@ int JWGeometryOverlay2::intersectPolygonsInSameLayer2_mp(JWFeatureLayer* input,
 int JWGeometryOverlay2::getFeaturesByFIDorWHERE(JWFeatureLayer* layer, const char* where,
                                                 int firstFid, int lastFid, JWFeatureClass& out) {
     return guarded("getFeaturesByFIDorWHERE", -1, [&] {
-        if (layer == nullptr) return -1;
+        JWReport::clearError();
+        if (layer == nullptr) {
+            JWReport::setError(JWErrorInvalidArgument,
+                               "getFeaturesByFIDorWHERE: the layer is missing");
+            return -1;
+        }
         return readFeatures(*layer, where, firstFid, lastFid, out);
     });
 }

@@ -199,15 +199,28 @@ TEST_F(Dissolve, CodesAndTheirOrder) {
         std::vector<int> fields;
         int fieldCount, code;
         enumJWErrorKind kind;
+        const char* says;
     } rows[] = {
-        {nullptr, withFields.get(), {0}, 1, -1, JWErrorInvalidArgument},
-        {input.get(), nullptr, {0}, 1, -1, JWErrorInvalidArgument},
-        {input.get(), input.get(), {0}, 1, -1, JWErrorInvalidArgument},
-        {input.get(), withFields.get(), {0}, 1, -3, JWErrorOutputExists},
-        {input.get(), elsewhere.get(), {0}, 1, -2, JWErrorReferencesDiffer},
-        {input.get(), output.get(), {0, 1}, 2, -1, JWErrorInvalidArgument},
-        {input.get(), output.get(), {-1}, 1, -1, JWErrorInvalidArgument},
-        {input.get(), output.get(), {0}, 2, -1, JWErrorInvalidArgument},
+        {nullptr, withFields.get(), {0}, 1, -1, JWErrorInvalidArgument, "the input layer"},
+        {input.get(), nullptr, {0}, 1, -1, JWErrorInvalidArgument, "the result layer"},
+        {input.get(), input.get(), {0}, 1, -1, JWErrorInvalidArgument, "layer in: "},
+        {input.get(), withFields.get(), {0}, 1, -3, JWErrorOutputExists, "layer out: "},
+        {input.get(), elsewhere.get(), {0}, 1, -2, JWErrorReferencesDiffer, ", layer out has"},
+        {input.get(),
+         output.get(),
+         {0, 1},
+         2,
+         -1,
+         JWErrorInvalidArgument,
+         "layer in: there is no field 1 "},
+        {input.get(), output.get(), {-1}, 1, -1, JWErrorInvalidArgument, "no field -1 "},
+        {input.get(),
+         output.get(),
+         {0},
+         2,
+         -1,
+         JWErrorInvalidArgument,
+         "layer in: 2 dissolve fields"},
     };
     for (const auto& row : rows) {
         for (const AttributeForm form : {dissolvePoints, dissolveLines}) {
@@ -216,6 +229,8 @@ TEST_F(Dissolve, CodesAndTheirOrder) {
         EXPECT_EQ(row.code, JWGeometryDissolve::dissolvePolygonLayer(
                                 row.input, row.output, row.fields, row.fieldCount, true, 0, 10));
         EXPECT_EQ(row.kind, JWReport::lastError().kind);
+        EXPECT_NE(std::string::npos, JWReport::lastError().text.find(row.says))
+            << JWReport::lastError().text;
     }
     EXPECT_EQ("", messages.text());
     EXPECT_EQ(0, output->getFieldsDefnPtr()->getFieldCount());

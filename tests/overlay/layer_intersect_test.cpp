@@ -51,18 +51,21 @@ TEST_F(LayerIntersect, ChecksInTheOrderMissingThenFieldsThenReferences) {
         JWFeatureLayer *a, *b, *output;
         int code;
         enumJWErrorKind kind;
+        const char* says;
     } rows[] = {
-        {nullptr, b.get(), withFields.get(), -1, JWErrorInvalidArgument},
-        {a.get(), nullptr, withFields.get(), -1, JWErrorInvalidArgument},
-        {a.get(), b.get(), nullptr, -1, JWErrorInvalidArgument},
-        {a.get(), a.get(), a.get(), -1, JWErrorInvalidArgument},
-        {a.get(), b.get(), withFields.get(), -3, JWErrorOutputExists},
-        {a.get(), b.get(), output.get(), -2, JWErrorReferencesDiffer},
-        {a.get(), layerOf("b", {}).release(), output.get(), -2, JWErrorReferencesDiffer},
+        {nullptr, b.get(), withFields.get(), -1, JWErrorInvalidArgument, "the input layer"},
+        {a.get(), nullptr, withFields.get(), -1, JWErrorInvalidArgument, "the overlay layer"},
+        {a.get(), b.get(), nullptr, -1, JWErrorInvalidArgument, "the result layer"},
+        {a.get(), a.get(), a.get(), -1, JWErrorInvalidArgument, "input and result at once"},
+        {a.get(), b.get(), withFields.get(), -3, JWErrorOutputExists, "layer out: "},
+        {a.get(), b.get(), output.get(), -2, JWErrorReferencesDiffer, "layer a has"},
+        {a.get(), layerOf("b", {}).release(), output.get(), -2, JWErrorReferencesDiffer, "none"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(plainForm()(row.a, row.b, row.output, 0, 0, 10), row.code);
         EXPECT_EQ(JWReport::lastError().kind, row.kind) << JWReport::lastError().text;
+        EXPECT_NE(JWReport::lastError().text.find(row.says), std::string::npos)
+            << JWReport::lastError().text;
     }
     EXPECT_EQ(output->getFeatureCount(), 0);
     EXPECT_EQ(withFields->getFeatureCount(), 0);
@@ -301,6 +304,8 @@ TEST_F(LayerIntersect, FeatureClassesGiveWhatLayersGive) {
 
     EXPECT_EQ(JWGeometryOverlay2::polygonsIntersectPolygons("a", nullptr, "b", &classB, 0, 0),
               nullptr);
+    EXPECT_NE(JWReport::lastError().text.find("feature class A (a): is missing"),
+              std::string::npos);
     JWSpatialReference wgs84;
     wgs84.importFromUserInput("EPSG:4326");
     classA.setSpatialReference(&wgs84);
