@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <climits>
 
 #include "foundation/parallel.h"
 #include "layers/block_filter.h"
@@ -22,9 +21,6 @@ using Clock = std::chrono::steady_clock;
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
-
-/// A number as messages show it.
-int shown(std::int64_t number) { return static_cast<int>(std::min<std::int64_t>(number, INT_MAX)); }
 
 /// The area of what rings enclose by the even-odd rule, however they cross.
 double resolvedArea(const JWGeometry& geometry) {
@@ -234,7 +230,7 @@ void OverlayRun::run() {
     // A tree over A, where a later pass searches it, is filled while the first pass reads A.
     if (!isOneSided() && m_job.passes.size() > 1) m_sideA.startIndex();
     for (const OverlayPass& pass : m_job.passes) {
-        if (pass.prepare) pass.prepare();
+        if (pass.prepare) pass.prepare(walked(pass));
         walk(pass);
     }
     m_report.secondsOverlay = secondsSince(overlayStart);

@@ -18,6 +18,9 @@
 #ifndef JW_OVERLAY_LAYER_DRIVER_H
 #define JW_OVERLAY_LAYER_DRIVER_H
 
+#include <algorithm>
+#include <climits>
+#include <cstdint>
 #include <functional>
 #include <vector>
 
@@ -35,6 +38,11 @@ namespace jws::detail {
 /// were not processed in full.
 using FeatureOperation = std::function<void(const OverlayFeature&, Surroundings&, Emitter&)>;
 
+/// A number as messages show it.
+inline int shown(std::int64_t number) {
+    return static_cast<int>(std::min<std::int64_t>(number, INT_MAX));
+}
+
 /// Console texts of one block, besides that of its filter. `end` stands in for the text that says
 /// what a block wrote; null for that one.
 struct BlockTexts {
@@ -48,7 +56,7 @@ struct OverlayPass {
     FeatureOperation operation;
     BlockTexts texts = {};
     /// Called once before the walk, when the passes before are over; may be empty.
-    std::function<void()> prepare = {};
+    std::function<void(LayerSide& walked)> prepare = {};
     /// Called once after the walk with the number of features it wrote; may be null.
     void (*summary)(int written) = nullptr;
 };

@@ -177,6 +177,46 @@ TEST_F(LayerOperations, WithinALayer) {
     }
 }
 
+// In the order of the layer: what a region of several features overlaps truly comes to it, even if
+// none of them does by itself.
+TEST_F(LayerOperations, RegionsGrowAgainstTheTolerance) {
+    const struct {
+        const char* name;
+        double tolerance;
+        std::vector<Row> layer;
+        Rows grown;
+    } table[] = {
+        {"two small overlaps make a large one",
+         8,
+         {{-1, box(0, 0, 10, 10), "1"}, {-1, box(0, 8, 10, 18), "2"}, {-1, box(9, 5, 20, 14), "3"}},
+         {"270|1"}},
+        {"which takes its own region along, and what that reaches",
+         8,
+         {{-1, box(0, 0, 10, 10), "1"},
+          {-1, box(15, 10, 25, 20), "5"},
+          {-1, box(0, 8, 10, 18), "2"},
+          {-1, box(19, 7, 40, 11), "6"},
+          {-1, box(9, 5, 20, 14), "3"}},
+         {"425|1"}},
+        {"not when nothing of the region is large enough",
+         10,
+         {{-1, box(0, 0, 10, 10), "1"}, {-1, box(0, 8, 10, 18), "2"}, {-1, box(9, 5, 20, 14), "3"}},
+         {"180|1", "99|3"}},
+        {"a hole below the tolerance belongs to the region",
+         8,
+         {{-1, "POLYGON((0 0,20 0,20 9,8 9,8 11,20 11,20 20,0 20,0 0))", "1"},
+          {-1, box(11, 0, 20, 20), "2"},
+          {-1, box(7, 8.5, 11, 11.5), "3"}},
+         {"400|1"}},
+    };
+    for (const auto& row : table) {
+        LayerPtr layer = layerOf("layer", row.layer);
+        JWOverlayOptions options;
+        options.tolerance = row.tolerance;
+        EXPECT_EQ(areas("grow within", *layer, *layer, options), row.grown) << row.name;
+    }
+}
+
 TEST_F(LayerOperations, AreasAddUpWhereFeaturesCrossThemselvesAndOneAnother) {
     const auto bow = [](double x, double y, const char* name) {
         const auto at = [](double px, double py) {
