@@ -67,7 +67,20 @@ class FeatureInput {
         block.clear();
         for (JWReadFeature& feature : features) block.push_back(std::move(feature.feature));
     }
-    /// Reads the feature at `position` alone in the same way. Throws LayerFailure.
+    /// The decoded feature at `position` while walking on; null at the end. Throws LayerFailure.
+    std::shared_ptr<const JWFeature> next(std::int64_t position) {
+        std::vector<JWReadFeature> features;
+        read(position, 1, true, features);
+        return features.empty() ? nullptr : std::move(features.front().feature);
+    }
+    /// The decoded feature at `position` by itself. Throws LayerFailure.
+    std::shared_ptr<const JWFeature> feature(std::int64_t position) {
+        JWReadFeature feature;
+        readAt(position, feature);
+        if (feature.record) decode(position, feature);
+        return std::move(feature.feature);
+    }
+    /// Reads the feature at `position` alone as `read` does. Throws LayerFailure.
     virtual void readAt(std::int64_t position, JWReadFeature& feature) = 0;
     /// Decodes a feature read at `position`: a call that many threads may make at a time, and while
     /// another one reads. Throws LayerFailure.
