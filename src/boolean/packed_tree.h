@@ -41,29 +41,16 @@ class PackedTree {
                searchIn(m_levels.size() - 1, 0, mayHold, visit);
     }
 
-    /// Calls `visit(item)` for the items that may lie nearer than `limit()`, the near ones first.
+    /// Calls `visit(item)` for the items that may lie nearer than `limit()`, of each node the near
+    /// ones first.
     ///
     /// `bound(rectangle)` is no more than the measure of anything in the rectangle; `limit()` is
-    /// asked again before each step, and what has a bound above it is left out. `queue` is memory
-    /// for the search, to be used again.
-    struct Candidate {
-        double bound;
-        std::size_t place;
-        bool operator<(const Candidate& o) const { return bound > o.bound; }
-    };
+    /// asked again before each step, and what has a bound above it is left out. A limit that is low
+    /// from the start saves most of the search.
     template <class Bound, class Limit, class Visit>
-    void searchNearest(const Bound& bound, const Limit& limit, Visit&& visit,
-                       std::vector<Candidate>& queue) const {
-        if (isEmpty()) return;
-        queue.clear();
-        queue.push_back({bound(m_boxes.back()), m_boxes.size() - 1});
-        while (!queue.empty()) {
-            std::pop_heap(queue.begin(), queue.end());
-            const Candidate nearest = queue.back();
-            queue.pop_back();
-            if (!(nearest.bound <= limit())) return;
-            expand(nearest.place, bound, limit, visit, queue);
-        }
+    void searchNearest(const Bound& bound, const Limit& limit, Visit&& visit) const {
+        if (!isEmpty() && bound(m_boxes.back()) <= limit())
+            searchNearestIn(m_levels.size() - 1, 0, bound, limit, visit);
     }
 
     /// Calls `visit(item, itemOfOther)` for the pairs that may lie nearer than `limit()`, near ones
@@ -87,12 +74,6 @@ class PackedTree {
         std::size_t count;
     };
 
-    std::size_t levelOf(std::size_t place) const {
-        std::size_t level = 0;
-        while (place >= m_levels[level].first + m_levels[level].count) ++level;
-        return level;
-    }
-
     template <class MayHold, class Visit>
     bool searchIn(std::size_t level, std::size_t node, const MayHold& mayHold, Visit& visit) const {
         if (level == 0) return visit(m_items[node]);
@@ -105,29 +86,45 @@ class PackedTree {
         return false;
     }
 
-    /// Leaves are visited at once, the nearest of them first; nodes wait in the queue.
-    template <class Bound, class Limit, class Visit>
-    void expand(std::size_t place, const Bound& bound, const Limit& limit, Visit& visit,
-                std::vector<Candidate>& queue) const {
-        const std::size_t level = levelOf(place);
-        if (level == 0) return visit(m_items[place]);
-        const Level& below = m_levels[level - 1];
-        const std::size_t node = place - m_levels[level].first;
-        const std::size_t end = std::min((node + 1) * kFan, below.count);
-        Candidate near[kFan];
-        std::size_t count = 0;
-        for (std::size_t i = node * kFan; i < end; ++i) {
-            const Candidate candidate{bound(m_boxes[below.first + i]), below.first + i};
-            if (!(candidate.bound <= limit())) continue;
-            if (level > 1) {
-                queue.push_back(candidate);
-                std::push_heap(queue.begin(), queue.end());
-                continue;
-            }
-            insertNear(candidate, near, count);
+    /// A member of a node, and the bound of its rectangle.
+    struct Member {
+        double bound;
+        std::size_t index;
+    };
+
+    /// A few members in the order of their bounds.
+    class NearMembers {
+      public:
+        void add(const Member& member) {
+            std::size_t at = m_count++;
+            for (; at > 0 && m_members[at - 1].bound > member.bound; --at)
+                m_members[at] = m_members[at - 1];
+            m_members[at] = member;
         }
-        for (std::size_t i = 0; i < count && near[i].bound <= limit(); ++i)
-            visit(m_items[near[i].place]);
+        const Member* begin() const { return m_members; }
+        const Member* end() const { return m_members + m_count; }
+
+      private:
+        Member m_members[kFan];
+        std::size_t m_count = 0;
+    };
+
+    template <class Bound, class Limit, class Visit>
+    void searchNearestIn(std::size_t level, std::size_t node, const Bound& bound,
+                         const Limit& limit, Visit& visit) const {
+        if (level == 0) return visit(m_items[node]);
+        const Level& below = m_levels[level - 1];
+        const std::size_t end = std::min((node + 1) * kFan, below.count);
+        NearMembers near;
+        const double most = limit();
+        for (std::size_t i = node * kFan; i < end; ++i) {
+            const double least = bound(m_boxes[below.first + i]);
+            if (least <= most) near.add({least, i});
+        }
+        for (const Member& member : near) {
+            if (!(member.bound <= limit())) return;
+            searchNearestIn(level - 1, member.index, bound, limit, visit);
+        }
     }
 
     struct Node {
@@ -154,27 +151,18 @@ class PackedTree {
             const std::size_t below = node.level - 1;
             const std::size_t first = node.index * kFan;
             const std::size_t end = std::min(first + kFan, tree.m_levels[below].count);
-            Candidate near[kFan];
-            std::size_t count = 0;
+            NearMembers near;
             for (std::size_t i = first; i < end; ++i) {
                 const JWEnvelop& box = tree.boxOf({below, i});
-                const double least =
-                    openA ? bound(box, b.boxOf(nodeB)) : bound(a.boxOf(nodeA), box);
-                insertNear({least, i}, near, count);
+                near.add({openA ? bound(box, b.boxOf(nodeB)) : bound(a.boxOf(nodeA), box), i});
             }
-            for (std::size_t i = 0; i < count && near[i].bound <= limit(); ++i) {
-                const Node member{below, near[i].place};
+            for (const Member& candidate : near) {
+                if (!(candidate.bound <= limit())) return;
+                const Node member{below, candidate.index};
                 openA ? within(member, nodeB) : within(nodeA, member);
             }
         }
     };
-
-    /// Keeps a few candidates in the order of their bounds.
-    static void insertNear(const Candidate& candidate, Candidate* near, std::size_t& count) {
-        std::size_t at = count++;
-        for (; at > 0 && near[at - 1].bound > candidate.bound; --at) near[at] = near[at - 1];
-        near[at] = candidate;
-    }
 
     std::vector<int> m_items;
     std::vector<JWEnvelop> m_boxes;  ///< level by level, the items' own first, the root last

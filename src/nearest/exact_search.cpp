@@ -13,12 +13,17 @@
 // whole, and one of its vertices tells; so does a vertex of each part of a target for an area as
 // the source. Such pairs are at distance 0 and are found before the search, by rectangles.
 //
+// Sources come in an order in which neighbours lie near each other. The runs that were nearest to
+// one are measured first for the next one: their distance bounds its search from the start. What
+// they give is what the search would give, so the answer does not depend on that order.
+//
 // Sources of many segments have a tree of their own. Cost: O(m log m) for the tree over m target
 // pieces, about O(log m) for each source piece and answer.
 #include "nearest/exact_search.h"
 
 #include <algorithm>
 #include <limits>
+#include <mutex>
 
 #include "foundation/vertex_lists.h"
 #include "layers/geometry_check.h"
@@ -71,10 +76,11 @@ class BestTargets {
         return m_distances.size() < m_wanted ? m_most : std::min(m_most, m_distances[m_wanted - 1]);
     }
 
-    /// `number` tells equal connections of a target apart: the lowest stays.
-    void take(int target, std::pair<int, int> number, const Closest& closest) {
+    /// `number`, that of the target's piece and the source's, tells equal connections of a target
+    /// apart: the lowest stays. `run` is where the piece is from.
+    void take(int target, std::pair<int, int> number, int run, const Closest& closest) {
         if (!(closest.distance <= limit())) return;
-        const Entry entry{{target, closest.distance, closest.p, closest.q}, number};
+        const Entry entry{{target, closest.distance, closest.p, closest.q}, number, run};
         int& place = m_placeOf[at(target)];
         if (place < 0) {
             place = static_cast<int>(m_entries.size());
@@ -93,6 +99,14 @@ class BestTargets {
         m_distances.insert(
             std::upper_bound(m_distances.begin(), m_distances.end(), closest.distance),
             closest.distance);
+    }
+
+    /// Appends the runs that the best connections come from, a few at most.
+    void appendRuns(std::vector<int>& runs) const {
+        constexpr std::size_t few = 16;
+        for (const Entry& entry : m_entries)
+            if (entry.run >= 0 && entry.connection.length <= limit() && runs.size() < few)
+                runs.push_back(entry.run);
     }
 
     bool isAtZero(int target) const {
@@ -114,6 +128,7 @@ class BestTargets {
     struct Entry {
         Connection connection;
         std::pair<int, int> number;
+        int run;  ///< -1 for none
     };
     static std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
@@ -152,7 +167,8 @@ class ExactSearch : public NearestMethod {
         Pieces pieces;
         JWEnvelop box;
         std::unique_ptr<const PieceTree> tree;
-        std::vector<PackedTree::Candidate> queue;
+        /// Runs near the source before, which lies nearby: what they give bounds the search.
+        std::vector<int> nearRuns;
     };
 
     void addTarget(int number, const JWFeature& feature);
@@ -160,6 +176,10 @@ class ExactSearch : public NearestMethod {
     bool isLeftOut(int target, const JWFeature& source) const {
         return m_options.skipSameIdentifier &&
                m_targets[static_cast<std::size_t>(target)].feature->getFID64() == source.getFID64();
+    }
+    const PackedTree& targetTree() const {
+        std::call_once(m_targetTreeMade, [this] { m_targetTree = PackedTree(m_rectangles); });
+        return m_targetTree;
     }
     void takeEnclosing(const JWFeature& feature, const Source& source, BestTargets& best) const;
     void takeEnclosed(const JWFeature& feature, const Source& source, BestTargets& best) const;
@@ -169,7 +189,8 @@ class ExactSearch : public NearestMethod {
     std::vector<Target> m_targets;
     bool m_hasAreas = false;
     std::vector<JWEnvelop> m_rectangles;  ///< of the targets
-    PackedTree m_targetTree;
+    mutable PackedTree m_targetTree;      ///< over them, for areas
+    mutable std::once_flag m_targetTreeMade;
     Pieces m_pieces;
     std::vector<Run> m_runs;
     PackedTree m_runTree;
@@ -205,7 +226,6 @@ void ExactSearch::setTargets(const FeatureList& targets, const JWEnvelop& extent
         boxes.push_back(box);
     }
     m_runTree = PackedTree(boxes);
-    m_targetTree = PackedTree(m_rectangles);
     m_bound = BoxDistance(extent);
 }
 
@@ -224,13 +244,13 @@ void ExactSearch::load(const JWGeometry& geometry, Source& source) const {
 void ExactSearch::takeEnclosing(const JWFeature& feature, const Source& source,
                                 BestTargets& best) const {
     everyPart(*source.geometry, [&](const JWRawPoint* p, std::size_t) {
-        m_targetTree.search([&](const JWEnvelop& box) { return box.contains(p[0]); },
+        targetTree().search([&](const JWEnvelop& box) { return box.contains(p[0]); },
                             [&](int target) {
                                 const Target& candidate =
                                     m_targets[static_cast<std::size_t>(target)];
                                 if (candidate.area && !isLeftOut(target, feature) &&
                                     !best.isAtZero(target) && candidate.area->contains(p[0]))
-                                    best.take(target, {-1, -1}, {0, p[0], p[0]});
+                                    best.take(target, {-1, -1}, -1, {0, p[0], p[0]});
                                 return false;
                             });
     });
@@ -240,14 +260,14 @@ void ExactSearch::takeEnclosing(const JWFeature& feature, const Source& source,
 void ExactSearch::takeEnclosed(const JWFeature& feature, const Source& source,
                                BestTargets& best) const {
     const ExactArea area(*source.geometry);
-    m_targetTree.search(
+    targetTree().search(
         [&](const JWEnvelop& box) { return !box.isDisjoin(source.box); },
         [&](int target) {
             if (isLeftOut(target, feature) || best.isAtZero(target)) return false;
             const JWFeature& candidate = *m_targets[static_cast<std::size_t>(target)].feature;
             everyVertexList(*candidate.getGeometryPtr(), [&](const JWRawPoint* p, std::size_t n) {
                 if (n == 0 || !area.contains(p[0])) return true;
-                best.take(target, {-1, -1}, {0, p[0], p[0]});
+                best.take(target, {-1, -1}, -1, {0, p[0], p[0]});
                 return false;
             });
             return false;
@@ -262,11 +282,11 @@ void ExactSearch::takeRun(int run, const Source& source, BestTargets& best) cons
             const LastLeast least = source.tree->nearest(
                 boxOf(target), best.limit(), OfEqual::First,
                 [&](const Piece& piece) { return exactDistance(piece, target); });
-            if (least.found()) best.take(pieces.target, {j, 0}, least.closest());
+            if (least.found()) best.take(pieces.target, {j, 0}, run, least.closest());
             continue;
         }
         for (std::size_t i = 0; i < source.pieces.size(); ++i)
-            best.take(pieces.target, {j, static_cast<int>(i)},
+            best.take(pieces.target, {j, static_cast<int>(i)}, run,
                       exactDistance(source.pieces[i], target));
     }
 }
@@ -281,14 +301,16 @@ NearestFinder ExactSearch::finder() const {
         best->clear();
         if (m_hasAreas) takeEnclosing(feature, *source, *best);
         if (isArea(geometry)) takeEnclosed(feature, *source, *best);
+        const auto take = [&](int run) {
+            const int target = m_runs[static_cast<std::size_t>(run)].target;
+            if (!isLeftOut(target, feature) && !best->isAtZero(target))
+                takeRun(run, *source, *best);
+        };
+        for (const int run : source->nearRuns) take(run);
         m_runTree.searchNearest([&](const JWEnvelop& box) { return m_bound(box, source->box); },
-                                [&] { return best->limit(); },
-                                [&](int run) {
-                                    const int target = m_runs[static_cast<std::size_t>(run)].target;
-                                    if (!isLeftOut(target, feature) && !best->isAtZero(target))
-                                        takeRun(run, *source, *best);
-                                },
-                                source->queue);
+                                [&] { return best->limit(); }, take);
+        source->nearRuns.clear();
+        best->appendRuns(source->nearRuns);
         best->appendTo(connections);
     };
 }

@@ -106,11 +106,10 @@ class PieceTree {
     LastLeast nearest(const JWEnvelop& box, double limit, OfEqual keeps,
                       const Measure& measure) const {
         NumberedLeast<int> least(keeps);
-        thread_local std::vector<PackedTree::Candidate> queue;
         m_tree.searchNearest(
             [&](const JWEnvelop& node) { return m_bound(node, box); },
             [&] { return std::min(limit, least.least()); },
-            [&](int i) { least.take(i, measure(m_pieces[static_cast<std::size_t>(i)])); }, queue);
+            [&](int i) { least.take(i, measure(m_pieces[static_cast<std::size_t>(i)])); });
         return least.result();
     }
 

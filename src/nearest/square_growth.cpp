@@ -54,8 +54,7 @@ bool SquareGrowth::meetsAny(const JWEnvelop& square) const {
 }
 
 /// The larger of the distances along the axes to the rectangle nearest by that measure.
-double SquareGrowth::axisDistance(const JWRawPoint& centre,
-                                  std::vector<PackedTree::Candidate>& queue) const {
+double SquareGrowth::axisDistance(const JWRawPoint& centre) const {
     const auto distance = [&](const JWEnvelop& box) {
         return std::max({box.minX - centre.x, centre.x - box.maxX, box.minY - centre.y,
                          centre.y - box.maxY, 0.0});
@@ -65,13 +64,11 @@ double SquareGrowth::axisDistance(const JWRawPoint& centre,
         distance, [&] { return least; },
         [&](int i) {
             least = std::min(least, distance(m_rectangles[static_cast<std::size_t>(i)]));
-        },
-        queue);
+        });
     return least;
 }
 
-bool SquareGrowth::firstSquare(const SquareStart& start, JWEnvelop& square,
-                               std::vector<PackedTree::Candidate>& queue) const {
+bool SquareGrowth::firstSquare(const SquareStart& start, JWEnvelop& square) const {
     if (m_radii.empty()) return false;
     square = squareAt(start, 0);
     if (meetsAny(square)) return true;
@@ -79,7 +76,7 @@ bool SquareGrowth::firstSquare(const SquareStart& start, JWEnvelop& square,
         square = m_extent;
         return true;
     }
-    const double needed = axisDistance(start.centre, queue) - start.base - start.outside;
+    const double needed = axisDistance(start.centre) - start.base - start.outside;
     double k = std::max(1.0, std::floor((needed - m_first) / m_step));
     while (k > 1 && meetsAny(squareAt(start, k - 1))) --k;
     for (; radius(k) < m_end; ++k) {

@@ -33,17 +33,15 @@ class SquareGrowth {
     SquareStart startAt(const JWRawPoint& point) const;
     SquareStart startAt(const JWEnvelop& source) const;
 
-    /// Stores the first square that meets a rectangle; false when none does. `queue` is memory for
-    /// the search.
-    bool firstSquare(const SquareStart& start, JWEnvelop& square,
-                     std::vector<PackedTree::Candidate>& queue) const;
+    /// Stores the first square that meets a rectangle; false when none does.
+    bool firstSquare(const SquareStart& start, JWEnvelop& square) const;
 
   private:
     double outsideOf(const JWEnvelop& source) const;
     double radius(double k) const;
     JWEnvelop squareAt(const SquareStart& start, double k) const;
     bool meetsAny(const JWEnvelop& square) const;
-    double axisDistance(const JWRawPoint& centre, std::vector<PackedTree::Candidate>& queue) const;
+    double axisDistance(const JWRawPoint& centre) const;
 
     const std::vector<JWEnvelop>& m_rectangles;
     const PackedTree& m_tree;

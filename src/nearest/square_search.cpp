@@ -70,22 +70,16 @@ class SquareSearch : public NearestMethod {
     }
 
     NearestFinder finder() const override {
-        return
-            [this, scratch = Scratch()](const JWFeature& source, Connections& connections) mutable {
-                findForFeature(*source.getGeometryPtr(), connections, scratch);
-            };
+        return [this, source = StatedSource()](const JWFeature& feature,
+                                               Connections& connections) mutable {
+            findForFeature(*feature.getGeometryPtr(), connections, source);
+        };
     }
 
   private:
-    /// Memory that a worker uses again.
-    struct Scratch {
-        StatedSource source;
-        std::vector<PackedTree::Candidate> queue;
-    };
-
     void findForFeature(const JWGeometry& geometry, Connections& connections,
-                        Scratch& scratch) const;
-    void find(const SquareStart& start, Connections& connections, Scratch& scratch) const;
+                        StatedSource& source) const;
+    void find(const StatedSource& source, const SquareStart& start, Connections& connections) const;
 
     const Row& m_row;
     std::vector<StatedTarget> m_targets;
@@ -95,9 +89,9 @@ class SquareSearch : public NearestMethod {
     std::optional<SquareGrowth> m_growth;
 };
 
+/// `source` is memory that a worker uses again.
 void SquareSearch::findForFeature(const JWGeometry& geometry, Connections& connections,
-                                  Scratch& scratch) const {
-    StatedSource& source = scratch.source;
+                                  StatedSource& source) const {
     source.isPoint = m_row.sourceKind == PointKind;
     everyVertexList(geometry, [&](const JWRawPoint* p, std::size_t n) {
         source.pieces.clear();
@@ -106,18 +100,17 @@ void SquareSearch::findForFeature(const JWGeometry& geometry, Connections& conne
         appendSegments(p, static_cast<int>(n), source.pieces);
         if (source.pieces.empty()) return true;
         source.box = boxAround(source.pieces);
-        find(source.isPoint ? m_growth->startAt(p[0]) : m_growth->startAt(source.box), connections,
-             scratch);
+        find(source, source.isPoint ? m_growth->startAt(p[0]) : m_growth->startAt(source.box),
+             connections);
         return true;
     });
 }
 
 /// Appends the connections of a point or of one line, by target.
-void SquareSearch::find(const SquareStart& start, Connections& connections,
-                        Scratch& scratch) const {
+void SquareSearch::find(const StatedSource& source, const SquareStart& start,
+                        Connections& connections) const {
     JWEnvelop square;
-    if (!m_growth->firstSquare(start, square, scratch.queue)) return;
-    const StatedSource& source = scratch.source;
+    if (!m_growth->firstSquare(start, square)) return;
     const auto first = static_cast<std::ptrdiff_t>(connections.size());
     double least = std::numeric_limits<double>::max();
     const auto take = [&](int i) {
@@ -131,7 +124,7 @@ void SquareSearch::find(const SquareStart& start, Connections& connections,
         connections.push_back({i, least, found.closest().p, found.closest().q});
     };
     m_tree.searchNearest([&](const JWEnvelop& box) { return m_bound(box, source.box); },
-                         [&] { return least; }, take, scratch.queue);
+                         [&] { return least; }, take);
     std::sort(connections.begin() + first, connections.end(),
               [](const Connection& a, const Connection& b) { return a.target < b.target; });
 }
