@@ -60,7 +60,8 @@ struct JWConvertOptions {
 ///   by the last error (kind `JWErrorFeatureRejected`).
 /// - The layer is read by position, each feature once, however the source numbers its features.
 ///   `blockSize` is the number of features read at a time, below 1 all; `_old` forms read all.
-/// - `_mp` forms work on a team of eight threads. Results are the same, bit for bit and in the same
+/// - `_mp` forms work on a team of eight threads, but for shared lines, which one thread finds and
+///   writes: there they are the plain ones. Results are the same, bit for bit and in the same
 ///   order, for any number of threads and any block size.
 /// - Results are written in one transaction: after a failure the output holds no features.
 /// - No state: different layers may be converted on different threads at once.

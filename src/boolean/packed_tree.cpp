@@ -5,13 +5,13 @@
 
 namespace jws::detail {
 
-PackedTree::PackedTree(const std::vector<JWEnvelop>& boxes) {
+PackedTree::PackedTree(const std::vector<JWEnvelop>& boxes, bool inOrder) {
     m_items.reserve(boxes.size());
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         if (boxes[i].isValid()) m_items.push_back(static_cast<int>(i));
     }
     if (m_items.empty()) return;
-    sortAlongHilbertCurve(boxes, m_items);
+    if (!inOrder) sortAlongHilbertCurve(boxes, m_items);
     std::size_t total = m_items.size();
     for (std::size_t n = total; n > 1;) total += n = (n + kFan - 1) / kFan;
     m_boxes.reserve(total);

@@ -24,8 +24,10 @@ namespace jws::detail {
 class PackedTree {
   public:
     PackedTree() = default;
-    /// Items are the positions of `boxes`; those of invalid rectangles are left out.
-    explicit PackedTree(const std::vector<JWEnvelop>& boxes);
+    /// Items are the positions of `boxes`; those of invalid rectangles are left out. With `inOrder`
+    /// neighbours in the list lie near each other already, as the segments of a line do, and
+    /// nothing is sorted.
+    explicit PackedTree(const std::vector<JWEnvelop>& boxes, bool inOrder = false);
 
     bool isEmpty() const { return m_items.empty(); }
     /// The rectangle around everything; invalid when empty.

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
 // A layer of the lines between the polygons of another: the layer is read as a whole, its rings are
-// taken apart into lines, and the lines are made features by the team and written in their order.
+// taken apart into lines, and the lines are written in their order. All of it is done by one
+// thread: what could be shared out, making features of lines, costs less than handing them over.
 #include <algorithm>
 #include <chrono>
-#include <optional>
 
 #include "convert/layer_conversion.h"
 #include "convert/shared_lines.h"
-#include "foundation/parallel.h"
 #include "layers/block_filter.h"
 #include "layers/layer_checks.h"
 #include "layers/ordered_writer.h"
@@ -33,11 +32,7 @@ class SharedLineRun {
           m_output(output),
           m_namesNeighbours(namesNeighbours),
           m_options(options),
-          m_report(report),
-          m_team(options.threads),
-          m_writer({[this](std::size_t i) { return write(i); },
-                    [this](std::size_t i) { m_pending[i].clear(); }, [this] { return keepOn(); }}) {
-    }
+          m_report(report) {}
 
     void createSchema();
     void read();
@@ -45,22 +40,19 @@ class SharedLineRun {
     void writeLines();
 
   private:
-    static constexpr std::int64_t kBlock = 4096;  // features or lines at a time, at most
+    static constexpr std::int64_t kBlock = 4096;  // features read at a time, at most
 
     void take(const std::shared_ptr<const JWFeature>& feature);
     bool keepOn() { return JWReport::progress(m_report.readA + m_linesDone, m_total); }
     [[noreturn]] void stop();
     std::vector<Neighbours> pairsOf(std::size_t line) const;
-    void makeResults(std::size_t line, std::vector<PendingResult>& results) const;
     PendingResult makeResult(std::size_t line, const Neighbours& pair) const;
-    std::size_t write(std::size_t i);
 
     FeatureInput& m_input;
     FeatureOutput& m_output;
     bool m_namesNeighbours;
     const JWConvertOptions& m_options;
     JWLayerReport& m_report;
-    Team m_team;
     ResultSchema m_schema;
     std::int64_t m_total = 0;
     std::int64_t m_linesDone = 0;
@@ -69,9 +61,6 @@ class SharedLineRun {
     RingViews m_rings;
     std::vector<int> m_owners;
     SharedLines m_lines;
-    std::size_t m_firstPending = 0;
-    std::vector<std::vector<PendingResult>> m_pending;
-    OrderedWriter m_writer;
 };
 
 void SharedLineRun::createSchema() {
@@ -161,38 +150,20 @@ PendingResult SharedLineRun::makeResult(std::size_t line, const Neighbours& pair
         result.feature->setFieldValue(1, fid(pair.left));
         result.feature->setFieldValue(2, fid(pair.right));
     }
-    if (m_team.size() > 1) result.record = m_output.prepare(*result.feature);
     return result;
 }
 
-std::size_t SharedLineRun::write(std::size_t i) {
-    for (PendingResult& result : m_pending[i]) {
-        std::int64_t fid = -1;
-        result.feature->getFieldAsInt64(0, fid);
-        writeResult(m_output, result, m_input, fid, m_report);
-    }
-    return m_pending[i].size();
-}
-
 void SharedLineRun::writeLines() {
-    const auto count = static_cast<std::int64_t>(m_lines.lines.count());
-    m_total = m_report.readA + count;
-    for (std::int64_t first = 0; first < count; first += kBlock) {
-        const std::int64_t block = std::min(kBlock, count - first);
-        m_linesDone = first;
-        m_pending.clear();
-        m_pending.resize(static_cast<std::size_t>(block));
-        m_writer.start(m_pending.size());
-        parallelChunks(m_team, block, 64, [&](std::int64_t begin, std::int64_t end) {
-            for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
-                const std::size_t line = static_cast<std::size_t>(first) + i;
-                for (const Neighbours& pair : pairsOf(line))
-                    m_pending[i].push_back(makeResult(line, pair));
-                m_writer.setComplete(i);
-            }
-            return m_writer.writeCompleted();
-        });
-        if (m_writer.isStopped()) stop();
+    constexpr std::size_t often = 256;
+    m_total = m_report.readA + static_cast<std::int64_t>(m_lines.lines.count());
+    for (std::size_t line = 0; line < m_lines.lines.count(); ++line) {
+        for (const Neighbours& pair : pairsOf(line)) {
+            PendingResult result = makeResult(line, pair);
+            const auto first = static_cast<std::size_t>(pair.first());
+            writeResult(m_output, result, m_input, m_polygons[first]->getFID64(), m_report);
+        }
+        m_linesDone = static_cast<std::int64_t>(line);
+        if (line % often == 0 && !keepOn()) stop();
     }
 }
 

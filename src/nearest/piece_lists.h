@@ -61,12 +61,17 @@ class BoxDistance {
     double m_slack;
 };
 
-/// A tree over pieces; their numbers are its items.
+/// A tree over pieces; their numbers are its items. Segments that follow one another are not
+/// sorted: the line keeps neighbours together.
 inline PackedTree treeOver(const Pieces& pieces) {
     std::vector<JWEnvelop> boxes;
     boxes.reserve(pieces.size());
-    for (const Piece& piece : pieces) boxes.push_back(boxOf(piece));
-    return PackedTree(boxes);
+    std::size_t follow = 0;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        boxes.push_back(boxOf(pieces[i]));
+        if (i > 0 && pieces[i].a == pieces[i - 1].b) ++follow;
+    }
+    return PackedTree(boxes, follow > pieces.size() / 2);
 }
 
 /// Which of equal candidates a search keeps.

@@ -70,16 +70,17 @@ class SquareSearch : public NearestMethod {
     }
 
     NearestFinder finder() const override {
-        return [this, source = StatedSource()](const JWFeature& feature,
-                                               Connections& connections) mutable {
-            findForFeature(*feature.getGeometryPtr(), connections, source);
+        return [this, source = StatedSource(), hint = -1](const JWFeature& feature,
+                                                          Connections& connections) mutable {
+            findForFeature(*feature.getGeometryPtr(), connections, source, hint);
         };
     }
 
   private:
-    void findForFeature(const JWGeometry& geometry, Connections& connections,
-                        StatedSource& source) const;
-    void find(const StatedSource& source, const SquareStart& start, Connections& connections) const;
+    void findForFeature(const JWGeometry& geometry, Connections& connections, StatedSource& source,
+                        int& hint) const;
+    void find(const StatedSource& source, const SquareStart& start, Connections& connections,
+              int& hint) const;
 
     const Row& m_row;
     std::vector<StatedTarget> m_targets;
@@ -89,9 +90,10 @@ class SquareSearch : public NearestMethod {
     std::optional<SquareGrowth> m_growth;
 };
 
-/// `source` is memory that a worker uses again.
+/// `source` is memory that a worker uses again; `hint` a target of the source before, which lies
+/// nearby, or -1: measured first it bounds the search.
 void SquareSearch::findForFeature(const JWGeometry& geometry, Connections& connections,
-                                  StatedSource& source) const {
+                                  StatedSource& source, int& hint) const {
     source.isPoint = m_row.sourceKind == PointKind;
     everyVertexList(geometry, [&](const JWRawPoint* p, std::size_t n) {
         source.pieces.clear();
@@ -101,30 +103,36 @@ void SquareSearch::findForFeature(const JWGeometry& geometry, Connections& conne
         if (source.pieces.empty()) return true;
         source.box = boxAround(source.pieces);
         find(source, source.isPoint ? m_growth->startAt(p[0]) : m_growth->startAt(source.box),
-             connections);
+             connections, hint);
         return true;
     });
 }
 
 /// Appends the connections of a point or of one line, by target.
 void SquareSearch::find(const StatedSource& source, const SquareStart& start,
-                        Connections& connections) const {
+                        Connections& connections, int& hint) const {
     JWEnvelop square;
     if (!m_growth->firstSquare(start, square)) return;
     const auto first = static_cast<std::ptrdiff_t>(connections.size());
     double least = std::numeric_limits<double>::max();
+    const auto isKnown = [&](int i) {
+        return std::any_of(connections.begin() + first, connections.end(),
+                           [&](const Connection& known) { return known.target == i; });
+    };
     const auto take = [&](int i) {
         const auto target = static_cast<std::size_t>(i);
         if (m_rectangles[target].isDisjoin(square)) return;
         const FirstLeast found = m_targets[target].measure(source, least);
-        if (!found.found() || found.least() > least) return;
+        if (!found.found() || found.least() > least || isKnown(i)) return;
         if (found.least() < least)
             connections.erase(connections.begin() + first, connections.end());
         least = found.least();
         connections.push_back({i, least, found.closest().p, found.closest().q});
     };
+    if (hint >= 0) take(hint);
     m_tree.searchNearest([&](const JWEnvelop& box) { return m_bound(box, source.box); },
                          [&] { return least; }, take);
+    if (least < std::numeric_limits<double>::max()) hint = connections.back().target;
     std::sort(connections.begin() + first, connections.end(),
               [](const Connection& a, const Connection& b) { return a.target < b.target; });
 }
