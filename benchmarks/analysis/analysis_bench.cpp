@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Hulls, circles and Douglas-Peucker beside GEOS and Boost.Geometry, one thread, answers compared
-// before times. All contenders begin with the points in their own representation.
+// Hulls, circles and Douglas-Peucker beside GEOS, Boost.Geometry and, where it is installed, CGAL,
+// one thread, answers compared before times; and what a team of threads brings to features. All
+// contenders begin with the points in their own representation.
 //
 //   analysis_bench [CASE...]     cases such as hull, circle, simplify; by default all
 #include <algorithm>
@@ -15,6 +16,9 @@
 #include <string>
 #include <vector>
 
+#ifdef JWCG_BENCH_CGAL
+#include "analysis/cgal_bounds.h"
+#endif
 #include "analysis/point_sets.h"
 #include "jw_geometryminimumbounding.h"
 #include "jw_geometrysimplicify.h"
@@ -41,19 +45,22 @@ bool hull(const std::string& set, int n, int rounds) {
     JWRing ours;
     GeosPtr theirs;
     bg::model::polygon<BoostPoint> boosts;
-    return bench::contest(
-        "hull " + set + " " + std::to_string(n),
-        {{"jwcg", [&] { JWGeometryMinimumBounding::pointsContexHull(points, n, &ours); },
-          [&] { return ours.getArea(); }},
-         {"boost", [&] { boosts.clear(), bg::convex_hull(multi, boosts); },
-          [&] { return std::fabs(bg::area(boosts)); }},
-         {"geos", [&] { theirs.reset(GEOSConvexHull_r(geos(), line.get())); },
-          [&] {
-              double area = 0;
-              GEOSArea_r(geos(), theirs.get(), &area);
-              return area;
-          }}},
-        1e-12, rounds);
+    std::vector<bench::Entry> entries = {
+        {"jwcg", [&] { JWGeometryMinimumBounding::pointsContexHull(points, n, &ours); },
+         [&] { return ours.getArea(); }},
+        {"boost", [&] { boosts.clear(), bg::convex_hull(multi, boosts); },
+         [&] { return std::fabs(bg::area(boosts)); }},
+        {"geos", [&] { theirs.reset(GEOSConvexHull_r(geos(), line.get())); },
+         [&] {
+             double area = 0;
+             GEOSArea_r(geos(), theirs.get(), &area);
+             return area;
+         }}};
+#ifdef JWCG_BENCH_CGAL
+    bench::CgalBounds cgal(points);
+    entries.push_back({"cgal", [&] { cgal.findHull(); }, [&] { return cgal.hullArea(); }});
+#endif
+    return bench::contest("hull " + set + " " + std::to_string(n), entries, 1e-12, rounds);
 }
 
 bool circle(const std::string& set, int n, int rounds) {
@@ -61,15 +68,18 @@ bool circle(const std::string& set, int n, int rounds) {
     const GeosPtr line = geosLine(points);
     JWRawPoint center(0, 0);
     double radius = 0, geosRadius = 0;
-    return bench::contest(
-        "circle " + set + " " + std::to_string(n),
-        {{"jwcg",
-          [&] { JWGeometryMinimumBounding::pointsMinimumCircle(points, n, center, &radius); },
-          [&] { return radius; }},
-         {"geos",
-          [&] { GeosPtr(GEOSMinimumBoundingCircle_r(geos(), line.get(), &geosRadius, nullptr)); },
-          [&] { return geosRadius; }}},
-        1e-9, rounds);
+    std::vector<bench::Entry> entries = {
+        {"jwcg",
+         [&] { JWGeometryMinimumBounding::pointsMinimumCircle(points, n, center, &radius); },
+         [&] { return radius; }},
+        {"geos",
+         [&] { GeosPtr(GEOSMinimumBoundingCircle_r(geos(), line.get(), &geosRadius, nullptr)); },
+         [&] { return geosRadius; }}};
+#ifdef JWCG_BENCH_CGAL
+    bench::CgalBounds cgal(points);
+    entries.push_back({"cgal", [&] { cgal.findCircle(); }, [&] { return cgal.circleRadius(); }});
+#endif
+    return bench::contest("circle " + set + " " + std::to_string(n), entries, 1e-9, rounds);
 }
 
 /// Douglas-Peucker. Ours works in place, on a copy whose making is timed; the others make their
@@ -99,6 +109,34 @@ bool simplify(const std::string& set, int n, double tolerance, int rounds) {
                           entries, 1e-3, rounds);
 }
 
+/// Douglas-Peucker of many lines by one thread, and by one per core. Works in place, on a copy
+/// whose making is not timed.
+bool features(int count, int n, double tolerance, int rounds) {
+    JWFeatureClass lines, copy;
+    for (int i = 0; i < count; ++i) {
+        auto feature = std::make_unique<JWFeature>();
+        feature->setGeometryDirectly(new JWLineString(bench::pointSet("walk", n)));
+        lines.addFeature(feature.release());
+    }
+    copy = lines;
+    const auto pointsLeft = [&] {
+        double points = 0;
+        for (int i = 0; i < count; ++i) {
+            points +=
+                static_cast<JWLineString*>(copy.getFeatureAt(i)->getGeometryPtr())->getPointCount();
+        }
+        return points;
+    };
+    const auto entry = [&](const char* name, void (*simplify)(JWFeatureClass*, double)) {
+        return bench::Entry{name, [&, simplify] { simplify(&copy, tolerance); }, pointsLeft,
+                            [&] { copy = lines; }};
+    };
+    return bench::contest("features " + std::to_string(count) + " of " + std::to_string(n),
+                          {entry("_dp", &JWGeometrySimplicify::simplifyFeatures_dp),
+                           entry("_omp", &JWGeometrySimplicify::simplifyFeatures_omp)},
+                          0, rounds);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -121,6 +159,10 @@ int main(int argc, char** argv) {
         agreed &= simplify("walk", n, 100, rounds);
         agreed &= simplify("spiral", n, 0.01, rounds);
         agreed &= simplify("zigzag", n, 0.5, rounds);
+    }
+    if (wanted("features")) {
+        agreed &= features(20000, 100, 5, 9);
+        agreed &= features(200, 20000, 5, 9);
     }
     return agreed ? 0 : 1;
 }

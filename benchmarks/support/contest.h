@@ -19,6 +19,8 @@ struct Entry {
     std::string name;
     std::function<void()> run;
     std::function<double()> figure;
+    /// Undoes what a run changed; called after each, not timed.
+    std::function<void()> reset = [] {};
 };
 
 /// Runs every entry once, leaves out those whose figure is off by more than `tolerance` (relative),
@@ -32,6 +34,7 @@ inline bool contest(const std::string& title, const std::vector<Entry>& entries,
     for (const Entry& entry : entries) {
         entry.run();
         const double figure = entry.figure();
+        entry.reset();
         if (names.empty()) expected = figure;
         if (std::fabs(figure - expected) > tolerance * std::fabs(expected)) {
             std::printf("%-32s %-8s LEFT OUT: %.17g instead of %.17g\n", title.c_str(),
@@ -40,7 +43,7 @@ inline bool contest(const std::string& title, const std::vector<Entry>& entries,
             continue;
         }
         names.push_back(entry.name);
-        contenders.push_back({entry.run, [] {}});
+        contenders.push_back({entry.run, entry.reset});
     }
     const auto times = interleave(contenders, rounds);
     for (std::size_t i = 0; i < names.size(); ++i) {
