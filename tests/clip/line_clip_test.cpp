@@ -278,12 +278,12 @@ TEST(LineClipRandom, LargeOperandsInEverySearchAndTeam) {
     for (std::uint64_t seed = 1; seed <= 4; ++seed) {
         RandomRings random(seed);
         const double offset = seed % 3 == 0 ? 5e6 : 0;
-        JWRing ring{std::vector<JWRawPoint>(random.star(1200, {offset, offset}, 100))};
+        JWRing ring{std::vector<JWRawPoint>(random.star(600, {offset, offset}, 100))};
         ring.closeRing();
         ring.updateEnvelop();
         JWMultiLineString lines;
         JWRawPoint at(offset, offset);
-        for (int k = 0; k < 40; ++k) {
+        for (int k = 0; k < 12; ++k) {
             std::vector<JWRawPoint> points;
             const double step = random.oneIn(2) ? 1 : 60;
             for (int i = 0; i < 200; ++i) {
