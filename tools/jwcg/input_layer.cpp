@@ -66,7 +66,10 @@ void InputLayer::keep(JWFeatureClass& features) {
         if (!layer->createField(*fields.getFieldPtr(i))) throw libraryFailure(m_path);
     }
     layer->updateFieldsDefnRef();
-    if (!layer->createFeatures(&features, true)) throw libraryFailure(m_path);
+    for (int i = 0; i < features.getFeatureCount(); ++i) {
+        JWFeature feature(std::move(*features.getFeatureAt(i)));  // let go once it is copied
+        if (!layer->createFeature(&feature, true)) throw libraryFailure(m_path);
+    }
     m_layer = std::move(layer);
     m_source = std::move(memory);
 }
