@@ -54,7 +54,8 @@ struct JWDissolveOptions {
     bool acrossClusters = false;
     /// Smallest absolute ring area kept in a union, square layer units; 0 and less keep every ring.
     double tolerance = 0;
-    /// Features read at a time; 0 or less means all at once. All of them stay in memory either way.
+    /// Has no effect: features are read some hundred at a time, and all of them stay in memory
+    /// until their group is written.
     int blockSize = 0;
     /// Threads of the team; 0 or less means one per core. The result is the same for any number.
     int threads = 1;
@@ -113,7 +114,9 @@ class JW_API JWGeometryDissolve {
     ///     (parts that touch in points only are different polygons)
     /// \param tolerance smallest absolute ring area kept, square layer units, once the whole group
     ///     is united
-    /// \param blockSize features read at a time; below 1 all at once
+    /// \param blockSize has no effect: features are read some hundred at a time, and all of them
+    /// stay
+    ///     in memory until their group is written
     /// \return see above
     ///
     /// Prints the running count of features read, "%d\n" each, and for each cluster the positions
@@ -125,7 +128,8 @@ class JW_API JWGeometryDissolve {
     static int dissolvePolygonLayer(JWFeatureLayer* input, JWFeatureLayer* output,
                                     std::vector<int> fieldIndexes, int fieldCount, bool multipart,
                                     double tolerance, int blockSize);
-    /// Does the same on a team of eight threads. Call it from one thread at a time for any layer.
+    /// Does the same on a team of eight threads, of which no more work at a time than there are
+    /// cores (two at least). Call it from one thread at a time for any layer.
     static int dissolvePolygonLayer_mp(JWFeatureLayer* input, JWFeatureLayer* output,
                                        std::vector<int> fieldIndexes, int fieldCount,
                                        bool multipart, double tolerance, int blockSize);

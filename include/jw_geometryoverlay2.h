@@ -140,12 +140,19 @@ class JW_API JWGeometryOverlay2 {
     ///   around them the layer's cache (`JWFeatureLayer::setCacheLimit`) keeps what fits.
     /// - Results come in the order of A, for each feature of A in the order of B, and where B has
     ///   results of its own these follow in the order of B: the same bit for bit for any block size
-    ///   and any number of threads. They are written in one transaction:
-    ///   after a failure the output has its fields, but no features (as far as its format can take
-    ///   features back, see `JWFeatureLayer::rollbackTransaction`).
+    ///   and any number of threads. They are written in one transaction: after a failure the output
+    ///   has its fields, but no features (as far as its format can take features back, see
+    ///   `JWFeatureLayer::rollbackTransaction`).
     /// - What lies outside of other features is computed from their union at once.
-    /// - `_mp` forms run on a team of eight threads; they may be called from one thread at a time
-    ///   for any one layer. OpenMP settings of the caller are put back.
+    /// - Console texts come in the order of the operand that is walked over. For each block
+    ///   "block %d->" and its filter; for each feature "NO.:%d in %d\n" (its place in the block,
+    ///   from 1), "i=%d search count:%d\n" (its position in the layer, from 0, and its candidates)
+    ///   and "%d->%d in %d\n" (its position, its results, the block's features); then what the
+    ///   block wrote. Union of this kind and update tell in the end how many features came out as
+    ///   they were. `JWReport::setMessagesOn` spares making texts.
+    /// - `_mp` forms run on a team of eight threads, of which no more work at a time than there are
+    ///   cores (two at least); they may be called from one thread at a time for any one layer.
+    ///   OpenMP settings of the caller are put back.
     /// - Forms that take options have all settings open, and account for every feature and area in
     ///   `report` (may be null). Each operation obeys an identity of areas, which they check if
     ///   asked to (`JWOverlayOptions::checkAreas`).
@@ -154,9 +161,9 @@ class JW_API JWGeometryOverlay2 {
     /// Writes what each feature of A has in common with each feature of B, with the attributes of
     /// both.
     ///
-    /// Identity: the pieces of a feature of A, overlaps counted once, and A outside of all of B
-    /// make up A. Cost: one pass over A and B, O(log n) per feature for candidates, and one clip
-    /// per pair of features whose envelopes meet.
+    /// Identity: a feature of A is covered by its pieces, or each piece and the rest of the smaller
+    /// of its two features make up that feature. Cost: one pass over A and B, O(log n) per feature
+    /// for candidates, and one clip per pair of features whose envelopes meet.
     static int intersectPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
                                       int attributeMode, double tolerance, int blockSize);
     /// Does the same on a team of eight threads.
@@ -181,15 +188,18 @@ class JW_API JWGeometryOverlay2 {
     static int erasePolygonLayer(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
                                  const JWOverlayOptions& options, JWLayerReport* report);
 
-    /// Grows features that overlap together, whichever layer they are of: two features belong
-    /// together when what they have in common reaches the tolerance and their union has fewer outer
-    /// rings than both, or when a chain of such pairs leads from one to the other; touching is not
-    /// enough. Every feature of A and B is in exactly one result; one that overlaps no other is
-    /// copied unchanged. Results come in the order of their first feature, A before B, and carry
-    /// the attributes of their first feature of A and of their first feature of B (mode 0).
+    /// Grows features that overlap together, whichever layer they are of. A region starts from the
+    /// first feature that is in none yet, A before B, and takes in features as long as there is one
+    /// whose common part with the region reaches the tolerance, and whose union with it has fewer
+    /// outer rings than both; touching is not enough. Every feature of A and B is in exactly one
+    /// result; one that overlaps no other is copied unchanged. Results come in the order of their
+    /// first feature, and carry the attributes of their first feature of A and of their first
+    /// feature of B (mode 0). Rings below the tolerance are dropped from the grown region.
     ///
-    /// Identity: a result's area is the sum of its features' areas, each outside of those before
-    /// it. Cost: one clip per pair whose envelopes meet, O(n log n) for the union of a cluster.
+    /// Identity: a result's area is the sum of its features' areas less what further features cover
+    /// again. Cost: one clip per pair whose envelopes meet, O(n log n) for the union of a cluster;
+    /// and one clip, on one thread, for each feature that overlaps some of a region's by less than
+    /// the tolerance.
     static int unionPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
                                   bool multipart, double tolerance, int blockSize);
     /// Does the same on a team of eight threads.
@@ -218,7 +228,8 @@ class JW_API JWGeometryOverlay2 {
     /// Writes the pieces of each feature of A in the features of B, with the attributes of both,
     /// then what of it lies outside of all of B, with those of A.
     ///
-    /// Identity: |A| = |pieces| + |rest|, where overlaps of the pieces count once.
+    /// Identity: |A| = |pieces| + |rest|; where the pieces overlap, |A| = |A in B| + |rest|, and
+    /// that of `intersectPolygonLayers` for each piece.
     static int identityPolygonLayers(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
                                      bool multipart, int attributeMode, double tolerance,
                                      int blockSize);
@@ -300,7 +311,10 @@ class JW_API JWGeometryOverlay2 {
     /// @{
 
     /// Grows features of one layer that overlap together, by the rule of `unionPolygonLayers`, with
-    /// the attributes of the first feature of each cluster.
+    /// the attributes of the first feature of each cluster. For each region it prints "Seed:%d->"
+    /// (position of its first feature), and for regions of several features
+    /// "seedsi:%d->%d in %d\n" (how many), "i=%d union index=%d\n" for each further one, and
+    /// "union:%d in %d\n" (their number, and that of the layer).
     static int unionPolygonsInSameLayer(JWFeatureLayer* input, JWFeatureLayer* output,
                                         double tolerance, int blockSize);
     /// Does the same on a team of eight threads.
@@ -378,7 +392,8 @@ class JW_API JWGeometryOverlay2 {
     /// Does what `unionPolygonsInSameLayer2` does.
     static JWFeatureClass* unionPolygons(const char* name, JWFeatureClass* features,
                                          int attributeMode, double tolerance);
-    /// Does what `symmetricalDifferencePolygonLayers` does. `result` is emptied first.
+    /// Does what `symmetricalDifferencePolygonLayers` does. `result` is emptied first, whatever the
+    /// answer, unless it is one of the operands, which is refused (−1).
     /// \return the number of features written; −1 for a null class, −2 when the references differ
     static int symmetricalDifferencePolygons(JWFeatureClass* a, JWFeatureClass* b,
                                              JWFeatureClass& result, bool multipart,
