@@ -39,7 +39,8 @@ struct JWError {
     std::int64_t feature = -1;  ///< identifier of the feature concerned, −1 where there is none
 };
 
-/// Receives one console text, line break included. Calls are serialised. It must not call
+/// Receives one console text, or several in a row where they come by the thousand, line breaks
+/// included. Calls are serialised. It must not call
 /// `JWReport` nor start an operation on layers.
 typedef void (*JWMessageSink)(const char* text, void* context);
 
@@ -60,7 +61,11 @@ class JW_API JWReport {
 
     /// Sends console texts to `sink` instead of standard output; null restores `printf`.
     static void setMessageSink(JWMessageSink sink, void* context);
-    /// Prints one console text (`printf` format) through the sink.
+    /// Switches console texts off, which spares making them, or on again; they are on to begin
+    /// with.
+    static void setMessagesOn(bool on);
+    static bool messagesAreOn();
+    /// Prints one console text (`printf` format) through the sink, unless they are off.
     static void message(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
     /// Has layer operations report their progress to `callback`; null switches that off.
@@ -104,7 +109,8 @@ struct JWLayerReport {
     /// The identity that the operation obeys was checked (`JWOverlayOptions::checkAreas`).
     bool checked = false;
     /// What the identity misses by, summed over features without regard to the sign; 0 would be
-    /// exact arithmetic.
+    /// exact arithmetic. What got lost between a clip and the result, and results that the output
+    /// refused, count as well. 0 when nothing was checked.
     double residual = 0;
     /// One sentence when the residual is above 1e-9 of the input area; empty otherwise.
     std::string warning;

@@ -4,6 +4,7 @@
 // under one mutex each, so that sinks need no locking of their own.
 #include "jw_report.h"
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
@@ -13,6 +14,7 @@ namespace {
 
 thread_local JWError threadError;
 
+std::atomic<bool> messagesOn{true};
 std::mutex sinkMutex;
 JWMessageSink messageSink = nullptr;
 void* messageContext = nullptr;
@@ -43,20 +45,30 @@ void JWReport::setMessageSink(JWMessageSink sink, void* context) {
     messageContext = context;
 }
 
+void JWReport::setMessagesOn(bool on) { messagesOn = on; }
+
+bool JWReport::messagesAreOn() { return messagesOn; }
+
 void JWReport::message(const char* format, ...) {
+    if (!messagesOn) return;
     std::lock_guard<std::mutex> lock(sinkMutex);
     va_list arguments;
     va_start(arguments, format);
     if (messageSink == nullptr) {
         std::vprintf(format, arguments);
     } else {
+        char few[512];
         va_list again;
         va_copy(again, arguments);
-        const int length = std::vsnprintf(nullptr, 0, format, again);
+        const int length = std::vsnprintf(few, sizeof few, format, again);
         va_end(again);
-        std::string text(length > 0 ? static_cast<std::size_t>(length) + 1 : 1, '\0');
-        std::vsnprintf(&text[0], text.size(), format, arguments);
-        messageSink(text.c_str(), messageContext);
+        if (length < static_cast<int>(sizeof few)) {
+            messageSink(length < 0 ? "" : few, messageContext);
+        } else {
+            std::string text(static_cast<std::size_t>(length) + 1, '\0');
+            std::vsnprintf(&text[0], text.size(), format, arguments);
+            messageSink(text.c_str(), messageContext);
+        }
     }
     va_end(arguments);
 }

@@ -37,6 +37,7 @@ struct UniteClusters {
     void operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const {
         Hits members = clusters->membersOf(self.position);
         if (members.empty()) return;
+        out.noteCluster(members);
         LayerSide& side = around.own();
         const bool second = side.input().originOf(self.position).second;
         std::shared_ptr<const JWFeature> firsts[2];
@@ -57,22 +58,43 @@ struct UniteClusters {
     }
 };
 
+void announceSeed(TextBatch& texts, const FeatureCourse& course) {
+    const std::vector<std::int64_t>& cluster = course.slot.cluster;
+    if (cluster.empty()) return;
+    texts.print("Seed:%d->", course.position);
+    if (cluster.size() == 1) return;
+    texts.print("seedsi:%d->%d in %d\n", course.position, cluster.size(), course.inLayer);
+    for (std::size_t i = 1; i < cluster.size(); ++i) {
+        texts.print("i=%d union index=%d\n", course.position, cluster[i]);
+    }
+    texts.print("union:%d in %d\n", cluster.size() - 1, course.inLayer);
+}
+
 }  // namespace
 
 Passes clusterPasses(const JWOverlayOptions& options, std::int64_t count) {
     const auto clusters = std::make_shared<FeatureClusters>(count, options.tolerance);
     OverlayPass find = {false, FindPairs{clusters}};
     OverlayPass unite = {false, UniteClusters{clusters, options.tolerance, options.checkAreas}};
-    unite.prepare = [clusters](LayerSide& side) {
-        JWReport::message("looping un-compared feature count:%d\n", shown(clusters->close(side)));
-    };
     find.texts.start = [](int group) {
         JWReport::message("group %d checking overlap in input group...\n", group);
     };
-    unite.texts.end = [](int block, int written, int features) {
-        JWReport::message("union:%d in %d\n", written, features);
-        JWReport::message("block %d wrote %d features to result layer!\n", block, written);
+    unite.prepare = [clusters](LayerSide& side) {
+        JWReport::message("looping un-compared feature count:%d\n", shown(clusters->close(side)));
     };
+    unite.summary = [](int, int copied) {
+        JWReport::message("%d original input features wrote to result layer!\n", copied);
+    };
+    return {std::move(find), std::move(unite)};
+}
+
+Passes clusterWithinPasses(const JWOverlayOptions& options, std::int64_t count) {
+    const auto clusters = std::make_shared<FeatureClusters>(count, options.tolerance);
+    OverlayPass find = {false, FindPairs{clusters}};
+    OverlayPass unite = {false, UniteClusters{clusters, options.tolerance, options.checkAreas}};
+    find.texts.feature = nullptr;
+    unite.prepare = [clusters](LayerSide& side) { clusters->close(side); };
+    unite.texts.feature = announceSeed;
     return {std::move(find), std::move(unite)};
 }
 

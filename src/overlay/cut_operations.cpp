@@ -97,7 +97,8 @@ Passes identityPasses(const JWOverlayOptions& options, std::int64_t) {
         JWReport::message("group %d checking overlap in identity layer...\n", group);
         JWReport::message("do identity in group %d\n", group);
     };
-    pass.texts.end = [](int group, int written, int) {
+    pass.texts.end = [](int group, int written, int features) {
+        JWReport::message("group %d checking results %d in %d\n", group, written, features);
         JWReport::message("group %d writted %d features to result layer!\n", group, written);
     };
     return {std::move(pass)};
@@ -112,6 +113,10 @@ Passes planarUnionPasses(const JWOverlayOptions& options, std::int64_t) {
     OverlayPass ofB = remainderOfB(options);
     ofB.texts.start = [](int group) {
         JWReport::message("group %d doing erase step TWO...\n", group);
+    };
+    ofA.texts.end = ofB.texts.end = [](int group, int written, int) {
+        JWReport::message("group %d writted %d features to result layer\n", group, written);
+        JWReport::message("block %d wrote %d features to result layer!\n", group, written);
     };
     return {std::move(ofA), std::move(ofB)};
 }
@@ -128,7 +133,8 @@ Passes symmetricalDifferencePasses(const JWOverlayOptions& options, std::int64_t
         JWReport::message("do symmetrical difference in group %d\n", group);
         JWReport::message("group %d doing step TWO...\n", group);
     };
-    ofA.texts.end = ofB.texts.end = [](int group, int written, int) {
+    ofA.texts.end = ofB.texts.end = [](int group, int written, int features) {
+        JWReport::message("group %d checking results %d in %d\n", group, written, features);
         JWReport::message("group %d writted %d features to result layer!\n", group, written);
     };
     return {std::move(ofA), std::move(ofB)};

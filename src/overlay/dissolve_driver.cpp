@@ -2,7 +2,7 @@
 #include "overlay/dissolve_driver.h"
 
 #include <algorithm>
-#include <charconv>
+#include <atomic>
 #include <chrono>
 #include <climits>
 #include <cmath>
@@ -11,6 +11,8 @@
 #include "boolean/envelope_clusters.h"
 #include "boolean/ring_set.h"
 #include "foundation/parallel.h"
+#include "foundation/pulse.h"
+#include "foundation/text_batch.h"
 #include "layers/layer_checks.h"
 #include "layers/ordered_walk.h"
 #include "overlay/feature_check.h"
@@ -26,27 +28,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::int64_t kBeyond = 256;   // places for features that a source does not state
 constexpr std::size_t kWindow = 32768;  // features whose groups are written together
-
-/// Prints numbers by the thousand: a message each would cost more than the dissolve.
-class NumberPrinter {
-  public:
-    ~NumberPrinter() { flush(); }
-    void print(std::int64_t number, char behind) {
-        char digits[24];
-        const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-        m_text.append(digits, end);
-        m_text.push_back(behind);
-        if (m_text.size() > 8192) flush();
-    }
-    void print(char c) { m_text.push_back(c); }
-
-  private:
-    void flush() {
-        if (!m_text.empty()) JWReport::message("%s", m_text.c_str());
-        m_text.clear();
-    }
-    std::string m_text;
-};
 
 /// The area of a polygon's rings or the like; what a feature is rejected for is in `reason`.
 struct Examination {
@@ -88,6 +69,7 @@ class DissolveRun {
     void read();
     void group();
     void write();
+    bool isStopped() const { return m_stopped; }
 
   private:
     struct NoSlot {};
@@ -108,8 +90,13 @@ class DissolveRun {
         m_report.rejected.push_back({m_input.source(), m_input.name(), fid, reason});
     }
     /// False when the progress callback asked to stop.
-    bool keepOn(std::int64_t done) { return JWReport::progress(done, 2 * m_total); }
+    bool keepOn() { return JWReport::progress(m_done, 2 * m_total); }
+    /// Ends the run because of that.
     [[noreturn]] void stop();
+    /// Asks in the midst of a long computation.
+    void beat() {
+        if (m_stopped || !keepOn()) stop();
+    }
 
     FeatureInput& m_input;
     FeatureOutput& m_output;
@@ -119,6 +106,8 @@ class DissolveRun {
     JWLayerReport& m_report;
     Team m_team;
     std::int64_t m_total;
+    std::atomic<std::int64_t> m_done{0};  ///< features read, and written on top of that
+    std::atomic<bool> m_stopped{false};
 
     JWFields* m_schema = nullptr;
     std::vector<std::string> m_names;  ///< of the result fields, as asked for
@@ -135,7 +124,7 @@ class DissolveRun {
 }
 
 void DissolveRun::stop() {
-    m_report.cancelled = true;
+    m_stopped = true;
     fail(JWErrorCancelled, "the run was stopped; nothing was written");
 }
 
@@ -175,17 +164,22 @@ void DissolveRun::read() {
         fail(JWErrorInvalidArgument, std::string(m_input.source()) + ", layer " + m_input.name() +
                                          ": has more features than a dissolve can hold");
     }
-    NumberPrinter printer;
+    TextBatch texts;
     const auto examineAll = [this](Chunk& chunk) {
+        const Pulse pulse([this] { beat(); });
         for (std::size_t i = 0; i < chunk.size(); ++i) {
             const auto position = static_cast<std::size_t>(chunk.position(i));
             m_items[position].feature = std::move(chunk.read[i].feature);
             examine(position);
+            Pulse::tick();
         }
     };
-    const auto count = [&](Chunk&, std::size_t) { printer.print(++m_report.readA, '\n'); };
-    OrderedWalk<NoSlot> walk(
-        m_team, m_input, {examineAll, count, [this] { return keepOn(m_report.readA); }, {}, 256});
+    const auto count = [&](Chunk&, std::size_t) {
+        m_done = ++m_report.readA;
+        if (m_kind == DissolveKind::Areas) texts.print("%d\n", m_report.readA);
+    };
+    OrderedWalk<NoSlot> walk(m_team, m_input,
+                             {examineAll, count, [this] { return keepOn(); }, {}, 256});
     std::int64_t end = 0;
     do {
         end += std::max<std::int64_t>(m_total - end, 0) + kBeyond;
@@ -243,10 +237,10 @@ PositionLists DissolveRun::clusters() const {
         envelops.reserve(m_items.size());
         for (const DissolveItem& item : m_items) envelops.push_back(item.envelop);
         PositionLists made = clusterByContact(envelops);
-        NumberPrinter printer;
+        TextBatch texts;
         for (std::size_t c = 0; c < made.count(); ++c) {
-            for (const int* p = made.begin(c); p != made.end(c); ++p) printer.print(*p, ',');
-            printer.print('\n');
+            for (const int* p = made.begin(c); p != made.end(c); ++p) texts.print("%d,", *p);
+            texts.print("\n");
         }
         return made;
     }
@@ -264,7 +258,7 @@ void DissolveRun::group() {
 }
 
 void DissolveRun::write() {
-    std::int64_t done = m_total;
+    m_done = m_total;
     for (std::size_t first = 0, end = 0; first < m_groups.count(); first = end) {
         std::size_t members = 0;
         for (end = first; end < m_groups.count() && members < kWindow; ++end) {
@@ -274,10 +268,10 @@ void DissolveRun::write() {
         if (!uniteWindow(first, end, results)) stop();
         for (std::size_t i = 0; i < results.size(); ++i) {
             writeResult(results[i]);
-            if (i % 256 == 0 && !keepOn(done)) stop();
+            if (i % 256 == 0) beat();
         }
-        done += static_cast<std::int64_t>(members);
-        if (!keepOn(done)) stop();
+        m_done += static_cast<std::int64_t>(members);
+        beat();
     }
 }
 
@@ -288,18 +282,17 @@ bool DissolveRun::uniteWindow(std::size_t first, std::size_t end,
         for (std::size_t g = first; g < end; ++g) {
             groups.emplace_back(m_groups.begin(g), m_groups.end(g));
         }
-        if (!m_unions.prepare(m_team, std::move(groups), [&] { return keepOn(m_total); })) {
-            return false;
-        }
+        m_unions.prepare(m_team, std::move(groups), [this] { beat(); });
     }
     const auto count = static_cast<std::int64_t>(end - first);
     const std::int64_t chunk =
         std::clamp<std::int64_t>(count / (std::int64_t{8} * m_team.size()), 1, 64);
     return parallelChunks(m_team, count, chunk, [&](std::int64_t from, std::int64_t to) {
+        const Pulse pulse([this] { beat(); });
         for (auto i = static_cast<std::size_t>(from); i < static_cast<std::size_t>(to); ++i) {
             results[i] = makeResult(first + i, i);
         }
-        return keepOn(m_total);
+        return keepOn();
     });
 }
 
@@ -387,8 +380,8 @@ void DissolveRun::writeResult(GroupResult& result) {
     for (const auto& [fid, reason] : result.failures) reject(fid, reason);
     double after = 0;
     for (GroupResult::Piece& piece : result.pieces) {
-        after += piece.area;
         if (m_output.write(piece.feature, piece.record)) {
+            after += piece.area;
             ++m_report.written;
             m_report.area += piece.area;
         } else if (isRefusal(JWReport::lastError().kind)) {
@@ -430,6 +423,7 @@ std::int64_t runDissolve(FeatureInput& input, FeatureOutput& output, DissolveKin
         output.rollback();
         report.written = 0;
         report.area = report.areaOverlap = report.areaDropped = report.residual = 0;
+        report.cancelled = run.isStopped();
         throw;
     }
     if (kind == DissolveKind::Areas) judge(report);

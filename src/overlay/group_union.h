@@ -15,6 +15,7 @@
 
 #include "boolean/area_sum.h"
 #include "foundation/parallel.h"
+#include "foundation/pulse.h"
 #include "jw_feature.h"
 
 namespace jws::detail {
@@ -45,22 +46,20 @@ class GroupUnions {
         : m_items(items), m_tolerance(tolerance) {}
 
     /// Starts over with these groups, each a list of positions [begin, end). Sums the patches of
-    /// the large ones in parallel; `keepOn` is asked now and then, on any thread, and false stops.
-    /// Returns false when it was stopped.
-    template <class KeepOn>
-    bool prepare(const Team& team, std::vector<std::pair<const int*, const int*>> groups,
-                 KeepOn&& keepOn) {
+    /// the large ones in parallel; `beat` is called now and then, on any thread, and may throw.
+    template <class Beat>
+    void prepare(const Team& team, std::vector<std::pair<const int*, const int*>> groups,
+                 Beat&& beat) {
         plan(std::move(groups));
         for (bool more = !m_patches.empty(); more; more = planMerge()) {
-            const bool finished =
-                parallelChunks(team, static_cast<std::int64_t>(m_patches.size()), 1,
-                               [&](std::int64_t i, std::int64_t) {
-                                   sumPatch(m_patches[static_cast<std::size_t>(i)]);
-                                   return keepOn();
-                               });
-            if (!finished) return false;
+            parallelChunks(team, static_cast<std::int64_t>(m_patches.size()), 1,
+                           [&](std::int64_t i, std::int64_t) {
+                               const Pulse pulse(beat);
+                               sumPatch(m_patches[static_cast<std::size_t>(i)]);
+                               beat();
+                               return true;
+                           });
         }
-        return true;
     }
 
     /// Computes the union of a group; on any number of threads at once.

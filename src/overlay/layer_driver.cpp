@@ -9,6 +9,7 @@
 #include <chrono>
 
 #include "foundation/parallel.h"
+#include "foundation/pulse.h"
 #include "layers/block_filter.h"
 #include "layers/ordered_walk.h"
 #include "overlay/area_check.h"
@@ -72,7 +73,7 @@ class OverlayRun {
     void process(const OverlayPass& pass, Chunk& chunk);
     void overlay(const OverlayPass& pass, OverlayFeature& subject, Surroundings& surroundings,
                  Slot& slot);
-    void writeSlot(LayerSide& side, Chunk& chunk, std::size_t i);
+    void writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i);
     void countRead(LayerSide& side, const Chunk& chunk, std::size_t i);
     void reject(const FeatureOrigin& origin, std::int64_t fid, const std::string& reason) {
         m_report.rejected.push_back({origin.input->source(), origin.input->name(), fid, reason});
@@ -81,6 +82,10 @@ class OverlayRun {
     bool keepOn() { return JWReport::progress(m_done, m_total); }
     /// Ends the run because of that.
     [[noreturn]] void stop();
+    /// Asks in the midst of a long computation.
+    void beat() {
+        if (m_stopped || !keepOn()) stop();
+    }
 
     OverlayJob& m_job;
     const JWOverlayOptions& m_options;
@@ -92,6 +97,11 @@ class OverlayRun {
     std::atomic<std::int64_t> m_done{0};
     bool m_countsPairs = true;  ///< in the first pass
     std::atomic<bool> m_stopped{false};
+    TextBatch m_texts;
+    std::int64_t m_blockFirst = 0;  ///< position of the block's first feature
+    std::int64_t m_inBlock = 0;
+    std::int64_t m_inLayer = 0;
+    std::int64_t m_copied = 0;  ///< features that came out of the pass as they were
 };
 
 void OverlayRun::stop() {
@@ -119,6 +129,7 @@ void OverlayRun::indexWhole(LayerSide& side) {
     JWReport::message("building spatial index...\n");
     side.startIndex();
     const auto measureAll = [this](Chunk& chunk) {
+        const Pulse pulse([this] { beat(); });
         for (std::size_t i = 0; i < chunk.size(); ++i) {
             measure(*chunk.feature(i), m_options.checkAreas, chunk.slots[i]);
         }
@@ -133,11 +144,8 @@ void OverlayRun::indexWhole(LayerSide& side) {
 /// Overlays the features of a chunk, in runs of some thousand neighbours.
 void OverlayRun::process(const OverlayPass& pass, Chunk& chunk) {
     constexpr std::size_t neighboursInARun = 4096;
-    // A feature may have so many neighbours that nothing is written for a long time.
-    const std::function<void()> pulse = [this] {
-        if (!keepOn()) stop();
-    };
-    Surroundings surroundings(walked(pass), others(pass), pulse);
+    const Pulse pulse([this] { beat(); });
+    Surroundings surroundings(walked(pass), others(pass));
     for (std::size_t begin = 0; begin < chunk.size();) {
         surroundings.clear();
         std::size_t end = begin;
@@ -170,7 +178,8 @@ void OverlayRun::overlay(const OverlayPass& pass, OverlayFeature& subject,
     }
 }
 
-void OverlayRun::writeSlot(LayerSide& side, Chunk& chunk, std::size_t i) {
+void OverlayRun::writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i) {
+    LayerSide& side = walked(pass);
     const std::int64_t position = chunk.position(i);
     const JWFeature& feature = *chunk.feature(i);
     Slot& slot = chunk.slots[i];
@@ -181,12 +190,21 @@ void OverlayRun::writeSlot(LayerSide& side, Chunk& chunk, std::size_t i) {
     m_report.areaDropped += slot.dropped;
     m_report.residual += slot.mismatch;
     for (PendingResult& result : slot.results) {
+        const std::int64_t written = m_report.written;
+        const double area = result.area;
         writeResult(m_job.output, result, *origin.input, feature.getFID64(), m_report);
+        if (m_report.written == written) m_report.residual += area;
+    }
+    m_copied += slot.copies;
+    if (pass.texts.feature != nullptr && m_texts.isOn()) {
+        pass.texts.feature(m_texts,
+                           {position, position - m_blockFirst + 1, m_inBlock, m_inLayer, slot});
     }
     ++m_done;
 }
 
 void OverlayRun::overlayBlock(const OverlayPass& pass, const Blocks& blocks, std::int64_t block) {
+    JWReport::message("block %d->", shown(block));
     JWReport::message("input layer block %d where:%s\n", shown(block),
                       blocks.filter(block).c_str());
     if (pass.texts.start != nullptr) pass.texts.start(shown(block));
@@ -194,13 +212,16 @@ void OverlayRun::overlayBlock(const OverlayPass& pass, const Blocks& blocks, std
     const std::int64_t writtenBefore = m_report.written;
     OrderedWalk<Slot> walk(m_team, side.input(),
                            {[&](Chunk& chunk) { process(pass, chunk); },
-                            [&](Chunk& chunk, std::size_t i) { writeSlot(side, chunk, i); },
+                            [&](Chunk& chunk, std::size_t i) { writeSlot(pass, chunk, i); },
                             [this] { return keepOn(); },
                             [this](Chunk& chunk, std::size_t i) {
                                 return prepareResults(m_job.output, chunk.slots[i].results);
                             }});
     const std::int64_t first = blocks.first(block) - 1;
+    m_blockFirst = first;
+    m_inBlock = std::clamp<std::int64_t>(m_inLayer - first, 0, blocks.size());
     if (!walk.run(first, blocks.size())) stop();
+    m_texts.flush();
     const int written = shown(m_report.written - writtenBefore);
     if (pass.texts.end != nullptr) {
         pass.texts.end(shown(block), written, shown(walk.position() - first));
@@ -211,14 +232,18 @@ void OverlayRun::overlayBlock(const OverlayPass& pass, const Blocks& blocks, std
 
 void OverlayRun::walk(const OverlayPass& pass) {
     LayerSide& side = walked(pass);
-    const Blocks blocks(side.input().count(), m_options.blockSize);
+    m_inLayer = side.input().count();
+    const Blocks blocks(m_inLayer, m_options.blockSize);
     const std::int64_t writtenBefore = m_report.written;
+    m_copied = 0;
     for (std::int64_t block = 0; block < blocks.number(); ++block) {
         overlayBlock(pass, blocks, block);
     }
     side.setRead();
     m_countsPairs = false;
-    if (pass.summary != nullptr) pass.summary(shown(m_report.written - writtenBefore));
+    if (pass.summary != nullptr) {
+        pass.summary(shown(m_report.written - writtenBefore), shown(m_copied));
+    }
 }
 
 void OverlayRun::run() {
@@ -230,13 +255,22 @@ void OverlayRun::run() {
     // A tree over A, where a later pass searches it, is filled while the first pass reads A.
     if (!isOneSided() && m_job.passes.size() > 1) m_sideA.startIndex();
     for (const OverlayPass& pass : m_job.passes) {
-        if (pass.prepare) pass.prepare(walked(pass));
+        if (pass.prepare) {
+            const Pulse pulse([this] { beat(); });
+            pass.prepare(walked(pass));
+        }
         walk(pass);
     }
     m_report.secondsOverlay = secondsSince(overlayStart);
 }
 
 }  // namespace
+
+void announceFeature(TextBatch& texts, const FeatureCourse& course) {
+    texts.print("NO.:%d in %d\n", course.place, course.inBlock);
+    texts.print("i=%d search count:%d\n", course.position, course.slot.pairs);
+    texts.print("%d->%d in %d\n", course.position, course.slot.results.size(), course.inBlock);
+}
 
 std::int64_t runLayerOverlay(OverlayJob& job, const JWOverlayOptions& options,
                              JWLayerReport& report) {

@@ -24,6 +24,7 @@
 #include <functional>
 #include <vector>
 
+#include "foundation/text_batch.h"
 #include "jw_overlayoptions.h"
 #include "jw_report.h"
 #include "layers/feature_io.h"
@@ -43,11 +44,25 @@ inline int shown(std::int64_t number) {
     return static_cast<int>(std::min<std::int64_t>(number, INT_MAX));
 }
 
+/// What console texts tell of one feature.
+struct FeatureCourse {
+    std::int64_t position;
+    std::int64_t place;    ///< in its block, from 1
+    std::int64_t inBlock;  ///< features of the block
+    std::int64_t inLayer;  ///< features of the operand
+    const Slot& slot;
+};
+
+/// Its place, its candidates and its results.
+void announceFeature(TextBatch& texts, const FeatureCourse& course);
+
 /// Console texts of one block, besides that of its filter. `end` stands in for the text that says
 /// what a block wrote; null for that one.
 struct BlockTexts {
     void (*start)(int block) = nullptr;
     void (*end)(int block, int written, int features) = nullptr;
+    /// Called for each feature in order; may be null.
+    void (*feature)(TextBatch& texts, const FeatureCourse& course) = announceFeature;
 };
 
 /// One walk over an operand.
@@ -57,8 +72,9 @@ struct OverlayPass {
     BlockTexts texts = {};
     /// Called once before the walk, when the passes before are over; may be empty.
     std::function<void(LayerSide& walked)> prepare = {};
-    /// Called once after the walk with the number of features it wrote; may be null.
-    void (*summary)(int written) = nullptr;
+    /// Called once after the walk with the number of features it wrote, and of those that came out
+    /// as they were; may be null.
+    void (*summary)(int written, int copied) = nullptr;
 };
 
 struct OverlayJob {

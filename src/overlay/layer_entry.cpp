@@ -21,7 +21,7 @@ const LayerOperation updateOperation = {"updatePolygonLayer", Attributes::OfBoth
 const LayerOperation spatialJoinOperation = {
     "spatialJoinPolygonLayers", Attributes::OfBothCount, spatialJoinPasses, false, false, false};
 const LayerOperation growWithinOperation = {"unionPolygonsInSameLayer", Attributes::OfA,
-                                            clusterPasses, false, true};
+                                            clusterWithinPasses, false, true};
 const LayerOperation partitionWithinOperation = {"unionPolygonsInSameLayer2", Attributes::OfBoth,
                                                  partitionPasses, false, true};
 const LayerOperation overlapWithinOperation = {"intersectPolygonsInSameLayer", Attributes::OfA,

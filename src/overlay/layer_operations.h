@@ -28,8 +28,9 @@ Passes updatePasses(const JWOverlayOptions& options, std::int64_t count);
 Passes spatialJoinPasses(const JWOverlayOptions& options, std::int64_t count);
 
 // One operand on both sides.
-/// Unites clusters of features that overlap.
+/// Unites clusters of features that overlap: of two layers, and of one.
 Passes clusterPasses(const JWOverlayOptions& options, std::int64_t count);
+Passes clusterWithinPasses(const JWOverlayOptions& options, std::int64_t count);
 /// What each feature has in common with those behind it.
 Passes overlapPasses(const JWOverlayOptions& options, std::int64_t count);
 /// The pieces into which the features cut one another, those in one feature only included.

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "foundation/parallel.h"
+#include "foundation/pulse.h"
 
 namespace jws::detail {
 namespace {
@@ -138,7 +139,7 @@ void Surroundings::startFeature(std::size_t count) {
 const OverlayFeature* Surroundings::next() {
     if (m_next == m_end) return nullptr;
     if (m_next < m_batchBegin || m_next >= m_batchBegin + m_batch.size()) {
-        m_pulse();
+        Pulse::tick();
         m_batch.clear();
         m_batchBegin = m_next;
         m_others.fetch(&m_hits[m_next], std::min(LayerSide::kFetched, m_hits.size() - m_next),

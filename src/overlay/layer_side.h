@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -99,9 +98,7 @@ class LayerSide {
 /// some of them in memory. One thread.
 class Surroundings {
   public:
-    /// `pulse` is called before each reading, and may throw to end the run.
-    Surroundings(LayerSide& own, LayerSide& others, const std::function<void()>& pulse)
-        : m_own(own), m_others(others), m_pulse(pulse) {}
+    Surroundings(LayerSide& own, LayerSide& others) : m_own(own), m_others(others) {}
 
     /// The next feature that meets the one at hand; null at the end. Good until the next call.
     const OverlayFeature* next();
@@ -123,7 +120,6 @@ class Surroundings {
   private:
     LayerSide& m_own;
     LayerSide& m_others;
-    const std::function<void()>& m_pulse;
     Hits m_found;
     Hits m_hits;
     std::vector<OverlayFeature> m_batch;

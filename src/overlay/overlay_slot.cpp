@@ -8,6 +8,7 @@ namespace jws::detail {
 
 void Emitter::emitCopy(const OverlayFeature& self, const JWFeature* a, const JWFeature* b,
                        std::int64_t joined) {
+    ++m_slot.copies;
     add(std::unique_ptr<JWGeometry>(self.geometry().clone()), {a, b, joined}, m_slot.inputArea);
 }
 
@@ -43,6 +44,11 @@ void Emitter::addResult(std::unique_ptr<JWGeometry> geometry, const Values& valu
     result.feature = m_schema.makeFeature(
         std::move(geometry), {values.a, values.b, values.joined, area}, result.lostField);
     m_slot.results.push_back(std::move(result));
+}
+
+void Emitter::noteCluster(const Hits& members) {
+    if (!JWReport::messagesAreOn()) return;
+    for (void* member : members) m_slot.cluster.push_back(LayerSide::positionOf(member));
 }
 
 void Emitter::reject(const OverlayFeature& other, const char* reason) {

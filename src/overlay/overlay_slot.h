@@ -24,6 +24,8 @@ struct Slot {
     double inputArea = 0;
     std::size_t pairs = 0;
     std::vector<PendingResult> results;
+    int copies = 0;                     ///< results that are the feature as it is
+    std::vector<std::int64_t> cluster;  ///< positions of what is united, the feature first
     double dropped = 0;
     double mismatch = 0;
     std::vector<std::string> failures;
@@ -51,6 +53,8 @@ class Emitter {
     /// not be overlaid.
     void reject(const OverlayFeature& other, const char* reason);
     void reject(const char* reason) { m_slot.failures.emplace_back(reason); }
+    /// Keeps for the console what was united with the feature at hand, itself first.
+    void noteCluster(const Hits& members);
     /// Adds to what the areas of the results differ by from what they should be.
     void addMismatch(double area) { m_slot.mismatch += area; }
 

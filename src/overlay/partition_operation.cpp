@@ -247,6 +247,7 @@ struct OverlapOfFeature {
 
 OverlayPass partitionPass(const JWOverlayOptions& options, bool single) {
     OverlayPass pass = {false, PartitionFeature{single, options.tolerance, options.checkAreas}};
+    pass.texts.feature = nullptr;
     pass.texts.start = [](int group) {
         JWReport::message("group %d doing intersect step TWO...\n", group);
         JWReport::message("group %d doing erase step TWO...\n", group);
@@ -258,6 +259,7 @@ OverlayPass partitionPass(const JWOverlayOptions& options, bool single) {
 
 Passes overlapPasses(const JWOverlayOptions& options, std::int64_t) {
     OverlayPass pass = {false, OverlapOfFeature{options.tolerance, options.checkAreas}};
+    pass.texts.feature = nullptr;
     pass.texts.start = [](int group) {
         JWReport::message("group %d doing intersect step TWO...\n", group);
     };

@@ -83,8 +83,9 @@ void copyOfB(const OverlayFeature& self, Surroundings&, Emitter& out) {
     out.emitCopy(self, nullptr, self.get());
 }
 
-void announceRest(int written) {
+void announceRest(int written, int copied) {
     JWReport::message("%d input features wrote to result layer!\n", written);
+    JWReport::message("%d original input features wrote to result layer!\n", copied);
 }
 
 }  // namespace

@@ -319,21 +319,91 @@ TEST_F(LayerOperations, Announce) {
         const char* operation;
         std::vector<const char*> texts;
     } table[] = {
-        {"erase", {"block 0 wrote 3 features to result layer!\n"}},
-        {"identity", {"do identity in group 1\n", "group 0 writted 2 features to result layer!\n"}},
+        {"erase",
+         {"block 0->input layer block 0 where:fid >= 1 and fid <= 4\n\nNO.:1 in 3\n"
+          "i=0 search count:0\n0->1 in 3\nNO.:2 in 3\n",
+          "2->1 in 3\nblock 0 wrote 3 features to result layer!\n"}},
+        {"identity",
+         {"do identity in group 1\n",
+          "group 0 checking results 2 in 2\ngroup 0 writted 2 features to result layer!\n"}},
         {"symdiff",
          {"do symmetrical difference in group 0\n", "group 1 doing step ONE...\n",
-          "group 1 doing step TWO...\n"}},
-        {"union", {"group 0 doing erase step TWO...\n", "6 features wrote to result layer!\n"}},
-        {"update", {"3 input features wrote to result layer!\n"}},
-        {"grow within", {"union:2 in 2\n", "union:1 in 1\n"}},
+          "group 1 doing step TWO...\n", "group 1 checking results 1 in 1\n"}},
+        {"union",
+         {"group 0 doing erase step TWO...\n", "6 features wrote to result layer!\n",
+          "group 1 writted 1 features to result layer\n"}},
+        {"update",
+         {"3 input features wrote to result layer!\n"
+          "3 original input features wrote to result layer!\n"}},
+        {"grow",
+         {"looping un-compared feature count:0\n",
+          "4 original input features wrote to result layer!\n"}},
+        {"grow within", {"Seed:0->Seed:1->block 0 wrote 2"}},
     };
     JWOverlayOptions options;
     for (const auto& row : table) {
         options.blockSize = std::string(row.operation) == "erase" ? 0 : 2;
+        options.threads = 1 + options.blockSize;
         run(row.operation, *a, *b, options);
         for (const char* text : row.texts) {
             EXPECT_NE(messages.text().find(text), std::string::npos) << text << messages.text();
+        }
+    }
+}
+
+TEST_F(LayerOperations, AnnounceWhatGrowsTogether) {
+    LayerPtr layer = layerOf(
+        "row", {{-1, box(0, 0, 2, 1), ""}, {-1, box(5, 0, 6, 1), ""}, {-1, box(1, 0, 3, 1), ""}});
+    run("grow within", *layer, *layer);
+    EXPECT_NE(messages.text().find("Seed:0->seedsi:0->2 in 3\ni=0 union index=2\nunion:1 in 3\n"
+                                   "Seed:1->block 0 wrote 2"),
+              std::string::npos)
+        << messages.text();
+    const std::size_t before = messages.text().size();
+    JWReport::setMessagesOn(false);
+    run("grow within", *layer, *layer);
+    JWReport::setMessagesOn(true);
+    EXPECT_EQ(messages.text().size(), before);
+}
+
+// Combs whose teeth cross: one clip that takes much longer than the callback lets it. It is called
+// a few times for each feature, and then only from within the clip.
+TEST_F(LayerOperations, StoppingALongClipOnAThreadTeamToo) {
+    const auto comb = [](bool upright) {
+        constexpr int teeth = 1500;
+        std::string ring;
+        const auto add = [&](double along, double across) {
+            ring += std::to_string(upright ? across : along) + " " +
+                    std::to_string(upright ? along : across) + ",";
+        };
+        for (int i = 0; i < teeth; ++i) {
+            add(-1, i);
+            add(teeth, i + 0.013 * (i % 7));
+            add(teeth, i + 0.5);
+            add(-1, i + 0.5);
+        }
+        add(-2, teeth);
+        add(-2, 0);
+        return "POLYGON((" + ring + (upright ? "0 -1" : "-1 0") + "))";
+    };
+    LayerPtr a = layerOf("a", {{1, comb(false), "a"}}), b = layerOf("b", {{1, comb(true), "b"}});
+    for (const char* operation : {"intersect", "union", "grow", "update"}) {
+        for (const int threads : {1, 2}) {
+            static int calls;
+            calls = 0;
+            JWReport::setProgress([](std::int64_t, std::int64_t, void*) { return ++calls < 6; },
+                                  nullptr);
+            JWOverlayOptions options;
+            options.threads = threads;
+            options.keepBorders = false;
+            LayerPtr result = emptyLayer("out");
+            EXPECT_EQ(operations.at(operation)(a.get(), b.get(), result.get(), options, &report),
+                      -1)
+                << operation;
+            JWReport::setProgress(nullptr, nullptr);
+            EXPECT_TRUE(report.cancelled);
+            EXPECT_EQ(JWReport::lastError().kind, JWErrorCancelled);
+            EXPECT_TRUE(report.rejected.empty());
         }
     }
 }

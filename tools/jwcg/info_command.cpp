@@ -170,7 +170,7 @@ void setupInfo(CLI::App& app, Settings& settings) {
 }
 
 int runInfo(const Settings& settings) {
-    JWReport::setMessageSink([](const char*, void*) {}, nullptr);
+    JWReport::setMessagesOn(false);
     const Json file = describeFile(settings);
     if (settings.json) {
         printJson(file);

@@ -32,8 +32,6 @@ void showMessage(const char* text, void* context) {
     std::fputs(text, stderr);
 }
 
-void dropMessage(const char*, void*) {}
-
 bool showProgress(std::int64_t done, std::int64_t total, void* context) {
     static_cast<ProgressBar*>(context)->update(done, total);
     return !interruptRequested();
@@ -60,13 +58,15 @@ ProgressBar::~ProgressBar() {
     if (m_attached) {
         JWReport::setProgress(nullptr, nullptr);
         JWReport::setMessageSink(nullptr, nullptr);
+        JWReport::setMessagesOn(true);
     }
     clear();
 }
 
 void ProgressBar::attachToLibrary(bool verbose) {
     m_attached = true;
-    JWReport::setMessageSink(verbose ? showMessage : dropMessage, this);
+    JWReport::setMessageSink(showMessage, this);
+    JWReport::setMessagesOn(verbose);
     JWReport::setProgress(showProgress, this);
 }
 
