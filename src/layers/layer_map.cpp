@@ -2,9 +2,11 @@
 #include "layers/layer_map.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 
 #include "foundation/parallel.h"
+#include "foundation/pulse.h"
 #include "foundation/vertex_lists.h"
 #include "layers/block_filter.h"
 #include "layers/layer_checks.h"
@@ -46,7 +48,7 @@ class MapRun {
           m_walk(m_team, job.input,
                  {[this](Chunk& chunk) { mapChunk(chunk); },
                   [this](Chunk& chunk, std::size_t i) { write(chunk, i); },
-                  [this] { return JWReport::progress(m_report.readA, m_total); },
+                  [this] { return keepOn(); },
                   [this](Chunk& chunk, std::size_t i) {
                       return prepareResults(m_job.output, chunk.slots[i].results);
                   }}) {}
@@ -58,9 +60,12 @@ class MapRun {
     using Chunk = FeatureChunk<MapSlot>;
 
     void mapBlock(std::int64_t block);
-    void mapChunk(Chunk& chunk) const;
+    void mapChunk(Chunk& chunk);
     void mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i) const;
     void write(Chunk& chunk, std::size_t i);
+    bool keepOn() const { return JWReport::progress(m_done, m_total); }
+    /// Ends the run because the progress callback asked to.
+    [[noreturn]] void stop();
     void reject(const JWFeature& feature, const std::string& reason) {
         m_report.rejected.push_back(
             {m_job.input.source(), m_job.input.name(), feature.getFID64(), reason});
@@ -72,12 +77,23 @@ class MapRun {
     std::int64_t m_total;
     Blocks m_blocks;
     OrderedWalk<MapSlot> m_walk;
-    bool m_stopped = false;
+    std::atomic<std::int64_t> m_done{0};
+    std::atomic<bool> m_stopped{false};
 };
 
-void MapRun::mapChunk(Chunk& chunk) const {
+void MapRun::stop() {
+    m_stopped = true;
+    JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
+    throw LayerFailure();
+}
+
+void MapRun::mapChunk(Chunk& chunk) {
+    const Pulse pulse([this] {
+        if (m_stopped || !keepOn()) stop();
+    });
     const FeatureMap map = m_job.makeMap ? m_job.makeMap() : m_job.map;
     for (std::size_t i = 0; i < chunk.size(); ++i) {
+        Pulse::tick();
         mapFeature(map, chunk, i);
     }
 }
@@ -99,7 +115,7 @@ void MapRun::mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i) cons
 void MapRun::write(Chunk& chunk, std::size_t i) {
     const JWFeature& feature = *chunk.feature(i);
     MapSlot& slot = chunk.slots[i];
-    ++m_report.readA;
+    m_done = ++m_report.readA;
     m_report.areaA += slot.inputArea;
     m_report.verticesA += slot.inputVertices;
     if (slot.check == GeometryCheck::Empty) ++m_report.emptyA;
@@ -115,10 +131,7 @@ void MapRun::mapBlock(std::int64_t block) {
     const std::int64_t first = m_blocks.first(block) - 1;
     const std::int64_t count = std::min(m_blocks.size(), m_total - first);
     if (count > 0 && m_job.onBlock) m_job.onBlock(block, first, count);
-    if (m_walk.run(first, m_blocks.size())) return;
-    m_stopped = true;
-    JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
-    throw LayerFailure();
+    if (!m_walk.run(first, m_blocks.size())) stop();
 }
 
 void MapRun::run() {
