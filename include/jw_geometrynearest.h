@@ -200,7 +200,8 @@ class JW_API JWGeometryNearest {
     /// square is not. Where the source lies outside of the extent, the square is larger by how far
     /// it does so on the first axis found, so that a source far off in both directions may get no
     /// answer. It stops at the larger side plus 1. Targets all at one place are found from
-    /// anywhere.
+    /// anywhere. The parts are added up one by one, rounding included; beyond a million of them (an
+    /// extent of some 1e-5 units and less) their product stands for the sum.
     ///
     /// Point sources are points, line sources line strings and each member of multi-line strings,
     /// which are searched for separately. Targets are points; line strings and multi-line strings;

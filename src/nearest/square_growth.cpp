@@ -16,9 +16,15 @@ SquareGrowth::SquareGrowth(const std::vector<JWEnvelop>& rectangles, const Packe
     m_step = side / divisor;
     m_first = startsAtStep ? m_step : 0;
     m_end = side + 1.0;
-    for (double r = m_first; r < m_end && m_radii.size() < mostRadii; r += m_step) {
+    double r = m_first;
+    for (; r < m_end && m_radii.size() < mostRadii; r += m_step) {
         m_radii.push_back(r);
         if (m_step == 0) break;
+    }
+    m_count = static_cast<double>(m_radii.size());
+    if (r < m_end && m_step > 0) {
+        m_count =
+            std::min(std::ceil((m_end - m_first) / m_step), std::numeric_limits<double>::max());
     }
 }
 
@@ -76,14 +82,21 @@ bool SquareGrowth::firstSquare(const SquareStart& start, JWEnvelop& square) cons
         square = m_extent;
         return true;
     }
+    double without = 0, with = m_count;  // the last square that meets nothing, the first that does
+    const auto narrow = [&](double k) {
+        if (k > without && k < with) (meetsAny(squareAt(start, k)) ? with : without) = k;
+    };
     const double needed = axisDistance(start.centre) - start.base - start.outside;
-    double k = std::max(1.0, std::floor((needed - m_first) / m_step));
-    while (k > 1 && meetsAny(squareAt(start, k - 1))) --k;
-    for (; radius(k) < m_end; ++k) {
-        square = squareAt(start, k);
-        if (meetsAny(square)) return true;
+    const double guess = std::min(std::floor((needed - m_first) / m_step), m_count - 2);
+    for (const double k : {guess, guess + 1, guess - 1}) narrow(k);
+    while (without + 1 < with) {
+        const double middle = std::floor(without + (with - without) / 2);
+        if (middle <= without || middle >= with) break;  // no number in between
+        narrow(middle);
     }
-    return false;
+    if (with >= m_count || !(radius(with) < m_end)) return false;
+    square = squareAt(start, with);
+    return true;
 }
 
 }  // namespace jws::detail

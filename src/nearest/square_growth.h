@@ -6,8 +6,9 @@
 // larger side of the extent plus 1. The searches before the last one find nothing, so they need not
 // be made: the largest axis distance to a target's rectangle tells about where the loop ends, and
 // two or three searches around there settle which square is the first, since each holds the one
-// before. The radii are those that the additions give, rounding included; beyond a million of them
-// (an extent of a few millionths of a unit) a product stands for the sum.
+// before; where rounding makes many squares one, halving does. The radii are those that the
+// additions give, rounding included; beyond a million of them (an extent of a few millionths of a
+// unit) a product stands for the sum.
 #ifndef JW_NEAREST_SQUARE_GROWTH_H
 #define JW_NEAREST_SQUARE_GROWTH_H
 
@@ -49,7 +50,8 @@ class SquareGrowth {
     double m_step;
     double m_first;               ///< the first radius
     double m_end;                 ///< radii stay below it
-    std::vector<double> m_radii;  ///< as repeated addition gives them
+    std::vector<double> m_radii;  ///< as repeated addition gives them, a million at most
+    double m_count;               ///< how many radii there are below the end
 };
 
 }  // namespace jws::detail

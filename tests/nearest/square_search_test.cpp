@@ -74,6 +74,18 @@ INSTANTIATE_TEST_SUITE_P(
              {"POINT(0 0)", "POINT(10 10)"},
              "FPointFid,TPointFid,ShortestLength: LINESTRING (5 100, 10 10)|20|20|"
              "90.13878188659973;"},
+        // 25 steps of 1/17 add up to the end, 1 + 8/17, though 25 times the step is below it.
+        Case{JWShortestPointsToRings,
+             {"POINT(-0.1 2.0205882352941176)"},
+             {"POLYGON((0 0,0.47058823529411764 0,0.47058823529411764 0.47058823529411764,"
+              "0 0.47058823529411764,0 0))"},
+             "RingFid,PointFid,ShortestLength:"},
+        // More steps than a double counts.
+        Case{JWShortestPointsToPoints,
+             {"POINT(0.1 0.5)"},
+             {"POINT(0 0)", "POINT(1e-17 0)"},
+             "FPointFid,TPointFid,ShortestLength: LINESTRING (0.1 0.5, 0 0)|10|10|"
+             "0.5099019513592785; LINESTRING (0.1 0.5, 1e-17 0)|10|20|0.5099019513592785;"},
         // All targets at one place.
         Case{JWShortestPointsToPoints,
              {"POINT(-5 -9)", "POINT(1 5)"},
