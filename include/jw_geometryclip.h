@@ -215,7 +215,8 @@ class JW_API JWGeometryClip {
     /// polygons and multipolygons what lies inside; of lines a multi line string of the pieces
     /// inside. Bags are clipped member by member. `out` takes the geometry type and spatial
     /// reference of `in`. A rectangle that is not valid or not finite gives 0, and so does one that
-    /// nothing lies in.
+    /// nothing lies in. A rectangle without an area holds the points and points of multipoints that
+    /// lie on it; of lines and polygons, also of lines along it, it holds nothing.
     static int featureClassClipByEnvelop(JWFeatureClass& in, JWFeatureClass& out,
                                          JWEnvelop& envelope);
     /// Does the same with a layer. `out` must be open for writing; it gets the fields of `in`
@@ -243,7 +244,8 @@ class JW_API JWGeometryClip {
     static int featureLayerClipByLayer(JWFeatureLayer* in, JWFeatureLayer* cutters,
                                        JWFeatureLayer* out, const JWClipOptions& options,
                                        JWLayerReport* report);
-    /// Clips by a rectangle, which must be valid and finite (−1 otherwise).
+    /// Clips by a rectangle, which must be valid and finite (−1 otherwise). One without an area
+    /// holds the points that lie on it, but nothing of lines and polygons.
     static int featureLayerClipByEnvelop(JWFeatureLayer* in, JWFeatureLayer* out,
                                          const JWEnvelop& envelope, const JWClipOptions& options,
                                          JWLayerReport* report);

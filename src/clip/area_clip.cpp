@@ -9,7 +9,6 @@
 
 #include "clip/geometry_clip.h"
 #include "foundation/vertex_lists.h"
-#include "jw_cpgeometrybasic.h"
 #include "overlay/area_union.h"
 #include "overlay/geometry_overlay.h"
 
@@ -36,28 +35,42 @@ AreaClip AreaClip::ofRectangle(const JWEnvelop& rectangle, Beginning beginning) 
     const auto corners = std::make_shared<const std::vector<JWRawPoint>>(
         std::vector<JWRawPoint>{rectangle.bottom_left(), rectangle.bottom_right(),
                                 rectangle.top_right(), rectangle.top_left()});
-    return AreaClip({{corners->data(), static_cast<int>(corners->size()), 0}}, corners, beginning);
+    AreaClip clip({{corners->data(), static_cast<int>(corners->size()), 0}}, corners, beginning);
+    clip.m_rectangle = rectangle;
+    return clip;
+}
+
+bool AreaClip::holds(const JWRawPoint& p) const {
+    return m_rectangle ? m_rectangle->contains(p) : m_edges.holds(p);
+}
+
+/// Tells whether a geometry with this rectangle lies on one side altogether.
+bool AreaClip::isUncut(const JWEnvelop& box) const {
+    if (!m_rectangle) return !m_edges.mayReach(box);
+    const JWEnvelop& r = *m_rectangle;
+    return r.isDisjoin(box) ||
+           (r.minX < box.minX && box.maxX < r.maxX && r.minY < box.minY && box.maxY < r.maxY);
 }
 
 std::unique_ptr<JWGeometry> AreaClip::part(const JWGeometry& geometry, ClipSide side) const {
     const JWEnvelop box = boxAround(geometry);
     if (!box.isValid()) return nullptr;
-    if (!m_edges.mayReach(box)) {
-        const bool inside = m_edges.holds(box.bottom_left());
+    if (isUncut(box)) {
+        const bool inside = holds(box.bottom_left());
         if (inside != (side == ClipSide::Inside)) return nullptr;
         if (geometry.getGeometryType() != JWGeometryLineString)
             return std::unique_ptr<JWGeometry>(geometry.clone());
     }
     switch (geometry.getGeometryType()) {
         case JWGeometryPoint: {
-            const bool inside = m_edges.holds(static_cast<const JWPoint&>(geometry).getRawPoint());
+            const bool inside = holds(static_cast<const JWPoint&>(geometry).getRawPoint());
             if (inside != (side == ClipSide::Inside)) return nullptr;
             return std::unique_ptr<JWGeometry>(geometry.clone());
         }
         case JWGeometryMultiPoint: {
             auto kept = std::make_unique<JWMultiPoint>();
             for (const JWPoint& p : static_cast<const JWMultiPoint&>(geometry).getPointList()) {
-                if (m_edges.holds(p.getRawPoint()) == (side == ClipSide::Inside)) kept->addPoint(p);
+                if (holds(p.getRawPoint()) == (side == ClipSide::Inside)) kept->addPoint(p);
             }
             if (kept->isEmpty()) return nullptr;
             kept->updateEnvelop();
@@ -123,13 +136,9 @@ bool isClipRectangle(const JWEnvelop& rectangle) {
     return rectangle.isValid() && areFinite(corners, 2);
 }
 
-std::unique_ptr<JWGeometry> partInRectangle(const AreaClip& clip, const JWEnvelop& rectangle,
-                                            const JWGeometry& geometry) {
+std::unique_ptr<JWGeometry> partInRectangle(const AreaClip& clip, const JWGeometry& geometry) {
     if (!isFinite(geometry)) throw ClipRefused("a coordinate is not finite");
-    if (geometry.getGeometryType() != JWGeometryPoint) return clip.part(geometry, ClipSide::Inside);
-    const JWRawPoint p = static_cast<const JWPoint&>(geometry).getRawPoint();
-    if (JWCPGeometryBasic::isPointWithinEnvelop(&p, &rectangle) != 1) return nullptr;
-    return std::unique_ptr<JWGeometry>(geometry.clone());
+    return clip.part(geometry, ClipSide::Inside);
 }
 
 }  // namespace jws::detail

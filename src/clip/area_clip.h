@@ -3,6 +3,7 @@
 #define JW_CLIP_AREA_CLIP_H
 
 #include <memory>
+#include <optional>
 
 #include "clip/cutter.h"
 #include "overlay/area_operand.h"
@@ -18,7 +19,8 @@ class AreaClip {
     /// Rings without closing points, read by the even-odd rule, finite; borrowed from `owner`,
     /// which it keeps alive.
     AreaClip(const RingViews& rings, std::shared_ptr<const void> owner, Beginning beginning);
-    /// The area of a rectangle.
+    /// The area of a rectangle. Points are decided by the rectangle itself, so that one without an
+    /// area holds those that lie on it, but nothing of lines and areas.
     static AreaClip ofRectangle(const JWEnvelop& rectangle, Beginning beginning);
 
     /// The part of a geometry with finite coordinates that lies on one side; null for none. Lines
@@ -27,6 +29,8 @@ class AreaClip {
     std::unique_ptr<JWGeometry> part(const JWGeometry& geometry, ClipSide side) const;
 
   private:
+    bool holds(const JWRawPoint& p) const;
+    bool isUncut(const JWEnvelop& box) const;
     std::unique_ptr<JWGeometry> partOfLines(const JWGeometry& lines, ClipSide side) const;
     std::unique_ptr<JWGeometry> partOfArea(const JWGeometry& area, ClipSide side) const;
     std::unique_ptr<JWGeometry> partOfBag(const JWGeometryCollection& bag, ClipSide side) const;
@@ -34,16 +38,15 @@ class AreaClip {
     Area m_area;
     Cutter m_edges;
     Beginning m_beginning;
+    std::optional<JWEnvelop> m_rectangle;  ///< when the area is one
 };
 
 /// True for a valid rectangle with finite corners.
 bool isClipRectangle(const JWEnvelop& rectangle);
 
-/// What of a geometry lies in the rectangle that `clip` is made of; a single point by the rectangle
-/// itself, so that one without an area holds it too. Throws ClipRefused for a coordinate that is
-/// not finite, otherwise as `AreaClip::part`.
-std::unique_ptr<JWGeometry> partInRectangle(const AreaClip& clip, const JWEnvelop& rectangle,
-                                            const JWGeometry& geometry);
+/// What of a geometry lies in the rectangle that `clip` is made of. Throws ClipRefused for a
+/// coordinate that is not finite, otherwise as `AreaClip::part`.
+std::unique_ptr<JWGeometry> partInRectangle(const AreaClip& clip, const JWGeometry& geometry);
 
 }  // namespace jws::detail
 

@@ -164,11 +164,11 @@ int clipClassByRectangle(JWFeatureClass& in, JWFeatureClass& out, const JWEnvelo
         out.setGeometryType(in.getGeometryType());
         out.setSpatialReference(in.getSpatialReference());
         const AreaClip clip = AreaClip::ofRectangle(envelope, Beginning::LikeWhatFollows);
-        return clipFeatures(
-            name, in, out, threads, [&](const JWFeature& feature, Pieces& pieces, std::string&) {
-                auto part = partInRectangle(clip, envelope, *feature.getGeometryPtr());
-                if (part) pieces.push_back(std::move(part));
-            });
+        return clipFeatures(name, in, out, threads,
+                            [&](const JWFeature& feature, Pieces& pieces, std::string&) {
+                                auto part = partInRectangle(clip, *feature.getGeometryPtr());
+                                if (part) pieces.push_back(std::move(part));
+                            });
     });
 }
 

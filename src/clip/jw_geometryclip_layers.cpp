@@ -112,7 +112,7 @@ bool writeParts(JWFeatureLayer& in, JWFeatureLayer& out, const JWEnvelop& envelo
             for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
                 if (features[i]->isGeometryEmpty()) continue;
                 try {
-                    auto part = partInRectangle(clip, envelope, *features[i]->getGeometryPtr());
+                    auto part = partInRectangle(clip, *features[i]->getGeometryPtr());
                     if (!part) continue;
                     parts[i] = featureLike(*features[i]);
                     parts[i]->setGeometryDirectly(part.release());

@@ -211,6 +211,44 @@ TEST(ClipFeatures, ByRectangle) {
     EXPECT_EQ(JWGeometryClip::featureLayerClipByEnvelop(nullptr, out.get(), rectangle), 0);
 }
 
+TEST(ClipFeatures, ByRectangleWithoutArea) {
+    Features in({{1, "POINT (5 5)", "on"},
+                 {2, "POINT (7 5)", "beside"},
+                 {3, "MULTIPOINT ((5 5),(6 6))", "points"},
+                 {4, "LINESTRING (0 5,9 5)", "line"},
+                 {5, kSquare, "area"},
+                 {6, "GEOMETRYCOLLECTION (POINT (5 5),POINT (7 7))", "bag"}});
+    const struct {
+        JWEnvelop rectangle;
+        std::vector<std::string> inside, outside;
+    } rows[] = {
+        {JWEnvelop(5, 5, 5, 5),
+         {"POINT (5 5)|on", "MULTIPOINT ((5 5))|points", "GEOMETRYCOLLECTION (POINT (5 5))|bag"},
+         {"POINT (7 5)|beside", "MULTIPOINT ((6 6))|points", "MULTILINESTRING ((0 5, 9 5))|line",
+          "POLYGON ((0 0, 10 0, 10 10, 0 10, 0 0))|area", "GEOMETRYCOLLECTION (POINT (7 7))|bag"}},
+        {JWEnvelop(-1, 5, 10, 5),
+         {"POINT (5 5)|on", "POINT (7 5)|beside", "MULTIPOINT ((5 5))|points",
+          "GEOMETRYCOLLECTION (POINT (5 5))|bag"},
+         {"MULTIPOINT ((6 6))|points", "MULTILINESTRING ((0 5, 9 5))|line",
+          "POLYGON ((0 0, 10 0, 10 10, 0 10, 0 0))|area", "GEOMETRYCOLLECTION (POINT (7 7))|bag"}},
+    };
+    for (auto row : rows) {
+        const LayerPtr fixed = emptyLayer("fixed");
+        EXPECT_EQ(
+            JWGeometryClip::featureLayerClipByEnvelop(in.layer.get(), fixed.get(), row.rectangle),
+            1);
+        EXPECT_EQ(contentOf(*fixed), row.inside);
+        for (const bool outside : {false, true}) {
+            const LayerPtr out = emptyLayer("out");
+            JWClipOptions options;
+            options.outside = outside;
+            JWGeometryClip::featureLayerClipByEnvelop(in.layer.get(), out.get(), row.rectangle,
+                                                      options, nullptr);
+            EXPECT_EQ(contentOf(*out), outside ? row.outside : row.inside);
+        }
+    }
+}
+
 /// Sum of lengths, areas and numbers of points in a layer.
 double contentSize(JWFeatureLayer& layer) {
     double sum = 0;
