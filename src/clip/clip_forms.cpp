@@ -50,7 +50,7 @@ void handOver(MarkedPieces<Geometry>&& from, std::vector<Geometry*>& pieces,
 int clipAny(const JWGeometry* target, const JWGeometry* cutter, std::vector<JWGeometry*>& pieces,
             const ClipForm& form) {
     return clip(
-        "geometryClipByGeometry", target, cutter, form,
+        form.function, target, cutter, form,
         [&](PreparedCutter& prepared, const Team& team) {
             return clipGeometry(*target, prepared, form.checkWeird, team);
         },
@@ -63,7 +63,7 @@ int clipAny(const JWGeometry* target, const JWGeometry* cutter, std::vector<JWGe
 int clipLines(const JWGeometry* lines, const JWGeometry* cutter, std::vector<JWLineString*>& pieces,
               std::vector<unsigned int>* inside, const ClipForm& form) {
     return clip(
-        "lineStringClip", lines, cutter, form,
+        form.function, lines, cutter, form,
         [&](PreparedCutter& prepared, const Team& team) {
             check(*lines, prepared, form);
             return cutLines(*lines, prepared.edges(), team);
@@ -75,7 +75,7 @@ int clipPoints(const JWMultiPoint* points, const JWGeometry* area,
                std::vector<JWMultiPoint*>& pieces, std::vector<unsigned int>& inside,
                const ClipForm& form) {
     return clip(
-        "multiPointClip", points, area, form,
+        form.function, points, area, form,
         [&](PreparedCutter& prepared, const Team&) {
             check(*points, prepared, form);
             return cutPoints(*points, prepared.edges());
@@ -86,7 +86,7 @@ int clipPoints(const JWMultiPoint* points, const JWGeometry* area,
 int clipAreaByLines(const JWGeometry* area, const JWGeometry* lines, std::vector<JWRing*>& rings,
                     std::vector<int>* holeFlags, const ClipForm& form) {
     return clip(
-        "polygonClipByLineString", area, lines, form,
+        form.function, area, lines, form,
         [&](PreparedCutter& prepared, const Team& team) {
             check(*area, prepared, form);
             return cutArea(*area, *lines, team);

@@ -13,6 +13,7 @@
 namespace jws::detail {
 
 struct ClipForm {
+    const char* function;  ///< the public name
     bool checkWeird;
     bool useRTree;
     int threads;

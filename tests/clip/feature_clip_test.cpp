@@ -121,10 +121,15 @@ TEST(ClipBadInput, AnswersNoughtAddsNothingAndTellsWhy) {
               1);
     EXPECT_EQ(lists.pieces.size(), 3U);
     RingLists rings;
+    const auto isNamed = [](const std::string& function) {
+        return JWReport::lastError().text.rfind(function + ": ", 0) == 0;
+    };
     EXPECT_EQ(JWGeometryClip::polygonClipByLineString(&square, &onePoint, rings.pieces, rings.holes,
                                                       false),
               0);
-    EXPECT_EQ(JWGeometryClip::ringClipByLineString(&threePoints, &line, rings.pieces, false), 0);
+    EXPECT_TRUE(isNamed("polygonClipByLineString")) << JWReport::lastError().text;
+    EXPECT_EQ(JWGeometryClip::ringClipByLineString_mp(&threePoints, &line, rings.pieces, false), 0);
+    EXPECT_TRUE(isNamed("ringClipByLineString_mp")) << JWReport::lastError().text;
     EXPECT_TRUE(rings.pieces.empty());
 }
 
