@@ -219,8 +219,10 @@ class JW_API JWGeometryClip {
     /// lie on it; of lines and polygons, also of lines along it, it holds nothing.
     static int featureClassClipByEnvelop(JWFeatureClass& in, JWFeatureClass& out,
                                          JWEnvelop& envelope);
-    /// Does the same with a layer. `out` must be open for writing; it gets the fields of `in`
-    /// unless it has fields already, which are then filled by position. Writing is one transaction.
+    /// Does the same with a layer. `out` must be open for writing; it keeps the spatial reference
+    /// that it was created with. Without features it takes the geometry type of `in`, as
+    /// `JWFeatureLayer::setGeometryType` does, and it gets the fields of `in` unless it has fields
+    /// already, which are then filled by position. Writing is one transaction.
     /// Reading moves the cursor of `in`. A feature that could not be clipped or written is left out
     /// and makes the last error.
     static int featureLayerClipByEnvelop(const JWFeatureLayer* in, JWFeatureLayer* out,

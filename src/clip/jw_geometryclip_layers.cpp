@@ -82,8 +82,9 @@ std::int64_t clipLayer(JWFeatureLayer& in, JWFeatureLayer& out, const JWClipOpti
     return written;
 }
 
-/// Gives a layer without fields those of another one.
-bool takeFields(const JWFeatureLayer& from, JWFeatureLayer& to) {
+/// Gives a layer without features the geometry type of another one, one without fields its fields.
+bool takeSchema(const JWFeatureLayer& from, JWFeatureLayer& to) {
+    if (to.getFeatureCount() == 0 && !to.setGeometryType(from.getGeometryType())) return false;
     if (to.getFieldsDefnPtr()->getFieldCount() > 0) return true;
     const JWFields& fields = *from.getFieldsDefnPtr();
     for (int i = 0; i < fields.getFieldCount(); ++i) {
@@ -149,7 +150,7 @@ int clipLayerByRectangle(const JWFeatureLayer* in, JWFeatureLayer* out, const JW
     JWReport::clearError();
     return guarded(name, 0, [&] {
         auto& source = const_cast<JWFeatureLayer&>(*in);  // reading moves its cursor
-        if (!takeFields(*in, *out) || !out->beginTransaction()) return 0;
+        if (!takeSchema(*in, *out) || !out->beginTransaction()) return 0;
         bool any = false;
         try {
             any = writeParts(source, *out, envelope, threads);

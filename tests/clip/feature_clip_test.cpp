@@ -213,6 +213,16 @@ TEST(ClipFeatures, ByRectangle) {
         return text;
     };
     EXPECT_EQ(content, withoutNumbers(kInRectangle));
+    const SourcePtr memory(JWDataSource::createInMemory());
+    const LayerPtr areas(memory->createLayer("areas", JWWKBMultiPolygon, nullptr));
+    const LayerPtr ofAreas = emptyLayer("out"), used = layerOf("out", {{1, "POINT (1 1)", "old"}});
+    JWFeature area(areas->getFieldsDefnPtr());
+    area.setGeometry(fromWkt(kSquare).get());
+    ASSERT_TRUE(areas->createFeature(&area));
+    for (const LayerPtr* to : {&ofAreas, &used}) {
+        ASSERT_EQ(JWGeometryClip::featureLayerClipByEnvelop(areas.get(), to->get(), rectangle), 1);
+        EXPECT_EQ((*to)->getGeometryType(), to == &ofAreas ? JWWKBMultiPolygon : JWWKBUnknown);
+    }
     EXPECT_EQ(JWGeometryClip::featureLayerClipByEnvelop(nullptr, out.get(), rectangle), 0);
 }
 
