@@ -28,9 +28,10 @@ enum enumJWBufferType : int {
 
 /// What a buffer of a layer can be told.
 struct JWBufferOptions {
-    double distance = 0;  ///< layer units, greater than 0 and finite
-    /// Name of a field that holds each feature's own distance, in the place of `distance`; empty
-    /// for none.
+    /// Layer units, greater than 0 and finite. With `distanceField` it serves the features whose
+    /// field has no value; 0 for none.
+    double distance = 0;
+    /// Name of a field that holds each feature's own distance; empty for none.
     std::string distanceField;
     enumJWBufferType type = JWBufferFace;
     /// Unites all buffers to one feature without attributes.
@@ -157,10 +158,11 @@ class JW_API JWGeometryBuffer {
     /// one feature. `out` must have no fields.
     ///
     /// A distance that is not greater than 0 and finite is an error; where it comes from a field it
-    /// has the feature rejected, and so do a missing one, a bag, a coordinate that is not finite
-    /// and a buffer that is empty. Features without a geometry are passed over. `report` accounts
-    /// for every feature and may be null. Buffers that are united are all held in memory.
-    /// \return the number of features written, or −1 a layer or the field is missing, the options
+    /// has the feature rejected, and so do no value where no distance serves for it, a bag, a
+    /// coordinate that is not finite and a buffer that is empty. Features without a geometry are
+    /// passed over. `report` accounts for every feature and may be null. Buffers that are united
+    /// are all held in memory. \return the number of features written, or −1 a layer or the field
+    /// is missing, the options
     ///     make no sense, a layer cannot be read to its end or written, or the run was stopped; −3
     ///     the output has fields already; the last error says which
     static int bufferLayer(JWFeatureLayer* in, JWFeatureLayer* out, const JWBufferOptions& options,

@@ -41,10 +41,10 @@ class LayerBuffer {
     LayerBuffer(const JWBufferOptions& options, FeatureInput& input)
         : m_distance(options.distance), m_type(options.type), m_fieldName(options.distanceField) {
         if (m_type != JWBufferFace && m_type != JWBufferEdge) refuse("there is no such type");
-        if (m_fieldName.empty()) {
-            if (!isUsable(m_distance)) refuse("the distance is not greater than 0 and finite");
-            return;
-        }
+        const bool isOptional = !m_fieldName.empty() && m_distance == 0;
+        if (!isOptional && !isUsable(m_distance))
+            refuse("the distance is not greater than 0 and finite");
+        if (m_fieldName.empty()) return;
         m_field = input.fields() ? input.fields()->getFieldIndex(m_fieldName.c_str()) : -1;
         if (m_field < 0) refuse("the input has no field '" + m_fieldName + "'");
     }
@@ -65,7 +65,7 @@ class LayerBuffer {
     static bool isUsable(double distance) { return distance > 0 && std::isfinite(distance); }
 
     double distanceOf(const JWFeature& feature) const {
-        if (m_field < 0) return m_distance;
+        if (m_field < 0 || (m_distance > 0 && !feature.isFieldSet(m_field))) return m_distance;
         double distance = 0;
         if (!feature.getFieldAsDouble(m_field, distance))
             throw NoBuffer("there is no distance in field '" + m_fieldName + "'");

@@ -16,7 +16,7 @@ void setupBuffer(CLI::App& app, Settings& settings) {
                "Distance in layer units (degrees for longitude and latitude), above 0",
                [&settings](const std::vector<double>& numbers) { settings.distance = numbers; });
     addText(app, "--distance-field", settings.distanceField, "NAME",
-            "Field with the distance of each feature, in the place of --distance");
+            "Field with the distance of each feature; --distance serves where it is null");
     app.add_flag("--edge", settings.edge, "Leave the polygons themselves out of their buffers");
     app.add_flag("--dissolve", settings.dissolve,
                  "Unite all buffers to one feature, without attributes");
@@ -24,13 +24,12 @@ void setupBuffer(CLI::App& app, Settings& settings) {
 }
 
 int runBuffer(const Settings& settings) {
-    if (settings.distance.empty() == settings.distanceField.empty()) {
-        throw CommandFailure(ExitUsage,
-                             "buffer: --distance or --distance-field is needed, not both");
+    if (settings.distance.empty() && settings.distanceField.empty()) {
+        throw CommandFailure(ExitUsage, "buffer: --distance or --distance-field is needed");
     }
     JWBufferOptions options;
     if (!settings.distance.empty()) options.distance = settings.distance.front();
-    if (settings.distanceField.empty() && !(options.distance > 0)) {
+    if (!settings.distance.empty() && !(options.distance > 0)) {
         throw CommandFailure(ExitUsage, "buffer: the distance must be greater than 0");
     }
     options.distanceField = settings.distanceField;
@@ -69,8 +68,8 @@ Command bufferCommand() {
             "draw the area within a distance of each feature, or of all together",
             "Writes the area within --distance of each point, line or polygon, with its "
             "attributes. Arcs have a corner every 10 degrees around points and every 15 degrees at "
-            "lines. Distances of 0 or less give no buffer; features for which --distance-field "
-            "has one are listed and make the exit status 4.",
+            "lines. Features for which --distance-field has a distance of 0 or less, or none and "
+            "there is no --distance, are listed and make the exit status 4.",
             "jwcg buffer rivers.gpkg banks.gpkg --distance 50 --dissolve",
             setupBuffer,
             runBuffer};
