@@ -123,6 +123,19 @@ TEST_F(ClipBufferCommands, ResultsAndAttributes) {
     }
 }
 
+TEST_F(ClipBufferCommands, AreasThatAreNotFiniteAreLeftOut) {
+    const Arguments huge = {"buffer",     "boxes.geojson", "out.gpkg",
+                            "--distance", "1e300",         "--overwrite"};
+    const Outcome text = run(huge);
+    EXPECT_EQ(0, text.status) << text.err;
+    EXPECT_EQ(std::string::npos, text.out.find("area")) << text.out;
+    Arguments asJson = huge;
+    asJson.push_back("--json");
+    const json output = parse(run(asJson))["output"];
+    EXPECT_EQ(2, output["features"]);
+    EXPECT_FALSE(output.contains("area") || output.contains("area_unit"));
+}
+
 TEST_F(ClipBufferCommands, SameForAnyNumberOfThreadsAndBlocks) {
     for (const Arguments& command : {Arguments{"clip", "boxes.geojson", "cutters.geojson"},
                                      Arguments{"buffer", "boxes.geojson", "--distance", "3"}}) {
@@ -161,7 +174,9 @@ TEST_F(ClipBufferCommands, OptionsThatMakeNoSense) {
          "greater than 0"},
         {{"buffer", "boxes.geojson", "out.gpkg", "--distance", "0"}, 2, "greater than 0"},
         {{"buffer", "boxes.geojson", "out.gpkg", "--distance=-2"}, 2, "greater than 0"},
-        {{"buffer", "boxes.geojson", "out.gpkg", "--distance", "nan"}, 2, "nan"},
+        {{"buffer", "boxes.geojson", "out.gpkg", "--distance", "nan"},
+         2,
+         "'nan' is not a finite number"},
         {{"buffer", "boxes.geojson", "out.gpkg", "--distance-field", "nothing"}, 2, "no field"},
     };
     for (const auto& row : rows) {

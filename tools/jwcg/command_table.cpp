@@ -98,6 +98,7 @@ void addNumbers(CLI::App& app, const std::string& names, const std::vector<std::
         if (!good || std::find(counts.begin(), counts.end(), numbers.size()) == counts.end()) {
             std::string wanted = type;
             for (char& c : wanted) c = static_cast<char>(std::tolower(c));
+            if (counts == std::vector<std::size_t>{1}) wanted = "a finite number";
             throw CLI::ValidationError(names, "'" + text + "' is not " + wanted);
         }
         take(numbers);

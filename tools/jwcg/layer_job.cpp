@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <climits>
+#include <cmath>
 #include <cstdio>
 #include <optional>
 
@@ -155,7 +156,7 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
     summary.reference = describe(a.reference());
     summary.areaUnit = areaUnit(a.reference());
     summary.account = job.account;
-    summary.hasAreas = isAreal(type);
+    summary.hasAreas = isAreal(type) && std::isfinite(report.area);
     const double writing = std::max(0.0, running - report.secondsIndex - report.secondsOverlay);
     summary.seconds.emplace_back("open", opening);
     if (report.secondsIndex > 0 || job.account == AccountOfAreas) {

@@ -47,7 +47,7 @@ struct RunSummary {
     std::string format;
     std::string reference;  ///< spatial reference for people, empty for none
     std::string areaUnit;
-    bool hasAreas = true;  ///< the result is of polygons, or may be
+    bool hasAreas = true;  ///< the result is of polygons, or may be, and its area finite
     enumAccount account = AccountOfAreas;
     /// What the command has to say besides: lines for people, and members of the object.
     std::string notes;
