@@ -146,6 +146,7 @@ bool LineSmoother::chaiken(std::vector<JWRawPoint>& points) {
         JWRawPoint p1 = points[i - 1], p2 = points[std::min(i, n - 1)];
         JWRawPoint m = middle(p1, p2);
         for (;;) {
+            if (!areFinite(&m, 1) || result_.size() + 1 >= kMostPoints) return false;
             result_.push_back(m);
             const JWRawPoint v = difference(anchor, m);
             if (dot(v, v) <= limit) break;
@@ -156,7 +157,6 @@ bool LineSmoother::chaiken(std::vector<JWRawPoint>& points) {
             // Below the resolution of coordinates nothing moves any more.
             if (m == before) break;
         }
-        if (result_.size() >= kMostPoints) return false;
         std::reverse(result_.begin() + stepBegin, result_.end());
         anchor = result_.back();
     }

@@ -106,6 +106,7 @@ TEST(Smooth, SmallCases) {
         {chaiken(2), roof, "LINESTRING (0 0, 0.9375 0.8125, 1.75 1.25, 3 1, 4 0, 4 0)"},
         {chaiken(-2), roof, "LINESTRING (0 0, 0.9375 0.8125, 1.75 1.25, 3 1, 4 0, 4 0)"},
         {chaiken(0), roof, nullptr},
+        {chaiken(1), "LINESTRING (0 0, 1.7e+308 0, 1.7e+308 1, 0 1)", nullptr},
         {bezier(2, 2), "LINESTRING (0 0, 1 2, 2 0)", "LINESTRING (0 0, 1 1, 2 0)"},
         {bezier(1, 1), z, nullptr},
         {bezier(0, 2), z, nullptr},
