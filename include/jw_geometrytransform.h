@@ -66,8 +66,9 @@ class JW_API JWGeometryTransform {
     ///     equations at most 1e-14 of the squared trace) and a result that is not finite
     static bool affineTransformFromGCP(const JWGCP* points, int n, double* matrix);
     /// Inverts a matrix; `inverse` may be `matrix`.
-    /// \return false, and nothing written, for a determinant m1·m5 - m2·m4 below 1e-15, whatever
-    ///     the scale of the matrix, or NaN, and for a null pointer
+    /// \return false, and nothing written, for a determinant m1·m5 - m2·m4 whose absolute value is
+    ///     below 1e-15, whatever the scale of the matrix, for a determinant or one of the six
+    ///     results that is not finite, and for a null pointer
     static bool inverseTransformMatrix(const double* matrix, double* inverse);
     /// @}
 

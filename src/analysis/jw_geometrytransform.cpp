@@ -101,10 +101,11 @@ bool JWGeometryTransform::inverseTransformMatrix(const double* matrix, double* i
     if (matrix == nullptr || inverse == nullptr) return false;
     const double* m = matrix;
     const double determinant = m[1] * m[5] - m[2] * m[4];
-    if (!(std::fabs(determinant) >= 1e-15)) return false;
+    if (!(std::fabs(determinant) >= 1e-15) || !std::isfinite(determinant)) return false;
     const double result[6] = {
         (m[2] * m[3] - m[0] * m[5]) / determinant, m[5] / determinant,  -m[2] / determinant,
         (m[0] * m[4] - m[1] * m[3]) / determinant, -m[4] / determinant, m[1] / determinant};
+    if (!std::all_of(result, result + 6, [](double v) { return std::isfinite(v); })) return false;
     std::copy(result, result + 6, inverse);
     return true;
 }

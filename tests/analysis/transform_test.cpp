@@ -75,6 +75,9 @@ TEST(Transform, Inverses) {
         {{0, 4e-8, 0, 0, 0, 4e-8}, true, {0, 2.5e7, 0, 0, 0, 2.5e7}},
         {{0, 1, 2, 0, 2, 4}, false, {}},
         {{0, kNaN, 0, 0, 0, 1}, false, {}},
+        {{0, 1e200, 0, 0, 0, 1e200}, false, {}},  // the determinant is infinite
+        {{1e300, 1e-5, 0, 0, 0, 1e-9}, true, {-1e305, 1e5, 0, 0, 0, 1e9}},
+        {{1e305, 1e-5, 0, 0, 0, 1e-9}, false, {}},  // the shift is infinite
     };
     for (const InverseRow& row : rows) {
         double inverse[6] = {7, 7, 7, 7, 7, 7};
