@@ -33,9 +33,11 @@ struct JWSmoothOptions {
     double tangentScale = 0;    ///< Hermite
     double tangentMinimum = 0;  ///< Hermite, square layer units
     int minimumRingPoints = 3;  ///< a ring that would store fewer stays as it was
-    bool dropRepeated = false;  ///< drop each result point that equals the one before it
-    int threads = 1;            ///< for feature classes and layers; 0 for one per core
-    int blockSize = 0;          ///< for layers: features held at a time; 0 for all
+    /// Drop each result point that equals the one before it; a line that would come down to one
+    /// point stays as it was.
+    bool dropRepeated = false;
+    int threads = 1;    ///< for feature classes and layers; 0 for one per core
+    int blockSize = 0;  ///< for layers: features held at a time; 0 for all
 };
 
 /// Moves or adds vertices. No state; all functions may run on any number of threads, each on
@@ -47,10 +49,10 @@ struct JWSmoothOptions {
 /// stays as it was.
 ///
 /// Nothing changes for a null argument, a parameter out of range (NaN included), too few points, a
-/// line with a coordinate that is NaN or infinite, or a result of more points than an int counts or
-/// memory holds; the count returned is then that of the points as they are, 0 for null. Envelopes
-/// of what was smoothed are up to date. Cost: O(points in and out), times the look-ahead for
-/// distance weighting.
+/// line with a coordinate that is NaN or infinite, or a result that would have such a coordinate,
+/// or more points than an int counts or memory holds; the count returned is then that of the points
+/// as they are, 0 for null. Envelopes of what was smoothed are up to date. Cost: O(points in and
+/// out), times the look-ahead for distance weighting.
 class JW_API JWGeometrySmooth {
   public:
     JWGeometrySmooth();
@@ -130,8 +132,9 @@ class JW_API JWGeometrySmooth {
                                        double tangentMinimum);
     /// Same with any method and number of threads.
     /// \param report  may be null; receives features read, empty, written (those whose geometry
-    ///     could be smoothed, points included) and the rejected ones: other kinds of geometry, and
-    ///     lines with a coordinate that is not finite. They stay as they are.
+    ///     could be smoothed, points included) and the rejected ones: other kinds of geometry,
+    ///     which stay, and those with a line that has a coordinate that is not finite, or would
+    ///     have one: these lines stay, the others of the feature are smoothed
     /// \return false for null, parameters out of range, and when memory is short
     static bool smoothFeatures(JWFeatureClass* features, const JWSmoothOptions& options,
                                JWLayerReport* report = nullptr);

@@ -75,7 +75,9 @@ JWLineString* JWGeometrySmooth::bezier(const JWLineString* line, int degree, int
     if (line == nullptr) return nullptr;
     return guarded("bezier", static_cast<JWLineString*>(nullptr), [&] {
         if (!allFinite(line->getPointList())) return line->clone();
-        return JWBezierCurve().makeBezierCurve(line, degree, points);
+        std::unique_ptr<JWLineString> curve(JWBezierCurve().makeBezierCurve(line, degree, points));
+        const bool isSound = curve == nullptr || allFinite(curve->getPointList());
+        return isSound ? curve.release() : line->clone();
     });
 }
 

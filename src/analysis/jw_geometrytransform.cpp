@@ -166,8 +166,7 @@ int JWGeometryTransform::transformLayer(JWFeatureLayer* input, JWFeatureLayer* o
         job.map = [map = *map](const JWFeature& feature, MapResults& results) {
             std::unique_ptr<JWGeometry> geometry(feature.getGeometryPtr()->clone());
             mapVertices(*geometry, map);
-            if (!isFinite(*geometry))
-                return results.reject("a coordinate grows beyond all numbers");
+            if (!isFinite(*geometry)) return results.reject(kBeyondNumbers);
             geometry->updateEnvelop();
             results.add(std::move(geometry));
         };

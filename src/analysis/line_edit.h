@@ -4,11 +4,13 @@
 // smoothing share. What is done to one list of points is the editor's.
 //
 // An editor has `bool edit(std::vector<JWRawPoint>&)`, which changes a list or answers false and
-// leaves it as it was.
+// leaves it of no use. It works on a copy.
 #ifndef JW_ANALYSIS_LINE_EDIT_H
 #define JW_ANALYSIS_LINE_EDIT_H
 
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "analysis/feature_results.h"
@@ -16,6 +18,7 @@
 #include "foundation/vertex_lists.h"
 #include "jw_feature.h"
 #include "jw_report.h"
+#include "layers/geometry_check.h"
 
 namespace jws::detail {
 
@@ -28,23 +31,20 @@ inline bool allFinite(const std::vector<JWRawPoint>& points) {
 template <class Editor>
 class LineWalk {
   public:
-    /// A ring of fewer than `minimumRing` points after the edit stays as it was.
+    /// A ring of fewer than `minimumRing` points after the edit stays as it was, and so do a line
+    /// that would come down to one point and every list that would not stay finite.
     LineWalk(const Editor& editor, std::size_t minimumRing)
         : editor_(editor), minimumRing_(minimumRing) {}
 
     bool edit(JWLineString& line) {
-        if (!editor_.edit(line.getPointList())) return false;
+        if (!editLine(line)) return false;
         line.updateEnvelop();
         return true;
     }
 
-    /// Edits every ring in a list of its own, and takes the list over if it is long enough.
     void edit(JWPolygon& polygon) {
         for (JWRing& ring : polygon.getRingList()) {
-            scratch_ = ring.getPointList();
-            if (!editor_.edit(scratch_) || scratch_.size() < minimumRing_) continue;
-            ring.getPointList().swap(scratch_);
-            ring.closeRing();
+            if (editList(ring.getPointList(), minimumRing_)) ring.closeRing();
         }
         polygon.updateEnvelop();
     }
@@ -58,7 +58,7 @@ class LineWalk {
             case JWGeometryMultiLineString:
                 for (JWLineString& line :
                      static_cast<JWMultiLineString&>(geometry).getMemberList()) {
-                    editor_.edit(line.getPointList());
+                    editLine(line);
                 }
                 geometry.updateEnvelop();
                 return true;
@@ -76,9 +76,29 @@ class LineWalk {
         }
     }
 
+    /// A list stayed as it was since the last call because it would not have stayed finite.
+    bool takeOverflow() { return std::exchange(overflowed_, false); }
+
   private:
+    bool editLine(JWLineString& line) {
+        std::vector<JWRawPoint>& points = line.getPointList();
+        return editList(points, std::min<std::size_t>(points.size(), 2));
+    }
+    /// Edits a copy, and takes it over if it is long enough and finite.
+    bool editList(std::vector<JWRawPoint>& points, std::size_t least) {
+        scratch_ = points;
+        if (!editor_.edit(scratch_) || scratch_.size() < least) return false;
+        if (!allFinite(scratch_)) {
+            overflowed_ = true;
+            return false;
+        }
+        points.swap(scratch_);
+        return true;
+    }
+
     Editor editor_;
     std::size_t minimumRing_;
+    bool overflowed_ = false;
     std::vector<JWRawPoint> scratch_;
 };
 
@@ -93,14 +113,16 @@ inline bool hasLines(const JWGeometry& geometry) {
 template <class Editor, class Refused>
 void editFeatures(JWFeatureClass& features, const LineWalk<Editor>& model, int threads,
                   JWLayerReport& report, const Refused& refused) {
-    enum Outcome : char { kDone, kEmpty, kOtherKind, kNotFinite };
+    enum Outcome : char { kDone, kEmpty, kOtherKind, kNotFinite, kOverflow };
     const int count = features.getFeatureCount();
     std::vector<Outcome> outcomes(static_cast<std::size_t>(count), kDone);
     const auto editOne = [&](LineWalk<Editor>& walk, JWFeature& feature) {
         JWGeometry* geometry = feature.getGeometryPtr();
         if (geometry == nullptr || geometry->isEmpty()) return kEmpty;
-        if (hasLines(*geometry) && !isFinite(*geometry)) return kNotFinite;
+        const bool isSound = !hasLines(*geometry) || isFinite(*geometry);
         walk.edit(*geometry);
+        if (!isSound) return kNotFinite;
+        if (walk.takeOverflow()) return kOverflow;
         if (hasLines(*geometry) || geometry->getGeometryType() == JWGeometryPoint) return kDone;
         refused(*geometry);
         return kOtherKind;
@@ -128,6 +150,7 @@ void editFeatures(JWFeatureClass& features, const LineWalk<Editor>& model, int t
         if (outcome == kNotFinite) {
             reject(report, *features.getFeatureAt(i), "a coordinate is not finite");
         }
+        if (outcome == kOverflow) reject(report, *features.getFeatureAt(i), kBeyondNumbers);
     }
     keepLastRejected(report);
 }

@@ -97,6 +97,7 @@ struct LineForms {
                 return [own](const JWFeature& feature, MapResults& results) {
                     std::unique_ptr<JWGeometry> geometry(feature.getGeometryPtr()->clone());
                     own->edit(*geometry);
+                    if (own->takeOverflow()) return results.reject(kBeyondNumbers);
                     results.add(std::move(geometry));
                 };
             };

@@ -10,6 +10,9 @@
 
 namespace jws::detail {
 
+/// Why a feature is missing whose result would have an infinite coordinate or NaN.
+inline constexpr const char* kBeyondNumbers = "a coordinate grows beyond all numbers";
+
 /// Kinds of geometry, to be joined with `|`; a multi-type goes with its single type.
 enum GeometryKind : unsigned { PointKind = 1, LineKind = 2, AreaKind = 4, BagKind = 8 };
 constexpr unsigned AnyKind = PointKind | LineKind | AreaKind | BagKind;

@@ -264,6 +264,17 @@ TEST(AnalysisLayers, CoordinatesThatGrowBeyondNumbersAreRejected) {
         1, JWGeometryTransform::transformLayer(input.get(), output.get(), matrix, 0, 1, &report));
     EXPECT_EQ(1u, report.rejected.size());
     EXPECT_EQ("POINT (1e+10 0)|near", contentOf(*output)[0]);
+
+    const LayerPtr lines =
+        layerOf("in", {{-1, "LINESTRING(-1e308 0,1e308 0,-1e308 1,1e308 1)", "far"},
+                       {-1, "LINESTRING(0 0,1 0,0 1,1 1)", "near"}});
+    const LayerPtr smooth = emptyLayer("out");
+    JWSmoothOptions options;
+    options.method = JWSmoothDistanceWeighting;
+    options.lookAhead = 3;
+    EXPECT_EQ(1, JWGeometrySmooth::smoothLayer(lines.get(), smooth.get(), options, &report));
+    ASSERT_EQ(1u, report.rejected.size());
+    EXPECT_EQ("a coordinate grows beyond all numbers", report.rejected[0].reason);
 }
 
 }  // namespace

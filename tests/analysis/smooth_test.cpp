@@ -95,12 +95,14 @@ TEST(Smooth, SmallCases) {
         {sliding(1, 1), z, nullptr},
         {sliding(1, -3), z, nullptr},
         {sliding(1, 3), roof, nullptr},
+        {sliding(1, 3), "LINESTRING (-1e+308 0, 1e+308 1, -1e+308 2, 1e+308 3)", nullptr},
         {weighting(1, 3), z, "LINESTRING (0 0, 1 0, 2 1, 3 0, 4 0)"},
         // The neighbours are 1 and √18 away: 4/(√18 + 1) and 3/(√18 + 1).
         {weighting(1, 3), "LINESTRING (0 0, 1 0, 4 3)",
          "LINESTRING (0 0, 0.762974279322 0.572230709492, 4 3)"},
         {weighting(1, 3), "LINESTRING (1 1, 1 1, 1 1)", nullptr},
         {weighting(1, 5), roof, nullptr},
+        {weighting(9, 3), "LINESTRING (0 0, 1e+308 0, 0 1, 1e+308 3)", nullptr},
         {weighting(1, -1), z, nullptr},
         {chaiken(100), roof, "LINESTRING (0 0, 3 1, 4 0, 4 0)"},
         {chaiken(2), roof, "LINESTRING (0 0, 0.9375 0.8125, 1.75 1.25, 3 1, 4 0, 4 0)"},
@@ -249,9 +251,29 @@ TEST(SmoothKinds, OptionsDropRepeatedPointsAndCountFeatures) {
     options.method = JWSmoothChaiken;
     options.tolerance = 100;
     options.dropRepeated = true;
-    auto line = fromWkt("LINESTRING (0 0, 2 2, 4 0)");
-    EXPECT_TRUE(Smooth::geometrySmooth(line.get(), options));
-    EXPECT_EQ(toWkt(*line), "LINESTRING (0 0, 3 1, 4 0)");
+    options.step = options.tangentScale = 100;
+    options.degree = 5;
+    options.points = 1;
+    const struct {
+        enumJWSmoothMethod method;
+        const char* line;
+        const char* expected;  ///< null: unchanged, for it would come down to a point
+    } rows[] = {
+        {JWSmoothChaiken, "LINESTRING (0 0, 2 2, 4 0)", "LINESTRING (0 0, 3 1, 4 0)"},
+        {JWSmoothChaiken, "LINESTRING (1 1, 1 1, 1 1)", nullptr},
+        {JWSmoothHermite, "LINESTRING (0 0, 4 0, 4 4, 0 0)", nullptr},
+        {JWSmoothBezier, "LINESTRING (0 0, 4 0, 4 4, 0 0)", nullptr},
+        {JWSmoothBezier, "MULTILINESTRING ((1 1, 1 1), (0 0, 4 0, 4 4))",
+         "MULTILINESTRING ((1 1, 1 1), (0 0, 4 4))"},
+    };
+    for (const auto& row : rows) {
+        options.method = row.method;
+        auto line = fromWkt(row.line);
+        const bool isMulti = line->getGeometryType() == JWGeometryMultiLineString;
+        EXPECT_EQ(Smooth::geometrySmooth(line.get(), options), isMulti || row.expected != nullptr);
+        EXPECT_EQ(toWkt(*line), row.expected != nullptr ? row.expected : row.line);
+    }
+    options.method = JWSmoothChaiken;
     JWFeatureClass features;
     for (const char* text : {"LINESTRING (0 0, 2 2, 4 0)", "MULTIPOINT (1 1)", "POLYGON EMPTY"}) {
         auto* feature = new JWFeature;
