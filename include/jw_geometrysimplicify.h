@@ -152,7 +152,8 @@ class JW_API JWGeometrySimplicify {
     /// Same with any method and number of threads, without messages.
     /// \param report  may be null; receives features read, empty, written (those whose geometry
     ///     could be simplified, points included) and the rejected ones: other kinds of geometry,
-    ///     and lines with a coordinate that is not finite. They stay as they are.
+    ///     which stay, and those with a line that has a coordinate that is not finite: that line
+    ///     stays, the others of the feature are simplified
     /// \return false for null, parameters out of range, and when memory is short
     static bool simplifyFeatures(JWFeatureClass* features, const JWSimplifyOptions& options,
                                  JWLayerReport* report = nullptr);

@@ -421,8 +421,12 @@ TEST(SimplifyKinds, ThreadsGiveTheSameResult) {
 
 TEST(SimplifyKinds, OtherKindsAreRefusedAndCounted) {
     JWFeatureClass features;
-    const char* texts[] = {"POINT (1 1)", "MULTIPOINT (1 1)", "LINESTRING (0 0, 1 0, 2 0, 3 0)",
-                           "POLYGON EMPTY", "LINESTRING (0 0, 1 1, 2 2, 3 3)"};
+    const char* texts[] = {"POINT (1 1)",
+                           "MULTIPOINT (1 1)",
+                           "LINESTRING (0 0, 1 0, 2 0, 3 0)",
+                           "POLYGON EMPTY",
+                           "LINESTRING (0 0, 1 1, 2 2, 3 3)",
+                           "MULTILINESTRING ((0 0, 1 0, 2 0, 3 0), (5 5, 6 6, 7 7, 8 8))"};
     for (const char* text : texts) {
         auto* feature = new JWFeature;
         feature->setFID(features.getFeatureCount());
@@ -431,14 +435,19 @@ TEST(SimplifyKinds, OtherKindsAreRefusedAndCounted) {
     }
     static_cast<JWLineString*>(features.getFeatureAt(4)->getGeometryPtr())->getPointList()[1].x =
         kNaN;
+    auto& lines = static_cast<JWMultiLineString&>(*features.getFeatureAt(5)->getGeometryPtr());
+    lines.getMemberList()[0].getPointList()[1].x = kNaN;
     JWLayerReport report;
     EXPECT_TRUE(Simplify::simplifyFeatures(&features, options(kDp, 1), &report));
-    EXPECT_EQ(report.readA, 5);
+    EXPECT_EQ(report.readA, 6);
     EXPECT_EQ(report.emptyA, 1);
     EXPECT_EQ(report.written, 2);
-    ASSERT_EQ(report.rejected.size(), 2u);
+    ASSERT_EQ(report.rejected.size(), 3u);
     EXPECT_EQ(report.rejected[0].fid, 1);
     EXPECT_EQ(report.rejected[1].fid, 4);
+    EXPECT_EQ(report.rejected[2].fid, 5);
+    EXPECT_EQ(lines.getMemberList()[0].getPointCount(), 4);
+    EXPECT_EQ(toWkt(lines.getMemberList()[1]), "LINESTRING (5 5, 8 8)");
     testing::internal::CaptureStderr();
     EXPECT_FALSE(Simplify::geometrySimplicify(features.getFeatureAt(1)->getGeometryPtr(), 1));
     EXPECT_TRUE(Simplify::geometrySimplicify(features.getFeatureAt(0)->getGeometryPtr(), 1));
