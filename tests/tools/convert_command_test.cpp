@@ -15,6 +15,19 @@ class ConvertCommands : public ProgramTest {
         write("degrees.geojson", geoJson({{0, 0, 2, 2, "left"}, {2, 0, 4, 2, "right"}}));
         write("road.geojson", geoJsonFeature("LineString", "[[0,5],[9,5]]"));
         write("stop.geojson", geoJsonFeature("Point", "[1,3]"));
+        const std::string road = geoJsonFeature("LineString", "[[0,5],[9,5]]"),
+                          roads =
+                              geoJsonFeature("MultiLineString", "[[[0,6],[9,6]],[[0,7],[9,7]]]"),
+                          stops = geoJsonFeature("MultiPoint", "[[1,3],[2,4]]");
+        write("roads.geojson", collection(road + "," + roads));
+        write("mixed.geojson", collection(road + "," + stops));
+        write("stops.geojson", stops);
+        write("empty.geojson", collection(""));
+        write("nowhere.geojson",
+              collection(R"({"type":"Feature","properties":{"name":"x"},"geometry":null})"));
+    }
+    static std::string collection(const std::string& features) {
+        return R"({"type":"FeatureCollection","features":[)" + features + "]}";
     }
 };
 
@@ -53,6 +66,11 @@ TEST_F(ConvertCommands, EachGivesItsResult) {
          1,
          "Line String",
          {"RingFid", "PointFid", "ShortestLength"},
+         "degrees"},
+        {{"nearest", "roads.geojson", "roads.geojson"},  // of no declared type; one for each line
+         3,
+         "Line String",
+         {"FLineFid", "TLineFid", "ShortestLength"},
          "degrees"},
         {{"nearest", "a.geojson", "a.geojson", "--true", "--others"},
          2,
@@ -102,6 +120,30 @@ TEST_F(ConvertCommands, WhatDoesNotGoTogetherIsRefused) {
         EXPECT_FALSE(exists("out.gpkg"));
     }
     EXPECT_EQ(7, run({"nearest", "stop.geojson", "a.geojson", "out.gpkg"}).status);
+}
+
+TEST_F(ConvertCommands, NearestTellsWhatItDoesNotTake) {
+    const struct {
+        const char *source, *target, *text;
+    } rows[] = {
+        {"mixed.geojson", "road.geojson",
+         "mixed holds geometries of several kinds; --true takes any"},
+        {"road.geojson", "mixed.geojson",
+         "mixed holds geometries of several kinds; --true takes any"},
+        {"stops.geojson", "road.geojson",
+         "multi-point geometries, not points or lines; --true takes"},
+        {"road.geojson", "stops.geojson", "multi-point geometries, not points, lines or polygons;"},
+        {"empty.geojson", "road.geojson", "empty: has no features with a geometry"},
+        {"road.geojson", "empty.geojson", "empty: has no features with a geometry"},
+        {"nowhere.geojson", "nowhere.geojson", "nowhere: has no features with a geometry"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.source) + " " + row.target);
+        const Outcome outcome = run({"nearest", row.source, row.target, "out.gpkg"});
+        EXPECT_EQ(2, outcome.status);
+        EXPECT_NE(std::string::npos, outcome.err.find(row.text)) << outcome.err;
+        EXPECT_FALSE(exists("out.gpkg"));
+    }
 }
 
 }  // namespace

@@ -74,18 +74,7 @@ void InputLayer::keep(JWFeatureClass& features) {
     m_source = std::move(memory);
 }
 
-enumJWWKBGeometryType InputLayer::kind() const {
-    switch (m_layer->getGeometryType()) {
-        case JWWKBMultiPoint:
-            return JWWKBPoint;
-        case JWWKBMultiLineString:
-            return JWWKBLineString;
-        case JWWKBMultiPolygon:
-            return JWWKBPolygon;
-        default:
-            return m_layer->getGeometryType();
-    }
-}
+enumJWWKBGeometryType InputLayer::kind() const { return singleType(m_layer->getGeometryType()); }
 
 void InputLayer::require(std::initializer_list<enumJWWKBGeometryType> kinds,
                          const char* needed) const {
@@ -114,6 +103,19 @@ void requireSameReference(const InputLayer& a, const InputLayer& b) {
     };
     throw CommandFailure(ExitReferencesDiffer,
                          tell(a) + ", but " + tell(b) + "; both must have the same");
+}
+
+enumJWWKBGeometryType singleType(enumJWWKBGeometryType type) {
+    switch (type) {
+        case JWWKBMultiPoint:
+            return JWWKBPoint;
+        case JWWKBMultiLineString:
+            return JWWKBLineString;
+        case JWWKBMultiPolygon:
+            return JWWKBPolygon;
+        default:
+            return type;
+    }
 }
 
 std::string describe(const JWSpatialReference* reference) {

@@ -51,6 +51,8 @@ class InputLayer {
 /// neither has one.
 void requireSameReference(const InputLayer& a, const InputLayer& b);
 
+/// The single type of a multi-type; any other as it is.
+enumJWWKBGeometryType singleType(enumJWWKBGeometryType type);
 /// A spatial reference for people; empty for a missing one.
 std::string describe(const JWSpatialReference* reference);
 /// The unit of areas under a spatial reference: "square degrees", "square metres", "square units".

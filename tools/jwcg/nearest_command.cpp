@@ -8,6 +8,7 @@
 #include "commands.h"
 #include "jw_geometrynearest.h"
 #include "layer_job.h"
+#include "signals.h"
 
 namespace jws::cli {
 namespace {
@@ -30,18 +31,50 @@ void setupNearest(CLI::App& app, Settings& settings) {
     addThreadOptions(app, settings);
 }
 
-/// The operation for the kinds of two layers; throws CommandFailure when there is none.
-enumJWShortestOperation operationFor(const Settings& settings, const InputLayer& source,
-                                     const InputLayer& target) {
-    const auto refuse = [](const InputLayer& layer, const char* needed) {
-        return CommandFailure(ExitUsage, layer.path() + ": layer " + layer.layerName() +
-                                             " holds other geometries than " + needed +
-                                             "; --true takes any");
+CommandFailure refusal(const InputLayer& layer, const std::string& what) {
+    return CommandFailure(ExitUsage, layer.path() + ": layer " + layer.layerName() + " holds " +
+                                         what + "; --true takes any");
+}
+
+/// The kind of geometry that the established search finds in a layer: as declared or, where no type
+/// is, that of all features. Multi-points are a kind of their own. A layer without geometries has
+/// no kind. Throws CommandFailure when there are several.
+enumJWWKBGeometryType kindOf(InputLayer& input) {
+    const auto kindOfType = [](enumJWWKBGeometryType type) {
+        return type == JWWKBMultiPoint ? type : singleType(type);
     };
-    const bool fromLines = source.kind() == JWWKBLineString;
-    if (!fromLines && source.kind() != JWWKBPoint) throw refuse(source, "points or lines");
-    switch (target.kind()) {
+    enumJWWKBGeometryType kind = kindOfType(input.layer().getGeometryType());
+    if (kind != JWWKBUnknown) return kind;
+    kind = JWWKBNone;
+    JWReport::clearError();
+    std::shared_ptr<const JWFeature> feature;
+    for (std::int64_t i = 0; input.layer().getNextSharedFeature(i, feature); ++i) {
+        if (interruptRequested())
+            throw CommandFailure(ExitInterrupted, "interrupted; nothing was written");
+        if (feature->isGeometryEmpty()) continue;
+        const auto found = kindOfType(feature->getGeometryPtr()->getGeometryWKBType());
+        if (kind == JWWKBNone) kind = found;
+        if (kind != found) throw refusal(input, "geometries of several kinds");
+    }
+    if (JWReport::lastError().kind != JWErrorNone) throw libraryFailure(input.path());
+    return kind;
+}
+
+/// The operation for the kinds of two layers; throws CommandFailure when there is none. For a layer
+/// without geometries any will do: the library says what is amiss.
+enumJWShortestOperation operationFor(const Settings& settings, InputLayer& source,
+                                     InputLayer& target) {
+    const auto refuse = [](const InputLayer& layer, enumJWWKBGeometryType kind,
+                           const char* needed) {
+        return refusal(layer, std::string(geometryTypeName(kind)) + " geometries, not " + needed);
+    };
+    const enumJWWKBGeometryType from = kindOf(source), to = kindOf(target);
+    const bool fromLines = from == JWWKBLineString;
+    if (!fromLines && from != JWWKBPoint && from != JWWKBNone)
+        throw refuse(source, from, "points or lines");
+    switch (to) {
         case JWWKBPoint:
+        case JWWKBNone:
             return fromLines ? JWShortestLinesToPoints : JWShortestPointsToPoints;
         case JWWKBLineString:
             return fromLines ? JWShortestLinesToLines : JWShortestPointsToLines;
@@ -50,7 +83,7 @@ enumJWShortestOperation operationFor(const Settings& settings, const InputLayer&
                 return fromLines ? JWShortestLinesToRings : JWShortestPointsToRings;
             return fromLines ? JWShortestLinesToPolygons : JWShortestPointsToPolygons;
         default:
-            throw refuse(target, "points, lines or polygons");
+            throw refuse(target, to, "points, lines or polygons");
     }
 }
 
