@@ -102,7 +102,8 @@ class JW_API JWGeometryMinimumBounding {
     static bool multiPolygonEnvelop(const JWMultiPolygon* polygons, JWEnvelop* envelop);
     static bool multiPointEnvelop(const JWMultiPoint* points, JWEnvelop* envelop);
     static bool geometryEnvelop(const JWGeometry* geometry, JWEnvelop* envelop);
-    /// Writes the envelope of each feature, counter-clockwise from the lower left; it may be flat.
+    /// Writes the envelope of each feature: five points, counter-clockwise from the lower left; it
+    /// may be flat.
     static bool featureClassEnvelop(JWFeatureClass* input, JWFeatureClass* output,
                                     JWLayerReport* report = nullptr);
     /// @}
@@ -185,6 +186,7 @@ class JW_API JWGeometryMinimumBounding {
     /// The ring is replaced: five points, counter-clockwise, closed; its first side is along an
     /// edge of the hull, the first such edge on a tie. Every point lies in it to 1e-12 of its size,
     /// besides the rounding of the coordinates as such. Points on one line give a flat rectangle.
+    /// False also where a corner would lie beyond all numbers.
     static bool pointsMinimumAreaRect(const std::vector<JWRawPoint>& points, int n,
                                       JWRing* rectangle);
     static bool pointsMinimumAreaRect(const std::vector<JWRawPoint*>& points, int n,
@@ -229,7 +231,9 @@ class JW_API JWGeometryMinimumBounding {
     /// is the same, bit for bit, for any number of threads and any block size. Memory holds one
     /// block.
     /// \param report  may be null; receives features read, empty, written and the rejected ones
-    ///     (another kind of geometry, a coordinate that is not finite, too few distinct points)
+    ///     (another kind of geometry, a coordinate that is not finite, too few distinct points, and
+    ///     for a hull, which needs no fourth point here, points on one line); the layer as a whole
+    ///     is rejected under the identifier −1
     /// \return the number of features written; −1 with the last error set, and nothing written,
     ///     for null, options that contradict each other, a failed read or write, and when the
     ///     progress callback stopped it; −3 when the output has fields already

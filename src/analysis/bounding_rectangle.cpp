@@ -14,9 +14,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "analysis/hull.h"
 #include "foundation/segment_math.h"
+#include "foundation/vertex_lists.h"
 
 namespace jws::detail {
 
@@ -36,6 +38,18 @@ struct Strip {
     }
 };
 
+/// The unit vector along an edge; zero for an edge of no length.
+JWRawPoint directionOf(JWRawPoint edge) {
+    double size = length(edge);
+    if (size < 1e-150) {  // the squares vanish or have lost digits
+        const double most = std::max(std::fabs(edge.x), std::fabs(edge.y));
+        if (most == 0) return JWRawPoint(0, 0);
+        edge.set(edge.x / most, edge.y / most);
+        size = length(edge);
+    }
+    return JWRawPoint(edge.x / size, edge.y / size);
+}
+
 /// Measures that differ by less are taken for equal, so that ties do not depend on rounding.
 constexpr double kTie = 1e-14;
 
@@ -53,10 +67,11 @@ class Calipers {
     explicit Calipers(const std::vector<JWRawPoint>& hull)
         : hull_(hull), n_(hull.size() - 1), ahead_(1), across_(1), back_(1) {}
 
-    Strip onEdge(std::size_t i) {
+    /// None on an edge whose ends rounding made one.
+    std::optional<Strip> onEdge(std::size_t i) {
         const JWRawPoint& a = hull_[i];
-        const JWRawPoint edge = difference(hull_[i + 1], a);
-        const JWRawPoint u(edge.x / length(edge), edge.y / length(edge));
+        const JWRawPoint u = directionOf(difference(hull_[i + 1], a));
+        if (u == JWRawPoint(0, 0)) return std::nullopt;
         const auto along = [&](std::size_t k) { return dot(u, step(k)) > 0; };
         const auto rising = [&](std::size_t k) { return cross(u, step(k)) > 0; };
         const auto backwards = [&](std::size_t k) { return dot(u, step(k)) < 0; };
@@ -64,9 +79,9 @@ class Calipers {
         ahead_ = advance(std::max(ahead_, i + 1), i, along);
         across_ = advance(std::max(across_, ahead_), i, rising);
         back_ = advance(std::max(back_, across_), i, backwards);
-        return {a, u, std::min(0.0, dot(u, difference(at(back_), a))),
-                dot(u, difference(at(ahead_), a)),
-                std::max(0.0, cross(u, difference(at(across_), a)))};
+        return Strip{a, u, std::min(0.0, dot(u, difference(at(back_), a))),
+                     dot(u, difference(at(ahead_), a)),
+                     std::max(0.0, cross(u, difference(at(across_), a)))};
     }
 
   private:
@@ -94,15 +109,21 @@ std::vector<JWRawPoint> boundingRectangle(const PointRuns& points, RectangleMeas
         p.set(p.x * scale - origin.x * scale, p.y * scale - origin.y * scale);
     }
     Calipers calipers(hull);
-    Strip best = calipers.onEdge(0);
-    for (std::size_t i = 1; i + 1 < hull.size(); ++i) {
-        const Strip strip = calipers.onEdge(i);
-        if (better(strip, best, measure)) best = strip;
+    std::optional<Strip> best;
+    for (std::size_t i = 0; i + 1 < hull.size(); ++i) {
+        const std::optional<Strip> strip = calipers.onEdge(i);
+        if (strip && (!best || better(*strip, *best, measure))) best = strip;
     }
-    std::vector<JWRawPoint> corners = {
-        best.corner(best.back, 0), best.corner(best.ahead, 0), best.corner(best.ahead, best.across),
-        best.corner(best.back, best.across), best.corner(best.back, 0)};
-    for (JWRawPoint& p : corners) p.set(origin.x + p.x / scale, origin.y + p.y / scale);
+    if (!best) return {};
+    std::vector<JWRawPoint> corners = {best->corner(best->back, 0), best->corner(best->ahead, 0),
+                                       best->corner(best->ahead, best->across),
+                                       best->corner(best->back, best->across),
+                                       best->corner(best->back, 0)};
+    // Added before they are scaled back: a corner may be in range where its offset is not.
+    for (JWRawPoint& p : corners) {
+        p.set((origin.x * scale + p.x) / scale, (origin.y * scale + p.y) / scale);
+    }
+    if (!areFinite(corners.data(), corners.size())) return {};
     return corners;
 }
 

@@ -12,8 +12,8 @@ namespace jws::detail {
 enum class RectangleMeasure { kArea, kWidth };
 
 /// The corners of the smallest rectangle, counter-clockwise, closed: five points. Points on one
-/// line give a flat one. Empty for fewer than two distinct points and when a coordinate is not
-/// finite.
+/// line give a flat one. Empty for fewer than two distinct points and when a coordinate, or one of
+/// a corner, is not finite.
 std::vector<JWRawPoint> boundingRectangle(const PointRuns& points, RectangleMeasure measure);
 
 }  // namespace jws::detail

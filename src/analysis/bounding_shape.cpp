@@ -8,6 +8,7 @@
 #include "analysis/bounding_rectangle.h"
 #include "analysis/hull.h"
 #include "analysis/minimum_circle.h"
+#include "foundation/vertex_lists.h"
 
 namespace jws::detail {
 namespace {
@@ -101,10 +102,21 @@ bool hullPolygon(const PointRuns& points, JWRing* ring, BoundingMeasures*) {
     return hullForm(points, ring) && ring->getPointCount() >= 4;
 }
 
+bool anyHullPolygon(const PointRuns& points, JWRing* ring, BoundingMeasures*) {
+    std::vector<JWRawPoint> hull = convexHull(points);
+    return hull.size() >= 4 && replaceRing(std::move(hull), ring);
+}
+
 bool envelopPolygon(const PointRuns& points, JWRing* ring, BoundingMeasures*) {
     JWEnvelop e;
-    if (!envelopForm(points, &e)) return false;
-    return replaceRing({e.bottom_left(), e.bottom_right(), e.top_right(), e.top_left()}, ring);
+    bool isSound = true;
+    points.forEachRun([&](const JWRawPoint* begin, const JWRawPoint* end) {
+        isSound = isSound && areFinite(begin, static_cast<std::size_t>(end - begin));
+    });
+    if (!isSound || !envelopForm(points, &e)) return false;
+    // The first corner is said again: a flat list counts as closed already.
+    return replaceRing(
+        {e.bottom_left(), e.bottom_right(), e.top_right(), e.top_left(), e.bottom_left()}, ring);
 }
 
 bool minimumCirclePolygon(const PointRuns& points, JWRing* ring, BoundingMeasures* measures) {

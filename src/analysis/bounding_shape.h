@@ -29,9 +29,12 @@ struct BoundingMeasures {
 /// rectangles.
 using BoundingShape = bool (*)(const PointRuns& points, JWRing* ring, BoundingMeasures* measures);
 
-/// False also for points on one line, whose hull has no area.
+/// False also for points on one line, whose hull has no area, and for fewer than 4 points.
 bool hullPolygon(const PointRuns& points, JWRing* ring, BoundingMeasures* measures);
-/// Counter-clockwise from the lower left.
+/// The same for any number of points.
+bool anyHullPolygon(const PointRuns& points, JWRing* ring, BoundingMeasures* measures);
+/// Five points, counter-clockwise from the lower left. False also for a coordinate that is not
+/// finite.
 bool envelopPolygon(const PointRuns& points, JWRing* ring, BoundingMeasures* measures);
 bool minimumCirclePolygon(const PointRuns& points, JWRing* ring, BoundingMeasures* measures);
 bool boundingBallPolygon(const PointRuns& points, JWRing* ring, BoundingMeasures* measures);

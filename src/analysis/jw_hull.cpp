@@ -4,7 +4,6 @@
 #include "analysis/hull.h"
 #include "analysis/point_runs.h"
 #include "foundation/api_guard.h"
-#include "foundation/orientation.h"
 
 namespace jws {
 
@@ -12,22 +11,15 @@ using namespace detail;
 
 namespace {
 
-bool onOneLine(const PointRuns& points) {
-    JWRawPoint p[3];
-    int n = 0;
-    points.forEach([&](const JWRawPoint& q) { p[n++] = q; });
-    return orientationSign(p[0], p[1], p[2]) == 0;
-}
-
 /// The one body of all forms.
 template <class Vector>
 bool hullOf(const char* function, const Vector* points, int n, JWRing* ring) {
     if (points == nullptr || n < 3 || ring == nullptr) return false;
     return guarded(function, false, [&] {
         const PointRuns runs(*points, n);
-        if (runs.count() == 0 || (n == 3 && onOneLine(runs))) return false;
         std::vector<JWRawPoint> hull = convexHull(runs);
-        if (hull.empty()) return false;
+        // Three points must form a triangle; more may lie on one line.
+        if (hull.empty() || (n == 3 && hull.size() < 4)) return false;
         *ring = JWRing(std::move(hull));
         return true;
     });

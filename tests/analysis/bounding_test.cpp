@@ -66,6 +66,11 @@ TEST(Hull, SmallCases) {
     const HullRow rows[] = {
         {"LINESTRING (0 0, 1 0, 0 1)", "LINEARRING (0 0, 1 0, 0 1, 0 0)", "false"},
         {"LINESTRING (0 0, 1 1, 2 2)", "false", "false"},
+        {"LINESTRING (0 0, 1e-200 0, 0 1e-200)", "LINEARRING (0 0, 1e-200 0, 0 1e-200, 0 0)",
+         "false"},
+        {"LINESTRING (-1e308 0, 1e308 0, 0 1e308)",
+         "LINEARRING (-1e+308 0, 1e+308 0, 0 1e+308, -1e+308 0)", "false"},
+        {"LINESTRING (0 0, 1e-200 1e-200, 3e-200 3e-200)", "false", "false"},
         {"LINESTRING (0 0, 1 1)", "false", "false"},
         {"LINESTRING (0 0, 1 1, 2 2, 3 3)", "LINEARRING (0 0, 3 3, 0 0)", nullptr},
         {"LINESTRING (1 1, 1 1, 1 1, 1 1)", "LINEARRING (1 1, 1 1)", nullptr},
@@ -286,6 +291,14 @@ TEST(Rectangles, SmallCases) {
         {"LINESTRING (2 5, 2 1)", "LINEARRING (2 1, 2 5, 2 5, 2 1, 2 1)"},
         {"LINESTRING (0 0, 1 1, 3 3)", nullptr},  // flat: measured below
         {"LINESTRING (1 1, 1 1)", "false"},
+        // The square of the first edge's length vanishes.
+        {"LINESTRING (0 0, 1e-200 -1e-200, 1 0, 1 1, 0 1)",
+         "LINEARRING (0 -1e-200, 1 0, 1 1, -1e-200 1, 0 -1e-200)"},
+        {"LINESTRING (-1e308 -1e308, 1e308 -1e308, 1e308 1e308, -1e308 1e308)",
+         "LINEARRING (-1e+308 -1e+308, 1e+308 -1e+308, 1e+308 1e+308, -1e+308 1e+308, "
+         "-1e+308 -1e+308)"},
+        // Two corners lie beyond all numbers.
+        {"LINESTRING (-1e308 0, 0 -1.7e308, 1e308 1.7e308)", "false"},
         // Edges 0 and 2 both allow width 4; the area 24 of edge 0 is the smaller.
         {"LINESTRING (0 0, 6 0, 6 4, 3 4)", "LINEARRING (0 0, 6 0, 6 4, 0 4, 0 0)"},
     };
@@ -473,14 +486,17 @@ TEST(BoundingForms, FeatureClassesKeepAttributesAndCountTheRest) {
     fields->addField(JWField("name", JWFieldString));
     JWFeatureClass input, output;
     const char* geometries[] = {"LINESTRING (0 0, 4 0, 4 4, 1 3)", "LINESTRING (0 0, 4 0)",
-                                "POINT (1 1)", "LINESTRING EMPTY"};
-    for (int i = 0; i < 4; ++i) {
+                                "POINT (1 1)", "LINESTRING EMPTY",
+                                "LINESTRING (0 0, 4 0, 4 4, 1 3)"};
+    for (int i = 0; i < 5; ++i) {
         auto* feature = new JWFeature(fields);
         feature->setFID(10 * i);
         feature->setFieldValue(0, ("f" + std::to_string(i)).c_str());
         feature->setGeometryDirectly(fromWkt(geometries[i]).release());
         input.addFeature(feature);
     }
+    auto* last = static_cast<JWLineString*>(input.getFeatureAt(4)->getGeometryPtr());
+    last->getPointList()[2].x = kInf;
     const std::pair<decltype(&Bounding::featureClassContexHull), int> forms[] = {
         {Bounding::featureClassContexHull, 1},       {Bounding::featureClassEnvelop, 2},
         {Bounding::featureClassMinimumCircle, 2},    {Bounding::featureClassMinimumAreaRect, 2},
@@ -490,11 +506,12 @@ TEST(BoundingForms, FeatureClassesKeepAttributesAndCountTheRest) {
         JWLayerReport report;
         output.clearAll();
         ASSERT_TRUE(form(&input, &output, &report));
-        EXPECT_EQ(report.readA, 4);
+        EXPECT_EQ(report.readA, 5);
         EXPECT_EQ(report.emptyA, 1);
         EXPECT_EQ(report.written, written);
-        EXPECT_EQ(static_cast<int>(report.rejected.size()), 3 - written);
-        EXPECT_EQ(report.rejected.back().fid, 20);
+        ASSERT_EQ(static_cast<int>(report.rejected.size()), 4 - written);
+        EXPECT_EQ(report.rejected[report.rejected.size() - 2].fid, 20);
+        EXPECT_EQ(report.rejected.back().fid, 40);
         ASSERT_EQ(output.getFeatureCount(), written);
         EXPECT_EQ(output.getGeometryType(), JWWKBPolygon);
         const JWFeature* last = output.getFeatureAt(written - 1);
