@@ -16,17 +16,21 @@ namespace jws::detail {
 namespace {
 
 constexpr unsigned kKinds = PointKind | LineKind | AreaKind;
-constexpr const char* kNoShape = "it has too few distinct points for a bounding geometry";
 
 /// What is particular to a kind: its shape, and the names of its measures.
 struct Family {
     BoundingShape shape;
     const char* measures[3];
 
-    /// False where there is none, or only a circle without radius.
-    bool make(const PointRuns& points, JWRing& ring, BoundingMeasures& found) const {
+    /// Null, or why there is none; a circle without radius does not count.
+    const char* make(const PointRuns& points, JWRing& ring, BoundingMeasures& found) const {
+        constexpr const char* tooFew = "it has too few distinct points for a bounding geometry";
         const bool isCircle = shape == minimumCirclePolygon || shape == boundingBallPolygon;
-        return shape(points, &ring, &found) && !(isCircle && found.values[2] == 0);
+        if (shape(points, &ring, &found)) {
+            return isCircle && found.values[2] == 0 ? tooFew : nullptr;
+        }
+        if (convexHull(points).size() < 3) return tooFew;  // one place, and that again
+        return shape == anyHullPolygon ? "its points lie on one line" : kBeyondNumbers;
     }
 };
 
@@ -38,7 +42,7 @@ struct Family {
 Family familyOf(const JWBoundingOptions& options) {
     switch (options.kind) {
         case JWBoundingHull:
-            return {hullPolygon, {}};
+            return {anyHullPolygon, {}};
         case JWBoundingEnvelop:
             return {envelopPolygon, {}};
         case JWBoundingMinimumCircle:
@@ -80,8 +84,9 @@ void setUpFeatures(const JWBoundingOptions& options, LayerMapJob& job) {
     job.map = [family, fields](const JWFeature& feature, MapResults& results) {
         JWRing ring;
         BoundingMeasures measures;
-        if (!family.make(PointRuns(feature.getGeometryPtr()), ring, measures)) {
-            return results.reject(kNoShape);
+        const PointRuns points(feature.getGeometryPtr());
+        if (const char* reason = family.make(points, ring, measures)) {
+            return results.reject(reason);
         }
         results.add(std::make_unique<JWPolygon>(std::move(ring)));
         fields.fill(measures, results);
@@ -185,8 +190,8 @@ std::int64_t WholeLayer::write() {
     BoundingMeasures measures;
     if (m_gathered == 0) return 0;
     m_points.reduce();
-    if (!m_family.make(m_points.runs(), ring, measures)) {
-        reject(-1, "the layer has too few distinct points for a bounding geometry");
+    if (const char* reason = m_family.make(m_points.runs(), ring, measures)) {
+        reject(-1, std::string("the layer as a whole: ") + reason);
         return 0;
     }
     std::vector<PendingResult> made;

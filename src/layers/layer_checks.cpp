@@ -63,8 +63,9 @@ int checkOverlayLayers(const JWFeatureLayer* a, const JWFeatureLayer* b,
 void reportRejected(const std::vector<JWRejectedFeature>& rejected) {
     if (rejected.empty()) return JWReport::clearError();
     const JWRejectedFeature& first = rejected.front();
-    std::string text = (first.source.empty() ? "" : first.source + ", ") + "layer " + first.layer +
-                       ", feature " + std::to_string(first.fid) + ": " + first.reason;
+    std::string text = (first.source.empty() ? "" : first.source + ", ") + "layer " + first.layer;
+    if (first.fid >= 0) text += ", feature " + std::to_string(first.fid);
+    text += ": " + first.reason;
     if (rejected.size() > 1) text += "; and " + std::to_string(rejected.size() - 1) + " more";
     JWReport::setError(JWErrorFeatureRejected, text, first.fid);
 }

@@ -193,7 +193,8 @@ TEST(AnalysisLayers, PointsAreBoundTogether) {
     const struct {
         std::vector<Row> rows;
         enumJWBounding kind;
-        const char* geometry;  // null for none
+        const char* geometry;    // null for none
+        const char* error = "";  // the end of the last error
     } cases[] = {
         {{{-1, "POINT(0 0)", ""}, {-1, "POINT(4 0)", ""}, {-1, "POINT(0 3)", ""}},
          JWBoundingHull,
@@ -203,8 +204,19 @@ TEST(AnalysisLayers, PointsAreBoundTogether) {
          "POLYGON ((0 0, 4 0, 4 7, 0 7, 0 0))"},
         {{{-1, "POINT(1 1)", ""}, {-1, "POINT(2 2)", ""}, {-1, "POINT(3 3)", ""}},
          JWBoundingHull,
-         nullptr},
-        {{{-1, "POINT(1 1)", ""}, {-1, "POINT(1 1)", ""}}, JWBoundingMinimumCircle, nullptr},
+         nullptr,
+         "layer in: the layer as a whole: its points lie on one line"},
+        {{{-1, "POINT(1 1)", ""}, {-1, "POINT(1 1)", ""}},
+         JWBoundingMinimumCircle,
+         nullptr,
+         "it has too few distinct points for a bounding geometry"},
+        {{{-1, "MULTIPOINT(-1e308 0,0 -1.7e308,1e308 1.7e308)", ""}},
+         JWBoundingMinimumAreaRect,
+         nullptr,
+         "a coordinate grows beyond all numbers"},
+        {{{-1, "POINT(0 0)", ""}, {-1, "POINT(5 0)", ""}},
+         JWBoundingEnvelop,
+         "POLYGON ((0 0, 5 0, 5 0, 0 0, 0 0))"},
         {{}, JWBoundingHull, nullptr},
     };
     for (const auto& c : cases) {
@@ -212,6 +224,8 @@ TEST(AnalysisLayers, PointsAreBoundTogether) {
         const Outcome outcome = run(bound("all", c.kind, true), *input);
         EXPECT_EQ(c.geometry != nullptr ? 1 : 0, outcome.code);
         EXPECT_EQ(c.geometry == nullptr && !c.rows.empty(), !outcome.report.rejected.empty());
+        const std::string error = JWReport::lastError().text, expected = c.error;
+        EXPECT_EQ(expected, error.substr(error.size() - std::min(error.size(), expected.size())));
         if (outcome.code == 1) {
             EXPECT_EQ(c.geometry, geometryOf(outcome.content[0]));
         }

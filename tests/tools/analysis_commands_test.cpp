@@ -19,6 +19,7 @@ class AnalysisCommands : public ProgramTest {
         write("line.geojson",
               geoJsonFeature("LineString", "[[0,0],[1,0],[2,0.5],[3,0],[4,0],[4,1],[4,2]]"));
         write("points.geojson", geoJsonFeature("MultiPoint", "[[0,0],[4,0],[4,3],[0,3],[2,1]]"));
+        write("three.geojson", geoJsonFeature("MultiPoint", "[[0,0],[4,0],[0,3]]"));
         write("plan.points",
               "mapX,mapY,sourceX,sourceY,enable\n"
               "100,200,0,0,1\n102,200,1,0,1\n100,202,0,1,1\n102.4,202,1,1,1\n9,9,9,9,0\n");
@@ -41,6 +42,7 @@ TEST_F(AnalysisCommands, ResultsAndAttributes) {
         std::vector<std::string> fields;
     } rows[] = {
         {{"hull", "points.geojson"}, "POLYGON ((0 0,4 0,4 3,0 3,0 0))", 1, {"name"}},
+        {{"hull", "three.geojson"}, "POLYGON ((0 0,4 0,0 3,0 0))", 1, {"name"}},
         {{"hull", "boxes.geojson", "--all"},
          "POLYGON ((0 0,12 0,12 6,10 6,0 2,0 0))",
          1,
@@ -160,6 +162,9 @@ TEST_F(AnalysisCommands, SummariesSayWhatApplies) {
     const Outcome none = runInto({"hull", "point.geojson"});
     EXPECT_EQ(4, none.status);
     EXPECT_EQ(1, parse(none)["rejected"]["count"]);
+    const Outcome whole = run({"hull", "point.geojson", "whole.gpkg", "--all"});
+    EXPECT_EQ(4, whole.status);
+    EXPECT_NE(std::string::npos, whole.err.find("layer point: the layer as a whole")) << whole.err;
 }
 
 TEST_F(AnalysisCommands, ControlPointsTellTheirResiduals) {

@@ -33,10 +33,9 @@ Json layerAsJson(const LayerSummary& layer) {
 Json rejectedAsJson(const std::vector<JWRejectedFeature>& rejected) {
     Json list = Json::array();
     for (const JWRejectedFeature& feature : rejected) {
-        list.push_back({{"file", feature.source},
-                        {"layer", feature.layer},
-                        {"fid", feature.fid},
-                        {"reason", feature.reason}});
+        list.push_back(
+            {{"file", feature.source}, {"layer", feature.layer}, {"reason", feature.reason}});
+        if (feature.fid >= 0) list.back()["fid"] = feature.fid;
     }
     return {{"count", rejected.size()}, {"features", std::move(list)}};
 }
@@ -172,9 +171,11 @@ void listRejected(const RunSummary& summary, bool all) {
     const std::vector<JWRejectedFeature>& rejected = summary.report.rejected;
     const std::size_t count = all ? rejected.size() : std::min(shown, rejected.size());
     for (std::size_t i = 0; i < count; ++i) {
-        std::fprintf(stderr, "jwcg: %s, layer %s, feature %lld: %s\n", rejected[i].source.c_str(),
-                     rejected[i].layer.c_str(), static_cast<long long>(rejected[i].fid),
-                     rejected[i].reason.c_str());
+        // None where the layer as a whole is meant.
+        const std::string feature =
+            rejected[i].fid >= 0 ? ", feature " + std::to_string(rejected[i].fid) : "";
+        std::fprintf(stderr, "jwcg: %s, layer %s%s: %s\n", rejected[i].source.c_str(),
+                     rejected[i].layer.c_str(), feature.c_str(), rejected[i].reason.c_str());
     }
     if (count < rejected.size()) {
         std::fprintf(stderr, "jwcg: %zu more features rejected; -v or --json lists all\n",
