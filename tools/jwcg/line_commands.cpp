@@ -15,7 +15,9 @@ namespace jws::cli {
 namespace {
 
 /// What a parameter may be.
-enum class Range { Positive, NotNegative, Any, Count, CountFrom2, OddFrom3 };
+enum class Range { Positive, NotNegative, Any, Count, CountFrom2, OddFrom3, Degree };
+
+constexpr int kMostDegree = 170;  // the factorial of more is beyond all numbers
 
 struct Parameter {
     const char* name;
@@ -29,6 +31,7 @@ struct Use {
     const char* name;
     bool required = true;
     double standard = 0;
+    Range range = Range::Any;  ///< narrower than that of the parameter, for this method
 };
 
 struct Method {
@@ -107,7 +110,7 @@ const Family& smoothing() {
          {"look-ahead", "N", Range::CountFrom2, "Points taken together; odd but for boyle"},
          {"weight", "NUMBER", Range::Any,
           "Weight of the mean, usually 0 (no change) to 1 (default 1)"},
-         {"degree", "N", Range::Count, "Segments of the line under each Bezier curve"},
+         {"degree", "N", Range::Degree, "Segments of the line under each Bezier curve, up to 170"},
          {"points", "N", Range::Count, "Points on each Bezier curve"},
          {"step", "DISTANCE", Range::Positive, "Spacing of the points of hermite, layer units"},
          {"tangent-scale", "NUMBER", Range::Positive, "Length of hermite's tangents (default 0.5)"},
@@ -121,12 +124,12 @@ const Family& smoothing() {
           "--tolerance 100"},
          {"sliding-mean",
           JWSmoothSlidingAveraging,
-          {{"look-ahead"}, {"weight", false, 1}},
+          {{"look-ahead", true, 0, Range::OddFrom3}, {"weight", false, 1}},
           "moves points to the mean of the --look-ahead points around them, by --weight",
           "--look-ahead 5"},
          {"distance-weighting",
           JWSmoothDistanceWeighting,
-          {{"look-ahead"}, {"weight", false, 1}},
+          {{"look-ahead", true, 0, Range::OddFrom3}, {"weight", false, 1}},
           "the same, near points counting more",
           "--look-ahead 5 --weight 0.5"},
          {"boyle",
@@ -162,6 +165,8 @@ bool isWithin(Range range, double value) {
             return isCount && value >= 2;
         case Range::OddFrom3:
             return isCount && value >= 3 && std::fmod(value, 2) == 1;
+        case Range::Degree:
+            return isCount && value <= kMostDegree;
     }
     return false;
 }
@@ -180,6 +185,8 @@ const char* nameOf(Range range) {
             return "an integer of at least 2";
         case Range::OddFrom3:
             return "an odd integer of at least 3";
+        case Range::Degree:
+            return "an integer from 1 to 170";
     }
     return "";
 }
@@ -210,8 +217,8 @@ const Method& methodOf(const Family& family, const Settings& settings) {
     return family.methods.front();
 }
 
-/// The parameters that a method runs with. Throws CommandFailure where one is missing or means
-/// nothing to the method.
+/// The parameters that a method runs with. Throws CommandFailure where one is missing, out of the
+/// method's range or means nothing to it.
 std::map<std::string, double> parametersFor(const Method& method, const Settings& settings) {
     std::map<std::string, double> known;
     for (const Use& use : method.uses) {
@@ -221,10 +228,18 @@ std::map<std::string, double> parametersFor(const Method& method, const Settings
                                  std::string("--method ") + method.name + " needs --" + use.name);
         }
         known[use.name] = given != settings.parameters.end() ? given->second : use.standard;
+        if (!isWithin(use.range, known[use.name])) {
+            throw CommandFailure(ExitUsage, std::string("--") + use.name + " must be " +
+                                                nameOf(use.range) + " for --method " + method.name);
+        }
     }
     for (const auto& [name, value] : settings.parameters) {
         if (known.count(name) > 0) continue;
         throw CommandFailure(ExitUsage, "--" + name + " means nothing to --method " + method.name);
+    }
+    const auto most = known.find("max-tolerance");
+    if (most != known.end() && most->second < known["tolerance"]) {
+        throw CommandFailure(ExitUsage, "--max-tolerance must not be below --tolerance");
     }
     return known;
 }
