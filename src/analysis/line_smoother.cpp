@@ -75,11 +75,11 @@ bool LineSmoother::boyle(std::vector<JWRawPoint>& points) const {
     const std::size_t n = points.size();
     const auto look = static_cast<std::size_t>(options_.lookAhead);
     if (look > n) return false;
-    const double c1 = 1.0 / static_cast<double>(look - 1), c2 = 1 - c1;
+    const double c2 = static_cast<double>(look - 2) / static_cast<double>(look - 1);
     JWRawPoint previous = points[0];
     for (std::size_t i = 0; i + 2 < n; ++i) {
         const JWRawPoint& ahead = points[std::min(i + look, n - 1)];
-        previous.set(c2 * previous.x + c1 * ahead.x, c2 * previous.y + c1 * ahead.y);
+        previous = pointAlong(ahead, difference(previous, ahead), c2);
         points[i + 1] = previous;
     }
     return true;
@@ -187,10 +187,14 @@ bool LineSmoother::hermite(std::vector<JWRawPoint>& points) {
             const JWRawPoint s = tangent(k), t = tangent(k + 1);
             for (double at; (at = count * options_.step) <= end && at < total; ++count) {
                 const double u = std::min((at - begin) / size, 1.0), u2 = u * u, u3 = u2 * u;
-                const double a = 2 * u3 - 3 * u2 + 1, b = u3 - 2 * u2 + u;
-                const double c = 3 * u2 - 2 * u3, d = u3 - u2;
-                result_.emplace_back(a * p.x + b * s.x + c * q.x + d * t.x,
-                                     a * p.y + b * s.y + c * q.y + d * t.y);
+                const double b = u3 - 2 * u2 + u, d = u3 - u2;
+                // From the nearer end, so that both ends come out with their own bits.
+                const bool isFirstHalf = u < 0.5;
+                const double c = isFirstHalf ? 3 * u2 - 2 * u3 : 2 * u3 - 3 * u2 + 1;
+                const JWRawPoint& near = isFirstHalf ? p : q;
+                const JWRawPoint v = difference(isFirstHalf ? q : p, near);
+                result_.emplace_back(near.x + (c * v.x + b * s.x + d * t.x),
+                                     near.y + (c * v.y + b * s.y + d * t.y));
             }
         }
         begin = end;

@@ -15,6 +15,22 @@ namespace jws {
 
 using namespace detail;
 
+namespace {
+
+/// The sum of points 0 to `degree` by weights that add up to one, formed of differences to the
+/// first, so that a curve of micro steps far from the origin keeps its digits.
+template <class WeightOf>
+JWRawPoint weighted(const JWRawPoint* points, std::size_t degree, const WeightOf& weightOf) {
+    JWRawPoint sum(0, 0);
+    for (std::size_t i = 1; i <= degree; ++i) {
+        const double w = weightOf(i);
+        sum.move(w * (points[i].x - points[0].x), w * (points[i].y - points[0].y));
+    }
+    return JWRawPoint(points[0].x + sum.x, points[0].y + sum.y);
+}
+
+}  // namespace
+
 JWBezierCurve::JWBezierCurve() : factorials(kMaxDegree + 1, 1.0), envelop(JWEnvelop::invalid()) {
     for (int i = 2; i <= kMaxDegree; ++i) factorials[i] = factorials[i - 1] * i;
 }
@@ -132,18 +148,14 @@ bool JWBezierCurve::smoothPoints(const std::vector<JWRawPoint>& points, int degr
     });
     if (!room) return false;
     // The weights of step k are the same for all whole pieces: computed once, applied to each.
+    const auto weightOf = [&](std::size_t i) { return weights[i]; };
     const auto fill = [&](std::size_t firstPiece, std::size_t lastPiece, std::size_t n) {
         for (int k = 1; k < steps; ++k) {
             for (std::size_t i = 0; i <= n; ++i) {
                 weights[i] = bernstein(int(n), int(i), double(k) / steps);
             }
             for (std::size_t piece = firstPiece; piece < lastPiece; ++piece) {
-                JWRawPoint sum(0, 0);
-                for (std::size_t i = 0; i <= n; ++i) {
-                    const JWRawPoint& p = points[piece * d + i];
-                    sum.move(weights[i] * p.x, weights[i] * p.y);
-                }
-                curve[piece * steps + k] = sum;
+                curve[piece * steps + k] = weighted(&points[piece * d], n, weightOf);
             }
         }
         for (std::size_t piece = firstPiece; piece < lastPiece; ++piece) {
@@ -165,12 +177,8 @@ double JWBezierCurve::bernstein(int degree, int k, double t) const {
 JWRawPoint JWBezierCurve::evaluate(const JWRawPoint* points, int degree, double t) const {
     if (t <= 0.0) return points[0];
     if (t >= 1.0) return points[degree];
-    JWRawPoint sum(0, 0);
-    for (int k = 0; k <= degree; ++k) {
-        const double w = bernstein(degree, k, t);
-        sum.move(w * points[k].x, w * points[k].y);
-    }
-    return sum;
+    return weighted(points, static_cast<std::size_t>(degree),
+                    [&](std::size_t k) { return bernstein(degree, static_cast<int>(k), t); });
 }
 
 }  // namespace jws

@@ -79,6 +79,7 @@ TEST(Smooth, SmallCases) {
     const char* z = "LINESTRING (0 0, 1 1, 2 0, 3 1, 4 0)";
     const char* roof = "LINESTRING (0 0, 2 2, 4 0)";
     const char* corner = "LINESTRING (0 0, 4 0, 4 4)";
+    const char* far = "LINESTRING (1000000000.3 0, 1000000000.3 2, 1000000000.3 4)";
     const Row rows[] = {
         {boyle(2), z, "LINESTRING (0 0, 2 0, 3 1, 4 0, 4 0)"},
         {boyle(3), z, "LINESTRING (0 0, 1.5 0.5, 2.75 0.25, 3.375 0.125, 4 0)"},
@@ -117,6 +118,15 @@ TEST(Smooth, SmallCases) {
         {hermite(2, 0.5, 100), corner, "LINESTRING (0 0, 2 0, 4 0, 4 2, 4 4)"},
         {hermite(99, 0.5, 0), corner, "LINESTRING (0 0, 4 4)"},
         {hermite(1e-12, 0.5, 0), corner, nullptr},
+        // Far away, a straight line stays straight to the last digit.
+        {boyle(3), far, "LINESTRING (1000000000.3 0, 1000000000.3 2, 1000000000.3 4)"},
+        {boyle(2), far, "LINESTRING (1000000000.3 0, 1000000000.3 4, 1000000000.3 4)"},
+        {bezier(2, 4), far,
+         "LINESTRING (1000000000.3 0, 1000000000.3 1, 1000000000.3 2, 1000000000.3 3, "
+         "1000000000.3 4)"},
+        {hermite(1, 0.5, 0), far,
+         "LINESTRING (1000000000.3 0, 1000000000.3 1.125, 1000000000.3 2, 1000000000.3 3.125, "
+         "1000000000.3 4)"},
         {hermite(2, 0, 0), corner, nullptr},
     };
     for (const Row& row : rows) {
