@@ -116,10 +116,11 @@ class JW_API JWGeometryMinimumBounding {
     /// an intermediate circle by no more counts as inside it. Where thousands of points lie on the
     /// circle it is the exact circle instead, the same to 1e-10. Every point lies within 1e-10 of
     /// the circle, besides rounding, 1e-12 of its radius. Works relative to the first point, so
-    /// that far offsets cost no digits. \param radius   must not be null \param outline  may be
-    /// null; receives 361 points, clockwise from angle 0, that lie on the circle,
-    ///     so the outline falls short of it by up to 3.8e-5 of the radius. False when there is no
-    ///     memory for it, after centre and radius were written.
+    /// that far offsets cost no digits.
+    /// \param radius   must not be null
+    /// \param outline  may be null; receives 361 points, clockwise from angle 0, that lie on the
+    ///     circle, so the outline falls short of it by up to 3.8e-5 of the radius. False when there
+    ///     is no memory for it, after centre and radius were written.
     static bool pointsMinimumCircle(const std::vector<JWRawPoint>& points, int n,
                                     JWRawPoint& center, double* radius, JWRing* outline = nullptr);
     static bool pointsMinimumCircle(const std::vector<JWRawPoint*>& points, int n,

@@ -67,7 +67,8 @@ class JW_API JWGeometrySimplicify {
     /// `tolerance`. So (0,0),(1,1),(2,1),(3,0) at 0.9 gives (0,0),(1,1),(3,0), at 1 the ends.
     /// \param tolerance  above 0
     /// \return true when the line has more than 3 points and was processed
-    /// Cost: O(n log n), on spirals and zigzags too, where the plain form is quadratic.
+    /// Cost: O(n log n), on spirals and zigzags too, where the plain form is quadratic. Once ties
+    /// have taken 4 million + n log n steps, the first of those that tie to rounding is kept.
     static bool douglasPeucker(JWLineString* line, double tolerance);
     /// Drops points in a strip, in place (K. Reumann, A. P. M. Witkam, 1974): the strip is around
     /// the line through two neighbours; the first point that leaves it is kept and begins, with the
@@ -83,8 +84,9 @@ class JW_API JWGeometrySimplicify {
     /// \return the points kept. Cost: O(n) times the look-ahead, as a rule far less.
     static int lang(JWLineString* line, double tolerance, int lookAhead);
     /// Drops points that are within `tolerance` of the last kept one, in place; the last point
-    /// stays all the same. Needs more than 2 points. \param tolerance above 0 \return the points
-    /// kept. Cost: O(n).
+    /// stays all the same. Needs more than 2 points.
+    /// \param tolerance  above 0
+    /// \return the points kept. Cost: O(n).
     static int vertex_reduction(JWLineString* line, double tolerance);
     /// Appends to `out` the points that Opheim's algorithm keeps (H. Opheim, 1982).
     ///
@@ -98,16 +100,19 @@ class JW_API JWGeometrySimplicify {
     ///     count of `line` returned, so look at `out`. Cost: O(n).
     static int opheim(const JWLineString* line, double minimum, double maximum, JWLineString* out);
     /// Keeps the points whose index is a multiple of n, and the last, in place; 6 points and n = 2
-    /// give the indices 0, 2, 4, 5. Needs more than 2 points. \param n above 0
+    /// give the indices 0, 2, 4, 5. Needs more than 2 points.
+    /// \param n  above 0
     /// \return the points kept. Cost: O(n).
     static int nThPoint(JWLineString* line, unsigned n);
     /// Appends to `out` the line without points near the segment of their neighbours: one pass, in
     /// which the point after a dropped one is not tested, so a straight line loses every other
-    /// point. Needs more than 2 points. \param tolerance above 0 \return the points written; where
-    /// nothing is written, the count of `line`. Cost: O(n).
+    /// point. Needs more than 2 points.
+    /// \param tolerance  above 0
+    /// \return the points written; where nothing is written, the count of `line`. Cost: O(n).
     static int perpendicularDistance(const JWLineString* line, double tolerance, JWLineString* out);
     /// Removes every point equal to the one before it, exactly. A ring of one place only becomes
-    /// one point. \return true for a line or ring of more than 1 point. Cost: O(n).
+    /// one point.
+    /// \return true for a line or ring of more than 1 point. Cost: O(n).
     static bool removeDuplicate(JWLineString* line);
     static bool removeDuplicate(JWRing* ring);
     /// @}

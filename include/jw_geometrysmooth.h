@@ -65,17 +65,20 @@ class JW_API JWGeometrySmooth {
 
     /// Boyle's forward-looking interpolation (A. R. Boyle, 1970): with c = 1/(L − 1), point i + 1
     /// becomes (1 − c) times the new point i plus c times the old point i + L, or the last one. L =
-    /// 2 therefore shifts the line by one point. \param lookAhead  L, from 2 to the point count
+    /// 2 therefore shifts the line by one point.
+    /// \param lookAhead  L, from 2 to the point count
     static int boyle(JWLineString* line, int lookAhead);
     /// Sliding mean (R. B. McMaster, 1989): a point becomes (1 − slide) times itself plus slide
     /// times the mean of the lookAhead points around it. The first and last lookAhead/2 points
-    /// stay. \param slide      usually 0 to 1 \param lookAhead  odd, at least 3, below the point
-    /// count
+    /// stay.
+    /// \param slide      usually 0 to 1
+    /// \param lookAhead  odd, at least 3, below the point count
     static int sliding_averaging(JWLineString* line, double slide, int lookAhead);
     /// Inverse-distance weighting (R. B. McMaster, 1989): as the sliding mean, with the mean of the
     /// neighbours weighted by 1/distance to the point, which itself and neighbours nearer than
-    /// 1e-10 do not count in. A point without other neighbours stays. \param lookAhead  odd, at
-    /// least 3
+    /// 1e-10 do not count in. A point without other neighbours stays.
+    /// \param slide      usually 0 to 1
+    /// \param lookAhead  odd, at least 3
     static int distance_weighting(JWLineString* line, double slide, int lookAhead);
     /// Cuts corners (G. M. Chaikin, An algorithm for high speed curve generation, 1974): from each
     /// segment points are added towards the last point of the result so far, until one is within
@@ -97,8 +100,9 @@ class JW_API JWGeometrySmooth {
     /// Returns a new line of Bézier curves over `degree` segments each, `points` points to a curve,
     /// sharing their ends: those at u = k/points of Σ C(n,i) u^i (1 − u)^(n−i) p_i. The last curve
     /// has what segments remain. (0,0),(1,2),(2,0) with 2 and 2 gives (0,0),(1,1),(2,0). The same
-    /// as `JWBezierCurve::makeBezierCurve`; the caller owns the line. \param degree,points  at
-    /// least 1 \return a copy of the line where nothing can be smoothed, null for null
+    /// as `JWBezierCurve::makeBezierCurve`; the caller owns the line.
+    /// \param degree,points  at least 1; a degree beyond 170 counts as 170
+    /// \return a copy of the line where nothing can be smoothed, null for null
     static JWLineString* bezier(const JWLineString* line, int degree, int points);
     /// @}
 
