@@ -495,8 +495,8 @@ TEST(BoundingForms, FeatureClassesKeepAttributesAndCountTheRest) {
         feature->setGeometryDirectly(fromWkt(geometries[i]).release());
         input.addFeature(feature);
     }
-    auto* last = static_cast<JWLineString*>(input.getFeatureAt(4)->getGeometryPtr());
-    last->getPointList()[2].x = kInf;
+    auto* infinite = static_cast<JWLineString*>(input.getFeatureAt(4)->getGeometryPtr());
+    infinite->getPointList()[2].x = kInf;
     const std::pair<decltype(&Bounding::featureClassContexHull), int> forms[] = {
         {Bounding::featureClassContexHull, 1},       {Bounding::featureClassEnvelop, 2},
         {Bounding::featureClassMinimumCircle, 2},    {Bounding::featureClassMinimumAreaRect, 2},
