@@ -27,8 +27,6 @@ constexpr int kTeam = 8;          // of the _mp forms
     throw std::runtime_error(what + ": " + JWReport::lastError().text);
 }
 
-void swallow(const char*, void*) {}
-
 struct CloseSource {
     void operator()(JWDataSource* source) const { JWDataSource::destroyDataSource(source); }
 };
@@ -120,7 +118,7 @@ class OursMemory final : public Rival {
     explicit OursMemory(const OurForm& form) : form_(form) {}
 
     void load(const LayerPair& pair) override {
-        JWReport::setMessageSink(swallow, nullptr);
+        JWReport::setMessagesOn(false);
         a_ = copyToMemory(pair.a);
         b_ = copyToMemory(pair.b);
     }
@@ -165,7 +163,7 @@ class OursFile final : public Rival {
     explicit OursFile(const OurForm& form) : form_(form) {}
 
     void load(const LayerPair& pair) override {
-        JWReport::setMessageSink(swallow, nullptr);
+        JWReport::setMessagesOn(false);
         pair_ = pair;
         path_ = pair.workDirectory + (form_.team ? "/ours_mp.gpkg" : "/ours.gpkg");
         removeGeoPackage(path_);

@@ -27,15 +27,15 @@ class TextBatch {
         if (!m_on) return;
         const std::int64_t values[] = {static_cast<std::int64_t>(numbers)..., 0};
         const std::int64_t* next = values;
+        const char* from = format;
         for (const char* c = format; *c != '\0'; ++c) {
-            if (*c == '%' && c[1] == 'd') {
-                char digits[24];
-                m_text.append(digits, std::to_chars(digits, digits + sizeof digits, *next++).ptr);
-                ++c;
-            } else {
-                m_text.push_back(*c);
-            }
+            if (*c != '%' || c[1] != 'd') continue;
+            char digits[24];
+            m_text.append(from, c);
+            m_text.append(digits, std::to_chars(digits, digits + sizeof digits, *next++).ptr);
+            from = ++c + 1;
         }
+        m_text.append(from);
         if (m_text.size() > 8192) flush();
     }
     /// Hands on what has gathered, to come before messages by other ways.
