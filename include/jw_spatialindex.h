@@ -37,8 +37,9 @@ class JW_API JWSpatialIndex {
     /// with
     /// `::operator delete`; no hit stores null. An invalid query finds nothing.
     int spatialSearch(const JWEnvelop& query, void*** result) const;
-    /// The same into a vector that is cleared first: no allocation once it has grown.
-    void spatialSearch(const JWEnvelop& query, std::vector<void*>& result) const;
+    /// The same into a vector that is cleared first: no allocation once it has grown. Returns
+    /// false, with an empty vector, when memory is short.
+    bool spatialSearch(const JWEnvelop& query, std::vector<void*>& result) const;
     /// Number of rectangles.
     int getCount() const;
     /// Empties the index; `initRTreeIndex` makes it usable again.

@@ -9,6 +9,7 @@
 #include "clip/area_clip.h"
 #include "clip/geometry_clip.h"
 #include "foundation/api_guard.h"
+#include "foundation/position_index.h"
 #include "foundation/vertex_lists.h"
 #include "jw_cpgeometrybasic.h"
 #include "jw_feature.h"
@@ -102,28 +103,26 @@ int clipClassByClass(JWFeatureClass& targets, JWFeatureClass& cutters, JWFeature
         out.setSpatialReference(targets.getSpatialReference());
         const EdgeSearch search = useRTree ? EdgeSearch::Tree : EdgeSearch::AllEdges;
         std::vector<std::unique_ptr<PreparedCutter>> prepared;
-        JWSpatialIndex index;
-        index.initRTreeIndex();
+        PositionIndex index;
+        index.start();
         for (int i = 0; i < cutters.getFeatureCount(); ++i) {
             const JWFeature& cutter = *cutters.getFeatureAt(i);
             prepared.emplace_back();
             if (cutter.isGeometryEmpty()) continue;
             prepared.back() = std::make_unique<PreparedCutter>(*cutter.getGeometryPtr(), search);
-            index.addRect(envelopeOf(*cutter.getGeometryPtr()),
-                          reinterpret_cast<void*>(static_cast<std::intptr_t>(i) + 1));
+            index.add(i, envelopeOf(*cutter.getGeometryPtr()));
         }
         return clipFeatures(
             name, targets, out, threads,
             [&](const JWFeature& target, Pieces& pieces, std::string& reason) {
                 const Team alone(kAlone);
-                std::vector<void*> found;
-                index.spatialSearch(envelopeOf(*target.getGeometryPtr()), found);
-                for (void* payload : found) {
-                    const auto i =
-                        static_cast<std::size_t>(reinterpret_cast<std::intptr_t>(payload));
+                Hits found;
+                index.search(envelopeOf(*target.getGeometryPtr()), found);
+                for (const void* hit : found) {
+                    const auto i = static_cast<std::size_t>(positionOf(hit));
                     try {
-                        Pieces some = clipGeometry(*target.getGeometryPtr(), *prepared[i - 1],
-                                                   checkWeird, alone);
+                        Pieces some =
+                            clipGeometry(*target.getGeometryPtr(), *prepared[i], checkWeird, alone);
                         std::move(some.begin(), some.end(), std::back_inserter(pieces));
                     } catch (const EmptyClip&) {
                     } catch (const std::runtime_error& refusal) {

@@ -18,6 +18,7 @@
 
 #include "foundation/feature_layer_impl.h"
 #include "foundation/field_names.h"
+#include "foundation/position_index.h"
 #include "foundation/rectangle_relation.h"
 
 namespace jws {
@@ -176,10 +177,10 @@ bool JWFeatureLayer::Impl::visitCandidates(
     GdalErrors errors;
     if (index && !all) {
         std::vector<void*> hits;
-        index->spatialSearch(rectangle, hits);
+        if (!index->spatialSearch(rectangle, hits)) return false;
         OGRFeatureUniquePtr feature;
         for (const void* hit : hits) {
-            const std::int64_t position = reinterpret_cast<std::intptr_t>(hit) - 1;
+            const std::int64_t position = detail::positionOf(hit);
             std::unique_ptr<JWFeature> decoded;
             if (const auto cached = cache.find(position)) {
                 decoded.reset(cached->clone());
@@ -246,15 +247,17 @@ bool JWFeatureLayer::createSpatialIndex() {
         GdalErrors errors;
         auto index = std::make_unique<JWSpatialIndex>();
         if (!index->initRTreeIndex()) return false;
-        const auto add = [&index](std::int64_t position, OGRFeature& feature) {
+        bool isWhole = true;
+        const auto add = [&](std::int64_t position, OGRFeature& feature) {
             const OGRGeometry* geometry = feature.GetGeometryRef();
             if (geometry == nullptr || geometry->IsEmpty()) return;
             OGREnvelope box;
             geometry->getEnvelope(&box);
-            index->addRect(JWEnvelop(box.MinX, box.MinY, box.MaxX, box.MaxY),
-                           reinterpret_cast<void*>(static_cast<std::intptr_t>(position + 1)));
+            const JWEnvelop envelop(box.MinX, box.MinY, box.MaxX, box.MaxY);
+            isWhole = isWhole &&
+                      (!envelop.isValid() || index->addRect(envelop, detail::payloadOf(position)));
         };
-        if (!impl.reader.visitAll(true, add, errors)) return false;
+        if (!impl.reader.visitAll(true, add, errors) || !isWhole) return false;
         impl.index = std::move(index);
         return true;
     });

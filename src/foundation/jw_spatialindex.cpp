@@ -114,8 +114,7 @@ int JWSpatialIndex::spatialSearch(const JWEnvelop& query, void*** result) const 
     *result = nullptr;
     return detail::guarded("spatialSearch", 0, [&] {
         std::vector<void*> hits;
-        spatialSearch(query, hits);
-        if (hits.empty()) return 0;
+        if (!spatialSearch(query, hits) || hits.empty()) return 0;
         const std::size_t bytes = hits.size() * sizeof(void*);
         *result = static_cast<void**>(::operator new(bytes));
         std::memcpy(*result, hits.data(), bytes);
@@ -123,13 +122,14 @@ int JWSpatialIndex::spatialSearch(const JWEnvelop& query, void*** result) const 
     });
 }
 
-void JWSpatialIndex::spatialSearch(const JWEnvelop& query, std::vector<void*>& result) const {
+bool JWSpatialIndex::spatialSearch(const JWEnvelop& query, std::vector<void*>& result) const {
     result.clear();
     const bool complete = detail::guarded("spatialSearch", false, [&] {
         if (m_tree && query.isValid()) m_tree->search(query, result);
         return true;
     });
     if (!complete) result.clear();  // it may hold indices
+    return complete;
 }
 
 int JWSpatialIndex::getCount() const {

@@ -16,7 +16,9 @@
 //
 // Crossings are rounded to the last place of the largest coordinate, for x and for y. To that end
 // the axis of smaller magnitude is scaled up by a power of two, which changes no sign and no
-// digit. Magnitudes far from one are brought near it as well, lest products overflow.
+// digit. Magnitudes far from one are brought near it as well, lest products overflow; and
+// coordinates too small for exact products of three differences count as 0: that is far below the
+// last place of the largest.
 //
 // O((n + k) log n) for n vertices and k crossings. Scratch memory belongs to the thread and is kept
 // between calls unless it has grown large, so that a call allocates nothing but its result.
@@ -35,6 +37,8 @@
 namespace jws::gpc {
 namespace {
 
+/// Differences of larger numbers are multiples of 2^-352, products of three of 2^-1056.
+constexpr double kLeast = 0x1p-300;
 constexpr std::size_t kKeptScratch = std::size_t{64} << 20;
 
 /// Brings both axes to one magnitude, so that each is rounded by its own last place, and near one
@@ -51,6 +55,7 @@ struct Frame {
         exponent = std::abs(x) < 200 && std::abs(y) < 200 ? std::max(x, y) : 0;
         fit(to.x, from.x, exponent - x);
         fit(to.y, from.y, exponent - y);
+        to.least = kLeast;
         aspect = std::ldexp(1.0, std::clamp(x - y, -1000, 1000));
     }
 

@@ -4,6 +4,7 @@
 
 #include <gpc.h>
 
+#include <cmath>
 #include <cstdint>
 
 #include "gpc/buffer.h"
@@ -50,14 +51,20 @@ struct Box {
 struct Scale {
     double x[2] = {1, 1};
     double y[2] = {1, 1};
+    double least = 0;  ///< what is smaller becomes 0
 
-    Point operator()(double px, double py) const { return {px * x[0] * x[1], py * y[0] * y[1]}; }
+    Point operator()(double px, double py) const {
+        return {kept(px * x[0] * x[1]), kept(py * y[0] * y[1])};
+    }
     Box operator()(const Box& box) const {
         Box scaled;
         scaled.include((*this)(box.minX, box.minY));
         scaled.include((*this)(box.maxX, box.maxY));
         return scaled;
     }
+
+  private:
+    double kept(double v) const { return std::fabs(v) < least ? 0 : v; }
 };
 
 /// What is known of a point, and of the edge that leaves it.

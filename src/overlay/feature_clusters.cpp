@@ -161,7 +161,7 @@ std::int64_t FeatureClusters::grow(std::size_t seed, LayerSide& side) {
             fresh.clear();
             for (auto& [position, partner] : region.partners) {
                 if (!partner.due || root(position) == seed) continue;
-                void* hit = LayerSide::payloadOf(static_cast<std::int64_t>(position));
+                void* hit = payloadOf(static_cast<std::int64_t>(position));
                 features.clear();
                 side.fetch(&hit, 1, features);
                 partner = {false, features.front().area.envelop()};
@@ -182,7 +182,7 @@ std::int64_t FeatureClusters::grow(std::size_t seed, LayerSide& side) {
 /// Adds the doubtful partners of some features that belong to no earlier seed.
 void FeatureClusters::addPartners(std::size_t seed, const Hits& features, Region& region) {
     for (void* hit : features) {
-        const auto position = static_cast<std::size_t>(LayerSide::positionOf(hit));
+        const auto position = static_cast<std::size_t>(positionOf(hit));
         auto pair = std::lower_bound(m_doubtful.begin(), m_doubtful.end(), Pair(position, 0));
         for (; pair != m_doubtful.end() && pair->first == position; ++pair) {
             if (root(pair->second) > seed) region.partners.emplace(pair->second, Region::Partner());
@@ -200,7 +200,7 @@ void FeatureClusters::listMembers() {
     std::vector<std::size_t> next(m_first.begin(), m_first.end() - 1);
     m_members.resize(m_parents.size());
     for (std::size_t i = 0; i < m_parents.size(); ++i) {
-        m_members[next[m_parents[i]]++] = LayerSide::payloadOf(static_cast<std::int64_t>(i));
+        m_members[next[m_parents[i]]++] = payloadOf(static_cast<std::int64_t>(i));
     }
 }
 

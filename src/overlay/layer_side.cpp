@@ -14,11 +14,13 @@ constexpr std::size_t kChainBytes = std::size_t{64} << 20;  // kept of large are
 }  // namespace
 
 void LayerSide::startIndex() {
-    m_hasIndex = m_index.initRTreeIndex();
-    if (m_hasIndex) return;
-    JWReport::message("spatial index initialize failed!\n");
-    JWReport::setError(JWErrorOutOfSpace, "the spatial index could not be made");
-    throw LayerFailure();
+    try {
+        m_index.start();
+        m_hasIndex = true;
+    } catch (const std::bad_alloc&) {
+        JWReport::message("spatial index initialize failed!\n");
+        throw;
+    }
 }
 
 void LayerSide::enter(std::int64_t position, const std::shared_ptr<const JWFeature>& feature,
@@ -29,9 +31,7 @@ void LayerSide::enter(std::int64_t position, const std::shared_ptr<const JWFeatu
         m_held.push_back(feature);
         if (!m_holdsAll) m_held = {};
     }
-    if (!envelop.isValid() || m_index.addRect(envelop, payloadOf(position))) return;
-    JWReport::setError(JWErrorOutOfSpace, "the spatial index cannot hold every feature");
-    throw LayerFailure();
+    m_index.add(position, envelop);
 }
 
 std::shared_ptr<const ChainBoxes> LayerSide::findChains(std::int64_t position) const {

@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "jw_spatialindex.h"
+#include "foundation/position_index.h"
 #include "layers/feature_io.h"
 #include "overlay/area_operand.h"
 
@@ -27,9 +27,6 @@ struct OverlayFeature {
     const JWFeature* get() const { return feature.get(); }
     const JWGeometry& geometry() const { return *feature->getGeometryPtr(); }
 };
-
-/// Payloads of the tree: position + 1, since none may be null.
-using Hits = std::vector<void*>;
 
 class LayerSide {
   public:
@@ -50,9 +47,7 @@ class LayerSide {
     void setRead() { m_isRead = true; }
 
     /// Finds the features whose envelopes meet a rectangle, in their order. Any number of threads.
-    void search(const JWEnvelop& envelop, Hits& hits) const {
-        m_index.spatialSearch(envelop, hits);
-    }
+    void search(const JWEnvelop& envelop, Hits& hits) const { m_index.search(envelop, hits); }
     /// Appends the features of some hits, good as long as this operand. Any number of threads,
     /// outside the critical section. Throws LayerFailure.
     void fetch(void* const* hits, std::size_t count, std::vector<OverlayFeature>& features);
@@ -68,13 +63,6 @@ class LayerSide {
     }
     static constexpr std::size_t kFetched = 256;
 
-    static void* payloadOf(std::int64_t position) {
-        return reinterpret_cast<void*>(static_cast<std::intptr_t>(position + 1));
-    }
-    static std::int64_t positionOf(void* payload) {
-        return reinterpret_cast<std::intptr_t>(payload) - 1;
-    }
-
   private:
     void readAll(OverlayFeature* features, std::size_t count);
     void shareChains(const std::vector<OverlayFeature*>& features);
@@ -82,7 +70,7 @@ class LayerSide {
     void keepChains(std::int64_t position, const std::shared_ptr<const ChainBoxes>& chains);
 
     FeatureInput& m_input;
-    JWSpatialIndex m_index;
+    PositionIndex m_index;
     bool m_hasIndex = false;
     bool m_isRead = false;
     bool m_holdsAll = true;

@@ -48,7 +48,7 @@ void Emitter::addResult(std::unique_ptr<JWGeometry> geometry, const Values& valu
 
 void Emitter::noteCluster(const Hits& members) {
     if (!JWReport::messagesAreOn()) return;
-    for (void* member : members) m_slot.cluster.push_back(LayerSide::positionOf(member));
+    for (void* member : members) m_slot.cluster.push_back(positionOf(member));
 }
 
 void Emitter::reject(const OverlayFeature& other, const char* reason) {

@@ -33,10 +33,9 @@ class Neighbours {
             }
         }
         if (m_features.size() <= kScanned) return;
-        m_tree.initRTreeIndex();
+        m_tree.start();
         for (std::size_t i = 0; i < m_features.size(); ++i) {
-            m_tree.addRect(m_features[i].area.envelop(),
-                           LayerSide::payloadOf(static_cast<std::int64_t>(i)));
+            m_tree.add(static_cast<std::int64_t>(i), m_features[i].area.envelop());
         }
     }
 
@@ -55,16 +54,16 @@ class Neighbours {
             return;
         }
         Hits hits;
-        m_tree.spatialSearch(area.envelop(), hits);
+        m_tree.search(area.envelop(), hits);
         for (void* hit : hits) {
-            if (!next(static_cast<std::size_t>(LayerSide::positionOf(hit)))) return;
+            if (!next(static_cast<std::size_t>(positionOf(hit)))) return;
         }
     }
 
   private:
     static constexpr std::size_t kScanned = 16;
     std::vector<OverlayFeature> m_features;
-    JWSpatialIndex m_tree;
+    PositionIndex m_tree;
 };
 
 using SharedContours = std::shared_ptr<const ClippedContours>;

@@ -18,10 +18,6 @@ constexpr std::size_t kPointsKept = std::size_t{1} << 21;
 
 std::size_t pointsOf(const JWGeometry& geometry) { return geometry.getWKBSize() / 16 + 1; }
 
-std::int64_t positionOf(const void* payload) {
-    return static_cast<std::int64_t>(reinterpret_cast<std::intptr_t>(payload)) - 1;
-}
-
 }  // namespace
 
 std::optional<PairFilter> PairFilter::from(const JWLayerRelationOptions& options) {
@@ -88,14 +84,13 @@ void LayerRelationRun::stop() {
 }
 
 void LayerRelationRun::indexB() {
-    if (!m_index.initRTreeIndex()) throw std::bad_alloc();
+    m_index.start();
     for (std::int64_t position = 0; const auto feature = m_b.next(position); ++position) {
         ++m_report.readB;
         ++m_done;
         if (position % 4096 == 0) pulse();
         if (!canTake(m_b, *feature, m_report.emptyB)) continue;
-        m_index.addRect(feature->getGeometryPtr()->getEnvelop(),
-                        reinterpret_cast<void*>(static_cast<std::intptr_t>(position + 1)));
+        m_index.add(position, feature->getGeometryPtr()->getEnvelop());
     }
 }
 
@@ -117,7 +112,7 @@ void LayerRelationRun::readBlock(std::int64_t first, std::int64_t count) {
     for (std::size_t i = 0; i < m_block.size(); ++i) {
         ++m_report.readA;
         if (!canTake(m_a, *m_block[i], m_report.emptyA)) continue;
-        m_index.spatialSearch(m_block[i]->getGeometryPtr()->getEnvelop(), m_slots[i].near);
+        m_index.search(m_block[i]->getGeometryPtr()->getEnvelop(), m_slots[i].near);
         m_report.pairs += static_cast<std::int64_t>(m_slots[i].near.size());
     }
 }

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "foundation/parallel.h"
+#include "foundation/position_index.h"
 #include "jw_layerrelation.h"
-#include "jw_spatialindex.h"
 #include "layers/feature_io.h"
 
 namespace jws::detail {
@@ -45,7 +45,7 @@ class LayerRelationRun {
     };
     /// A feature of A on its way.
     struct Slot {
-        std::vector<void*> near;
+        Hits near;
         std::vector<JWRelatedPair> pairs;
     };
 
@@ -65,7 +65,7 @@ class LayerRelationRun {
     JWLayerReport& m_report;
     Team m_team;
     std::int64_t m_blockSize;
-    JWSpatialIndex m_index;
+    PositionIndex m_index;
     Features m_block;
     std::vector<Slot> m_slots;
     std::unordered_map<std::int64_t, Partner> m_partners;

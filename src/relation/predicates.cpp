@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <string>
 
+#include "foundation/position_index.h"
 #include "jw_report.h"
-#include "jw_spatialindex.h"
 
 namespace jws::detail {
 namespace {
@@ -96,19 +96,20 @@ bool partsIntersect(const JWGeometry& a, const JWGeometry& b) {
     range.add(pair->b.range());
     const int shift = range.isPlain() ? 0 : range.shift();
     std::vector<RelateOperand> partsA = partsOf(a, shift), partsB = partsOf(b, shift);
-    JWSpatialIndex index;
-    index.initRTreeIndex();
-    for (RelateOperand& part : partsB) {
-        part.index();
-        index.addRect(part.box(), &part);
+    PositionIndex index;
+    index.start();
+    for (std::size_t i = 0; i < partsB.size(); ++i) {
+        partsB[i].index();
+        index.add(static_cast<std::int64_t>(i), partsB[i].box());
     }
-    std::vector<void*> near;
+    Hits near;
     for (RelateOperand& part : partsA) {
-        index.spatialSearch(part.box(), near);
+        index.search(part.box(), near);
         if (near.empty()) continue;
         part.index();
         for (const void* other : near)
-            if (Relator::intersect(part, *static_cast<const RelateOperand*>(other))) return true;
+            if (Relator::intersect(part, partsB[static_cast<std::size_t>(positionOf(other))]))
+                return true;
     }
     return false;
 }

@@ -219,6 +219,43 @@ TEST(GpcRandom, AxesOfDifferentMagnitude) {
     }
 }
 
+// Coordinates of all magnitudes in one operand: whatever is too small to count beside the largest,
+// the four results must still add up.
+TEST(GpcRandom, MagnitudesMixed) {
+    const unsigned long long seed = 29;
+    RandomRings random(seed);
+    const auto coordinate = [&](double least, double most) {
+        const double size = std::pow(10.0, random.uniform(least, most));
+        return random.integer(0, 1) == 0 ? size : -size;
+    };
+    const double ranges[][2] = {{-310, 308}, {0, 200}, {-200, 0}, {-310, -290}, {290, 308}};
+    for (int round = 0; round < 500; ++round) {
+        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        const auto& [least, most] = ranges[round % 5];
+        Rings operands[2];
+        for (Rings& rings : operands) {
+            rings.emplace_back();
+            for (int i = random.integer(3, 12); i > 0; --i) {
+                rings[0].push_back({coordinate(least, most), coordinate(least, most)});
+            }
+        }
+        // Sums in units of the largest cannot overflow.
+        const double unit = std::pow(10.0, -most);
+        double areas[4];
+        for (int op = 0; op < 4; ++op) {
+            ClipResult r = clip(kClipOps[op], operands[0], operands[1]);
+            ASSERT_EQ(r.failure, 0);
+            for (Ring& ring : r.contours) {
+                for (JWRawPoint& p : ring) p.set(p.x * unit, p.y * unit);
+            }
+            areas[op] = r.area();
+        }
+        const auto& [difference, intersection, either, all] = areas;
+        EXPECT_NEAR(either + intersection, all, 1e-9);
+        EXPECT_LE(difference, either + 1e-9);
+    }
+}
+
 TEST(Gpc, InputVerticesKeepTheirBits) {
     // Magnitudes so different that no common grid of doubles holds all of them.
     const Ring a = {{1e-9, 0.1}, {3e5 + 0.1, -0.2}, {2e5 + 0.3, 1.0 / 3}, {0.7, 123456.789}};
