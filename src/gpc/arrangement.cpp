@@ -140,6 +140,7 @@ bool Arrangement::before(const Point& origin, const Point& a, const Point& b) co
     const bool rightA = isRightward(origin, a);
     const bool rightB = isRightward(origin, b);
     if (rightA != rightB) return rightA;
+    if (a == b) return false;
     return orientation(origin, a, b) > 0;
 }
 

@@ -104,10 +104,18 @@ inline bool isLeftOf(const Point& a, const Point& b, const Point& p) {
 
 inline Box edgeBox(const Point& a, const Point& b, double margin) {
     Box box;
+#ifdef __SSE2__
+    const __m128d p = _mm_loadu_pd(&a.x);
+    const __m128d q = _mm_loadu_pd(&b.x);
+    const __m128d m = _mm_set1_pd(margin);
+    _mm_storeu_pd(&box.minX, _mm_sub_pd(_mm_min_pd(p, q), m));
+    _mm_storeu_pd(&box.maxX, _mm_add_pd(_mm_max_pd(p, q), m));
+#else
     box.minX = (a.x < b.x ? a.x : b.x) - margin;
     box.maxX = (a.x < b.x ? b.x : a.x) + margin;
     box.minY = (a.y < b.y ? a.y : b.y) - margin;
     box.maxY = (a.y < b.y ? b.y : a.y) + margin;
+#endif
     return box;
 }
 

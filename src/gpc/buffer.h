@@ -9,8 +9,26 @@
 #include <new>
 #include <type_traits>
 #include <utility>
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
 
 namespace jws::gpc {
+
+/// Asks for large pages where `memory` is large: random access to it, and its first use, are
+/// several times faster with them. Changes nothing else.
+inline void adviseLarge(void* memory, std::size_t bytes) {
+#ifdef MADV_HUGEPAGE
+    constexpr std::size_t kPage = std::size_t{1} << 21;
+    if (bytes < 2 * kPage) return;
+    const std::uintptr_t start = reinterpret_cast<std::uintptr_t>(memory);
+    const std::uintptr_t first = (start + kPage - 1) / kPage * kPage;
+    const std::uintptr_t last = (start + bytes) / kPage * kPage;
+    madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+#else
+    (void)memory, (void)bytes;
+#endif
+}
 
 /// A growing array of plain values that leaves new elements unset and keeps its memory when it is
 /// cleared. Throws std::bad_alloc when memory runs out.
@@ -81,6 +99,7 @@ class Buffer {
         if (capacity > static_cast<std::size_t>(-1) / 2 / sizeof(T)) throw std::bad_alloc();
         T* grown = static_cast<T*>(std::realloc(static_cast<void*>(data_), capacity * sizeof(T)));
         if (!grown) throw std::bad_alloc();
+        adviseLarge(grown, capacity * sizeof(T));
         data_ = grown;
         capacity_ = capacity;
     }

@@ -259,9 +259,10 @@ void Noder::meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint
     const double ey = u.y - s.y;
     const double fx = w.x - s.x;
     const double fy = w.y - s.y;
+    if (ex * fx + ey * fy < 0) return;
     const double longer = std::max(std::fabs(ex) + std::fabs(ey), std::fabs(fx) + std::fabs(fy));
     const double turn = std::fabs(ex * fy - ey * fx);
-    if (turn > radius_ * longer || ex * fx + ey * fy < 0) return;
+    if (turn > radius_ * longer) return;
     suspect(i, j);
     if (turn > tight_ * longer) return;
     if (u == w) {
