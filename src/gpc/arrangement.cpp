@@ -21,6 +21,16 @@
 namespace jws::gpc {
 namespace {
 
+constexpr std::size_t kAhead = 8;
+
+inline void prefetch(const void* address) {
+#ifdef __GNUC__
+    __builtin_prefetch(address);
+#else
+    (void)address;
+#endif
+}
+
 inline bool isRightward(const Point& origin, const Point& p) { return origin < p; }
 
 }  // namespace
@@ -57,10 +67,10 @@ void Arrangement::growTable(std::size_t size) {
     }
 }
 
-std::uint32_t Arrangement::nodeAt(const Point& p) {
+std::uint32_t Arrangement::nodeAt(const Point& p, std::uint64_t hash) {
     if (2 * (nodes_.size() + 1) > table_.size()) growTable(table_.size() * 2);
     const std::size_t mask = table_.size() - 1;
-    std::size_t i = hashOf(p) & mask;
+    std::size_t i = hash & mask;
     for (; table_[i] != 0; i = (i + 1) & mask) {
         Point& q = nodes_[table_[i] - 1].p;
         if (q == p) {
@@ -74,37 +84,53 @@ std::uint32_t Arrangement::nodeAt(const Point& p) {
     return table_[i] - 1;
 }
 
-void Arrangement::makeRuns() {
-    runs_.clear();
+// Gives every meeting point its node. What lies at random places in memory is asked for in advance.
+void Arrangement::makeNodes() {
     nodes_.clear();
-    table_.resize(0);
-    growTable(64);
+    meetings_.clear();
     const ContourSet& set = *set_;
+    for (const Contour& c : set.contours) {
+        for (std::uint32_t i = c.first; i < c.last; ++i) {
+            if (set.flags[i] & kMeeting) meetings_.push({hashOf(set.points[i]), i, kNone});
+        }
+    }
+    std::size_t size = 64;
+    while (size < meetings_.size()) size *= 2;
+    table_.fill(size, 0);
+    const std::size_t count = meetings_.size();
+    for (std::size_t k = 0; k < count; ++k) {
+        const std::size_t mask = table_.size() - 1;
+        if (k + 2 * kAhead < count) prefetch(&table_[meetings_[k + 2 * kAhead].hash & mask]);
+        if (k + kAhead < count) {
+            const std::uint32_t node = table_[meetings_[k + kAhead].hash & mask];
+            if (node != 0) prefetch(&nodes_[node - 1]);
+        }
+        meetings_[k].node = nodeAt(set.points[meetings_[k].point], meetings_[k].hash);
+    }
+}
+
+void Arrangement::makeRuns() {
+    makeNodes();
+    const ContourSet& set = *set_;
+    const std::size_t count = meetings_.size();
+    runs_.clear();
+    runs_.reserve(count + set.contours.size());
+    std::size_t k = 0;
     for (std::uint32_t c = 0; c < set.contours.size(); ++c) {
         const Contour& contour = set.contours[c];
         const std::uint32_t n = contour.last - contour.first;
-        const std::uint8_t* flags = set.flags.data();
-        std::uint32_t start = contour.first;
-        while (start < contour.last && !(flags[start] & kMeeting)) ++start;
-        if (start == contour.last) {
+        if (k == count || meetings_[k].point >= contour.last) {
             runs_.push({kNone, kNone, c, contour.first, n, contour.operand, 0, 0, false, kNone});
             continue;
         }
-        const std::uint32_t startNode = nodeAt(set.points[start]);
-        std::uint32_t from = startNode;
-        std::uint32_t at = start;
-        while (true) {
-            std::uint32_t next = at + 1;
-            while (next < contour.last && !(flags[next] & kMeeting)) ++next;
-            if (next == contour.last) {
-                runs_.push({from, startNode, c, set.next(contour, at), n - (at - start) - 1,
-                            contour.operand, 0, 0, false, kNone});
-                break;
-            }
-            const std::uint32_t to = nodeAt(set.points[next]);
-            runs_.push({from, to, c, at + 1, next - at - 1, contour.operand, 0, 0, false, kNone});
-            from = to;
-            at = next;
+        const Meeting& start = meetings_[k];
+        for (; k < count && meetings_[k].point < contour.last; ++k) {
+            const Meeting& at = meetings_[k];
+            const bool ends = k + 1 == count || meetings_[k + 1].point >= contour.last;
+            const Meeting& next = ends ? start : meetings_[k + 1];
+            const std::uint32_t inner = (ends ? n : 0) + next.point - at.point - 1;
+            runs_.push({at.node, next.node, c, set.next(contour, at.point), inner, contour.operand,
+                        0, 0, false, kNone});
         }
     }
 }
@@ -215,11 +241,23 @@ void Arrangement::labelWhole(Run& r, Noder& noder) {
     r.left = leftTurn ? combine(west, r.step) : west;
 }
 
+// Asks for what the nodes that wait in the queue lead to.
+void Arrangement::fetchAhead(std::size_t head) const {
+    if (head + 3 * kAhead < queue_.size()) prefetch(&nodes_[queue_[head + 3 * kAhead]]);
+    if (head + 2 * kAhead < queue_.size()) {
+        prefetch(&around_[nodes_[queue_[head + 2 * kAhead]].first]);
+    }
+    if (head + kAhead < queue_.size()) {
+        const Node& n = nodes_[queue_[head + kAhead]];
+        for (std::uint32_t i = 0; i < n.count; ++i) prefetch(&runs_[around_[n.first + i] >> 1]);
+    }
+}
+
 // Labels relative to the sector that starts the walk, and finds the offset that makes them
 // absolute.
 void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, Noder& noder) {
-    stack_.clear();
-    stack_.push(start);
+    queue_.clear();
+    queue_.push(start);
     visited_[start] = 1;
     bool haveSector = false;
     Point least = nodes_[start].p;
@@ -231,9 +269,9 @@ void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, N
             westOfLeast = west;
         }
     };
-    while (!stack_.empty()) {
-        const Node n = nodes_[stack_.back()];
-        stack_.pop();
+    for (std::size_t head = 0; head < queue_.size(); ++head) {
+        fetchAhead(head);
+        const Node n = nodes_[queue_[head]];
         const HalfEdge* h = around_.data() + n.first;
         // A run that is labelled already tells where to start; the very first node starts at 0.
         std::uint32_t known = n.count;
@@ -269,7 +307,7 @@ void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, N
                 const std::uint32_t far = forward ? r.to : r.from;
                 if (!visited_[far]) {
                     visited_[far] = 1;
-                    stack_.push(far);
+                    queue_.push(far);
                 }
             }
             assert(r.left == (forward ? after : state));
@@ -281,17 +319,19 @@ void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, N
 }
 
 std::size_t Arrangement::bytes() const {
-    return runs_.bytes() + nodes_.bytes() + table_.bytes() + around_.bytes() + stack_.bytes();
+    return runs_.bytes() + nodes_.bytes() + meetings_.bytes() + table_.bytes() + around_.bytes() +
+           queue_.bytes();
 }
 
 void Arrangement::release() {
     runs_.release();
     nodes_.release();
+    meetings_.release();
     table_.release();
     around_.release();
     directions_.release();
     visited_.release();
-    stack_.release();
+    queue_.release();
     offset_.release();
     cursor_.release();
 }

@@ -69,11 +69,19 @@ class Arrangement {
     void release();
 
   private:
+    /// A point with `kMeeting`.
+    struct Meeting {
+        std::uint64_t hash;
+        std::uint32_t point;
+        std::uint32_t node;
+    };
+
     std::int32_t combine(std::int32_t state, std::int32_t step) const {
         return depth_ ? state + step : state ^ (step < 0 ? -step : step);
     }
-    std::uint32_t nodeAt(const Point& p);
+    std::uint32_t nodeAt(const Point& p, std::uint64_t hash);
     void growTable(std::size_t size);
+    void makeNodes();
     void makeRuns();
     void gatherHalfEdges();
     void sortAround(std::uint32_t node);
@@ -81,6 +89,7 @@ class Arrangement {
     Point directionOf(HalfEdge h) const;
     bool before(const Point& origin, const Point& a, const Point& b) const;
     void labelWhole(Run& r, Noder& noder);
+    void fetchAhead(std::size_t head) const;
     void labelComponent(std::uint32_t start, std::uint32_t component, Noder& noder);
     std::int32_t outside(const Point& p, Noder& noder) const;
 
@@ -89,11 +98,12 @@ class Arrangement {
     bool depth_ = false;
     Buffer<Run> runs_;
     Buffer<Node> nodes_;
-    Buffer<std::uint32_t> table_;
+    Buffer<Meeting> meetings_;     // in the order of the points
+    Buffer<std::uint32_t> table_;  // by the hash of the place: 1 + node, or 0
     Buffer<HalfEdge> around_;
     Buffer<Point> directions_;
     Buffer<std::uint32_t> visited_;
-    Buffer<std::uint32_t> stack_;
+    Buffer<std::uint32_t> queue_;  // nodes of a component, found and not yet labelled
     Buffer<std::int32_t> offset_;
     Buffer<std::uint32_t> cursor_;
 };

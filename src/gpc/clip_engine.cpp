@@ -39,7 +39,7 @@ namespace {
 
 /// Differences of larger numbers are multiples of 2^-352, products of three of 2^-1056.
 constexpr double kLeast = 0x1p-300;
-constexpr std::size_t kKeptScratch = std::size_t{64} << 20;
+constexpr std::size_t kKeptScratch = std::size_t{128} << 20;
 
 /// Brings both axes to one magnitude, so that each is rounded by its own last place, and near one
 /// where products would overflow; and back.

@@ -68,6 +68,14 @@ bool isOnAxial(const Point& p, const Point& a, const Point& b) {
     return (a.x == b.x && p.x == a.x) || (a.y == b.y && p.y == a.y);
 }
 
+/// Tells whether two edges e and f that leave a point are further apart than `reach` at the end of
+/// the shorter one, or leave to opposite sides.
+bool opens(double ex, double ey, double fx, double fy, double reach) {
+    if (ex * fx + ey * fy < 0) return true;
+    const double longer = std::max(std::fabs(ex) + std::fabs(ey), std::fabs(fx) + std::fabs(fy));
+    return std::fabs(ex * fy - ey * fx) > reach * longer;
+}
+
 }  // namespace
 
 void Noder::run(ContourSet& source, int exponent, double aspect) {
@@ -166,6 +174,7 @@ bool Noder::check() {
                                      std::uint32_t cj) {
         pace.step();
         if (splits_.size() > most_) return;  // too many to go on from
+        if (j == i + 1 && ci == cj && isPlainCorner(set_->points.data() + i)) return;
         meet(i, set_->contours[ci], j, set_->contours[cj]);
     };
     tree_.joinSelf(*set_, visit);
@@ -175,6 +184,12 @@ bool Noder::check() {
 void Noder::split(std::uint32_t edge, const Point& p, bool moved, std::uint32_t by) {
     splits_.push({p, firstSplit_[edge], by, moved});
     firstSplit_[edge] = static_cast<std::uint32_t>(splits_.size());
+}
+
+// Tells whether the edges p[0] p[1] and p[1] p[2] of a contour meet in nothing but p[1], and at an
+// angle that bending does not close.
+bool Noder::isPlainCorner(const Point* p) const {
+    return opens(p[0].x - p[1].x, p[0].y - p[1].y, p[2].x - p[1].x, p[2].y - p[1].y, radius_);
 }
 
 // The four sums are distances of ends from the other edge's line, times that edge's length.
@@ -259,12 +274,9 @@ void Noder::meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint
     const double ey = u.y - s.y;
     const double fx = w.x - s.x;
     const double fy = w.y - s.y;
-    if (ex * fx + ey * fy < 0) return;
-    const double longer = std::max(std::fabs(ex) + std::fabs(ey), std::fabs(fx) + std::fabs(fy));
-    const double turn = std::fabs(ex * fy - ey * fx);
-    if (turn > radius_ * longer) return;
+    if (opens(ex, ey, fx, fy, radius_)) return;
     suspect(i, j);
-    if (turn > tight_ * longer) return;
+    if (opens(ex, ey, fx, fy, tight_)) return;
     if (u == w) {
         mark(farI);
         mark(farJ);

@@ -74,6 +74,7 @@ class Noder {
 
     bool useTree();
     bool check();
+    bool isPlainCorner(const Point* p) const;
     void meet(std::uint32_t i, const Contour& ci, std::uint32_t j, const Contour& cj);
     void meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint32_t farI,
                    std::uint32_t farJ, std::uint32_t i, std::uint32_t j, bool neighbours);
