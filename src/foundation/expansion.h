@@ -12,6 +12,34 @@
 
 namespace jws::detail {
 
+/// An unevaluated sum of two doubles, high part rounded to nearest.
+struct Two {
+    double h;
+    double l;
+};
+
+inline Two twoSum(double a, double b) {
+    const double s = a + b;
+    const double bb = s - a;
+    return {s, (a - (s - bb)) + (b - bb)};
+}
+
+inline Two twoDiff(double a, double b) { return twoSum(a, -b); }
+
+/// The upper and the lower half of a double's digits.
+inline Two splitDigits(double a) {
+    const double c = 134217729.0 * a;  // 2^27 + 1
+    const double high = c - (c - a);
+    return {high, a - high};
+}
+
+inline Two twoProduct(double a, double b) {
+    const double p = a * b;
+    const Two as = splitDigits(a);
+    const Two bs = splitDigits(b);
+    return {p, ((as.h * bs.h - p) + as.h * bs.l + as.l * bs.h) + as.l * bs.l};
+}
+
 /// A number as an exact sum of at most `Capacity` doubles.
 template <int Capacity>
 class Expansion {
@@ -19,24 +47,19 @@ class Expansion {
     void add(double term) {
         int kept = 0;
         for (int i = 0; i < m_size; ++i) {
-            const double sum = m_parts[i] + term;
-            const double part = sum - m_parts[i];
-            const double rest = (m_parts[i] - (sum - part)) + (term - part);
-            term = sum;
-            if (rest != 0) m_parts[kept++] = rest;
+            const Two s = twoSum(m_parts[i], term);
+            term = s.h;
+            if (s.l != 0) m_parts[kept++] = s.l;
         }
         if (term != 0) m_parts[kept++] = term;
         m_size = kept;
     }
-    /// Adds x·y; two parts at most.
-    void addProduct(double x, double y) {
-        const double product = x * y;
-        double xHigh, xLow, yHigh, yLow;
-        split(x, xHigh, xLow);
-        split(y, yHigh, yLow);
-        add(((xHigh * yHigh - product) + xHigh * yLow + xLow * yHigh) + xLow * yLow);
-        add(product);
+    void add(Two t) {
+        add(t.l);
+        add(t.h);
     }
+    /// Adds x·y; two parts at most.
+    void addProduct(double x, double y) { add(twoProduct(x, y)); }
     /// Adds factor·x·y; two parts at most for each pair of parts.
     template <int N, int M>
     void addProduct(const Expansion<N>& x, const Expansion<M>& y, double factor = 1) {
@@ -49,12 +72,6 @@ class Expansion {
     double part(int i) const { return m_parts[i]; }
 
   private:
-    static void split(double a, double& high, double& low) {
-        const double c = 134217729.0 * a;  // 2^27 + 1
-        high = c - (c - a);
-        low = a - high;
-    }
-
     double m_parts[Capacity];
     int m_size = 0;
 };

@@ -13,6 +13,7 @@
 
 #include <cmath>
 
+#include "foundation/expansion.h"
 #include "jw_envelop.h"
 
 namespace jws {
@@ -21,21 +22,11 @@ namespace detail {
 
 /// Sign of the determinant by an exact expansion of twelve components.
 inline int orientationSignExact(const JWRawPoint& a, const JWRawPoint& b, const JWRawPoint& c) {
-    double e[12];
-    int size = 0;
-    const auto add = [&](double value) {
-        for (int i = 0; i < size; ++i) {
-            const double sum = e[i] + value;
-            const double part = sum - e[i];
-            e[i] = (e[i] - (sum - part)) + (value - part);
-            value = sum;
-        }
-        e[size++] = value;
-    };
+    Expansion<12> sum;
     const auto addProduct = [&](double x, double y) {
         const double product = x * y;
-        add(std::fma(x, y, -product));
-        add(product);
+        sum.add(std::fma(x, y, -product));
+        sum.add(product);
     };
     addProduct(a.x, b.y);
     addProduct(-a.y, b.x);
@@ -43,11 +34,8 @@ inline int orientationSignExact(const JWRawPoint& a, const JWRawPoint& b, const 
     addProduct(-b.y, c.x);
     addProduct(c.x, a.y);
     addProduct(-c.y, a.x);
-    for (int i = size - 1; i >= 0; --i) {
-        if (!std::isfinite(e[i])) return 2;
-        if (e[i] != 0.0) return e[i] > 0.0 ? 1 : -1;
-    }
-    return 0;
+    const bool isFinite = sum.size() == 0 || std::isfinite(sum.part(sum.size() - 1));
+    return isFinite ? sum.sign() : 2;
 }
 
 }  // namespace detail

@@ -1,42 +1,22 @@
 // SPDX-License-Identifier: MIT
 //
-// Sums of doubles that stand for one number: pairs of them, and sums of any length whose sign is
-// exact (Dekker 1971, Shewchuk 1997). Products must neither overflow nor underflow.
+// Arithmetic of pairs of doubles that stand for one number (Dekker 1971), and sums of products of
+// such pairs without rounding. Products must neither overflow nor underflow.
 #ifndef JW_GPC_EXPANSION_H
 #define JW_GPC_EXPANSION_H
 
+#include "foundation/expansion.h"
+
 namespace jws::gpc {
 
-/// An unevaluated sum of two doubles, high part rounded to nearest.
-struct Two {
-    double h;
-    double l;
-};
-
-inline Two twoSum(double a, double b) {
-    const double s = a + b;
-    const double bb = s - a;
-    return {s, (a - (s - bb)) + (b - bb)};
-}
+using detail::Two;
+using detail::twoDiff;
+using detail::twoProduct;
+using detail::twoSum;
 
 inline Two quickTwoSum(double a, double b) {
     const double s = a + b;
     return {s, b - (s - a)};
-}
-
-inline Two twoDiff(double a, double b) { return twoSum(a, -b); }
-
-inline Two split(double a) {
-    const double c = 134217729.0 * a;
-    const double high = c - (c - a);
-    return {high, a - high};
-}
-
-inline Two twoProduct(double a, double b) {
-    const double p = a * b;
-    const Two as = split(a);
-    const Two bs = split(b);
-    return {p, ((as.h * bs.h - p) + as.h * bs.l + as.l * bs.h) + as.l * bs.l};
 }
 
 inline Two add(Two a, Two b) {
@@ -65,29 +45,16 @@ inline Two divide(Two a, Two b) {
 
 inline int sign(double v) { return (v > 0) - (v < 0); }
 
-/// A sum of up to 192 terms without error: a nonoverlapping expansion that grows.
+/// A sum of up to 192 terms without error.
 class ExactSum {
   public:
-    void add(double term) {
-        int kept = 0;
-        for (int i = 0; i < size_; ++i) {
-            const Two s = twoSum(parts_[i], term);
-            term = s.h;
-            if (s.l != 0) parts_[kept++] = s.l;
-        }
-        if (term != 0) parts_[kept++] = term;
-        size_ = kept;
-    }
-    void add(Two t) {
-        add(t.l);
-        add(t.h);
-    }
+    void add(double term) { sum_.add(term); }
     /// Adds the product of two numbers.
     void addProduct(Two a, Two b) {
-        add(twoProduct(a.l, b.l));
-        add(twoProduct(a.l, b.h));
-        add(twoProduct(a.h, b.l));
-        add(twoProduct(a.h, b.h));
+        sum_.addProduct(a.l, b.l);
+        sum_.addProduct(a.l, b.h);
+        sum_.addProduct(a.h, b.l);
+        sum_.addProduct(a.h, b.h);
     }
     /// Adds the product of three numbers.
     void addProduct(Two a, Two b, double c) {
@@ -97,22 +64,21 @@ class ExactSum {
         for (const double u : left) {
             for (const double v : right) {
                 const Two uv = twoProduct(u, v);
-                add(twoProduct(uv.l, c));
-                add(twoProduct(uv.h, c));
+                sum_.addProduct(uv.l, c);
+                sum_.addProduct(uv.h, c);
             }
         }
     }
-    int sign() const { return size_ == 0 ? 0 : gpc::sign(parts_[size_ - 1]); }
+    int sign() const { return sum_.sign(); }
     /// The sum to within the precision of two doubles.
     Two value() const {
         Two sum = {0, 0};
-        for (int i = 0; i < size_; ++i) sum = gpc::add(sum, {parts_[i], 0});
+        for (int i = 0; i < sum_.size(); ++i) sum = gpc::add(sum, {sum_.part(i), 0});
         return sum;
     }
 
   private:
-    double parts_[192];
-    int size_ = 0;
+    detail::Expansion<192> sum_;
 };
 
 inline Two cross(Two ax, Two ay, Two bx, Two by) {
