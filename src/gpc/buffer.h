@@ -30,6 +30,15 @@ inline void adviseLarge(void* memory, std::size_t bytes) {
 #endif
 }
 
+/// Asks for memory ahead of need.
+inline void prefetch(const void* address) {
+#ifdef __GNUC__
+    __builtin_prefetch(address);
+#else
+    (void)address;
+#endif
+}
+
 /// A growing array of plain values that leaves new elements unset and keeps its memory when it is
 /// cleared. Throws std::bad_alloc when memory runs out.
 template <class T>
