@@ -262,6 +262,8 @@ JWFeatureLayer* JWDataSource::createLayer(const char* name, enumJWWKBGeometryTyp
                           m_handle->isMemory() ? "" : m_handle->name());
             return none;
         }
+        m_handle->state(*layer).reference =
+            reference != nullptr ? *reference : JWSpatialReference();
         return wrapLayer(layer, "", "");
     });
 }
@@ -279,6 +281,7 @@ bool JWDataSource::deleteLayer(const char* name) {
                     m_handle->name() + ": layers are open; " + name + " cannot be deleted");
                 return false;
             }
+            m_handle->forget(*dataset.GetLayer(i));
             if (dataset.DeleteLayer(i) == OGRERR_NONE && !errors.failed()) return true;
             errors.report(JWErrorOutputUnwritable,
                           m_handle->name() + ": layer " + name + " cannot be deleted",

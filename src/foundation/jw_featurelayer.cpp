@@ -30,6 +30,10 @@ JWFeatureLayer::Impl::Impl(std::shared_ptr<JWSourceHandle> handle, OGRLayer& ogr
       declaredType(layer.GetGeomType()),
       changesSeen(source->state(ogrLayer).changes) {
     refreshFields();
+    if (const auto& given = source->state(ogrLayer).reference) {
+        reference = *given;
+        return;
+    }
     const OGRSpatialReference* system = layer.GetSpatialRef();
     if (system != nullptr && !isPlaceholder(*source, *system)) reference.setOGRSpatialRef(system);
 }

@@ -17,11 +17,13 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "foundation/gdal_errors.h"
+#include "jw_spatialreference.h"
 
 class GDALDataset;
 class OGRLayer;
@@ -41,6 +43,9 @@ struct JWSourceHandle {
         const void* cursorOwner = nullptr;
         std::uint64_t changes = 0;
         std::int64_t offered = 0;  ///< features that the program wanted written
+        /// That of a layer created here: its coordinates are in it, even if the format does not
+        /// tell it before the file is closed, or not at all, or converts them to another one.
+        std::optional<JWSpatialReference> reference;
     };
 
     GDALDataset& dataset() { return *m_dataset; }
@@ -49,11 +54,15 @@ struct JWSourceHandle {
     bool isDriver(const char* name) const { return m_driver == name; }
     /// Drivers that hand filters and statements on to a database.
     bool isDatabase() const;
+    /// Drivers that hand out what a rectangle filter lets pass in the order of their spatial index.
+    bool ordersByIndex() const { return isDatabase() || isDriver("OpenFileGDB"); }
     bool isMemory() const { return isDriver("Memory"); }
     bool isUpdate() const { return m_update; }
     bool isCreated() const { return m_created; }
 
     LayerState& state(const OGRLayer& layer) { return m_states[&layer]; }
+    /// A layer is about to be deleted.
+    void forget(const OGRLayer& layer) { m_states.erase(&layer); }
     /// Owner of the reading cursor of a layer; drivers that read one layer at a time have one for
     /// all.
     const void*& cursorOwner(const OGRLayer& layer);

@@ -128,6 +128,22 @@ TEST_F(LayerCommands, DissolveTakesPointsAndLines) {
     }
 }
 
+/// Some keep no reference, some tell it only when the file is closed, some convert to one of
+/// theirs.
+TEST_F(LayerCommands, DissolveWritesFormatsWhateverTheyKeepOfAReference) {
+    write("metres.geojson", geoJson({{0, 0, 2e5, 2e5, "x"}, {2e5, 0, 4e5, 2e5, "x"}}, 3857));
+    for (const char* input : {"metres.geojson", "self.geojson"}) {
+        for (const char* ending :
+             {"csv", "fgb", "geojson", "geojsonl", "gml", "gpkg", "kml", "shp"}) {
+            SCOPED_TRACE(std::string(input) + " " + ending);
+            const std::string file = std::string("result.") + ending;
+            const Outcome outcome = run({"dissolve", input, file, "--overwrite"});
+            EXPECT_EQ(0, outcome.status) << outcome.err;
+            EXPECT_EQ(1, layer(file, "result").features);
+        }
+    }
+}
+
 TEST_F(LayerCommands, ConditionsAndRectanglesChooseFeatures) {
     const struct {
         Arguments more;
