@@ -167,6 +167,14 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// count, −1 on failure, and for an invalid rectangle or a relation that is none of these.
     int getFeaturesByEnvelopFilter(const JWEnvelop& rectangle, enumJWSpatialRelation relation,
                                    JWFeatureClass& out, bool append = false);
+    /// Leaves only the features that satisfy a condition (as above; null or empty for all) and meet
+    /// a rectangle (null for everywhere; else only features with a geometry do): from now on the
+    /// layer object has these, in their order, at positions from 0 on; its envelope is theirs, and
+    /// what is asked by condition or rectangle is asked of them. The source is not changed. May be
+    /// repeated. Sources with an index keep 8 bytes for each feature that is left, others test each
+    /// one while they read. Returns false with the last error set when the condition is not
+    /// understood, the rectangle is not valid or reading failed. Cost: one pass.
+    bool restrictTo(const char* where, const JWEnvelop* rectangle = nullptr);
     /// Builds the layer's spatial index over positions, in memory; the source is not changed.
     /// Rectangle queries use it until the layer is written to. Cost: one pass without attributes.
     bool createSpatialIndex();

@@ -13,6 +13,7 @@
 
 #include "foundation/api_guard.h"
 #include "foundation/feature_cache.h"
+#include "foundation/layer_condition.h"
 #include "foundation/layer_reader.h"
 #include "foundation/source_handle.h"
 #include "jw_feature.h"
@@ -75,6 +76,13 @@ struct JWFeatureLayer::Impl {
     bool widenGeometryType();
     bool alterGeometryType(OGRwkbGeometryType type);
     bool alterGeoPackageType(OGRwkbGeometryType type);
+    /// Sets the last error and returns false.
+    bool notUnderstood(const detail::LayerCondition& condition,
+                       const detail::GdalErrors& errors) const;
+    bool visitSatisfying(const detail::LayerCondition& condition, const JWEnvelop* rectangle,
+                         const std::function<bool(OGRFeature&)>& visit, detail::GdalErrors& errors);
+    bool chooseFeatures(const char* where, const JWEnvelop* rectangle, detail::GdalErrors& errors);
+    bool filterFeatures(const char* where, const JWEnvelop* rectangle, detail::GdalErrors& errors);
     /// Reads the candidates of a rectangle query in position order.
     bool visitCandidates(const JWEnvelop& rectangle, bool all,
                          const std::function<void(std::unique_ptr<JWFeature>)>& visit);

@@ -1,109 +1,28 @@
 // SPDX-License-Identifier: MIT
 //
-// Layers: reading by attribute condition and by rectangle.
-//
-// A condition goes to the driver as it is, so that a database uses its indexes; only the word "fid"
-// is seen to. In OGR's own dialect it names the identifier, unless an attribute has that name: the
-// condition is then evaluated here, against a definition in which that attribute is called
-// otherwise. In a database the word is replaced by the name of its identifier column; views without
-// one are treated like other sources.
+// Layers: reading by attribute condition and by rectangle, and restricting a layer to that.
 //
 // A rectangle query takes candidates by envelope from the driver's spatial filter or from the
 // layer's own index, and decides the relation itself; the answers are the same either way.
 #include <algorithm>
-#include <cctype>
 #include <cmath>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "foundation/feature_layer_impl.h"
-#include "foundation/field_names.h"
+#include "foundation/layer_condition.h"
+#include "foundation/ogr_convert.h"
 #include "foundation/position_index.h"
 #include "foundation/rectangle_relation.h"
 
 namespace jws {
 namespace {
 
+using detail::FilterScope;
 using detail::GdalErrors;
+using detail::LayerCondition;
 using Found = std::vector<std::unique_ptr<JWFeature>>;
-
-std::string trimmed(const char* text) {
-    std::string copy = text != nullptr ? text : "";
-    while (!copy.empty() && std::isspace(static_cast<unsigned char>(copy.back())) != 0)
-        copy.pop_back();
-    return copy;
-}
-
-bool isWordCharacter(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '.' ||
-           static_cast<unsigned char>(c) >= 0x80;
-}
-
-/// Replaces the word `word` outside of quotes, ignoring case; returns whether there was any.
-bool replaceWord(std::string& text, const char* word, const std::string& by) {
-    std::string out;
-    bool replaced = false;
-    for (std::size_t i = 0; i < text.size();) {
-        const char c = text[i];
-        std::size_t end = i + 1;
-        if (c == '\'' || c == '"' || c == '`') {
-            end = std::min(text.find(c, i + 1), text.size() - 1) + 1;
-            out.append(text, i, end - i);
-        } else if (isWordCharacter(c)) {
-            while (end < text.size() && isWordCharacter(text[end])) ++end;
-            const std::string found = text.substr(i, end - i);
-            const bool same = detail::sameName(found.c_str(), word);
-            replaced |= same;
-            out += same ? by : found;
-        } else {
-            out += c;
-        }
-        i = end;
-    }
-    text = std::move(out);
-    return replaced;
-}
-
-/// A condition evaluated here, in which "fid" means the identifier, also where an attribute has the
-/// name (`fieldNamedFid`, −1 for none).
-class OwnCondition {
-  public:
-    OwnCondition(OGRLayer& layer, int fieldNamedFid, const std::string& text)
-        : m_definition(layer.GetLayerDefn()->Clone()) {
-        m_definition->Reference();
-        if (fieldNamedFid >= 0) {
-            m_definition->GetFieldDefn(fieldNamedFid)->SetName("__attribute_fid__");
-        }
-        m_understood = m_query.Compile(m_definition, text.c_str()) == OGRERR_NONE;
-    }
-    ~OwnCondition() { m_definition->Release(); }
-    OwnCondition(const OwnCondition&) = delete;
-    OwnCondition& operator=(const OwnCondition&) = delete;
-
-    bool understood() const { return m_understood; }
-    bool holds(OGRFeature& feature) { return m_query.Evaluate(&feature) != 0; }
-
-  private:
-    OGRFeatureDefn* m_definition;
-    OGRFeatureQuery m_query;
-    bool m_understood;
-};
-
-/// Sets the driver's filters for the length of a scope.
-class FilterScope {
-  public:
-    explicit FilterScope(OGRLayer& layer) : m_layer(layer) {}
-    ~FilterScope() {
-        m_layer.SetAttributeFilter(nullptr);
-        m_layer.SetSpatialFilter(nullptr);
-        m_layer.ResetReading();
-    }
-    FilterScope(const FilterScope&) = delete;
-    FilterScope& operator=(const FilterScope&) = delete;
-
-  private:
-    OGRLayer& m_layer;
-};
 
 int handOver(Found& found, JWFeatureClass& out) {
     for (auto& feature : found) out.addFeature(feature.release());
@@ -116,6 +35,12 @@ JWEnvelop widened(JWEnvelop rectangle) {
                                    std::fabs(rectangle.minY), std::fabs(rectangle.maxY)});
     rectangle.inflates(reach * 1e-12);
     return rectangle;
+}
+
+/// Has the driver leave out what lies clear of a rectangle.
+void setDriverRectangle(OGRLayer& layer, const JWEnvelop& rectangle) {
+    const JWEnvelop box = widened(rectangle);
+    layer.SetSpatialFilterRect(box.minX, box.minY, box.maxX, box.maxY);
 }
 
 bool isRelation(enumJWSpatialRelation relation) {
@@ -131,44 +56,45 @@ int JWFeatureLayer::getFeaturesByAttributeFilter(const char* where, JWFeatureCla
         if (!append) impl.prepare(out);
         if (!impl.requireReadable()) return -1;
         GdalErrors errors;
-        std::string text = trimmed(where);
-        const auto notUnderstood = [&] {
-            errors.report(JWErrorInvalidArgument,
-                          impl.title() + ": condition '" + text + "' is not understood", "");
-            return -1;
-        };
-        const char* column = impl.layer.GetFIDColumn();
-        const int attribute = impl.layer.GetLayerDefn()->GetFieldIndex("fid");
-        std::unique_ptr<OwnCondition> condition;
-        const bool unnumbered = *column == '\0';
-        if (impl.source->isDatabase() && !unnumbered) {
-            if (!detail::sameName(column, "fid")) {
-                replaceWord(text, "fid", "\"" + std::string(column) + "\"");
-            }
-        } else if ((attribute >= 0 || impl.source->isDatabase()) &&
-                   replaceWord(text, "fid", "fid")) {
-            condition = std::make_unique<OwnCondition>(impl.layer, attribute, text);
-            if (!condition->understood()) return notUnderstood();
-        }
-        const FilterScope scope(impl.layer);
-        impl.reader.loseCursor();
-        if (!condition && !text.empty() &&
-            (impl.layer.SetAttributeFilter(text.c_str()) != OGRERR_NONE || errors.failed())) {
-            return notUnderstood();
-        }
+        const LayerCondition condition(*impl.source, impl.layer, where, false);
         Found found;
         const auto take = [&](OGRFeature& feature) {
-            if (condition && !condition->holds(feature)) return true;
             found.push_back(impl.decode(feature));
             return found.back() != nullptr;
         };
-        if (!impl.reader.visitFiltered(take, errors)) {
-            // Databases look at the condition only now.
-            const bool statement = errors.describe("").find("prepare") != std::string::npos;
-            return statement && found.empty() ? notUnderstood() : -1;
-        }
-        return handOver(found, out);
+        return impl.visitSatisfying(condition, nullptr, take, errors) ? handOver(found, out) : -1;
     });
+}
+
+bool JWFeatureLayer::Impl::notUnderstood(const LayerCondition& condition,
+                                         const GdalErrors& errors) const {
+    errors.report(JWErrorInvalidArgument,
+                  title() + ": condition '" + condition.text() + "' is not understood", "");
+    return false;
+}
+
+/// Visits the features that satisfy a condition and may meet a rectangle (null for everywhere).
+bool JWFeatureLayer::Impl::visitSatisfying(const LayerCondition& condition,
+                                           const JWEnvelop* rectangle,
+                                           const std::function<bool(OGRFeature&)>& visit,
+                                           GdalErrors& errors) {
+    if (!condition.isUnderstood()) return notUnderstood(condition, errors);
+    const FilterScope scope(layer);
+    reader.loseCursor();
+    if (rectangle != nullptr) setDriverRectangle(layer, *rectangle);
+    if (condition.forDriver() != nullptr &&
+        (layer.SetAttributeFilter(condition.forDriver()) != OGRERR_NONE || errors.failed())) {
+        return notUnderstood(condition, errors);
+    }
+    bool any = false;
+    const auto take = [&](OGRFeature& feature) {
+        any = true;
+        return !condition.holds(feature) || visit(feature);
+    };
+    if (reader.visitFiltered(take, errors)) return true;
+    // Databases look at the condition only now.
+    const bool statement = errors.describe("").find("prepare") != std::string::npos;
+    return statement && !any ? notUnderstood(condition, errors) : false;
 }
 
 bool JWFeatureLayer::Impl::visitCandidates(
@@ -195,10 +121,7 @@ bool JWFeatureLayer::Impl::visitCandidates(
     }
     const FilterScope scope(layer);
     reader.loseCursor();
-    if (!all) {
-        const JWEnvelop box = widened(rectangle);
-        layer.SetSpatialFilterRect(box.minX, box.minY, box.maxX, box.maxY);
-    }
+    if (!all) setDriverRectangle(layer, rectangle);
     return reader.visitFiltered(
         [&](OGRFeature& feature) {
             std::unique_ptr<JWFeature> decoded = decode(feature);
@@ -231,12 +154,88 @@ int JWFeatureLayer::getFeaturesByEnvelopFilter(const JWEnvelop& rectangle,
         };
         if (!impl.visitCandidates(rectangle, relation == JWRelationDisjoint, take)) return -1;
         // A spatial index of the source hands features out in an order of its own.
-        if (!impl.index && (impl.source->isDatabase() || impl.source->isDriver("OpenFileGDB"))) {
+        if (!impl.index && impl.source->ordersByIndex()) {
             std::sort(found.begin(), found.end(),
                       [](const auto& a, const auto& b) { return a->getFID64() < b->getFID64(); });
         }
         return handOver(found, out);
     });
+}
+
+namespace {
+
+JWEnvelop envelopOf(OGRFeature& feature) {
+    const OGRGeometry* geometry = feature.GetGeometryRef();
+    if (geometry == nullptr || geometry->IsEmpty()) return JWEnvelop::invalid();
+    OGREnvelope box;
+    geometry->getEnvelope(&box);
+    return JWEnvelop(box.MinX, box.MinY, box.MaxX, box.MaxY);
+}
+
+bool meets(OGRFeature& feature, const JWEnvelop& rectangle) {
+    const JWEnvelop envelop = envelopOf(feature);
+    if (!envelop.isValid() || envelop.isDisjoin(rectangle)) return false;
+    const std::unique_ptr<JWGeometry> geometry = detail::geometryFromOgr(*feature.GetGeometryRef());
+    return geometry != nullptr && detail::hasRelation(*geometry, rectangle, JWRelationOverlap);
+}
+
+}  // namespace
+
+bool JWFeatureLayer::restrictTo(const char* where, const JWEnvelop* rectangle) {
+    Impl& impl = *m_impl;
+    return impl.run("restrictTo", false, [&] {
+        if (rectangle != nullptr && !rectangle->isValid()) {
+            JWReport::setError(JWErrorInvalidArgument,
+                               impl.title() + ": the rectangle to restrict it to is not valid");
+            return false;
+        }
+        if (!impl.requireReadable()) return false;
+        impl.noticeChanges();
+        impl.cache.clear();
+        impl.index.reset();
+        GdalErrors errors;
+        return impl.reader.isKeyed() ? impl.chooseFeatures(where, rectangle, errors)
+                                     : impl.filterFeatures(where, rectangle, errors);
+    });
+}
+
+/// By their identifiers: an index of the source tells them fast, in whatever order.
+bool JWFeatureLayer::Impl::chooseFeatures(const char* where, const JWEnvelop* rectangle,
+                                          GdalErrors& errors) {
+    const LayerCondition condition(*source, layer, where, false);
+    std::vector<std::int64_t> chosen;
+    JWEnvelop whole = JWEnvelop::invalid();
+    const auto choose = [&](OGRFeature& feature) {
+        if (rectangle != nullptr && !meets(feature, *rectangle)) return true;
+        chosen.push_back(feature.GetFID());
+        whole.inflates_to_contain(envelopOf(feature));
+        return true;
+    };
+    if (!visitSatisfying(condition, rectangle, choose, errors)) return false;
+    reader.choose(std::move(chosen));
+    envelop = whole;
+    envelopKnown = true;
+    return true;
+}
+
+/// By testing each feature that is read.
+bool JWFeatureLayer::Impl::filterFeatures(const char* where, const JWEnvelop* rectangle,
+                                          GdalErrors& errors) {
+    const auto condition = std::make_shared<LayerCondition>(*source, layer, where, true);
+    if (!condition->isUnderstood()) return notUnderstood(*condition, errors);
+    const std::optional<JWEnvelop> box =
+        rectangle != nullptr ? std::optional<JWEnvelop>(*rectangle) : std::nullopt;
+    reader.restrictTo([condition, box](OGRFeature& feature) {
+        return condition->holds(feature) && (!box || meets(feature, *box));
+    });
+    JWEnvelop whole = JWEnvelop::invalid();
+    const auto grow = [&whole](std::int64_t, OGRFeature& feature) {
+        whole.inflates_to_contain(envelopOf(feature));
+    };
+    if (!reader.visitAll(true, grow, errors)) return false;
+    envelop = whole;
+    envelopKnown = true;
+    return true;
 }
 
 bool JWFeatureLayer::createSpatialIndex() {
@@ -249,13 +248,9 @@ bool JWFeatureLayer::createSpatialIndex() {
         if (!index->initRTreeIndex()) return false;
         bool isWhole = true;
         const auto add = [&](std::int64_t position, OGRFeature& feature) {
-            const OGRGeometry* geometry = feature.GetGeometryRef();
-            if (geometry == nullptr || geometry->IsEmpty()) return;
-            OGREnvelope box;
-            geometry->getEnvelope(&box);
-            const JWEnvelop envelop(box.MinX, box.MinY, box.MaxX, box.MaxY);
-            isWhole = isWhole &&
-                      (!envelop.isValid() || index->addRect(envelop, detail::payloadOf(position)));
+            const JWEnvelop box = envelopOf(feature);
+            isWhole =
+                isWhole && (!box.isValid() || index->addRect(box, detail::payloadOf(position)));
         };
         if (!impl.reader.visitAll(true, add, errors) || !isWhole) return false;
         impl.index = std::move(index);

@@ -4,6 +4,7 @@
 #include <gdal_priv.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 
 namespace jws::detail {
@@ -93,11 +94,46 @@ void LayerReader::noticeChanges() {
     const std::uint64_t changes = m_source->state(m_layer).changes;
     if (changes == m_changesSeen) return;
     m_changesSeen = changes;
+    m_cursor = -1;
+    if (m_chosen) return;
     m_fids.clear();
     m_complete = false;
     m_increasing = true;
     m_count = -1;
-    m_cursor = -1;
+}
+
+void LayerReader::choose(std::vector<std::int64_t> fids) {
+    loseCursor();
+    std::sort(fids.begin(), fids.end());
+    m_fids = std::move(fids);
+    m_count = static_cast<std::int64_t>(m_fids.size());
+    m_complete = m_increasing = m_chosen = true;
+}
+
+void LayerReader::restrictTo(std::function<bool(OGRFeature&)> holds) {
+    loseCursor();
+    m_fids.clear();
+    m_complete = false;
+    m_increasing = true;
+    m_count = -1;
+    if (!m_holds) {
+        m_holds = std::move(holds);
+        return;
+    }
+    m_holds = [first = std::move(m_holds), then = std::move(holds)](OGRFeature& feature) {
+        return first(feature) && then(feature);
+    };
+}
+
+bool LayerReader::sees(OGRFeature& feature) const {
+    if (m_chosen) return std::binary_search(m_fids.begin(), m_fids.end(), feature.GetFID());
+    return !m_holds || m_holds(feature);
+}
+
+void LayerReader::readDriversNext(OGRFeatureUniquePtr& feature, const GdalErrors& errors) {
+    do {
+        feature.reset(m_layer.GetNextFeature());
+    } while (feature && !errors.failed() && m_holds && !m_holds(*feature));
 }
 
 void LayerReader::rewind() {
@@ -110,8 +146,8 @@ std::int64_t LayerReader::count(GdalErrors& errors) {
     noticeChanges();
     if (m_count >= 0) return m_count;
     if (m_complete) return static_cast<std::int64_t>(m_fids.size());
-    if (m_source->isDriver("ESRI Shapefile")) {
-        // The driver counts deleted rows as well.
+    if (m_holds || m_source->isDriver("ESRI Shapefile")) {
+        // Only reading tells; that driver counts deleted rows as well.
         std::int64_t count = 0;
         const auto increment = [&count](std::int64_t, OGRFeature&) { ++count; };
         m_count = visitAll(false, increment, errors) ? count : -1;
@@ -165,7 +201,7 @@ std::int64_t LayerReader::maximumFID(GdalErrors& errors) {
 
 /// Steps the cursor, which is this reader's, and keeps the table.
 LayerReader::Outcome LayerReader::next(OGRFeatureUniquePtr& feature, GdalErrors& errors) {
-    feature.reset(m_layer.GetNextFeature());
+    readDriversNext(feature, errors);
     if (errors.failed()) {
         const std::int64_t previous =
             m_cursor > 0 ? m_fids[static_cast<std::size_t>(m_cursor) - 1] : -1;
@@ -203,7 +239,8 @@ void LayerReader::finishTable() {
 bool LayerReader::endIsGenuine(GdalErrors& errors) {
     const auto met = static_cast<std::int64_t>(m_fids.size());
     m_count = met;
-    if (m_source->isDriver("ESRI Shapefile") || m_layer.TestCapability(OLCFastFeatureCount) == 0) {
+    if (m_holds || m_source->isDriver("ESRI Shapefile") ||
+        m_layer.TestCapability(OLCFastFeatureCount) == 0) {
         return true;
     }
     std::int64_t stated = m_layer.GetFeatureCount(FALSE);
@@ -243,7 +280,7 @@ LayerReader::Outcome LayerReader::readNext(std::int64_t position, OGRFeatureUniq
     noticeChanges();
     if (position < 0 || (m_complete && !hasTable(position))) return Outcome::End;
     if (ownsCursor() && m_cursor == position) return next(feature, errors);
-    if (position == 0) return skipTo(0, feature, errors);
+    if (position == 0 && !m_chosen) return skipTo(0, feature, errors);
     if (canFetch(position)) return fetch(position, feature, errors);
     const bool onTheWay = ownsCursor() && m_cursor <= position;
     if (!m_randomAccess || onTheWay || m_fids.empty()) return skipTo(position, feature, errors);
@@ -281,7 +318,9 @@ bool LayerReader::visitAll(bool geometries,
                            const std::function<void(std::int64_t, OGRFeature&)>& visit,
                            GdalErrors& errors) {
     noticeChanges();
-    const IgnoredFields ignored(m_layer, !geometries);
+    if (m_chosen) return visitChosen(visit, errors);
+    std::optional<IgnoredFields> ignored;
+    if (!m_holds) ignored.emplace(m_layer, !geometries);
     rewind();
     OGRFeatureUniquePtr feature;
     for (std::int64_t position = 0;; ++position) {
@@ -292,6 +331,16 @@ bool LayerReader::visitAll(bool geometries,
         }
         visit(position, *feature);
     }
+}
+
+bool LayerReader::visitChosen(const std::function<void(std::int64_t, OGRFeature&)>& visit,
+                              GdalErrors& errors) {
+    OGRFeatureUniquePtr feature;
+    for (std::int64_t position = 0; position < m_count; ++position) {
+        if (fetch(position, feature, errors) != Outcome::Read) return false;
+        visit(position, *feature);
+    }
+    return true;
 }
 
 bool LayerReader::visitFiltered(const std::function<bool(OGRFeature&)>& visit, GdalErrors& errors) {
@@ -305,7 +354,7 @@ bool LayerReader::visitFiltered(const std::function<bool(OGRFeature&)>& visit, G
         }
         if (!feature) return true;
         previous = feature->GetFID();
-        if (!visit(*feature)) return false;
+        if (sees(*feature) && !visit(*feature)) return false;
     }
 }
 

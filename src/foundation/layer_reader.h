@@ -15,6 +15,9 @@
 // cursor, and from the start again for what lies behind it.
 //
 // A pass that ends before the driver's own count is a failure, not an end.
+//
+// A reader may see some of the features only: those of a table of identifiers, which are fetched
+// one by one, or those that pass a test, on the way of the cursor. Positions count what it sees.
 #ifndef JW_FOUNDATION_LAYER_READER_H
 #define JW_FOUNDATION_LAYER_READER_H
 
@@ -52,11 +55,24 @@ class LayerReader {
     /// Reads what the layer's current filter lets pass; ends the walk.
     bool visitFiltered(const std::function<bool(OGRFeature&)>& visit, GdalErrors& errors);
 
+    /// The source has an index that tells the features of a filter, and reads them by identifier.
+    bool isKeyed() const { return m_source->ordersByIndex() && m_randomAccess; }
+    /// Has this reader see, of the features it saw, only those of these identifiers, in ascending
+    /// order. For keyed sources.
+    void choose(std::vector<std::int64_t> fids);
+    /// Has this reader see, of the features it saw, only those that pass a test.
+    void restrictTo(std::function<bool(OGRFeature&)> holds);
+
     /// Forgets the cursor: something else is about to move it.
     void loseCursor();
 
   private:
     bool ownsCursor() const;
+    /// The feature is one of those that this reader sees.
+    bool sees(OGRFeature& feature) const;
+    void readDriversNext(OGRFeatureUniquePtr& feature, const GdalErrors& errors);
+    bool visitChosen(const std::function<void(std::int64_t, OGRFeature&)>& visit,
+                     GdalErrors& errors);
     bool hasTable(std::int64_t position) const {
         return position < static_cast<std::int64_t>(m_fids.size());
     }
@@ -83,6 +99,8 @@ class LayerReader {
     std::vector<std::int64_t> m_fids;  ///< identifier of each position met so far
     bool m_complete = false;           ///< the table holds every feature
     bool m_increasing = true;          ///< each identifier in it is larger than the one before
+    bool m_chosen = false;             ///< the table is all that this reader sees
+    std::function<bool(OGRFeature&)> m_holds;  ///< what it sees, empty for everything
     std::int64_t m_count = -1;
     std::int64_t m_cursor = -1;  ///< position that the driver's cursor yields next, −1 unknown
     std::uint64_t m_changesSeen = 0;

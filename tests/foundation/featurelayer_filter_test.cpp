@@ -3,6 +3,7 @@
 // Attribute conditions and rectangle queries.
 #include <geos_c.h>
 
+#include <algorithm>
 #include <random>
 
 #include "foundation/layer_files.h"
@@ -95,6 +96,80 @@ TEST_F(FilterTest, AppendingKeepsWhatIsThere) {
     EXPECT_EQ(layer->getFeaturesByEnvelopFilter(JWEnvelop::invalid(), JWRelationOverlap, found),
               -1);
     EXPECT_EQ(layer->getFeaturesByEnvelopFilter(JWEnvelop(0, 0, 1, 1), JWRelationNone, found), -1);
+}
+
+/// Whichever way a source is read: all features by cursor, by position, and what is asked of them.
+void expectOnly(JWFeatureLayer& layer, const std::vector<int>& expected) {
+    EXPECT_EQ(static_cast<int>(expected.size()), layer.getFeatureCount());
+    for (int i = static_cast<int>(expected.size()) - 1; i >= 0; --i) {
+        const std::unique_ptr<JWFeature> feature(layer.getFeature(i));
+        ASSERT_TRUE(feature) << JWReport::lastError().text;
+        int n = -1;
+        feature->getFieldAsInt(feature->getFieldIndex("n"), n);
+        EXPECT_EQ(expected[static_cast<std::size_t>(i)], n) << i;
+    }
+    EXPECT_EQ(nullptr, layer.getFeature(static_cast<int>(expected.size())));
+    JWFeatureClass even;
+    layer.getFeaturesByAttributeFilter("n = 2 or n = 4 or n = 6 or n = 8", even);
+    EXPECT_EQ(
+        std::count_if(expected.begin(), expected.end(), [](int n) { return n > 0 && n % 2 == 0; }),
+        even.getFeatureCount());
+    const JWEnvelop envelop = layer.getLayerEnvelop();
+    EXPECT_EQ(!expected.empty(), envelop.isValid());
+    if (!expected.empty()) {
+        EXPECT_EQ(3.0 * expected.front(), envelop.minX);
+        EXPECT_EQ(3.0 * expected.back() + 2, envelop.maxX);
+    }
+}
+
+TEST_F(FilterTest, ARestrictedLayerHasWhatIsLeftOnly) {
+    const JWEnvelop right(12, 0, 20, 1), none(-9, -9, -8, -8), gap(2.25, 0, 2.75, 2);
+    const struct {
+        const char* where;
+        const JWEnvelop* rectangle;
+        std::vector<int> expected;
+    } rows[] = {
+        {"", nullptr, upTo(10)}, {"n > 6 or n = 1", nullptr, {1, 7, 8, 9}},
+        {"", &right, {4, 5, 6}}, {"n <> 5", &right, {4, 6}},
+        {nullptr, &none, {}},    {"n > 100", nullptr, {}},
+        {"n >= 0", &gap, {}},
+    };
+    const char* const files[] = {"a.gpkg", "a.sqlite", "a.shp", "a.geojson", "a.gml", "a.fgb", ""};
+    for (const char* file : files) {
+        if (*file != '\0') writeSquares(file, 10);
+        for (const auto& row : rows) {
+            SCOPED_TRACE(std::string(file) + (row.where != nullptr ? row.where : ""));
+            const LayerPtr layer = *file != '\0' ? openLayer(file) : newLayer("");
+            if (*file == '\0') fillSquares(*layer, 10);
+            ASSERT_TRUE(layer->restrictTo(row.where, row.rectangle)) << JWReport::lastError().text;
+            std::vector<int> inOrder = row.expected;
+            if (std::string(file) == "a.fgb") {  // stored along a curve
+                inOrder = readInBlocks(*layer, 3);
+                std::vector<int> sorted = inOrder;
+                std::sort(sorted.begin(), sorted.end());
+                EXPECT_EQ(row.expected, sorted);
+                continue;
+            }
+            EXPECT_EQ(row.expected, readInBlocks(*layer, 3));
+            expectOnly(*layer, row.expected);
+            ASSERT_TRUE(layer->createSpatialIndex());
+            JWFeatureClass found;
+            EXPECT_EQ(static_cast<int>(row.expected.size()),
+                      layer->getFeaturesByEnvelopFilter(JWEnvelop(0, 0, 99, 9), JWRelationOverlap,
+                                                        found));
+            ASSERT_TRUE(layer->restrictTo("n <> 4 and n <> 1"));  // of what is left
+            inOrder.erase(std::remove_if(inOrder.begin(), inOrder.end(),
+                                         [](int n) { return n == 4 || n == 1; }),
+                          inOrder.end());
+            EXPECT_EQ(inOrder, readInBlocks(*layer, 2));
+        }
+        const LayerPtr layer = *file != '\0' ? openLayer(file) : newLayer("");
+        JWReport::clearError();
+        EXPECT_FALSE(layer->restrictTo("nonsense = 1"));
+        EXPECT_EQ(JWErrorInvalidArgument, JWReport::lastError().kind) << file;
+        const JWEnvelop invalid = JWEnvelop::invalid();
+        EXPECT_FALSE(layer->restrictTo("", &invalid));
+    }
 }
 
 /// Rectangle (0 0, 10 10) unless stated; the relations that hold, as digits.

@@ -246,6 +246,55 @@ TEST_F(FeatureLayerTest, TheCacheIsBoundedAndSharesItsFeatures) {
     EXPECT_NE(own.get(), layer->getSharedFeature(9).get());
 }
 
+TEST_F(FeatureLayerTest, ReadingAndDecodingApart) {
+    writeSquares("a.gpkg", 10);
+    writeSquares("a.csv", 10);
+    for (const char* file : {"a.gpkg", "a.csv"}) {
+        const LayerPtr layer = openLayer(file);
+        std::vector<JWReadFeature> read;
+        ASSERT_TRUE(layer->readAhead(0, 4, false, read));
+        ASSERT_TRUE(layer->readAhead(4, 100, true, read)) << "fewer at the end";
+        ASSERT_EQ(10u, read.size());
+        for (std::size_t i = 0; i < read.size(); ++i) {
+            EXPECT_EQ(i < 4, read[i].record != nullptr);
+            ASSERT_TRUE(layer->decodeFeature(read[i]));
+            EXPECT_FALSE(read[i].record);
+            EXPECT_EQ(static_cast<int>(i), number(*read[i].feature));
+            ASSERT_TRUE(layer->decodeFeature(read[i])) << "decoded already";
+        }
+        ASSERT_TRUE(layer->readAhead(10, 5, false, read));
+        EXPECT_EQ(10u, read.size());
+
+        JWReadFeature one;
+        ASSERT_TRUE(layer->readFeature(7, one));
+        ASSERT_TRUE(one.record);
+        ASSERT_TRUE(layer->decodeFeature(one));
+        EXPECT_EQ(7, number(*one.feature));
+        EXPECT_FALSE(layer->readFeature(10, one));
+        EXPECT_FALSE(layer->readFeature(-1, one));
+        JWReadFeature nothing;
+        EXPECT_FALSE(layer->decodeFeature(nothing));
+        EXPECT_FALSE(layer->keepFeature(3, nullptr));
+
+        ASSERT_TRUE(layer->keepFeature(3, read[3].feature));
+        ASSERT_TRUE(layer->readFeature(3, one));
+        EXPECT_EQ(read[3].feature, one.feature) << "from the cache";
+        const std::size_t size = read[0].feature->memorySize();
+        layer->setCacheLimit(3 * size + size / 2);
+        bool hadRoom = true;
+        for (int i = 0; i < 10; ++i) {
+            hadRoom = layer->keepFeature(i, read[static_cast<std::size_t>(i)].feature);
+        }
+        EXPECT_FALSE(hadRoom) << "others had to go";
+        ASSERT_TRUE(layer->readFeature(9, one));
+        EXPECT_FALSE(one.record) << "the latest is held";
+        ASSERT_TRUE(layer->readFeature(0, one));
+        EXPECT_TRUE(one.record) << "the first is not";
+        layer->setCacheLimit(0);
+        EXPECT_FALSE(layer->keepFeature(1, read[1].feature));
+    }
+}
+
 TEST_F(FeatureLayerTest, WritesOutdateWhatIsCached) {
     const LayerPtr layer = newLayer("");
     fillSquares(*layer, 3);

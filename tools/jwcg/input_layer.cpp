@@ -4,8 +4,6 @@
 #include <ogr_spatialref.h>
 
 #include <algorithm>
-#include <unordered_set>
-#include <utility>
 
 #include "exit_codes.h"
 
@@ -29,49 +27,7 @@ InputLayer::InputLayer(const std::string& path, const std::string& layer) : m_pa
 void InputLayer::restrictTo(const std::string& where, const JWEnvelop* rectangle) {
     if (where.empty() && rectangle == nullptr) return;
     JWReport::clearError();
-    JWFeatureClass satisfying, meeting;
-    if (!where.empty() && m_layer->getFeaturesByAttributeFilter(where.c_str(), satisfying) < 0) {
-        throw libraryFailure(m_path);
-    }
-    if (rectangle == nullptr) return keep(satisfying);
-    if (m_layer->getFeaturesByEnvelopFilter(*rectangle, JWRelationOverlap, meeting) < 0) {
-        throw libraryFailure(m_path);
-    }
-    if (where.empty()) return keep(meeting);
-    std::unordered_set<std::int64_t> numbers;
-    for (int i = 0; i < meeting.getFeatureCount(); ++i) {
-        numbers.insert(meeting.getFeatureAt(i)->getFID64());
-    }
-    JWFeatureClass both;
-    for (int i = 0; i < satisfying.getFeatureCount(); ++i) {
-        JWFeature& feature = *satisfying.getFeatureAt(i);
-        if (numbers.count(feature.getFID64()) > 0) {
-            both.addFeature(new JWFeature(std::move(feature)));
-        }
-    }
-    keep(both);
-}
-
-/// Puts a layer in memory in the place of the file's.
-void InputLayer::keep(JWFeatureClass& features) {
-    SourcePointer memory(JWDataSource::createInMemory());
-    LayerPointer layer;
-    if (memory) {
-        layer.reset(memory->createLayer(m_layer->getLayerName(), m_layer->getGeometryType(),
-                                        m_layer->getSpatialReference()));
-    }
-    if (!layer) throw libraryFailure(m_path);
-    const JWFields& fields = *m_layer->getFieldsDefnPtr();
-    for (int i = 0; i < fields.getFieldCount(); ++i) {
-        if (!layer->createField(*fields.getFieldPtr(i))) throw libraryFailure(m_path);
-    }
-    layer->updateFieldsDefnRef();
-    for (int i = 0; i < features.getFeatureCount(); ++i) {
-        JWFeature feature(std::move(*features.getFeatureAt(i)));  // let go once it is copied
-        if (!layer->createFeature(&feature, true)) throw libraryFailure(m_path);
-    }
-    m_layer = std::move(layer);
-    m_source = std::move(memory);
+    if (!m_layer->restrictTo(where.c_str(), rectangle)) throw libraryFailure(m_path);
 }
 
 enumJWWKBGeometryType InputLayer::kind() const { return singleType(m_layer->getGeometryType()); }

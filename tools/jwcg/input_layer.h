@@ -18,8 +18,8 @@ class InputLayer {
     InputLayer(const std::string& path, const std::string& layer);
 
     /// Leaves the features that satisfy `where` (a condition in SQL; empty for all) and whose
-    /// geometries meet a rectangle (null for all). They are held in memory from then on, with their
-    /// identifiers. Throws CommandFailure: usage for a condition that is not understood.
+    /// geometries meet a rectangle (null for all), with their identifiers. Throws CommandFailure:
+    /// usage for a condition that is not understood.
     void restrictTo(const std::string& where, const JWEnvelop* rectangle);
 
     JWFeatureLayer& layer() { return *m_layer; }
@@ -39,8 +39,6 @@ class InputLayer {
     enumJWWKBGeometryType widestType() const;
 
   private:
-    void keep(JWFeatureClass& features);
-
     std::string m_path;
     SourcePointer m_source;
     LayerPointer m_layer;

@@ -100,15 +100,6 @@ void operate(const LayerJob& job, const JobLayers& layers, const OutputFile& out
     throw failure;
 }
 
-/// Features held in memory know their layer, not the file that they come from.
-void nameSources(const InputLayer& a, const InputLayer* b, JWLayerReport& report) {
-    for (JWRejectedFeature& rejected : report.rejected) {
-        if (!rejected.source.empty()) continue;
-        const bool isOverlay = b != nullptr && rejected.layer == b->layerName();
-        rejected.source = isOverlay ? b->path() : a.path();
-    }
-}
-
 RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& bar) {
     Stopwatch watch;
     RunSummary summary;
@@ -134,7 +125,6 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
     if (!report.rejected.empty() && output.isOutOfSpace()) {
         throw CommandFailure(ExitOutOfSpace, settings.output + ": out of disk space");
     }
-    nameSources(a, b ? &*b : nullptr, report);
     for (JWRejectedFeature& rejected : report.rejected) {
         rejected.reason = output.withFinalPath(rejected.reason);
     }
@@ -209,7 +199,6 @@ RunSummary runReadJob(const Settings& settings, const ReadJob& job) {
         throw libraryFailure("");
     }
     bar.clear();
-    nameSources(a, &b, report);
     summary.seconds.emplace_back("run", watch.lap());
     summary.command = job.command;
     summary.parameters = withSharedParameters(settings, job.parameters, true);
