@@ -38,30 +38,43 @@ void writeCircle(const JWRawPoint& center, double radius, const ArcStyle& arcs,
     }
 }
 
-/// The corners of a half circle, clockwise from the angle `start`, its ends left out.
-JWRawPoint* writeCap(const JWRawPoint& center, double radius, double start, const ArcStyle& arcs,
-                     JWRawPoint* corners) {
-    for (int k = 1; k <= arcs.capCorners; ++k) {
-        const double a = start - k * arcs.capStep;
-        *corners++ = {center.x + radius * std::cos(a), center.y + radius * std::sin(a)};
-    }
-    return corners;
-}
-
 }  // namespace
 
+Capsule::Capsule(const Piece& piece, double distance, const ArcStyle& style)
+    : from(piece.from), to(piece.to), radius(std::fabs(distance)), arcs(style) {
+    const Left side = leftOf(piece);
+    left = {side.x, side.y};
+    leftAngle = side.angle;
+}
+
+JWRawPoint Capsule::Cap::normal() const {
+    const JWRawPoint& left = capsule.left;
+    return isAtEnd ? left : JWRawPoint(-left.x, -left.y);
+}
+
+double Capsule::Cap::startAngle() const {
+    return isAtEnd ? capsule.leftAngle : capsule.leftAngle - 2 * kHalfPi;
+}
+
+JWRawPoint Capsule::Cap::corner(int k) const {
+    const JWRawPoint& c = center();
+    const double radius = capsule.radius;
+    if (k > 0 && k <= capsule.arcs.capCorners) {
+        const double a = startAngle() - k * capsule.arcs.capStep;
+        return {c.x + radius * std::cos(a), c.y + radius * std::sin(a)};
+    }
+    const JWRawPoint to(radius * capsule.left.x, radius * capsule.left.y);
+    return (k == 0) == isAtEnd ? JWRawPoint(c.x + to.x, c.y + to.y)
+                               : JWRawPoint(c.x - to.x, c.y - to.y);
+}
+
 void writeCorners(const Piece& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners) {
-    const double radius = std::fabs(distance);
-    if (piece.isCircle()) return writeCircle(piece.from, radius, arcs, corners);
-    const Left left = leftOf(piece);
-    const double x = radius * left.x;
-    const double y = radius * left.y;
-    *corners++ = {piece.from.x + x, piece.from.y + y};
-    *corners++ = {piece.to.x + x, piece.to.y + y};
-    corners = writeCap(piece.to, radius, left.angle, arcs, corners);
-    *corners++ = {piece.to.x - x, piece.to.y - y};
-    *corners++ = {piece.from.x - x, piece.from.y - y};
-    writeCap(piece.from, radius, left.angle - 2 * kHalfPi, arcs, corners);
+    if (piece.isCircle()) return writeCircle(piece.from, std::fabs(distance), arcs, corners);
+    const Capsule capsule(piece, distance, arcs);
+    const int last = arcs.capCorners + 1;
+    *corners++ = capsule.capAtStart().corner(last);
+    for (int k = 0; k <= last; ++k) *corners++ = capsule.capAtEnd().corner(k);
+    for (int k = 0; k < last; ++k) *corners++ = capsule.capAtStart().corner(k);
 }
 
 void fillRing(const Piece& piece, double distance, const ArcStyle& arcs, JWRing& ring) {

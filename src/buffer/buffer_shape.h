@@ -45,6 +45,42 @@ inline int cornerCount(const Piece& piece, const ArcStyle& arcs) {
     return piece.isCircle() ? kCircleCorners : arcs.capsuleCorners();
 }
 
+/// Whether shapes can be reasoned about in doubles: the distance is well above the coordinates'
+/// precision, and squares neither overflow nor underflow.
+inline bool isAmple(double distance, double largestCoordinate) {
+    constexpr double precision = 1e-8;
+    return distance > precision * largestCoordinate && distance > 1e-100 &&
+           largestCoordinate < 1e100;
+}
+
+/// A capsule, its corners one by one.
+struct Capsule {
+    Capsule(const Piece& piece, double distance, const ArcStyle& style);
+
+    /// The half circle around an end, clockwise.
+    struct Cap {
+        const Capsule& capsule;
+        bool isAtEnd;  ///< around `to`, from the left side to the right one; or around `from`
+
+        const JWRawPoint& center() const { return isAtEnd ? capsule.to : capsule.from; }
+        /// The unit vector to corner 0.
+        JWRawPoint normal() const;
+        /// The angle of corner 0.
+        double startAngle() const;
+        /// Corner 0 ends one side, corner `capCorners` + 1 begins the other.
+        JWRawPoint corner(int k) const;
+    };
+    Cap capAtEnd() const { return {*this, true}; }
+    Cap capAtStart() const { return {*this, false}; }
+
+    JWRawPoint from;
+    JWRawPoint to;
+    JWRawPoint left;  ///< unit vector
+    double leftAngle;
+    double radius;
+    const ArcStyle& arcs;
+};
+
 /// Writes the corners of a shape of radius |distance| to `corners`, which has room for
 /// `cornerCount` of them.
 void writeCorners(const Piece& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners);

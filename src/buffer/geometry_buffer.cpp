@@ -9,6 +9,7 @@
 #include "boolean/ring_clip.h"
 #include "boolean/ring_grouping.h"
 #include "buffer/piece_union.h"
+#include "buffer/ring_growth.h"
 #include "foundation/hilbert_order.h"
 
 namespace jws::detail {
@@ -17,6 +18,8 @@ namespace {
 constexpr const char* kNotFinite = "a coordinate is not finite or too large for the distance";
 constexpr const char* kTooSmall = "the distance is too small for the coordinates' precision";
 constexpr const char* kShortRing = "a ring has three points or fewer";
+constexpr std::size_t kWorthSharing = 1000;  // points
+
 constexpr const char* kEmpty = "the geometry has no point";
 
 bool isFiniteAt(const JWRawPoint& p, double distance) {
@@ -45,20 +48,21 @@ void addRun(const std::vector<JWRawPoint>& points, Pieces& pieces) {
 
 /// Whether rounding has left nothing between the sides of a shape. Scaled, since products of small
 /// numbers vanish.
-bool hasCollapsed(const JWRing& ring) {
-    const JWEnvelop e = ring.getEnvelop();
+bool hasCollapsed(const RingView& ring) {
+    JWEnvelop e = JWEnvelop::invalid();
+    for (int i = 0; i < ring.count; ++i) e.inflates_to_contain(ring.points[i]);
     const double width = e.maxX - e.minX, height = e.maxY - e.minY;
     if (width == 0 || height == 0) return true;
-    const JWRawPoint o = ring[0];
-    for (int i = 1; i + 2 < ring.getPointCount(); ++i) {
-        const JWRawPoint &a = ring[i], &b = ring[i + 1];
+    const JWRawPoint o = ring.points[0];
+    for (int i = 1; i + 1 < ring.count; ++i) {
+        const JWRawPoint &a = ring.points[i], &b = ring.points[i + 1];
         const double left = (a.x - o.x) / width * ((b.y - o.y) / height);
         if (left != (b.x - o.x) / width * ((a.y - o.y) / height)) return false;
     }
     return true;
 }
 
-FlaggedRings ringsOf(const Outline& area) {
+FlaggedRings flagged(const Outline& area) {
     FlaggedRings result;
     result.rings.reserve(static_cast<std::size_t>(area.count()));
     for (int i = 0; i < area.count(); ++i) {
@@ -76,63 +80,80 @@ RingViews viewsOf(const FlaggedRings& rings) {
     return views;
 }
 
-FlaggedRings unitedPieces(const Pieces& pieces, const Team& team) {
+/// Throws for an area without any.
+void refuseCollapsed(const Outline& area) {
+    bool collapsed = area.count() == 0;
+    for (int i = 0; i < area.count() && !collapsed; ++i) collapsed = hasCollapsed(area.view(i));
+    if (collapsed) throw BadBuffer(kTooSmall);
+}
+
+Outline unitedPieces(const Pieces& pieces, const Team& team) {
     if (pieces.list.empty()) throw BadBuffer(kEmpty);
-    FlaggedRings result = ringsOf(unitePieces(pieces, team));
-    const bool collapsed = std::any_of(result.rings.begin(), result.rings.end(), hasCollapsed);
-    if (result.empty() || collapsed) throw BadBuffer(kTooSmall);
+    Outline result = unitePieces(pieces, team);
+    refuseCollapsed(result);
     return result;
 }
 
-FlaggedRings minus(const FlaggedRings& rings, const RingViews& subtracted) {
-    return ringsOf(outlineOf(clipRings(viewsOf(rings), subtracted, JWBooleanDifference)));
+RingViews ringsOf(const JWPolygon& polygon) {
+    RingViews rings;
+    appendRings(polygon, rings);
+    return rings;
 }
 
-/// Whether the first vertex of `ring` lies strictly inside `outline`, whose stored envelope may be
-/// stale.
-bool startsInside(const JWRing& ring, const JWRing& outline) {
-    return outline.isPointInRing(ring[0]);
+Outline minus(const Outline& area, const RingViews& subtracted) {
+    return outlineOf(clipRings(viewsOf(area), subtracted, JWBooleanDifference));
 }
 
-FlaggedRings bandOf(const JWRing& ring, const BufferPlan& plan) {
+Pieces piecesOf(const JWRing& ring, const BufferPlan& plan) {
     if (ring.getPointCount() <= 3) throw BadBuffer(kShortRing);
     Pieces pieces = noPieces(plan);
     addRun(ring.getPointList(), pieces);
-    return unitedPieces(pieces, plan.team);
+    return pieces;
 }
 
-/// The outer ring's band without its inner boundary, then what is left of each hole: the band
-/// around a hole has it as a hole of its own that starts inside the hole. Another hole of that band
-/// is a place that it closes off on the polygon's side.
-FlaggedRings faceOf(const JWPolygon& polygon, const BufferPlan& plan) {
-    if (polygon.getRingCount() == 0) throw BadBuffer(kEmpty);
-    FlaggedRings result;
-    for (int r = 0; r < polygon.getRingCount(); ++r) {
-        const JWRing& outline = *polygon.getRingPtrAt(r);
-        if (r > 0 && outline.getPointCount() <= 3) continue;
-        FlaggedRings band = bandOf(outline, plan);
-        for (std::size_t i = 0; i < band.rings.size(); ++i) {
-            const bool hole = band.flags[i] != 0;
-            const bool inside = hole && startsInside(band.rings[i], outline);
-            const bool kept = r == 0 ? !inside : inside;
-            if (kept) result.add(std::move(band.rings[i]), hole ? 1 : 0);
-        }
+/// Appends the rings of a band that count for a face: of the outer ring all but the holes that start
+/// inside it; of a hole those that do. Another hole of a hole's band is a place that it closes off
+/// on the polygon's side.
+void addBandRings(const JWRing& ring, RingSide side, const Outline& band, Outline& face) {
+    for (int i = 0; i < band.count(); ++i) {
+        const RingView made = band.view(i);
+        // The ring's stored envelope may be stale.
+        const bool inside = made.hole != 0 && ring.isPointInRing(made.points[0]);
+        if (inside == (side == RingSide::Inner)) addRing(made, false, made.hole, face);
     }
-    return result;
 }
 
-/// The parts of a geometry buffered one by one and united.
-template <class Part>
-FlaggedRings unitedParts(int count, const BufferPlan& plan, Part&& part) {
-    std::vector<FlaggedRings> groups(static_cast<std::size_t>(std::max(count, 0)));
-    const Team alone(1);
-    parallelChunks(teamFor(groups.size(), 2, plan.team), count, 1,
-                   [&](std::int64_t i, std::int64_t) {
-                       const BufferPlan mine = {plan.distance, plan.arcs, alone};
-                       groups[static_cast<std::size_t>(i)] = part(static_cast<int>(i), mine);
-                       return true;
-                   });
-    return uniteGroups(std::move(groups), plan.team);
+Outline faceOf(const JWPolygon& polygon, const BufferPlan& plan) {
+    if (polygon.getRingCount() == 0) throw BadBuffer(kEmpty);
+    Outline face;
+    for (int r = 0; r < polygon.getRingCount(); ++r) {
+        const JWRing& ring = *polygon.getRingPtrAt(r);
+        if (r > 0 && ring.getPointCount() <= 3) continue;
+        const RingSide side = r == 0 ? RingSide::Outer : RingSide::Inner;
+        const Pieces pieces = piecesOf(ring, plan);
+        if (growRing(ring, pieces, side, face)) continue;
+        addBandRings(ring, side, unitedPieces(pieces, plan.team), face);
+    }
+    return face;
+}
+
+Outline areaOf(const JWPolygon& polygon, enumJWBufferType type, const BufferPlan& plan) {
+    Outline face = faceOf(polygon, plan);
+    return type == JWBufferFace ? face : minus(face, ringsOf(polygon));
+}
+
+std::size_t pointsOf(const JWMultiPolygon& polygons) {
+    RingViews rings;
+    appendRings(polygons, rings);
+    std::size_t points = 0;
+    for (const RingView& ring : rings) points += static_cast<std::size_t>(ring.count);
+    return points;
+}
+
+/// Whether rings that `areaOf` made cannot lie across one another. The faces of a polygon whose
+/// holes do not lie in its outer ring can.
+bool isClean(const JWPolygon& polygon, enumJWBufferType type) {
+    return type == JWBufferEdge || polygon.getRingCount() == 1;
 }
 
 }  // namespace
@@ -140,29 +161,25 @@ FlaggedRings unitedParts(int count, const BufferPlan& plan, Part&& part) {
 FlaggedRings bufferPoint(const JWRawPoint& point, const BufferPlan& plan) {
     Pieces pieces = noPieces(plan);
     addRun({point}, pieces);
-    return unitedPieces(pieces, plan.team);
+    return flagged(unitedPieces(pieces, plan.team));
 }
 
 FlaggedRings bufferLine(const JWLineString& line, const BufferPlan& plan) {
     Pieces pieces = noPieces(plan);
     addRun(line.getPointList(), pieces);
-    return unitedPieces(pieces, plan.team);
+    return flagged(unitedPieces(pieces, plan.team));
 }
 
 FlaggedRings bufferRing(const JWRing& ring, enumJWBufferType type, const BufferPlan& plan) {
     if (type != JWBufferFace && type != JWBufferEdge) return {};
-    FlaggedRings band = bandOf(ring, plan);
-    return type == JWBufferEdge ? band : minus(band, {viewOf(ring, 0)});
+    Outline band = unitedPieces(piecesOf(ring, plan), plan.team);
+    return flagged(type == JWBufferEdge ? band : minus(band, {viewOf(ring, 0)}));
 }
 
 FlaggedRings bufferPolygon(const JWPolygon& polygon, enumJWBufferType type,
                            const BufferPlan& plan) {
     if (type != JWBufferFace && type != JWBufferEdge) return {};
-    FlaggedRings face = faceOf(polygon, plan);
-    if (type == JWBufferFace) return face;
-    RingViews rings;
-    appendRings(polygon, rings);
-    return minus(face, rings);
+    return flagged(areaOf(polygon, type, plan));
 }
 
 FlaggedRings bufferPoints(const JWMultiPoint& points, const BufferPlan& plan) {
@@ -185,7 +202,7 @@ FlaggedRings bufferPoints(const JWMultiPoint& points, const BufferPlan& plan) {
         }
         pieces.endRun();
     }
-    return unitedPieces(pieces, plan.team);
+    return flagged(unitedPieces(pieces, plan.team));
 }
 
 FlaggedRings bufferLines(const JWMultiLineString& lines, const BufferPlan& plan) {
@@ -193,17 +210,27 @@ FlaggedRings bufferLines(const JWMultiLineString& lines, const BufferPlan& plan)
     for (int i = 0; i < lines.getGeometryCount(); ++i) {
         addRun(lines.getLineStringPtrAt(i)->getPointList(), pieces);
     }
-    return unitedPieces(pieces, plan.team);
+    return flagged(unitedPieces(pieces, plan.team));
 }
 
 FlaggedRings bufferPolygons(const JWMultiPolygon& polygons, enumJWBufferType type,
                             const BufferPlan& plan) {
-    return unitedParts(polygons.getPolygonCount(), plan, [&](int i, const BufferPlan& mine) {
-        const JWPolygon& polygon = *polygons.getPolygonPtrAt(i);
-        const bool usable =
-            polygon.getRingCount() > 0 && polygon.getRingPtrAt(0)->getPointCount() > 3;
-        return usable ? bufferPolygon(polygon, type, mine) : FlaggedRings();
-    });
+    if (type != JWBufferFace && type != JWBufferEdge) return {};
+    std::vector<Outline> areas(static_cast<std::size_t>(polygons.getPolygonCount()));
+    const Team alone(1);
+    const BufferPlan mine = {plan.distance, plan.arcs, alone};
+    parallelChunks(teamFor(pointsOf(polygons), kWorthSharing, plan.team),
+                   static_cast<std::int64_t>(areas.size()), 1, [&](std::int64_t i, std::int64_t) {
+                       const JWPolygon& polygon = *polygons.getPolygonPtrAt(static_cast<int>(i));
+                       if (polygon.getRingCount() == 0) return true;
+                       if (polygon.getRingPtrAt(0)->getPointCount() <= 3) return true;
+                       Outline area = areaOf(polygon, type, mine);
+                       areas[static_cast<std::size_t>(i)] =
+                           isClean(polygon, type) ? std::move(area)
+                                                  : resolved(viewsOf(area));
+                       return true;
+                   });
+    return flagged(uniteOutlines(std::move(areas), plan.team));
 }
 
 FlaggedRings bufferGeometry(const JWGeometry& geometry, enumJWBufferType type,
@@ -241,7 +268,7 @@ FlaggedRings uniteGroups(std::vector<FlaggedRings> groups, const Team& team) {
         }
         sets.push_back(viewsOf(group));
     }
-    return ringsOf(uniteRingSets(sets, team));
+    return flagged(uniteRingSets(sets, team));
 }
 
 JWMultiPolygon polygonizeAll(FlaggedRings rings) {

@@ -6,24 +6,24 @@
 #include <utility>
 
 #include "boolean/envelope_clusters.h"
+#include "boolean/plain_area.h"
 #include "foundation/hilbert_order.h"
 
 namespace jws::detail {
 namespace {
 
-/// A ring keeps its first point: the engine starts holes where they touch no other ring.
-void addRing(const RingView& ring, bool reversed, Outline& outline) {
-    for (int i = 0; i < ring.count; ++i) {
-        outline.addPoint(ring.points[reversed && i > 0 ? ring.count - i : i]);
-    }
-    outline.endRing(ring.hole);
+/// What rings wind around counter-clockwise at least once.
+Outline covered(const Outline& rings) {
+    double overlap = 0;
+    return outlineOf(uniteDirected(viewsOf(rings), overlap));
 }
 
-RingViews viewsOf(const Outline& area) {
-    RingViews views;
-    views.reserve(static_cast<std::size_t>(area.count()));
-    for (int i = 0; i < area.count(); ++i) views.push_back(area.view(i));
-    return views;
+/// Whether there is one ring only, which runs clockwise and does not meet itself.
+bool isPlainRing(const Outline& rings) {
+    thread_local PlainAreaTest test;
+    if (rings.count() != 1 || rings.view(0).count < 3) return false;
+    const PlainArea known = test.test(viewsOf(rings));
+    return known.plain && known.interiorLeft == 0;
 }
 
 /// The one call of the engine that unites areas. Its interiors are on the left.
@@ -31,10 +31,9 @@ Outline unite(const std::vector<RingViews>& areas) {
     if (!canUniteDirected) return outlineOf(uniteRings(areas));
     Outline turned;
     for (const RingViews& area : areas) {
-        for (const RingView& ring : area) addRing(ring, true, turned);
+        for (const RingView& ring : area) addRing(ring, true, ring.hole, turned);
     }
-    double overlap = 0;
-    return outlineOf(uniteDirected(viewsOf(turned), overlap));
+    return covered(turned);
 }
 
 JWEnvelop envelopOf(const Outline& area) {
@@ -91,10 +90,34 @@ Outline outlineOf(const ClippedContours& contours) {
     for (int i = 0; i < contours.count(); ++i) {
         const RingView ring = contours.view(i);
         const bool clockwise = twiceArea(ring) < 0;
-        addRing(ring, clockwise != (ring.hole == 0), area);
+        addRing(ring, clockwise != (ring.hole == 0), ring.hole, area);
     }
     return area;
 }
+
+/// The engine starts holes where they touch no other ring.
+void addRing(const RingView& ring, bool reversed, int hole, Outline& outline) {
+    for (int i = 0; i < ring.count; ++i) {
+        outline.addPoint(ring.points[reversed && i > 0 ? ring.count - i : i]);
+    }
+    outline.endRing(hole);
+}
+
+Outline uniteWinding(Outline loops) {
+    if (isPlainRing(loops)) return loops;
+    Outline turned;
+    for (int i = 0; i < loops.count(); ++i) addRing(loops.view(i), true, 0, turned);
+    return covered(turned);
+}
+
+RingViews viewsOf(const Outline& area) {
+    RingViews views;
+    views.reserve(static_cast<std::size_t>(area.count()));
+    for (int i = 0; i < area.count(); ++i) views.push_back(area.view(i));
+    return views;
+}
+
+Outline resolved(const RingViews& rings) { return outlineOf(clipRings(rings, {}, JWBooleanUnion)); }
 
 Outline uniteAtOnce(const Outline& rings) {
     std::vector<RingViews> areas;
@@ -108,7 +131,7 @@ Outline uniteRingSets(const std::vector<RingViews>& sets, const Team& team) {
     parallelChunks(teamFor(sets.size(), 2, team), static_cast<std::int64_t>(sets.size()), 1,
                    [&](std::int64_t i, std::int64_t) {
                        const auto k = static_cast<std::size_t>(i);
-                       outlines[k] = outlineOf(clipRings(sets[k], {}, JWBooleanUnion));
+                       outlines[k] = resolved(sets[k]);
                        return true;
                    });
     return uniteOutlines(std::move(outlines), team);
@@ -131,7 +154,7 @@ Outline uniteOutlines(std::vector<Outline> outlines, const Team& team) {
     Outline all;
     for (const Cluster& cluster : clusters) {
         const Outline& area = outlines[static_cast<std::size_t>(cluster.front())];
-        for (int i = 0; i < area.count(); ++i) addRing(area.view(i), false, all);
+        for (int i = 0; i < area.count(); ++i) addRing(area.view(i), false, area.view(i).hole, all);
     }
     return all;
 }

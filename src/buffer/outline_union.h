@@ -34,9 +34,21 @@ inline const Team& teamFor(std::size_t tasks, std::size_t fewest, const Team& te
 /// A result of the engine as an area.
 Outline outlineOf(const ClippedContours& contours);
 
+/// Appends a ring that may run the other way; its first point stays.
+void addRing(const RingView& ring, bool reversed, int hole, Outline& outline);
+
+/// What closed lines, which may lie across themselves and one another, wind around clockwise at
+/// least once. A single line that does not meet itself is handed on as it is. Only where
+/// `canUniteDirected`. Throws ClipFailure and std::bad_alloc.
+Outline uniteWinding(Outline loops);
+
 /// Unites outer rings that may lie across one another, all at once. Throws ClipFailure and
 /// std::bad_alloc.
 Outline uniteAtOnce(const Outline& rings);
+
+RingViews viewsOf(const Outline& area);
+/// A ring set read by the even-odd rule, as an area.
+Outline resolved(const RingViews& rings);
 
 /// Resolves and unites ring sets, each read by the even-odd rule.
 Outline uniteRingSets(const std::vector<RingViews>& sets, const Team& team);

@@ -4,8 +4,12 @@
 //
 // Neighbours along a line overlap almost everywhere, so that most edges of their shapes lie deep in
 // other shapes: comparing them all would cost far more than the outline that is wanted. Shapes are
-// therefore united in groups of neighbours, the larger the more they overlap (outline_union.h goes
-// on from there), and of these only what may be on the outline is shown to the engine:
+// therefore united in groups of neighbours (outline_union.h goes on from there).
+//
+// Where segments are not very short, a line that winds around a group's capsules is known at once
+// (offset_loop.h); what is left is to resolve where it crosses itself. Groups of other shapes are
+// the larger the more they overlap, and of these only what may be on the outline is shown to the
+// engine:
 //
 //   1. What lies deep in another shape is no part of the outline. From each edge is taken what one
 //      end of it has in another shape, again and again, neighbours first. "Deep" means by a clear
@@ -27,8 +31,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "buffer/cut_shape.h"
+#include "buffer/offset_loop.h"
 
 namespace jws::detail {
 namespace {
@@ -41,7 +47,8 @@ constexpr double kMargin = 1e-3;  // of the distance: how deep lies what is take
 constexpr double kBand = 0.1;     // of the distance: how thick slivers are at corners
 constexpr double kInside = 1e-6;  // of the distance: deeper lies no ring of the true union
 constexpr double kLongest = 4;    // of the distance: the axis of a capsule that is cut
-constexpr double kPrecision = 1e-8;  // of the coordinates: the smallest distance for cutting
+constexpr std::size_t kFewestInLoop = 4;   // shapes, unless the run ends
+constexpr std::size_t kMostInLoop = 128;
 
 /// A group of shapes on its way to a union. One object per thread.
 class PieceGroup {
@@ -50,7 +57,6 @@ class PieceGroup {
     Outline unite();
 
   private:
-    bool canCut() const;
     void cut();
     bool isWithinShape(const RingView& ring) const;
 
@@ -79,11 +85,6 @@ void PieceGroup::take(const Pieces& pieces, std::size_t begin, std::size_t end) 
             m_largest = std::max({m_largest, std::fabs(p.x), std::fabs(p.y)});
         }
     }
-}
-
-/// Whether squares of what occurs neither overflow nor underflow, and precision is ample.
-bool PieceGroup::canCut() const {
-    return m_distance > kPrecision * m_largest && m_distance > 1e-100 && m_largest < 1e100;
 }
 
 /// Neighbours along the line first: of what they cover no more is looked at.
@@ -122,7 +123,7 @@ bool PieceGroup::isWithinShape(const RingView& ring) const {
 Outline PieceGroup::unite() {
     m_slivers.clear();
     bool whole = true;
-    if (canCut()) cut();
+    if (isAmple(m_distance, m_largest)) cut();
     for (const CutShape& shape : m_shapes) {
         shape.addSlivers(kBand, m_slivers);
         whole = whole && shape.isWhole();
@@ -140,39 +141,94 @@ Outline PieceGroup::unite() {
     return result;
 }
 
-/// Cuts runs into groups.
-std::vector<std::size_t> groupEnds(const Pieces& pieces) {
-    std::vector<std::size_t> ends;
-    std::size_t begin = 0;
-    for (const std::size_t runEnd : pieces.runEnds) {
-        double way = 0;
-        for (std::size_t i = begin; i < runEnd; ++i) {
-            const JWRawPoint& start = pieces.list[begin].from;
-            const JWRawPoint& end = pieces.list[i].to;
-            way = std::max({way, std::fabs(end.x - start.x), std::fabs(end.y - start.y)});
-            const std::size_t count = i + 1 - begin;
-            const bool full = count >= kLeast && way > kSpread * pieces.distance;
-            if (!full && count < kMost && i + 1 < runEnd) continue;
-            ends.push_back(i + 1);
-            begin = i + 1;
-            way = 0;
+/// Neighbouring shapes of a run, united in one go.
+struct Group {
+    std::size_t begin;
+    std::size_t end;
+    bool isLoop;  ///< one line winds around them
+};
+
+/// Cuts runs into groups: as many long segments in a row as a loop takes, of others the more the
+/// shorter they are.
+class Grouping {
+  public:
+    explicit Grouping(const Pieces& pieces)
+        : m_pieces(pieces), m_canLoop(canUniteDirected && isAmple(pieces)) {}
+
+    std::vector<Group> groups() const {
+        std::vector<Group> groups;
+        std::size_t begin = 0;
+        for (const std::size_t runEnd : m_pieces.runEnds) {
+            while (begin < runEnd) {
+                const std::size_t longEnd = endOfLoop(begin, runEnd);
+                const std::size_t inLoop = longEnd - begin;
+                const bool isLoop = inLoop >= (longEnd == runEnd ? 2 : kFewestInLoop);
+                groups.push_back({begin, isLoop ? longEnd : endOfOthers(begin, runEnd), isLoop});
+                begin = groups.back().end;
+            }
         }
+        return groups;
     }
-    return ends;
+
+  private:
+    std::size_t endOfLoop(std::size_t begin, std::size_t runEnd) const {
+        if (!m_canLoop) return begin;
+        const std::size_t most = std::min(runEnd, begin + kMostInLoop);
+        std::size_t end = begin;
+        while (end < most && isLongForLoop(m_pieces.list[end], m_pieces.distance)) ++end;
+        return end;
+    }
+
+    std::size_t endOfOthers(std::size_t begin, std::size_t runEnd) const {
+        const std::size_t most = std::min(runEnd, begin + kMost);
+        const JWRawPoint& start = m_pieces.list[begin].from;
+        double way = 0;
+        for (std::size_t end = begin + 1; end < most; ++end) {
+            const JWRawPoint& reached = m_pieces.list[end - 1].to;
+            way = std::max({way, std::fabs(reached.x - start.x), std::fabs(reached.y - start.y)});
+            if (end - begin >= kLeast && way > kSpread * m_pieces.distance) return end;
+        }
+        return most;
+    }
+
+    const Pieces& m_pieces;
+    bool m_canLoop;
+};
+
+Outline uniteLoop(const Pieces& pieces, const Group& group) {
+    thread_local OffsetLoop loop;
+    Outline around;
+    loop.take(&pieces.list[group.begin], group.end - group.begin, pieces.distance, pieces.arcs);
+    loop.addAround(around);
+    return uniteWinding(std::move(around));
 }
 
 }  // namespace
 
+bool isAmple(const Pieces& pieces) {
+    double largest = 0;
+    for (const Piece& piece : pieces.list) {
+        largest = std::max({largest, std::fabs(piece.from.x), std::fabs(piece.from.y),
+                            std::fabs(piece.to.x), std::fabs(piece.to.y)});
+    }
+    return isAmple(pieces.distance, largest + pieces.distance);
+}
+
 Outline unitePieces(const Pieces& pieces, const Team& team) {
-    const std::vector<std::size_t> ends = groupEnds(pieces);
-    std::vector<Outline> outlines(ends.size());
+    const std::vector<Group> groups = Grouping(pieces).groups();
+    std::vector<Outline> outlines(groups.size());
     parallelChunks(
-        teamFor(ends.size(), kWorthSharing, team), static_cast<std::int64_t>(ends.size()), 8,
+        teamFor(groups.size(), kWorthSharing, team), static_cast<std::int64_t>(groups.size()), 8,
         [&](std::int64_t from, std::int64_t to) {
-            thread_local PieceGroup group;
+            thread_local PieceGroup shapes;
             for (auto i = static_cast<std::size_t>(from); i < static_cast<std::size_t>(to); ++i) {
-                group.take(pieces, i == 0 ? 0 : ends[i - 1], ends[i]);
-                outlines[i] = group.unite();
+                const Group& group = groups[i];
+                if (group.isLoop) {
+                    outlines[i] = uniteLoop(pieces, group);
+                } else {
+                    shapes.take(pieces, group.begin, group.end);
+                    outlines[i] = shapes.unite();
+                }
             }
             return true;
         });

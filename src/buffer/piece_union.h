@@ -22,6 +22,9 @@ struct Pieces {
     }
 };
 
+/// Whether all shapes can be reasoned about in doubles.
+bool isAmple(const Pieces& pieces);
+
 /// The union of all shapes, exactly as if each were an operand of its own. A shape that meets no
 /// other keeps its corners in their order. Every corner of every shape must be finite. Throws
 /// ClipFailure and std::bad_alloc.

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+#include "buffer/offset_loop.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "foundation/segment_math.h"
+
+namespace jws::detail {
+namespace {
+
+// Of the distance. A corner of one half circle lies in the next capsule when the segment is longer
+// than the sine of half a step, 0.1306 for 15 degrees.
+constexpr double kShortest = 0.15;
+// Radians. Corners that lie closer together, as where a right angle is made of six steps that are
+// stored with twelve decimals, count as one.
+constexpr double kSameCorner = 3e-12;
+constexpr double kFullTurn = 6.283185307179586;
+
+/// Where two edges that cross do so: a point of ab.
+JWRawPoint crossing(const JWRawPoint& a, const JWRawPoint& b, const JWRawPoint& c,
+                    const JWRawPoint& d) {
+    const JWRawPoint u = difference(b, a), v = difference(d, c);
+    const double t = cross(difference(c, a), v) / cross(u, v);
+    return pointAlong(a, u, t >= 0 ? std::min(t, 1.0) : t < 0 ? 0.0 : 0.5);
+}
+
+/// How far the line turns clockwise from one cap to the next, up to half a turn.
+double turnBetween(const Capsule::Cap& in, const Capsule::Cap& out) {
+    // The cap behind begins half a turn before it comes to the side that leads on.
+    const double turn = in.startAngle() - out.startAngle() + 0.5 * kFullTurn;
+    const double once = turn - kFullTurn * std::floor(turn / kFullTurn);
+    return once > 0.75 * kFullTurn ? 0 : once;
+}
+
+/// Half circles that follow one another around a corner, as their outer outline.
+struct ArcPair {
+    const Capsule::Cap& in;
+    const Capsule::Cap& out;
+    double turn;
+    int last = in.capsule.arcs.capCorners + 1;
+    double step = in.capsule.arcs.capStep;
+
+    /// How far behind the first corner of `in` a corner lies, clockwise.
+    double placeOfIn(int k) const { return k < last ? k * step : 0.5 * kFullTurn; }
+    double placeOfOut(int k) const { return k < last ? turn - 0.5 * kFullTurn + k * step : turn; }
+    JWRawPoint crossingAt(int i, int j) const {
+        return crossing(in.corner(i), in.corner(i + 1), out.corner(j - 1), out.corner(j));
+    }
+};
+
+}  // namespace
+
+bool isLongForLoop(const Piece& piece, double distance) {
+    const JWRawPoint v = difference(piece.to, piece.from);
+    const double least = kShortest * distance;
+    return dot(v, v) >= least * least;
+}
+
+void OffsetLoop::take(const Piece* pieces, std::size_t count, double distance,
+                      const ArcStyle& arcs) {
+    m_capsules.clear();
+    m_capsules.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) m_capsules.emplace_back(pieces[i], distance, arcs);
+    emptyKept(m_ring);
+}
+
+void OffsetLoop::add(const JWRawPoint& p) {
+    if (m_ring.empty() || m_ring.back() != p) m_ring.push_back(p);
+}
+
+void OffsetLoop::endRing(RingSet& rings) {
+    while (m_ring.size() > 1 && m_ring.back() == m_ring.front()) m_ring.pop_back();
+    for (const JWRawPoint& p : m_ring) rings.addPoint(p);
+    rings.endRing(0);
+    m_ring.clear();
+}
+
+void OffsetLoop::addCap(const Cap& cap) {
+    for (int k = 0; k <= cap.capsule.arcs.capCorners + 1; ++k) add(cap.corner(k));
+}
+
+/// The corners of both half circles in their order around the turn, a crossing wherever the other
+/// one becomes the outer one.
+void OffsetLoop::addArc(const Cap& in, const Cap& out, double turn) {
+    const ArcPair arcs{in, out, turn};
+    int i = 0, j = 1;  // the last corner passed of `in`, the next one of `out`
+    while (arcs.placeOfOut(j) < -kSameCorner) ++j;
+    enum { In, Out, Both } on = In;
+    if (j < arcs.last && arcs.placeOfOut(j) < kSameCorner) {
+        on = Both;
+        ++j;
+    }
+    add(in.corner(0));
+    for (;;) {
+        const double ahead = arcs.placeOfIn(i + 1) - arcs.placeOfOut(j);
+        if (ahead < -kSameCorner) {
+            if (on == Out) add(arcs.crossingAt(i, j));
+            add(in.corner(++i));
+            on = In;
+            continue;
+        }
+        const bool same = ahead <= kSameCorner;
+        if (on == In && !same) add(arcs.crossingAt(i, j));
+        add(out.corner(j));
+        if (j == arcs.last) return;
+        ++j;
+        if (same) ++i;
+        on = same ? Both : Out;
+    }
+}
+
+/// Where the line turns towards the side: the crossing of the sides, or the way by the corner.
+void OffsetLoop::addNotch(const Cap& in, const Cap& out) {
+    const JWRawPoint a = in.normal();
+    const JWRawPoint b = {-out.normal().x, -out.normal().y};
+    const double radius = in.capsule.radius;
+    const double whole = 1 + dot(a, b);
+    const double back = radius * std::fabs(cross(a, b)) / whole;  // along either side
+    const auto isLong = [&](const Capsule& capsule) {
+        const JWRawPoint v = difference(capsule.to, capsule.from);
+        return back * back <= dot(v, v);
+    };
+    if (whole > 1e-3 && isLong(in.capsule) && isLong(out.capsule)) {
+        return add(pointAlong(in.center(), {a.x + b.x, a.y + b.y}, radius / whole));
+    }
+    add(in.corner(0));
+    add(in.center());
+    add(out.corner(out.capsule.arcs.capCorners + 1));
+}
+
+void OffsetLoop::addCorner(const Cap& in, const Cap& out) {
+    const JWRawPoint a = in.normal();
+    const JWRawPoint b = {-out.normal().x, -out.normal().y};
+    const double side = cross(a, b);
+    // A line that turns right back has its arc on the left side.
+    const bool isOuter = side < 0 || (side == 0 && dot(a, b) < 0 && in.isAtEnd);
+    const double turn = isOuter ? turnBetween(in, out) : 0;
+    if (turn > kSameCorner) return addArc(in, out, turn);
+    addNotch(in, out);
+}
+
+void OffsetLoop::addAround(RingSet& rings) {
+    const std::size_t n = m_capsules.size();
+    for (std::size_t i = 0; i + 1 < n; ++i) {
+        addCorner(m_capsules[i].capAtEnd(), m_capsules[i + 1].capAtStart());
+    }
+    addCap(m_capsules.back().capAtEnd());
+    for (std::size_t i = n; i-- > 1;) {
+        addCorner(m_capsules[i].capAtStart(), m_capsules[i - 1].capAtEnd());
+    }
+    addCap(m_capsules.front().capAtStart());
+    endRing(rings);
+}
+
+void OffsetLoop::addSide(bool left, RingSet& rings) {
+    const std::size_t n = m_capsules.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        const Capsule &here = m_capsules[left ? i : n - 1 - i],
+                      &next = m_capsules[left ? (i + 1) % n : (2 * n - 2 - i) % n];
+        if (left) {
+            addCorner(here.capAtEnd(), next.capAtStart());
+        } else {
+            addCorner(here.capAtStart(), next.capAtEnd());
+        }
+    }
+    endRing(rings);
+}
+
+}  // namespace jws::detail

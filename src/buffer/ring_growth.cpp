@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include "buffer/ring_growth.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "boolean/packed_tree.h"
+#include "boolean/plain_area.h"
+#include "buffer/offset_loop.h"
+#include "foundation/segment_math.h"
+
+namespace jws::detail {
+namespace {
+
+// Of the distance: a half circle's edge of 15 degrees is 0.0086 deep.
+constexpr double kThin = 0.01;
+constexpr double kSharpest = 0.8660254037844386;  // the cosine of the sharpest angle at a corner
+constexpr int kFew = 48;                          // segments compared without a tree
+
+double distanceBetween(const Piece& a, const Piece& b) {
+    return std::min({segmentDistance(a.from, b.from, b.to), segmentDistance(a.to, b.from, b.to),
+                     segmentDistance(b.from, a.from, a.to), segmentDistance(b.to, a.from, a.to)});
+}
+
+JWEnvelop boxAround(const Piece& piece, double reach) {
+    return {std::min(piece.from.x, piece.to.x) - reach, std::min(piece.from.y, piece.to.y) - reach,
+            std::max(piece.from.x, piece.to.x) + reach, std::max(piece.from.y, piece.to.y) + reach};
+}
+
+/// The segments of a ring that does not meet itself.
+class BoundaryWidth {
+  public:
+    BoundaryWidth(const std::vector<Piece>& pieces, double width)
+        : m_pieces(pieces), m_width(width) {
+        m_boxes.reserve(pieces.size());
+        for (const Piece& piece : pieces) m_boxes.push_back(boxAround(piece, 0.5 * width));
+    }
+
+    /// Whether two segments come too close together, or neighbours fold back.
+    bool isThin() const {
+        const int count = static_cast<int>(m_pieces.size());
+        const PackedTree tree = count > kFew ? PackedTree(m_boxes, true) : PackedTree();
+        for (int i = 0; i < count; ++i) {
+            if (isFold(i)) return true;
+            const auto meets = [&](const JWEnvelop& box) { return !box.isDisjoin(m_boxes[at(i)]); };
+            const auto visit = [&](int j) { return j > i + 1 && isClose(i, j); };
+            if (count > kFew && tree.search(meets, visit)) return true;
+            for (int j = i + 2; j < count && count <= kFew; ++j) {
+                if (meets(m_boxes[at(j)]) && visit(j)) return true;
+            }
+        }
+        return false;
+    }
+
+  private:
+    static std::size_t at(int i) { return static_cast<std::size_t>(i); }
+    bool isFold(int i) const {
+        const Piece &a = m_pieces[at(i)], &b = m_pieces[at(i + 1) % m_pieces.size()];
+        const JWRawPoint u = difference(a.to, a.from), v = difference(b.to, b.from);
+        const double along = dot(u, v);
+        return along < 0 && along * along > kSharpest * kSharpest * dot(u, u) * dot(v, v);
+    }
+    bool isClose(int i, int j) const {
+        const bool areNeighbours = i == 0 && at(j + 1) == m_pieces.size();
+        return !areNeighbours && distanceBetween(m_pieces[at(i)], m_pieces[at(j)]) < m_width;
+    }
+
+    const std::vector<Piece>& m_pieces;
+    double m_width;
+    std::vector<JWEnvelop> m_boxes;
+};
+
+/// What is known of the ring by itself; interior on its left or not.
+bool isPlain(const JWRing& ring, bool& interiorLeft) {
+    thread_local PlainAreaTest test;
+    const PlainArea known = test.test({viewOf(ring, 0)});
+    interiorLeft = known.interiorLeft != 0;
+    return known.plain;
+}
+
+bool hasLongSegments(const Pieces& run) {
+    return std::all_of(run.list.begin(), run.list.end(), [&](const Piece& piece) {
+        return isLongForLoop(piece, run.distance);
+    });
+}
+
+bool isClosedRun(const std::vector<Piece>& list) {
+    return list.size() >= 3 && list.front().from == list.back().to;
+}
+
+}  // namespace
+
+bool growRing(const JWRing& ring, const Pieces& run, RingSide side, Outline& result) {
+    bool interiorLeft = false;
+    if (!canUniteDirected || !isClosedRun(run.list) || !hasLongSegments(run) || !isAmple(run) ||
+        !isPlain(ring, interiorLeft) ||
+        BoundaryWidth(run.list, kThin * run.distance).isThin()) {
+        return false;
+    }
+    thread_local OffsetLoop loop;
+    Outline sides;
+    loop.take(run.list.data(), run.list.size(), run.distance, run.arcs);
+    const bool outer = side == RingSide::Outer;
+    loop.addSide(outer != interiorLeft, sides);
+    if (outer) {
+        sides = uniteWinding(std::move(sides));
+    } else {
+        Outline turned;
+        addRing(sides.view(0), true, 0, turned);
+        sides = uniteWinding(std::move(turned));
+    }
+    for (int i = 0; i < sides.count(); ++i) {
+        const RingView made = sides.view(i);
+        addRing(made, !outer, outer ? made.hole : 1 - made.hole, result);
+    }
+    return true;
+}
+
+}  // namespace jws::detail
