@@ -40,6 +40,14 @@ void writeCircle(const JWRawPoint& center, double radius, const ArcStyle& arcs,
 
 }  // namespace
 
+ArcStyle::ArcStyle(double circle, int corners, double step)
+    : circleStep(circle), capCorners(corners), capStep(step) {
+    for (int k = 0; k <= corners; ++k) capTurns[k] = {std::cos(k * step), std::sin(k * step)};
+}
+
+const ArcStyle kPlainArcs = {0.174532925199, 11, 0.261799387799};
+const ArcStyle kFineArcs = {0, kMostCapCorners, 10.0 * 3.141592653589793 / 180.0};
+
 Capsule::Capsule(const Piece& piece, double distance, const ArcStyle& style)
     : from(piece.from), to(piece.to), radius(std::fabs(distance)), arcs(style) {
     const Left side = leftOf(piece);
@@ -59,13 +67,12 @@ double Capsule::Cap::startAngle() const {
 JWRawPoint Capsule::Cap::corner(int k) const {
     const JWRawPoint& c = center();
     const double radius = capsule.radius;
-    if (k > 0 && k <= capsule.arcs.capCorners) {
-        const double a = startAngle() - k * capsule.arcs.capStep;
-        return {c.x + radius * std::cos(a), c.y + radius * std::sin(a)};
-    }
-    const JWRawPoint to(radius * capsule.left.x, radius * capsule.left.y);
-    return (k == 0) == isAtEnd ? JWRawPoint(c.x + to.x, c.y + to.y)
-                               : JWRawPoint(c.x - to.x, c.y - to.y);
+    const JWRawPoint n = normal();
+    if (k == 0) return {c.x + radius * n.x, c.y + radius * n.y};
+    if (k > capsule.arcs.capCorners) return {c.x - radius * n.x, c.y - radius * n.y};
+    const JWRawPoint& turn = capsule.arcs.capTurns[k];
+    return {c.x + radius * (n.x * turn.x + n.y * turn.y),
+            c.y + radius * (n.y * turn.x - n.x * turn.y)};
 }
 
 void writeCorners(const Piece& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners) {

@@ -11,12 +11,18 @@
 
 namespace jws::detail {
 
-/// How arcs are drawn. Their corners are computed from angles in the order stated, so that they are
-/// the same to the last bit wherever a shape is made.
+constexpr int kMostCapCorners = 17;
+
+/// How arcs are drawn. Corners are the same to the last bit wherever a shape is made.
 struct ArcStyle {
+    ArcStyle(double circle, int corners, double step);
+
     double circleStep;  ///< radians; 0 for k × 10 degrees converted one by one
     int capCorners;     ///< of a half circle, its ends not counted
     double capStep;     ///< radians
+    /// Unit vectors at the angles k × `capStep`, by which the sides' normals are turned to the
+    /// corners of half circles.
+    JWRawPoint capTurns[kMostCapCorners + 1];
 
     /// The angle of corner k of a circle.
     double circleAngle(int k) const {
@@ -27,9 +33,9 @@ struct ArcStyle {
 };
 
 /// Steps of 10 and 15 degrees, with twelve decimals.
-constexpr ArcStyle kPlainArcs = {0.174532925199, 11, 0.261799387799};
+extern const ArcStyle kPlainArcs;
 /// Steps of 10 degrees throughout.
-constexpr ArcStyle kFineArcs = {0, 17, 10.0 * 3.141592653589793 / 180.0};
+extern const ArcStyle kFineArcs;
 
 constexpr int kCircleCorners = 36;
 

@@ -41,7 +41,7 @@ class CutShape {
     double depth(const JWRawPoint& p) const;
 
   private:
-    static constexpr int kMostCorners = 38;
+    static constexpr int kMostCorners = 4 + 2 * kMostCapCorners;
 
     int after(int k) const { return k + 1 < m_count ? k + 1 : 0; }
     bool isHidden(int edge) const { return m_from[edge] >= m_to[edge]; }

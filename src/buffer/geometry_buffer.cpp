@@ -111,9 +111,9 @@ Pieces piecesOf(const JWRing& ring, const BufferPlan& plan) {
     return pieces;
 }
 
-/// Appends the rings of a band that count for a face: of the outer ring all but the holes that start
-/// inside it; of a hole those that do. Another hole of a hole's band is a place that it closes off
-/// on the polygon's side.
+/// Appends the rings of a band that count for a face: of the outer ring all but the holes that
+/// start inside it; of a hole those that do. Another hole of a hole's band is a place that it
+/// closes off on the polygon's side.
 void addBandRings(const JWRing& ring, RingSide side, const Outline& band, Outline& face) {
     for (int i = 0; i < band.count(); ++i) {
         const RingView made = band.view(i);
@@ -226,8 +226,7 @@ FlaggedRings bufferPolygons(const JWMultiPolygon& polygons, enumJWBufferType typ
                        if (polygon.getRingPtrAt(0)->getPointCount() <= 3) return true;
                        Outline area = areaOf(polygon, type, mine);
                        areas[static_cast<std::size_t>(i)] =
-                           isClean(polygon, type) ? std::move(area)
-                                                  : resolved(viewsOf(area));
+                           isClean(polygon, type) ? std::move(area) : resolved(viewsOf(area));
                        return true;
                    });
     return flagged(uniteOutlines(std::move(areas), plan.team));

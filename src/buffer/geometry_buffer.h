@@ -38,7 +38,7 @@ struct FlaggedRings {
 /// How a buffer is computed; the same for every kind.
 struct BufferPlan {
     double distance;
-    ArcStyle arcs;
+    const ArcStyle& arcs;
     const Team& team;
 };
 

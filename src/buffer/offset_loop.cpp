@@ -33,20 +33,27 @@ double turnBetween(const Capsule::Cap& in, const Capsule::Cap& out) {
     return once > 0.75 * kFullTurn ? 0 : once;
 }
 
-/// Half circles that follow one another around a corner, as their outer outline.
-struct ArcPair {
-    const Capsule::Cap& in;
-    const Capsule::Cap& out;
-    double turn;
-    int last = in.capsule.arcs.capCorners + 1;
-    double step = in.capsule.arcs.capStep;
+/// Goes along a half circle, corner by corner.
+class ArcWalk {
+  public:
+    /// `place`: how far the half circle begins behind the start of the turn, in radians.
+    ArcWalk(const Capsule::Cap& cap, double place)
+        : m_cap(cap), m_end(cap.capsule.arcs.capCorners + 1), m_start(place) {}
 
-    /// How far behind the first corner of `in` a corner lies, clockwise.
-    double placeOfIn(int k) const { return k < last ? k * step : 0.5 * kFullTurn; }
-    double placeOfOut(int k) const { return k < last ? turn - 0.5 * kFullTurn + k * step : turn; }
-    JWRawPoint crossingAt(int i, int j) const {
-        return crossing(in.corner(i), in.corner(i + 1), out.corner(j - 1), out.corner(j));
+    /// The place of the corner that comes next.
+    double place() const {
+        return m_start + (m_next < m_end ? m_next * m_cap.capsule.arcs.capStep : 0.5 * kFullTurn);
     }
+    bool isAtEnd() const { return m_next == m_end; }
+    JWRawPoint last() const { return m_cap.corner(m_next - 1); }
+    JWRawPoint next() const { return m_cap.corner(m_next); }
+    void pass() { ++m_next; }
+
+  private:
+    const Capsule::Cap& m_cap;
+    int m_end;
+    double m_start;
+    int m_next = 1;
 };
 
 }  // namespace
@@ -83,30 +90,31 @@ void OffsetLoop::addCap(const Cap& cap) {
 /// The corners of both half circles in their order around the turn, a crossing wherever the other
 /// one becomes the outer one.
 void OffsetLoop::addArc(const Cap& in, const Cap& out, double turn) {
-    const ArcPair arcs{in, out, turn};
-    int i = 0, j = 1;  // the last corner passed of `in`, the next one of `out`
-    while (arcs.placeOfOut(j) < -kSameCorner) ++j;
-    enum { In, Out, Both } on = In;
-    if (j < arcs.last && arcs.placeOfOut(j) < kSameCorner) {
-        on = Both;
-        ++j;
+    ArcWalk a(in, 0), b(out, turn - 0.5 * kFullTurn);
+    const auto addCrossing = [&] { add(crossing(a.last(), a.next(), b.last(), b.next())); };
+    while (b.place() < -kSameCorner) b.pass();
+    enum { OnA, OnB, OnBoth } on = OnA;
+    if (!b.isAtEnd() && b.place() < kSameCorner) {
+        on = OnBoth;
+        b.pass();
     }
-    add(in.corner(0));
+    add(a.last());
     for (;;) {
-        const double ahead = arcs.placeOfIn(i + 1) - arcs.placeOfOut(j);
-        if (ahead < -kSameCorner) {
-            if (on == Out) add(arcs.crossingAt(i, j));
-            add(in.corner(++i));
-            on = In;
+        const double ahead = a.place() - b.place();
+        const bool same = std::fabs(ahead) <= kSameCorner;
+        if (ahead < 0 && !same) {
+            if (on == OnB) addCrossing();
+            add(a.next());
+            a.pass();
+            on = OnA;
             continue;
         }
-        const bool same = ahead <= kSameCorner;
-        if (on == In && !same) add(arcs.crossingAt(i, j));
-        add(out.corner(j));
-        if (j == arcs.last) return;
-        ++j;
-        if (same) ++i;
-        on = same ? Both : Out;
+        if (on == OnA && !same) addCrossing();
+        add(b.next());
+        if (b.isAtEnd()) return;
+        b.pass();
+        if (same) a.pass();
+        on = same ? OnBoth : OnB;
     }
 }
 

@@ -47,7 +47,7 @@ constexpr double kMargin = 1e-3;  // of the distance: how deep lies what is take
 constexpr double kBand = 0.1;     // of the distance: how thick slivers are at corners
 constexpr double kInside = 1e-6;  // of the distance: deeper lies no ring of the true union
 constexpr double kLongest = 4;    // of the distance: the axis of a capsule that is cut
-constexpr std::size_t kFewestInLoop = 4;   // shapes, unless the run ends
+constexpr std::size_t kFewestInLoop = 4;  // shapes, unless the run ends
 constexpr std::size_t kMostInLoop = 128;
 
 /// A group of shapes on its way to a union. One object per thread.

@@ -13,7 +13,7 @@ namespace jws::detail {
 /// Shapes of one distance to be united. Those of one run follow one another, as along a line.
 struct Pieces {
     double distance;
-    ArcStyle arcs;
+    const ArcStyle& arcs;
     std::vector<Piece> list;
     std::vector<std::size_t> runEnds;
 

@@ -12,10 +12,11 @@
 namespace jws::detail {
 namespace {
 
-// Of the distance: a half circle's edge of 15 degrees is 0.0086 deep.
+// Of the distance: a half circle's edge of 15 degrees is 0.0086 deep and its ends are 0.1306 away
+// from its middle.
 constexpr double kThin = 0.01;
-constexpr double kSharpest = 0.8660254037844386;  // the cosine of the sharpest angle at a corner
-constexpr int kFew = 48;                          // segments compared without a tree
+constexpr double kHalfEdge = 0.131;
+constexpr int kFew = 48;  // segments compared without a tree
 
 double distanceBetween(const Piece& a, const Piece& b) {
     return std::min({segmentDistance(a.from, b.from, b.to), segmentDistance(a.to, b.from, b.to),
@@ -30,10 +31,11 @@ JWEnvelop boxAround(const Piece& piece, double reach) {
 /// The segments of a ring that does not meet itself.
 class BoundaryWidth {
   public:
-    BoundaryWidth(const std::vector<Piece>& pieces, double width)
-        : m_pieces(pieces), m_width(width) {
+    BoundaryWidth(const std::vector<Piece>& pieces, double distance)
+        : m_pieces(pieces), m_distance(distance) {
         m_boxes.reserve(pieces.size());
-        for (const Piece& piece : pieces) m_boxes.push_back(boxAround(piece, 0.5 * width));
+        const double reach = 0.5 * kThin * distance;
+        for (const Piece& piece : pieces) m_boxes.push_back(boxAround(piece, reach));
     }
 
     /// Whether two segments come too close together, or neighbours fold back.
@@ -54,19 +56,23 @@ class BoundaryWidth {
 
   private:
     static std::size_t at(int i) { return static_cast<std::size_t>(i); }
+    /// Whether, near the far end of either segment, a corner's two segments come too close.
     bool isFold(int i) const {
         const Piece &a = m_pieces[at(i)], &b = m_pieces[at(i + 1) % m_pieces.size()];
         const JWRawPoint u = difference(a.to, a.from), v = difference(b.to, b.from);
-        const double along = dot(u, v);
-        return along < 0 && along * along > kSharpest * kSharpest * dot(u, u) * dot(v, v);
+        if (dot(u, v) >= 0) return false;
+        const double lengthU = length(u), lengthV = length(v);
+        const double open = std::fabs(cross(u, v)) / (lengthU * lengthV);
+        return (std::min(lengthU, lengthV) - kHalfEdge * m_distance) * open < kThin * m_distance;
     }
     bool isClose(int i, int j) const {
         const bool areNeighbours = i == 0 && at(j + 1) == m_pieces.size();
-        return !areNeighbours && distanceBetween(m_pieces[at(i)], m_pieces[at(j)]) < m_width;
+        return !areNeighbours &&
+               distanceBetween(m_pieces[at(i)], m_pieces[at(j)]) < kThin * m_distance;
     }
 
     const std::vector<Piece>& m_pieces;
-    double m_width;
+    double m_distance;
     std::vector<JWEnvelop> m_boxes;
 };
 
@@ -79,9 +85,8 @@ bool isPlain(const JWRing& ring, bool& interiorLeft) {
 }
 
 bool hasLongSegments(const Pieces& run) {
-    return std::all_of(run.list.begin(), run.list.end(), [&](const Piece& piece) {
-        return isLongForLoop(piece, run.distance);
-    });
+    return std::all_of(run.list.begin(), run.list.end(),
+                       [&](const Piece& piece) { return isLongForLoop(piece, run.distance); });
 }
 
 bool isClosedRun(const std::vector<Piece>& list) {
@@ -93,8 +98,7 @@ bool isClosedRun(const std::vector<Piece>& list) {
 bool growRing(const JWRing& ring, const Pieces& run, RingSide side, Outline& result) {
     bool interiorLeft = false;
     if (!canUniteDirected || !isClosedRun(run.list) || !hasLongSegments(run) || !isAmple(run) ||
-        !isPlain(ring, interiorLeft) ||
-        BoundaryWidth(run.list, kThin * run.distance).isThin()) {
+        !isPlain(ring, interiorLeft) || BoundaryWidth(run.list, run.distance).isThin()) {
         return false;
     }
     thread_local OffsetLoop loop;

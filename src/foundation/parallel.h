@@ -33,13 +33,16 @@ constexpr int fixedTeamSize = 8;
 /// most four per core (or the fixed team), since the runtime ends the process when it cannot start
 /// one.
 inline int teamSize(int threads) {
+    if (threads == 1) return 1;  // asking for the cores is a call of the system
     const int cores = omp_get_num_procs();
     return threads > 0 ? std::min(threads, std::max(fixedTeamSize, 4 * cores)) : cores;
 }
 
 /// How many of a team of `threads` work at a time: one per core; two at least, so that a team works
 /// in the same way everywhere.
-inline int workersOf(int threads) { return std::min(threads, std::max(2, omp_get_num_procs())); }
+inline int workersOf(int threads) {
+    return threads == 1 ? 1 : std::min(threads, std::max(2, omp_get_num_procs()));
+}
 
 /// Holds a team of a given size for the length of a scope and puts the caller's OpenMP settings
 /// back at its end. A team of one leaves them alone.
