@@ -6,10 +6,13 @@
 // by the whole team instead. To unite them the outlines of all buffers are kept in memory and
 // united neighbours first, which is the union that buffers of many parts go through anyway; they
 // are gathered in the order of the layer, so that the result depends on nothing else.
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <utility>
 
+#include "boolean/ring_clip.h"
 #include "buffer/geometry_buffer.h"
 #include "jw_feature.h"
 #include "jw_geometrybuffer.h"
@@ -24,11 +27,6 @@ using namespace detail;
 namespace {
 
 constexpr unsigned kKinds = PointKind | LineKind | AreaKind;
-
-/// A feature cannot be buffered; the text says why.
-struct NoBuffer : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 [[noreturn]] void refuse(const std::string& text) {
     JWReport::setError(JWErrorInvalidArgument, "bufferLayer: " + text);
@@ -49,31 +47,28 @@ class LayerBuffer {
         if (m_field < 0) refuse("the input has no field '" + m_fieldName + "'");
     }
 
-    /// Throws NoBuffer and ClipFailure.
-    FlaggedRings make(const JWFeature& feature, const Team& team) const {
-        try {
-            FlaggedRings rings = bufferGeometry(*feature.getGeometryPtr(), m_type,
-                                                {distanceOf(feature), kPlainArcs, team});
-            if (rings.empty()) throw NoBuffer("the buffer is empty");
-            return rings;
-        } catch (const BadBuffer& bad) {
-            throw NoBuffer(bad.what());
-        }
-    }
-
-  private:
-    static bool isUsable(double distance) { return distance > 0 && std::isfinite(distance); }
-
+    /// Throws BadBuffer.
     double distanceOf(const JWFeature& feature) const {
         if (m_field < 0 || (m_distance > 0 && !feature.isFieldSet(m_field))) return m_distance;
         double distance = 0;
         if (!feature.getFieldAsDouble(m_field, distance))
-            throw NoBuffer("there is no distance in field '" + m_fieldName + "'");
+            throw BadBuffer("there is no distance in field '" + m_fieldName + "'");
         if (!isUsable(distance))
-            throw NoBuffer("the distance in field '" + m_fieldName +
-                           "' is not greater than 0 and finite");
+            throw BadBuffer("the distance in field '" + m_fieldName +
+                            "' is not greater than 0 and finite");
         return distance;
     }
+
+    /// Throws BadBuffer and ClipFailure.
+    FlaggedRings make(const JWFeature& feature, const Team& team) const {
+        FlaggedRings rings = bufferGeometry(*feature.getGeometryPtr(), m_type,
+                                            {distanceOf(feature), kPlainArcs, team});
+        if (rings.empty()) throw BadBuffer("the buffer is empty");
+        return rings;
+    }
+
+  private:
+    static bool isUsable(double distance) { return distance > 0 && std::isfinite(distance); }
 
     double m_distance;
     enumJWBufferType m_type;
@@ -95,14 +90,16 @@ std::int64_t bufferEach(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferO
         try {
             const Team team(isFew ? options.threads : 1);
             results.add(polygonize(buffer.make(feature, team)));
-        } catch (const std::runtime_error& refusal) {
-            results.reject(refusal.what());
+        } catch (const BadBuffer& bad) {
+            results.reject(bad.what());
+        } catch (const ClipFailure& failure) {
+            results.reject(failure.what());
         }
     };
     return runLayerMap(job, {options.blockSize, isFew ? 1 : options.threads}, report);
 }
 
-/// The buffers of all features, in the order of the layer.
+/// The buffers of all features, in the order of the layer, and their union.
 class BufferGathering {
   public:
     BufferGathering(const LayerBuffer& buffer, FeatureInput& input, const JWBufferOptions& options,
@@ -112,55 +109,88 @@ class BufferGathering {
           m_team(options.threads),
           m_report(report),
           m_total(input.count()),
+          m_isFew(m_total < m_team.size()),
           m_blocks(m_total, options.blockSize) {}
 
-    std::vector<FlaggedRings> gather() {
-        for (std::int64_t block = 0; block < m_blocks.number(); ++block) {
-            m_input.readBlock(m_blocks.first(block) - 1, m_blocks.size(), m_features);
-            bufferBlock();
-            if (JWReport::progress(m_report.readA, m_total)) continue;
-            m_report.cancelled = true;
-            JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
-            throw LayerFailure();
+    /// Null when no feature has a buffer. Throws LayerFailure.
+    std::unique_ptr<JWGeometry> unite() {
+        const Pulse pulse([this] { beat(); });
+        try {
+            for (std::int64_t block = 0; block < m_blocks.number(); ++block) {
+                m_input.readBlock(m_blocks.first(block) - 1, m_blocks.size(), m_features);
+                bufferBlock();
+                beat();
+            }
+            if (m_buffers.empty()) return nullptr;
+            if (isTooSmall(m_leastDistance, m_largest)) refuse(kTooSmallForUnion);
+            std::unique_ptr<JWGeometry> united =
+                polygonize(uniteGroups(std::move(m_buffers), m_team));
+            if (!united) refuse(kTooSmallForUnion);
+            return united;
+        } catch (...) {
+            m_report.cancelled = m_stopped;
+            throw;
         }
-        return std::move(m_buffers);
     }
-    const Team& team() const { return m_team; }
 
   private:
+    static constexpr const char* kTooSmallForUnion =
+        "a distance is too small for the precision of the layer's largest coordinate";
+
+    /// On any thread.
+    void beat() {
+        if (!m_stopped && JWReport::progress(m_done, m_total)) return;
+        m_stopped = true;
+        JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
+        throw LayerFailure();
+    }
+
     void bufferBlock() {
         std::vector<FlaggedRings> made(m_features.size());
         std::vector<std::string> reasons(m_features.size());
-        parallelChunks(m_team, static_cast<std::int64_t>(m_features.size()), 16,
+        const Team alone(1);
+        parallelChunks(m_isFew ? alone : m_team, static_cast<std::int64_t>(m_features.size()), 16,
                        [&](std::int64_t begin, std::int64_t end) {
-                           const Team alone(1);
                            for (auto i = static_cast<std::size_t>(begin);
                                 i < static_cast<std::size_t>(end); ++i)
-                               bufferOne(*m_features[i], alone, made[i], reasons[i]);
+                               bufferOne(*m_features[i], m_isFew ? m_team : alone, made[i],
+                                         reasons[i]);
                            return true;
                        });
-        for (std::size_t i = 0; i < made.size(); ++i) {
-            const JWFeature& feature = *m_features[i];
-            ++m_report.readA;
-            if (feature.isGeometryEmpty()) ++m_report.emptyA;
-            if (!reasons[i].empty()) {
-                m_report.rejected.push_back(
-                    {m_input.source(), m_input.name(), feature.getFID64(), reasons[i]});
-            }
-            if (!made[i].empty()) m_buffers.push_back(std::move(made[i]));
-        }
+        for (std::size_t i = 0; i < made.size(); ++i) take(*m_features[i], made[i], reasons[i]);
     }
 
-    void bufferOne(const JWFeature& feature, const Team& alone, FlaggedRings& made,
-                   std::string& reason) const {
+    void bufferOne(const JWFeature& feature, const Team& team, FlaggedRings& made,
+                   std::string& reason) {
+        Pulse::tick();
+        ++m_done;
         const GeometryCheck check = checkGeometry(feature, kKinds);
         reason = reasonOf(check, feature, kKinds);
         if (check != GeometryCheck::Usable) return;
         try {
-            made = m_buffer.make(feature, alone);
-        } catch (const std::runtime_error& refusal) {
-            reason = refusal.what();
+            made = m_buffer.make(feature, team);
+        } catch (const BadBuffer& bad) {
+            reason = bad.what();
+        } catch (const ClipFailure& failure) {
+            reason = failure.what();
         }
+    }
+
+    void take(const JWFeature& feature, FlaggedRings& made, const std::string& reason) {
+        ++m_report.readA;
+        if (feature.isGeometryEmpty()) ++m_report.emptyA;
+        if (!reason.empty()) {
+            m_report.rejected.push_back(
+                {m_input.source(), m_input.name(), feature.getFID64(), reason});
+        }
+        if (made.empty()) return;
+        m_leastDistance = std::min(m_leastDistance, m_buffer.distanceOf(feature));
+        for (const JWRing& ring : made.rings) {
+            const JWEnvelop e = ring.getEnvelop();
+            for (const double v : {e.minX, e.minY, e.maxX, e.maxY})
+                m_largest = std::max(m_largest, std::fabs(v));
+        }
+        m_buffers.push_back(std::move(made));
     }
 
     const LayerBuffer& m_buffer;
@@ -168,9 +198,14 @@ class BufferGathering {
     Team m_team;
     JWLayerReport& m_report;
     std::int64_t m_total;
+    bool m_isFew;  ///< features: each is then buffered by the whole team
     Blocks m_blocks;
+    std::atomic<std::int64_t> m_done{0};
+    std::atomic<bool> m_stopped{false};
     std::vector<std::shared_ptr<const JWFeature>> m_features;
     std::vector<FlaggedRings> m_buffers;
+    double m_leastDistance = HUGE_VAL;
+    double m_largest = 0;  ///< coordinate of the buffers
 };
 
 std::int64_t bufferAll(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferOptions& options,
@@ -180,17 +215,14 @@ std::int64_t bufferAll(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferOp
     const LayerBuffer buffer(options, *input);
     using Clock = std::chrono::steady_clock;
     const Clock::time_point start = Clock::now();
-    BufferGathering gathering(buffer, *input, options, report);
-    std::vector<FlaggedRings> buffers = gathering.gather();
+    std::unique_ptr<JWGeometry> united = BufferGathering(buffer, *input, options, report).unite();
+    report.secondsOverlay = std::chrono::duration<double>(Clock::now() - start).count();
     ResultSchema schema;
     output->setGeometryType(JWWKBMultiPolygon);
     schema.create(*output);
-    if (buffers.empty()) return 0;
+    if (!united) return 0;
     PendingResult result;
-    std::unique_ptr<JWGeometry> united =
-        polygonize(uniteGroups(std::move(buffers), gathering.team()));
     result.area = areaOf(*united);
-    report.secondsOverlay = std::chrono::duration<double>(Clock::now() - start).count();
     result.feature = schema.makeFeature(std::move(united), {nullptr}, result.lostField);
     output->begin();
     try {

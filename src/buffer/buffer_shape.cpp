@@ -16,7 +16,7 @@ struct Left {
 };
 
 /// Horizontal and vertical segments have their sides exactly at the distance.
-Left leftOf(const Piece& piece) {
+Left leftOf(const Shape& piece) {
     double dx = piece.to.x - piece.from.x;
     double dy = piece.to.y - piece.from.y;
     if (std::isinf(dx) || std::isinf(dy)) {  // ends at opposite ends of the number range
@@ -48,7 +48,7 @@ ArcStyle::ArcStyle(double circle, int corners, double step)
 const ArcStyle kPlainArcs = {0.174532925199, 11, 0.261799387799};
 const ArcStyle kFineArcs = {0, kMostCapCorners, 10.0 * 3.141592653589793 / 180.0};
 
-Capsule::Capsule(const Piece& piece, double distance, const ArcStyle& style)
+Capsule::Capsule(const Shape& piece, double distance, const ArcStyle& style)
     : from(piece.from), to(piece.to), radius(std::fabs(distance)), arcs(style) {
     const Left side = leftOf(piece);
     left = {side.x, side.y};
@@ -75,7 +75,7 @@ JWRawPoint Capsule::Cap::corner(int k) const {
             c.y + radius * (n.y * turn.x - n.x * turn.y)};
 }
 
-void writeCorners(const Piece& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners) {
+void writeCorners(const Shape& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners) {
     if (piece.isCircle()) return writeCircle(piece.from, std::fabs(distance), arcs, corners);
     const Capsule capsule(piece, distance, arcs);
     const int last = arcs.capCorners + 1;
@@ -84,7 +84,7 @@ void writeCorners(const Piece& piece, double distance, const ArcStyle& arcs, JWR
     for (int k = 0; k < last; ++k) *corners++ = capsule.capAtStart().corner(k);
 }
 
-void fillRing(const Piece& piece, double distance, const ArcStyle& arcs, JWRing& ring) {
+void fillRing(const Shape& piece, double distance, const ArcStyle& arcs, JWRing& ring) {
     std::vector<JWRawPoint>& points = ring.getPointList();
     const int corners = cornerCount(piece, arcs);
     points.clear();

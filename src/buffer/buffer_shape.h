@@ -40,14 +40,14 @@ extern const ArcStyle kFineArcs;
 constexpr int kCircleCorners = 36;
 
 /// One shape: a circle when both ends are equal, otherwise a capsule.
-struct Piece {
+struct Shape {
     JWRawPoint from;
     JWRawPoint to;
 
     bool isCircle() const { return from == to; }
 };
 
-inline int cornerCount(const Piece& piece, const ArcStyle& arcs) {
+inline int cornerCount(const Shape& piece, const ArcStyle& arcs) {
     return piece.isCircle() ? kCircleCorners : arcs.capsuleCorners();
 }
 
@@ -59,9 +59,14 @@ inline bool isAmple(double distance, double largestCoordinate) {
            largestCoordinate < 1e100;
 }
 
+/// Whether a shape is lost among coordinates of this size, which are no finer than that.
+inline bool isTooSmall(double distance, double largestCoordinate) {
+    return distance < 4 * 2.220446049250313e-16 * largestCoordinate;
+}
+
 /// A capsule, its corners one by one.
 struct Capsule {
-    Capsule(const Piece& piece, double distance, const ArcStyle& style);
+    Capsule(const Shape& piece, double distance, const ArcStyle& style);
 
     /// The half circle around an end, clockwise.
     struct Cap {
@@ -89,10 +94,10 @@ struct Capsule {
 
 /// Writes the corners of a shape of radius |distance| to `corners`, which has room for
 /// `cornerCount` of them.
-void writeCorners(const Piece& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners);
+void writeCorners(const Shape& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners);
 
 /// Replaces the points of a ring by a shape; closed, its envelope up to date.
-void fillRing(const Piece& piece, double distance, const ArcStyle& arcs, JWRing& ring);
+void fillRing(const Shape& piece, double distance, const ArcStyle& arcs, JWRing& ring);
 
 }  // namespace jws::detail
 

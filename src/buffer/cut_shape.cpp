@@ -13,7 +13,7 @@ JWRawPoint minus(const JWRawPoint& a, const JWRawPoint& b) { return {a.x - b.x, 
 
 }  // namespace
 
-void CutShape::make(const Piece& piece, double distance, const ArcStyle& arcs,
+void CutShape::make(const Shape& piece, double distance, const ArcStyle& arcs,
                     const JWRawPoint& origin) {
     m_origin = origin;
     m_start = minus(piece.from, origin);

@@ -19,7 +19,7 @@ struct CoverMeasure {
 /// All points relative to an origin close by, but for those of the outline itself.
 class CutShape {
   public:
-    void make(const Piece& piece, double distance, const ArcStyle& arcs, const JWRawPoint& origin);
+    void make(const Shape& piece, double distance, const ArcStyle& arcs, const JWRawPoint& origin);
 
     int count() const { return m_count; }
     const JWRawPoint& corner(int k) const { return m_exact[k]; }

@@ -27,18 +27,18 @@ bool isFiniteAt(const JWRawPoint& p, double distance) {
            std::isfinite(p.y - distance) && std::isfinite(p.y + distance);
 }
 
-Pieces noPieces(const BufferPlan& plan) { return {plan.distance, plan.arcs, {}, {}}; }
+Shapes noPieces(const BufferPlan& plan) { return {plan.distance, plan.arcs, {}, {}}; }
 
 /// Appends the shapes along a list of points as one run; a repetition of the last shape is left
 /// out.
-void addRun(const std::vector<JWRawPoint>& points, Pieces& pieces) {
+void addRun(const std::vector<JWRawPoint>& points, Shapes& pieces) {
     for (const JWRawPoint& p : points) {
         if (!isFiniteAt(p, pieces.distance)) throw BadBuffer(kNotFinite);
     }
     const std::size_t first = pieces.list.size();
     if (points.size() == 1) pieces.list.push_back({points[0], points[0]});
     for (std::size_t i = 0; i + 1 < points.size(); ++i) {
-        const Piece piece = {points[i], points[i + 1]};
+        const Shape piece = {points[i], points[i + 1]};
         const bool again = pieces.list.size() > first && pieces.list.back().from == piece.from &&
                            pieces.list.back().to == piece.to;
         if (!again) pieces.list.push_back(piece);
@@ -87,8 +87,9 @@ void refuseCollapsed(const Outline& area) {
     if (collapsed) throw BadBuffer(kTooSmall);
 }
 
-Outline unitedPieces(const Pieces& pieces, const Team& team) {
+Outline unitedPieces(const Shapes& pieces, const Team& team) {
     if (pieces.list.empty()) throw BadBuffer(kEmpty);
+    if (isTooSmall(pieces.distance, largestCoordinate(pieces))) throw BadBuffer(kTooSmall);
     Outline result = unitePieces(pieces, team);
     refuseCollapsed(result);
     return result;
@@ -104,9 +105,9 @@ Outline minus(const Outline& area, const RingViews& subtracted) {
     return outlineOf(clipRings(viewsOf(area), subtracted, JWBooleanDifference));
 }
 
-Pieces piecesOf(const JWRing& ring, const BufferPlan& plan) {
+Shapes piecesOf(const JWRing& ring, const BufferPlan& plan) {
     if (ring.getPointCount() <= 3) throw BadBuffer(kShortRing);
-    Pieces pieces = noPieces(plan);
+    Shapes pieces = noPieces(plan);
     addRun(ring.getPointList(), pieces);
     return pieces;
 }
@@ -130,7 +131,7 @@ Outline faceOf(const JWPolygon& polygon, const BufferPlan& plan) {
         const JWRing& ring = *polygon.getRingPtrAt(r);
         if (r > 0 && ring.getPointCount() <= 3) continue;
         const RingSide side = r == 0 ? RingSide::Outer : RingSide::Inner;
-        const Pieces pieces = piecesOf(ring, plan);
+        const Shapes pieces = piecesOf(ring, plan);
         if (growRing(ring, pieces, side, face)) continue;
         addBandRings(ring, side, unitedPieces(pieces, plan.team), face);
     }
@@ -159,13 +160,13 @@ bool isClean(const JWPolygon& polygon, enumJWBufferType type) {
 }  // namespace
 
 FlaggedRings bufferPoint(const JWRawPoint& point, const BufferPlan& plan) {
-    Pieces pieces = noPieces(plan);
+    Shapes pieces = noPieces(plan);
     addRun({point}, pieces);
     return flagged(unitedPieces(pieces, plan.team));
 }
 
 FlaggedRings bufferLine(const JWLineString& line, const BufferPlan& plan) {
-    Pieces pieces = noPieces(plan);
+    Shapes pieces = noPieces(plan);
     addRun(line.getPointList(), pieces);
     return flagged(unitedPieces(pieces, plan.team));
 }
@@ -190,7 +191,7 @@ FlaggedRings bufferPoints(const JWMultiPoint& points, const BufferPlan& plan) {
         if (!isFiniteAt(p, d)) throw BadBuffer(kNotFinite);
         envelops.emplace_back(p.x - d, p.y - d, p.x + d, p.y + d);
     }
-    Pieces pieces = noPieces(plan);
+    Shapes pieces = noPieces(plan);
     const PositionLists clusters = clusterByContact(envelops);
     std::vector<int> cluster;
     for (std::size_t i = 0; i < clusters.count(); ++i) {
@@ -206,7 +207,7 @@ FlaggedRings bufferPoints(const JWMultiPoint& points, const BufferPlan& plan) {
 }
 
 FlaggedRings bufferLines(const JWMultiLineString& lines, const BufferPlan& plan) {
-    Pieces pieces = noPieces(plan);
+    Shapes pieces = noPieces(plan);
     for (int i = 0; i < lines.getGeometryCount(); ++i) {
         addRun(lines.getLineStringPtrAt(i)->getPointList(), pieces);
     }

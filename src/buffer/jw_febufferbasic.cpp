@@ -15,14 +15,16 @@ int fill(const char* function, const Input* input, double distance, JWMultiPolyg
          Body&& body) {
     if (!input || !result) return refused(function, "an argument is null");
     if (!isDistance(function, distance)) return 0;
-    result->setEmpty();
-    return deliver(
+    JWMultiPolygon made;  // the result may be the input
+    const int answer = deliver(
         function,
         [&] {
             const Team alone(1);
             return body(*input, BufferPlan{distance, kFineArcs, alone});
         },
-        [&](FlaggedRings&& rings) { *result = polygonizeAll(std::move(rings)); });
+        [&](FlaggedRings&& rings) { made = polygonizeAll(std::move(rings)); });
+    *result = std::move(made);
+    return answer;
 }
 
 int fillFromRing(const JWRing* ring, double distance, enumJWBufferType type,

@@ -58,13 +58,13 @@ class ArcWalk {
 
 }  // namespace
 
-bool isLongForLoop(const Piece& piece, double distance) {
+bool isLongForLoop(const Shape& piece, double distance) {
     const JWRawPoint v = difference(piece.to, piece.from);
     const double least = kShortest * distance;
     return dot(v, v) >= least * least;
 }
 
-void OffsetLoop::take(const Piece* pieces, std::size_t count, double distance,
+void OffsetLoop::take(const Shape* pieces, std::size_t count, double distance,
                       const ArcStyle& arcs) {
     m_capsules.clear();
     m_capsules.reserve(count);

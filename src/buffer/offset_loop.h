@@ -25,13 +25,13 @@
 namespace jws::detail {
 
 /// Whether a segment is long enough to have its capsule in a loop. All capsules of a loop must be.
-bool isLongForLoop(const Piece& piece, double distance);
+bool isLongForLoop(const Shape& piece, double distance);
 
 /// Makes loops. A value to keep for many of them; one thread at a time.
 class OffsetLoop {
   public:
     /// Starts anew with the capsules of segments each of which begins where the last one ends.
-    void take(const Piece* pieces, std::size_t count, double distance, const ArcStyle& arcs);
+    void take(const Shape* pieces, std::size_t count, double distance, const ArcStyle& arcs);
 
     /// Appends a ring, clockwise, that winds at least once around what the capsules cover and not
     /// around anything else.

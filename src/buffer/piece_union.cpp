@@ -53,7 +53,7 @@ constexpr std::size_t kMostInLoop = 128;
 /// A group of shapes on its way to a union. One object per thread.
 class PieceGroup {
   public:
-    void take(const Pieces& pieces, std::size_t begin, std::size_t end);
+    void take(const Shapes& pieces, std::size_t begin, std::size_t end);
     Outline unite();
 
   private:
@@ -68,7 +68,7 @@ class PieceGroup {
     Outline m_slivers;
 };
 
-void PieceGroup::take(const Pieces& pieces, std::size_t begin, std::size_t end) {
+void PieceGroup::take(const Shapes& pieces, std::size_t begin, std::size_t end) {
     m_distance = pieces.distance;
     m_origin = pieces.list[begin].from;
     m_largest = 0;
@@ -152,7 +152,7 @@ struct Group {
 /// shorter they are.
 class Grouping {
   public:
-    explicit Grouping(const Pieces& pieces)
+    explicit Grouping(const Shapes& pieces)
         : m_pieces(pieces), m_canLoop(canUniteDirected && isAmple(pieces)) {}
 
     std::vector<Group> groups() const {
@@ -191,11 +191,11 @@ class Grouping {
         return most;
     }
 
-    const Pieces& m_pieces;
+    const Shapes& m_pieces;
     bool m_canLoop;
 };
 
-Outline uniteLoop(const Pieces& pieces, const Group& group) {
+Outline uniteLoop(const Shapes& pieces, const Group& group) {
     thread_local OffsetLoop loop;
     Outline around;
     loop.take(&pieces.list[group.begin], group.end - group.begin, pieces.distance, pieces.arcs);
@@ -205,16 +205,18 @@ Outline uniteLoop(const Pieces& pieces, const Group& group) {
 
 }  // namespace
 
-bool isAmple(const Pieces& pieces) {
+double largestCoordinate(const Shapes& pieces) {
     double largest = 0;
-    for (const Piece& piece : pieces.list) {
+    for (const Shape& piece : pieces.list) {
         largest = std::max({largest, std::fabs(piece.from.x), std::fabs(piece.from.y),
                             std::fabs(piece.to.x), std::fabs(piece.to.y)});
     }
-    return isAmple(pieces.distance, largest + pieces.distance);
+    return largest + pieces.distance;
 }
 
-Outline unitePieces(const Pieces& pieces, const Team& team) {
+bool isAmple(const Shapes& pieces) { return isAmple(pieces.distance, largestCoordinate(pieces)); }
+
+Outline unitePieces(const Shapes& pieces, const Team& team) {
     const std::vector<Group> groups = Grouping(pieces).groups();
     std::vector<Outline> outlines(groups.size());
     parallelChunks(

@@ -11,10 +11,10 @@
 namespace jws::detail {
 
 /// Shapes of one distance to be united. Those of one run follow one another, as along a line.
-struct Pieces {
+struct Shapes {
     double distance;
     const ArcStyle& arcs;
-    std::vector<Piece> list;
+    std::vector<Shape> list;
     std::vector<std::size_t> runEnds;
 
     void endRun() {
@@ -22,13 +22,15 @@ struct Pieces {
     }
 };
 
+/// The largest of all coordinates of shapes, in size.
+double largestCoordinate(const Shapes& shapes);
 /// Whether all shapes can be reasoned about in doubles.
-bool isAmple(const Pieces& pieces);
+bool isAmple(const Shapes& pieces);
 
 /// The union of all shapes, exactly as if each were an operand of its own. A shape that meets no
 /// other keeps its corners in their order. Every corner of every shape must be finite. Throws
 /// ClipFailure and std::bad_alloc.
-Outline unitePieces(const Pieces& pieces, const Team& team);
+Outline unitePieces(const Shapes& pieces, const Team& team);
 
 }  // namespace jws::detail
 

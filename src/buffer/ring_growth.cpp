@@ -18,12 +18,12 @@ constexpr double kThin = 0.01;
 constexpr double kHalfEdge = 0.131;
 constexpr int kFew = 48;  // segments compared without a tree
 
-double distanceBetween(const Piece& a, const Piece& b) {
+double distanceBetween(const Shape& a, const Shape& b) {
     return std::min({segmentDistance(a.from, b.from, b.to), segmentDistance(a.to, b.from, b.to),
                      segmentDistance(b.from, a.from, a.to), segmentDistance(b.to, a.from, a.to)});
 }
 
-JWEnvelop boxAround(const Piece& piece, double reach) {
+JWEnvelop boxAround(const Shape& piece, double reach) {
     return {std::min(piece.from.x, piece.to.x) - reach, std::min(piece.from.y, piece.to.y) - reach,
             std::max(piece.from.x, piece.to.x) + reach, std::max(piece.from.y, piece.to.y) + reach};
 }
@@ -31,11 +31,11 @@ JWEnvelop boxAround(const Piece& piece, double reach) {
 /// The segments of a ring that does not meet itself.
 class BoundaryWidth {
   public:
-    BoundaryWidth(const std::vector<Piece>& pieces, double distance)
+    BoundaryWidth(const std::vector<Shape>& pieces, double distance)
         : m_pieces(pieces), m_distance(distance) {
         m_boxes.reserve(pieces.size());
         const double reach = 0.5 * kThin * distance;
-        for (const Piece& piece : pieces) m_boxes.push_back(boxAround(piece, reach));
+        for (const Shape& piece : pieces) m_boxes.push_back(boxAround(piece, reach));
     }
 
     /// Whether two segments come too close together, or neighbours fold back.
@@ -58,7 +58,7 @@ class BoundaryWidth {
     static std::size_t at(int i) { return static_cast<std::size_t>(i); }
     /// Whether, near the far end of either segment, a corner's two segments come too close.
     bool isFold(int i) const {
-        const Piece &a = m_pieces[at(i)], &b = m_pieces[at(i + 1) % m_pieces.size()];
+        const Shape &a = m_pieces[at(i)], &b = m_pieces[at(i + 1) % m_pieces.size()];
         const JWRawPoint u = difference(a.to, a.from), v = difference(b.to, b.from);
         if (dot(u, v) >= 0) return false;
         const double lengthU = length(u), lengthV = length(v);
@@ -71,7 +71,7 @@ class BoundaryWidth {
                distanceBetween(m_pieces[at(i)], m_pieces[at(j)]) < kThin * m_distance;
     }
 
-    const std::vector<Piece>& m_pieces;
+    const std::vector<Shape>& m_pieces;
     double m_distance;
     std::vector<JWEnvelop> m_boxes;
 };
@@ -84,18 +84,18 @@ bool isPlain(const JWRing& ring, bool& interiorLeft) {
     return known.plain;
 }
 
-bool hasLongSegments(const Pieces& run) {
+bool hasLongSegments(const Shapes& run) {
     return std::all_of(run.list.begin(), run.list.end(),
-                       [&](const Piece& piece) { return isLongForLoop(piece, run.distance); });
+                       [&](const Shape& piece) { return isLongForLoop(piece, run.distance); });
 }
 
-bool isClosedRun(const std::vector<Piece>& list) {
+bool isClosedRun(const std::vector<Shape>& list) {
     return list.size() >= 3 && list.front().from == list.back().to;
 }
 
 }  // namespace
 
-bool growRing(const JWRing& ring, const Pieces& run, RingSide side, Outline& result) {
+bool growRing(const JWRing& ring, const Shapes& run, RingSide side, Outline& result) {
     bool interiorLeft = false;
     if (!canUniteDirected || !isClosedRun(run.list) || !hasLongSegments(run) || !isAmple(run) ||
         !isPlain(ring, interiorLeft) || BoundaryWidth(run.list, run.distance).isThin()) {

@@ -29,7 +29,7 @@ enum class RingSide {
 
 /// Appends to `result`, unless the ring is one of those that the band has to be computed of: false.
 /// `run` are the shapes along the ring, as one run. Throws ClipFailure and std::bad_alloc.
-bool growRing(const JWRing& ring, const Pieces& run, RingSide side, Outline& result);
+bool growRing(const JWRing& ring, const Shapes& run, RingSide side, Outline& result);
 
 }  // namespace jws::detail
 

@@ -41,7 +41,7 @@ int deliver(const char* function, Body&& body, Take&& take) {
 
 /// Replaces the points of a caller's ring by a shape. Returns 1; 0 for null, −1 when memory runs
 /// out.
-inline int makeShape(const Piece& piece, double distance, const ArcStyle& arcs, JWRing* ring) {
+inline int makeShape(const Shape& piece, double distance, const ArcStyle& arcs, JWRing* ring) {
     if (!ring) return 0;
     return guarded("makeShape", -1, [&] {
         fillRing(piece, distance, arcs, *ring);

@@ -21,7 +21,9 @@
 #include <atomic>
 #include <cstdint>
 #include <exception>
+#include <functional>
 
+#include "foundation/pulse.h"
 #include "jw_report.h"
 
 namespace jws::detail {
@@ -90,17 +92,23 @@ void exclusive(Body&& body) {
 }
 
 /// Calls `body()` on the workers of the team, `most` of them at most, at the same time. An
-/// exception of one is thrown again when all have come back.
+/// exception of one is thrown again when all have come back. The caller's Pulse beats in all.
 template <class Body>
 void onEachWorker(const Team& team, std::int64_t most, Body&& body) {
     const int workers = static_cast<int>(
         std::min<std::int64_t>(workersOf(team.size()), std::max<std::int64_t>(most, 1)));
     if (workers == 1) return body();
     std::exception_ptr thrown;
+    const std::function<void()>* beat = Pulse::beatOfThread();
 #pragma omp parallel num_threads(workers)
     {
         try {
-            body();
+            if (beat == nullptr || omp_get_thread_num() == 0) {
+                body();
+            } else {
+                const Pulse pulse(*beat);
+                body();
+            }
         } catch (...) {
 #pragma omp critical(jw_parallel_exception)
             if (!thrown) thrown = std::current_exception();

@@ -34,6 +34,10 @@ class Pulse {
     static void tick() {
         if (s_current != nullptr) s_current->beatIfDue();
     }
+    /// What the ticks of this thread call, for threads that help it; null when it has no Pulse.
+    static const std::function<void()>* beatOfThread() {
+        return s_current != nullptr ? &s_current->m_beat : nullptr;
+    }
     /// The computation was stopped on this thread.
     static bool hasStopped() { return s_current != nullptr && s_current->m_thrown != nullptr; }
     /// Throws what stopped it; only then.
