@@ -31,10 +31,12 @@ struct JWClipOptions {
 /// number of threads at once.
 ///
 /// Conventions:
-/// - The answer is 1 for success and 0 for: a null argument, an empty geometry, a coordinate that
+/// - The answer is the number of pieces (of areas cut by lines, of their rings; of features and
+///   layers, 1) for success and 0 for: a null argument, an empty geometry, a coordinate that
 ///   is not finite, a cutter that has no edge (rings of fewer than four points, lines of no
 ///   length), operands that `checkWeird` rejects, an empty result, and a failure. Nothing is added
-///   then, and `JWReport::lastError` tells why. Nothing is printed and nothing throws.
+///   then, and `JWReport::lastError` tells why. Nothing throws, and nothing
+///   is printed but what a team has to say about its threads.
 /// - Pieces are new objects and belong to the caller. They are appended; what the lists held
 ///   before stays. Their envelopes are up to date. Vertices keep their bits, only points where
 ///   boundaries cross are rounded; pieces that follow one another share their end point bit for
@@ -43,8 +45,8 @@ struct JWClipOptions {
 ///   self-crossing. Rings that are not closed count as closed by a straight edge; rings of fewer
 ///   than four stored points are passed over.
 /// - The boundary belongs to the area. A stretch of a line that runs along it is inside; so is a
-///   point on it. One exception: a line that begins by running along the boundary takes, as far as
-///   it does, the state of what follows. A line that lies on the boundary altogether is inside.
+///   point on it. One exception: a stretch that the line begins with has the marker of what
+///   follows. A line that lies on the boundary altogether is inside.
 /// - What lies on either side of a line is decided exactly, without a tolerance. Places that
 ///   rounding cannot tell apart, within four units in the last place of the coordinates, are one
 ///   place: two crossings there make no sliver.
@@ -74,15 +76,21 @@ class JW_API JWGeometryClip {
     static int geometryClipByGeometry(JWGeometry* target, JWGeometry* cutter,
                                       std::vector<JWGeometry*>& pieces, bool checkWeird,
                                       bool useRTree);
+    /// The same with a marker for each piece: 1 inside, 0 outside. What lines cut is inside.
+    static int geometryClipByGeometry(JWGeometry* target, JWGeometry* cutter,
+                                      std::vector<JWGeometry*>& pieces,
+                                      std::vector<unsigned int>& inside, bool checkWeird,
+                                      bool useRTree);
 
     /// @name Lines by areas
-    /// Cut a line where it goes into the area or out of it; nowhere else, so that markers alternate
-    /// along a line. Pieces are in the order of the line. A line that the area does not reach is
-    /// one piece outside.
-    /// \param inside  receives for each piece 1 when it lies inside, 0 outside
+    /// Cut a line wherever it meets the boundary: where it goes in or out, and where it touches,
+    /// from inside or outside; where it runs along, at both ends of that stretch and not at the
+    /// ring's vertices in between. The line's own ends are not cut. Pieces are in the order of the
+    /// line, each marked by where it lies. A line that the area does not reach is one piece
+    /// outside. \param inside  receives for each piece 1 when it lies inside, 0 outside
     ///
-    /// `LINESTRING (-5 5, 15 5)` by the square from 0 to 10: three pieces, marked 0, 1, 0. One that
-    /// touches the square from outside is one piece.
+    /// `LINESTRING (-5 5, 15 5)` by the square from 0 to 10: three pieces, marked 0, 1, 0;
+    /// `LINESTRING (-5 5, 5 -5)`, through a corner from outside: two pieces, marked 0, 0.
     /// @{
     static int lineStringClipByRing(JWLineString* line, JWRing* ring,
                                     std::vector<JWLineString*>& pieces,
@@ -254,12 +262,17 @@ class JW_API JWGeometryClip {
     /// @}
 
     /// @name Forms on a team
-    /// Each is the same as the function without `_mp`, on the fixed team of eight threads: the
-    /// members of multi line strings and multipolygons and the targets of feature classes are
-    /// shared out. The pieces are the same bit for bit.
+    /// Each is the same as the function without `_mp`, on the fixed team of eight threads: points,
+    /// the segments of long lines, the members of multi line strings and multipolygons and the
+    /// targets of feature classes are shared out. The pieces are the same bit for bit. A single
+    /// polygon is cut by the caller's thread.
     /// @{
     static int geometryClipByGeometry_mp(JWGeometry* target, JWGeometry* cutter,
                                          std::vector<JWGeometry*>& pieces, bool checkWeird,
+                                         bool useRTree);
+    static int geometryClipByGeometry_mp(JWGeometry* target, JWGeometry* cutter,
+                                         std::vector<JWGeometry*>& pieces,
+                                         std::vector<unsigned int>& inside, bool checkWeird,
                                          bool useRTree);
     static int lineStringClipByRing_mp(JWLineString* line, JWRing* ring,
                                        std::vector<JWLineString*>& pieces,
@@ -346,6 +359,7 @@ class JW_API JWGeometryClip {
     /// @}
 
   private:
+    // Fixed names; cuts are sorted along the line.
     /// Sorts the first `count` points with `compare` and removes equal neighbours; returns the new
     /// count.
     static int removeDuplicate(std::vector<JWRawPoint>& points, int count);

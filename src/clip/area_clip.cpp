@@ -26,16 +26,16 @@ JWEnvelop boxAround(const JWGeometry& geometry) {
 
 }  // namespace
 
-AreaClip::AreaClip(const RingViews& rings, std::shared_ptr<const void> owner, Beginning beginning)
-    : m_area(rings, std::move(owner)), m_edges(rings), m_beginning(beginning) {
+AreaClip::AreaClip(const RingViews& rings, std::shared_ptr<const void> owner, AreaCut cut)
+    : m_area(rings, std::move(owner)), m_edges(rings), m_cut(cut) {
     m_area.prepare();
 }
 
-AreaClip AreaClip::ofRectangle(const JWEnvelop& rectangle, Beginning beginning) {
+AreaClip AreaClip::ofRectangle(const JWEnvelop& rectangle, AreaCut cut) {
     const auto corners = std::make_shared<const std::vector<JWRawPoint>>(
         std::vector<JWRawPoint>{rectangle.bottom_left(), rectangle.bottom_right(),
                                 rectangle.top_right(), rectangle.top_left()});
-    AreaClip clip({{corners->data(), static_cast<int>(corners->size()), 0}}, corners, beginning);
+    AreaClip clip({{corners->data(), static_cast<int>(corners->size()), 0}}, corners, cut);
     clip.m_rectangle = rectangle;
     return clip;
 }
@@ -92,7 +92,7 @@ std::unique_ptr<JWGeometry> AreaClip::part(const JWGeometry& geometry, ClipSide 
 std::unique_ptr<JWGeometry> AreaClip::partOfLines(const JWGeometry& lines, ClipSide side) const {
     auto kept = std::make_unique<JWMultiLineString>();
     const auto add = [&](const JWLineString& line) {
-        m_edges.split(line, m_beginning, [&](std::vector<JWRawPoint>& points, bool inside) {
+        m_edges.split(line, m_cut, [&](std::vector<JWRawPoint>& points, bool inside) {
             if (inside != (side == ClipSide::Inside)) return;
             kept->addLineString(JWLineString(std::move(points)));
         });

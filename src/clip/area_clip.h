@@ -18,10 +18,10 @@ class AreaClip {
   public:
     /// Rings without closing points, read by the even-odd rule, finite; borrowed from `owner`,
     /// which it keeps alive.
-    AreaClip(const RingViews& rings, std::shared_ptr<const void> owner, Beginning beginning);
+    AreaClip(const RingViews& rings, std::shared_ptr<const void> owner, AreaCut cut);
     /// The area of a rectangle. Points are decided by the rectangle itself, so that one without an
     /// area holds those that lie on it, but nothing of lines and areas.
-    static AreaClip ofRectangle(const JWEnvelop& rectangle, Beginning beginning);
+    static AreaClip ofRectangle(const JWEnvelop& rectangle, AreaCut cut);
 
     /// The part of a geometry with finite coordinates that lies on one side; null for none. Lines
     /// give a multi line string, areas a polygon or multipolygon, bags a bag; points and
@@ -37,7 +37,7 @@ class AreaClip {
 
     Area m_area;
     Cutter m_edges;
-    Beginning m_beginning;
+    AreaCut m_cut;
     std::optional<JWEnvelop> m_rectangle;  ///< when the area is one
 };
 

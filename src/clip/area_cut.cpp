@@ -31,7 +31,7 @@ PointLists partsWithin(const JWGeometry& lines, const JWEnvelop& window) {
             parts.push_back(line.getPointList());
             return;
         }
-        cutter.split(line, Beginning::Inside, [&](std::vector<JWRawPoint>& points, bool inside) {
+        cutter.split(line, AreaCut::InsideOut, [&](std::vector<JWRawPoint>& points, bool inside) {
             if (inside) parts.push_back(std::move(points));
         });
     };

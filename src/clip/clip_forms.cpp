@@ -9,7 +9,8 @@
 namespace jws::detail {
 namespace {
 
-/// Runs `body(cutter, team)`, which returns pieces, and hands each to `append`.
+/// Runs `body(cutter, team)`, which returns pieces, and hands them to `append`, which returns how
+/// many they are.
 template <class Body, class Append>
 int clip(const char* function, const JWGeometry* target, const JWGeometry* cutter,
          const ClipForm& form, const Body& body, const Append& append) {
@@ -20,8 +21,7 @@ int clip(const char* function, const JWGeometry* target, const JWGeometry* cutte
             PreparedCutter prepared(*cutter, form.search());
             auto pieces = body(prepared, team);
             if (pieces.empty()) return refused(function, "the result is empty");
-            append(std::move(pieces));
-            return 1;
+            return append(std::move(pieces));
         } catch (const ClipRefused& reason) {
             return refused(function, reason.what());
         }
@@ -35,29 +35,27 @@ void check(const JWGeometry& target, PreparedCutter& cutter, const ClipForm& for
 }
 
 template <class Geometry>
-void handOver(MarkedPieces<Geometry>&& from, std::vector<Geometry*>& pieces,
-              std::vector<unsigned int>* inside) {
+int handOver(MarkedPieces<Geometry>&& from, std::vector<Geometry*>& pieces,
+             std::vector<unsigned int>* inside) {
     pieces.reserve(pieces.size() + from.size());
     if (inside != nullptr) inside->reserve(inside->size() + from.size());
     for (MarkedPiece<Geometry>& piece : from) {
         pieces.push_back(piece.geometry.release());
         if (inside != nullptr) inside->push_back(piece.inside);
     }
+    return static_cast<int>(from.size());
 }
 
 }  // namespace
 
 int clipAny(const JWGeometry* target, const JWGeometry* cutter, std::vector<JWGeometry*>& pieces,
-            const ClipForm& form) {
+            std::vector<unsigned int>* inside, const ClipForm& form) {
     return clip(
         form.function, target, cutter, form,
         [&](PreparedCutter& prepared, const Team& team) {
             return clipGeometry(*target, prepared, form.checkWeird, team);
         },
-        [&](std::vector<std::unique_ptr<JWGeometry>>&& made) {
-            pieces.reserve(pieces.size() + made.size());
-            for (auto& piece : made) pieces.push_back(piece.release());
-        });
+        [&](MarkedPieces<JWGeometry>&& made) { return handOver(std::move(made), pieces, inside); });
 }
 
 int clipLines(const JWGeometry* lines, const JWGeometry* cutter, std::vector<JWLineString*>& pieces,
@@ -68,7 +66,9 @@ int clipLines(const JWGeometry* lines, const JWGeometry* cutter, std::vector<JWL
             check(*lines, prepared, form);
             return cutLines(*lines, prepared.edges(), team);
         },
-        [&](MarkedPieces<JWLineString>&& made) { handOver(std::move(made), pieces, inside); });
+        [&](MarkedPieces<JWLineString>&& made) {
+            return handOver(std::move(made), pieces, inside);
+        });
 }
 
 int clipPoints(const JWMultiPoint* points, const JWGeometry* area,
@@ -76,11 +76,13 @@ int clipPoints(const JWMultiPoint* points, const JWGeometry* area,
                const ClipForm& form) {
     return clip(
         form.function, points, area, form,
-        [&](PreparedCutter& prepared, const Team&) {
+        [&](PreparedCutter& prepared, const Team& team) {
             check(*points, prepared, form);
-            return cutPoints(*points, prepared.edges());
+            return cutPoints(*points, prepared.edges(), team);
         },
-        [&](MarkedPieces<JWMultiPoint>&& made) { handOver(std::move(made), pieces, &inside); });
+        [&](MarkedPieces<JWMultiPoint>&& made) {
+            return handOver(std::move(made), pieces, &inside);
+        });
 }
 
 int clipAreaByLines(const JWGeometry* area, const JWGeometry* lines, std::vector<JWRing*>& rings,
@@ -104,6 +106,7 @@ int clipAreaByLines(const JWGeometry* area, const JWGeometry* lines, std::vector
             if (holeFlags != nullptr)
                 holeFlags->insert(holeFlags->end(), flags.begin(), flags.end());
             for (auto& ring : made) rings.push_back(ring.release());
+            return static_cast<int>(made.size());
         });
 }
 

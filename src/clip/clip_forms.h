@@ -21,9 +21,10 @@ struct ClipForm {
     EdgeSearch search() const { return useRTree ? EdgeSearch::Tree : EdgeSearch::AllEdges; }
 };
 
+// They return the number of pieces, 0 with the last error set when there is none. `inside` may be
+// null.
 int clipAny(const JWGeometry* target, const JWGeometry* cutter, std::vector<JWGeometry*>& pieces,
-            const ClipForm& form);
-/// `inside` may be null.
+            std::vector<unsigned int>* inside, const ClipForm& form);
 int clipLines(const JWGeometry* lines, const JWGeometry* cutter, std::vector<JWLineString*>& pieces,
               std::vector<unsigned int>* inside, const ClipForm& form);
 /// `holeFlags` may be null: rings of faces with holes keep their directions then.

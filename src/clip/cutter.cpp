@@ -66,7 +66,8 @@ std::unique_ptr<EdgeIndex> Cutter::index(int exponent) const {
 }
 
 // A line of quite another magnitude than the cutter is met by edges of its own magnitude.
-bool Cutter::split(const JWLineString& line, Beginning beginning, const PieceSink& sink) const {
+bool Cutter::split(const JWLineString& line, AreaCut cut, const Team& team,
+                   const PieceSink& sink) const {
     const PointSpan span{line.getPointsPtr(), line.getPointCount()};
     const int exponent = exponentOf(span);
     const EdgeIndex* edges = m_edges.get();
@@ -75,7 +76,8 @@ bool Cutter::split(const JWLineString& line, Beginning beginning, const PieceSin
         larger = index(std::max(exponent, m_exponent));
         edges = larger.get();
     }
-    return isArea() ? splitByArea(span, *edges, beginning, sink) : splitByLines(span, *edges, sink);
+    return isArea() ? splitByArea(span, *edges, cut, team, sink)
+                    : splitByLines(span, *edges, team, sink);
 }
 
 bool Cutter::mayReach(const JWEnvelop& box) const {

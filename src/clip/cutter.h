@@ -26,7 +26,12 @@ class Cutter {
     bool isEmpty() const { return m_edges->isEmpty(); }
     bool isArea() const { return m_kind == EdgeIndex::Chains::Closed; }
     /// Cuts a line and tells whether it has any length. Coordinates must be finite.
-    bool split(const JWLineString& line, Beginning beginning, const PieceSink& sink) const;
+    bool split(const JWLineString& line, AreaCut cut, const PieceSink& sink) const {
+        return split(line, cut, Team(1), sink);
+    }
+    /// The same by a team.
+    bool split(const JWLineString& line, AreaCut cut, const Team& team,
+               const PieceSink& sink) const;
     /// Tells whether a point is in the area or on its boundary.
     bool holds(const JWRawPoint& p) const;
 

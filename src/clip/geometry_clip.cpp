@@ -14,7 +14,7 @@
 namespace jws::detail {
 namespace {
 
-using Pieces = std::vector<std::unique_ptr<JWGeometry>>;
+constexpr std::int64_t kPointsAtATime = 1024;
 
 constexpr const char* kWeird = "a line or ring crosses or touches itself";
 
@@ -44,9 +44,10 @@ bool isWeird(const JWGeometry& geometry) {
     }
 }
 
-MarkedPieces<JWLineString> cutLine(const JWLineString& line, const Cutter& cutter) {
+MarkedPieces<JWLineString> cutLine(const JWLineString& line, const Cutter& cutter,
+                                   const Team& team) {
     MarkedPieces<JWLineString> pieces;
-    cutter.split(line, Beginning::LikeWhatFollows,
+    cutter.split(line, AreaCut::EveryMeeting, team,
                  [&](std::vector<JWRawPoint>& points, bool inside) {
                      auto piece = std::make_unique<JWLineString>(std::move(points));
                      piece->updateEnvelop();
@@ -63,8 +64,9 @@ bool isPolygonal(enumJWGeometryType type) {
 }
 
 template <class Geometry>
-void moveInto(Pieces& all, MarkedPieces<Geometry>&& pieces) {
-    for (MarkedPiece<Geometry>& piece : pieces) all.push_back(std::move(piece.geometry));
+void moveInto(MarkedPieces<JWGeometry>& all, MarkedPieces<Geometry>&& pieces) {
+    for (MarkedPiece<Geometry>& piece : pieces)
+        all.push_back({std::move(piece.geometry), piece.inside});
 }
 
 }  // namespace
@@ -92,27 +94,38 @@ const Cutter& PreparedCutter::edges() {
 MarkedPieces<JWLineString> cutLines(const JWGeometry& lines, const Cutter& cutter,
                                     const Team& team) {
     if (lines.getGeometryType() == JWGeometryLineString)
-        return cutLine(static_cast<const JWLineString&>(lines), cutter);
+        return cutLine(static_cast<const JWLineString&>(lines), cutter, team);
     const auto& members = static_cast<const JWMultiLineString&>(lines).getMemberList();
     std::vector<MarkedPieces<JWLineString>> ofMembers(members.size());
-    constexpr std::int64_t chunk = 64;
-    parallelChunks(team, static_cast<std::int64_t>(members.size()), chunk,
-                   [&](std::int64_t begin, std::int64_t end) {
-                       for (auto i = static_cast<std::size_t>(begin);
-                            i < static_cast<std::size_t>(end); ++i)
-                           ofMembers[i] = cutLine(members[i], cutter);
-                       return true;
-                   });
+    const Team alone(1);
+    const auto count = static_cast<std::int64_t>(members.size());
+    const bool isFew = count < 4 * team.size();  // each is then cut by the whole team
+    const std::int64_t chunk = std::clamp<std::int64_t>(count / (8 * team.size()), 1, 64);
+    parallelChunks(isFew ? alone : team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
+        for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i)
+            ofMembers[i] = cutLine(members[i], cutter, isFew ? team : alone);
+        return true;
+    });
     MarkedPieces<JWLineString> all;
     for (MarkedPieces<JWLineString>& pieces : ofMembers)
         for (MarkedPiece<JWLineString>& piece : pieces) all.push_back(std::move(piece));
     return all;
 }
 
-MarkedPieces<JWMultiPoint> cutPoints(const JWMultiPoint& points, const Cutter& cutter) {
+MarkedPieces<JWMultiPoint> cutPoints(const JWMultiPoint& points, const Cutter& cutter,
+                                     const Team& team) {
+    const std::vector<JWPoint>& list = points.getPointList();
+    std::vector<char> isInside(list.size());
+    parallelChunks(team, static_cast<std::int64_t>(list.size()), kPointsAtATime,
+                   [&](std::int64_t begin, std::int64_t end) {
+                       for (auto i = static_cast<std::size_t>(begin);
+                            i < static_cast<std::size_t>(end); ++i)
+                           isInside[i] = cutter.holds(list[i].getRawPoint());
+                       return true;
+                   });
     auto inside = std::make_unique<JWMultiPoint>(), outside = std::make_unique<JWMultiPoint>();
-    for (const JWPoint& p : points.getPointList())
-        (cutter.holds(p.getRawPoint()) ? inside : outside)->addPoint(p);
+    for (std::size_t i = 0; i < list.size(); ++i)
+        (isInside[i] != 0 ? inside : outside)->addPoint(list[i]);
     MarkedPieces<JWMultiPoint> pieces;
     for (auto* part : {&inside, &outside}) {
         if ((*part)->isEmpty()) continue;
@@ -159,8 +172,8 @@ std::vector<Face> cutArea(const JWGeometry& area, const JWGeometry& lines, const
     return sorted;
 }
 
-Pieces clipGeometry(const JWGeometry& target, PreparedCutter& cutter, bool checkWeird,
-                    const Team& team) {
+MarkedPieces<JWGeometry> clipGeometry(const JWGeometry& target, PreparedCutter& cutter,
+                                      bool checkWeird, const Team& team) {
     const enumJWGeometryType type = target.getGeometryType();
     const enumJWGeometryType cutterType = cutter.geometry().getGeometryType();
     const bool byArea = isPolygonal(cutterType);
@@ -170,21 +183,21 @@ Pieces clipGeometry(const JWGeometry& target, PreparedCutter& cutter, bool check
     const bool areas = isPolygonal(type) && byArea;
     checkOperand(target, checkWeird && !areas);
     cutter.check(checkWeird && !areas);
-    Pieces pieces;
+    MarkedPieces<JWGeometry> pieces;
     if (isLine(type)) {
         moveInto(pieces, cutLines(target, cutter.edges(), team));
     } else if (type == JWGeometryMultiPoint) {
-        moveInto(pieces, cutPoints(static_cast<const JWMultiPoint&>(target), cutter.edges()));
+        moveInto(pieces, cutPoints(static_cast<const JWMultiPoint&>(target), cutter.edges(), team));
     } else if (areas) {
         if (std::unique_ptr<JWGeometry> common = intersect(target, cutter.geometry(), 0))
-            pieces.push_back(std::move(common));
+            pieces.push_back({std::move(common), 1});
     } else {
         cutter.edges();
         for (Face& face : cutArea(target, cutter.geometry(), team)) {
             auto polygon = std::make_unique<JWPolygon>();
             polygon->addRings(std::move(face));
             polygon->updateEnvelop();
-            pieces.push_back(std::move(polygon));
+            pieces.push_back({std::move(polygon), 1});
         }
     }
     if (pieces.empty()) throw EmptyClip();

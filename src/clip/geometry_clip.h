@@ -8,8 +8,10 @@
 #include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
+#include "boolean/ring_clip.h"
 #include "clip/cutter.h"
 #include "foundation/parallel.h"
 #include "jw_geometry.h"
@@ -65,7 +67,8 @@ MarkedPieces<JWLineString> cutLines(const JWGeometry& lines, const Cutter& cutte
                                     const Team& team);
 
 /// The points of a multipoint inside and outside.
-MarkedPieces<JWMultiPoint> cutPoints(const JWMultiPoint& points, const Cutter& cutter);
+MarkedPieces<JWMultiPoint> cutPoints(const JWMultiPoint& points, const Cutter& cutter,
+                                     const Team& team);
 
 /// A face: its outer ring, then its holes.
 using Face = std::vector<JWRing>;
@@ -74,9 +77,21 @@ std::vector<Face> cutArea(const JWGeometry& area, const JWGeometry& lines, const
 
 /// Does what `JWGeometryClip::geometryClipByGeometry` does. Throws EmptyClip when there is no
 /// piece.
-std::vector<std::unique_ptr<JWGeometry>> clipGeometry(const JWGeometry& target,
-                                                      PreparedCutter& cutter, bool checkWeird,
-                                                      const Team& team);
+MarkedPieces<JWGeometry> clipGeometry(const JWGeometry& target, PreparedCutter& cutter,
+                                      bool checkWeird, const Team& team);
+
+/// Runs a part of a larger task, such as the clip of one feature of many. What has no answer leaves
+/// its reason.
+template <class Body>
+void attempt(std::string& reason, Body&& body) {
+    try {
+        body();
+    } catch (const ClipRefused& refusal) {
+        reason = refusal.what();
+    } catch (const ClipFailure& failure) {
+        reason = failure.what();
+    }
+}
 
 }  // namespace jws::detail
 

@@ -22,7 +22,15 @@ constexpr int kAlone = 1;
 int JWGeometryClip::geometryClipByGeometry(JWGeometry* target, JWGeometry* cutter,
                                            std::vector<JWGeometry*>& pieces, bool checkWeird,
                                            bool useRTree) {
-    return clipAny(target, cutter, pieces,
+    return clipAny(target, cutter, pieces, nullptr,
+                   {"geometryClipByGeometry", checkWeird, useRTree, kAlone});
+}
+
+int JWGeometryClip::geometryClipByGeometry(JWGeometry* target, JWGeometry* cutter,
+                                           std::vector<JWGeometry*>& pieces,
+                                           std::vector<unsigned int>& inside, bool checkWeird,
+                                           bool useRTree) {
+    return clipAny(target, cutter, pieces, &inside,
                    {"geometryClipByGeometry", checkWeird, useRTree, kAlone});
 }
 

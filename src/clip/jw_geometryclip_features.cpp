@@ -22,7 +22,7 @@ using namespace detail;
 
 namespace {
 
-using Pieces = std::vector<std::unique_ptr<JWGeometry>>;
+using Pieces = MarkedPieces<JWGeometry>;
 
 constexpr int kAlone = 1;
 
@@ -39,9 +39,9 @@ JWEnvelop envelopeOf(const JWGeometry& geometry) {
 }
 
 void addFeatures(const JWFeature& source, Pieces&& pieces, JWFeatureClass& out) {
-    for (std::unique_ptr<JWGeometry>& piece : pieces) {
+    for (MarkedPiece<JWGeometry>& piece : pieces) {
         std::unique_ptr<JWFeature> feature = featureLike(source);
-        feature->setGeometryDirectly(piece.release());
+        feature->setGeometryDirectly(piece.geometry.release());
         out.addFeature(feature.release());
     }
 }
@@ -61,17 +61,13 @@ int clipFeatures(const char* function, const JWFeatureClass& in, JWFeatureClass&
     std::vector<std::string> reasons(static_cast<std::size_t>(count));
     {
         const Team team(threads);
-        constexpr std::int64_t chunk = 8;
+        const std::int64_t chunk = std::clamp(count / (8 * team.size()), 1, 8);
         parallelChunks(team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
             for (std::int64_t i = begin; i < end; ++i) {
                 const auto slot = static_cast<std::size_t>(i);
                 const JWFeature& feature = *in.getFeatureAt(static_cast<int>(i));
                 if (feature.isGeometryEmpty()) continue;
-                try {
-                    piecesOf(feature, pieces[slot], reasons[slot]);
-                } catch (const std::runtime_error& refusal) {
-                    reasons[slot] = refusal.what();
-                }
+                attempt(reasons[slot], [&] { piecesOf(feature, pieces[slot], reasons[slot]); });
             }
             return true;
         });
@@ -94,9 +90,8 @@ int clipFeatures(const char* function, const JWFeatureClass& in, JWFeatureClass&
     return answer == 0 && !failed ? refused(function, "the result is empty") : answer;
 }
 
-int clipClassByClass(JWFeatureClass& targets, JWFeatureClass& cutters, JWFeatureClass& out,
-                     bool checkWeird, bool useRTree, int threads) {
-    constexpr const char* name = "featureClassClipByfeatureClass";
+int clipClassByClass(const char* name, JWFeatureClass& targets, JWFeatureClass& cutters,
+                     JWFeatureClass& out, bool checkWeird, bool useRTree, int threads) {
     if (&out == &targets || &out == &cutters) return refused(name, "the result is an operand");
     return guarded(name, 0, [&] {
         out.setGeometryType(targets.getGeometryType());
@@ -120,22 +115,21 @@ int clipClassByClass(JWFeatureClass& targets, JWFeatureClass& cutters, JWFeature
                 index.search(envelopeOf(*target.getGeometryPtr()), found);
                 for (const void* hit : found) {
                     const auto i = static_cast<std::size_t>(positionOf(hit));
-                    try {
-                        Pieces some =
-                            clipGeometry(*target.getGeometryPtr(), *prepared[i], checkWeird, alone);
-                        std::move(some.begin(), some.end(), std::back_inserter(pieces));
-                    } catch (const EmptyClip&) {
-                    } catch (const std::runtime_error& refusal) {
-                        reason = refusal.what();
-                    }
+                    attempt(reason, [&] {
+                        try {
+                            Pieces some = clipGeometry(*target.getGeometryPtr(), *prepared[i],
+                                                       checkWeird, alone);
+                            std::move(some.begin(), some.end(), std::back_inserter(pieces));
+                        } catch (const EmptyClip&) {
+                        }
+                    });
                 }
             });
     });
 }
 
-int clipFeature(JWFeature* target, JWFeature* cutter, JWFeatureClass& out, bool checkWeird,
-                bool useRTree, int threads) {
-    constexpr const char* name = "featureClipByfeature";
+int clipFeature(const char* name, JWFeature* target, JWFeature* cutter, JWFeatureClass& out,
+                bool checkWeird, bool useRTree, int threads) {
     if (target == nullptr || cutter == nullptr) return refused(name, "a feature is null");
     if (target->isGeometryEmpty() || cutter->isGeometryEmpty())
         return refused(name, "a geometry is empty");
@@ -154,19 +148,18 @@ int clipFeature(JWFeature* target, JWFeature* cutter, JWFeatureClass& out, bool 
     });
 }
 
-int clipClassByRectangle(JWFeatureClass& in, JWFeatureClass& out, const JWEnvelop& envelope,
-                         int threads) {
-    constexpr const char* name = "featureClassClipByEnvelop";
+int clipClassByRectangle(const char* name, JWFeatureClass& in, JWFeatureClass& out,
+                         const JWEnvelop& envelope, int threads) {
     if (&out == &in) return refused(name, "the result is the operand");
     if (!isClipRectangle(envelope)) return refused(name, "the rectangle is not valid and finite");
     return guarded(name, 0, [&] {
         out.setGeometryType(in.getGeometryType());
         out.setSpatialReference(in.getSpatialReference());
-        const AreaClip clip = AreaClip::ofRectangle(envelope, Beginning::LikeWhatFollows);
+        const AreaClip clip = AreaClip::ofRectangle(envelope, AreaCut::EveryMeeting);
         return clipFeatures(name, in, out, threads,
                             [&](const JWFeature& feature, Pieces& pieces, std::string&) {
                                 auto part = partInRectangle(clip, *feature.getGeometryPtr());
-                                if (part) pieces.push_back(std::move(part));
+                                if (part) pieces.push_back({std::move(part), 1});
                             });
     });
 }
@@ -175,34 +168,37 @@ int clipClassByRectangle(JWFeatureClass& in, JWFeatureClass& out, const JWEnvelo
 
 int JWGeometryClip::featureClipByfeature(JWFeature* target, JWFeature* cutter, JWFeatureClass& out,
                                          bool checkWeird, bool useRTree) {
-    return clipFeature(target, cutter, out, checkWeird, useRTree, kAlone);
+    return clipFeature("featureClipByfeature", target, cutter, out, checkWeird, useRTree, kAlone);
 }
 
 int JWGeometryClip::featureClipByfeature_mp(JWFeature* target, JWFeature* cutter,
                                             JWFeatureClass& out, bool checkWeird, bool useRTree) {
-    return clipFeature(target, cutter, out, checkWeird, useRTree, fixedTeamSize);
+    return clipFeature("featureClipByfeature_mp", target, cutter, out, checkWeird, useRTree,
+                       fixedTeamSize);
 }
 
 int JWGeometryClip::featureClassClipByfeatureClass(JWFeatureClass& targets, JWFeatureClass& cutters,
                                                    JWFeatureClass& out, bool checkWeird,
                                                    bool useRTree) {
-    return clipClassByClass(targets, cutters, out, checkWeird, useRTree, kAlone);
+    return clipClassByClass("featureClassClipByfeatureClass", targets, cutters, out, checkWeird,
+                            useRTree, kAlone);
 }
 
 int JWGeometryClip::featureClassClipByfeatureClass_mp(JWFeatureClass& targets,
                                                       JWFeatureClass& cutters, JWFeatureClass& out,
                                                       bool checkWeird, bool useRTree) {
-    return clipClassByClass(targets, cutters, out, checkWeird, useRTree, fixedTeamSize);
+    return clipClassByClass("featureClassClipByfeatureClass_mp", targets, cutters, out, checkWeird,
+                            useRTree, fixedTeamSize);
 }
 
 int JWGeometryClip::featureClassClipByEnvelop(JWFeatureClass& in, JWFeatureClass& out,
                                               JWEnvelop& envelope) {
-    return clipClassByRectangle(in, out, envelope, kAlone);
+    return clipClassByRectangle("featureClassClipByEnvelop", in, out, envelope, kAlone);
 }
 
 int JWGeometryClip::featureClassClipByEnvelop_mp(JWFeatureClass& in, JWFeatureClass& out,
                                                  JWEnvelop& envelope) {
-    return clipClassByRectangle(in, out, envelope, fixedTeamSize);
+    return clipClassByRectangle("featureClassClipByEnvelop_mp", in, out, envelope, fixedTeamSize);
 }
 
 }  // namespace jws

@@ -51,7 +51,7 @@ AreaClip uniteCutters(FeatureInput& cutters, JWLayerReport& report) {
         all.add(Area(*feature->getGeometryPtr(), feature));
     }
     const auto outline = std::make_shared<const ClippedContours>(all.contours());
-    return AreaClip(outline->views(), outline, Beginning::Inside);
+    return AreaClip(outline->views(), outline, AreaCut::InsideOut);
 }
 
 /// Clips `in` by what `makeClip(report)` returns.
@@ -67,11 +67,11 @@ std::int64_t clipLayer(JWFeatureLayer& in, JWFeatureLayer& out, const JWClipOpti
     job.schema.addFieldsOf(job.input);
     const ClipSide side = options.outside ? ClipSide::Outside : ClipSide::Inside;
     job.map = [&](const JWFeature& feature, MapResults& made) {
-        try {
+        std::string reason;
+        attempt(reason, [&] {
             if (auto part = clip.part(*feature.getGeometryPtr(), side)) made.add(std::move(part));
-        } catch (const ClipFailure& failure) {
-            made.reject(failure.what());
-        }
+        });
+        if (!reason.empty()) made.reject(reason);
     };
     const std::int64_t written = runLayerMap(job, {options.blockSize, options.threads}, report);
     report.readB = ofCutters.readB;
@@ -97,7 +97,7 @@ bool takeSchema(const JWFeatureLayer& from, JWFeatureLayer& to) {
 /// Writes what of each feature lies in the rectangle. Returns whether there is any; throws
 /// LayerFailure.
 bool writeParts(JWFeatureLayer& in, JWFeatureLayer& out, const JWEnvelop& envelope, int threads) {
-    const AreaClip clip = AreaClip::ofRectangle(envelope, Beginning::LikeWhatFollows);
+    const AreaClip clip = AreaClip::ofRectangle(envelope, AreaCut::EveryMeeting);
     const Team team(threads);
     bool any = false;
     constexpr int block = 4096;
@@ -112,14 +112,12 @@ bool writeParts(JWFeatureLayer& in, JWFeatureLayer& out, const JWEnvelop& envelo
         parallelChunks(team, count, 16, [&](std::int64_t begin, std::int64_t end) {
             for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
                 if (features[i]->isGeometryEmpty()) continue;
-                try {
+                attempt(reasons[i], [&] {
                     auto part = partInRectangle(clip, *features[i]->getGeometryPtr());
-                    if (!part) continue;
+                    if (!part) return;
                     parts[i] = featureLike(*features[i]);
                     parts[i]->setGeometryDirectly(part.release());
-                } catch (const std::runtime_error& refusal) {
-                    reasons[i] = refusal.what();
-                }
+                });
             }
             return true;
         });
@@ -141,8 +139,7 @@ bool writeParts(JWFeatureLayer& in, JWFeatureLayer& out, const JWEnvelop& envelo
 }
 
 int clipLayerByRectangle(const JWFeatureLayer* in, JWFeatureLayer* out, const JWEnvelop& envelope,
-                         int threads) {
-    constexpr const char* name = "featureLayerClipByEnvelop";
+                         const char* name, int threads) {
     if (in == nullptr || out == nullptr) return refused(name, "a layer is null");
     if (in == out) return refused(name, "the result is the operand");
     if (!out->isUpdateMode()) return refused(name, "the result is not open for writing");
@@ -169,12 +166,12 @@ int clipLayerByRectangle(const JWFeatureLayer* in, JWFeatureLayer* out, const JW
 
 int JWGeometryClip::featureLayerClipByEnvelop(const JWFeatureLayer* in, JWFeatureLayer* out,
                                               JWEnvelop& envelope) {
-    return clipLayerByRectangle(in, out, envelope, 1);
+    return clipLayerByRectangle(in, out, envelope, "featureLayerClipByEnvelop", 1);
 }
 
 int JWGeometryClip::featureLayerClipByEnvelop_mp(const JWFeatureLayer* in, JWFeatureLayer* out,
                                                  JWEnvelop& envelope) {
-    return clipLayerByRectangle(in, out, envelope, fixedTeamSize);
+    return clipLayerByRectangle(in, out, envelope, "featureLayerClipByEnvelop_mp", fixedTeamSize);
 }
 
 int JWGeometryClip::featureLayerClipByLayer(JWFeatureLayer* in, JWFeatureLayer* cutters,
@@ -198,7 +195,7 @@ int JWGeometryClip::featureLayerClipByEnvelop(JWFeatureLayer* in, JWFeatureLayer
                 throw LayerFailure();
             }
             return clipLayer(*in, *out, options, account, [&](JWLayerReport&) {
-                return AreaClip::ofRectangle(envelope, Beginning::Inside);
+                return AreaClip::ofRectangle(envelope, AreaCut::InsideOut);
             });
         });
 }

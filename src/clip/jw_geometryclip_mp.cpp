@@ -20,7 +20,15 @@ constexpr int kTeam = fixedTeamSize;
 int JWGeometryClip::geometryClipByGeometry_mp(JWGeometry* target, JWGeometry* cutter,
                                               std::vector<JWGeometry*>& pieces, bool checkWeird,
                                               bool useRTree) {
-    return clipAny(target, cutter, pieces,
+    return clipAny(target, cutter, pieces, nullptr,
+                   {"geometryClipByGeometry_mp", checkWeird, useRTree, kTeam});
+}
+
+int JWGeometryClip::geometryClipByGeometry_mp(JWGeometry* target, JWGeometry* cutter,
+                                              std::vector<JWGeometry*>& pieces,
+                                              std::vector<unsigned int>& inside, bool checkWeird,
+                                              bool useRTree) {
+    return clipAny(target, cutter, pieces, &inside,
                    {"geometryClipByGeometry_mp", checkWeird, useRTree, kTeam});
 }
 

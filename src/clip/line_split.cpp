@@ -12,10 +12,17 @@
 // are spokes around a point. All decisions are exact, so that the states at the far end are right
 // whatever happened on the way.
 //
-// The line is cut where what a stretch is differs from what the piece so far is. Stretches that
-// rounding has made too short to tell their ends apart are passed over, so that two crossings in
-// the same place make no sliver.
+// The line is cut where what a stretch is differs from what the piece so far is and, where that is
+// asked for, wherever else it meets the boundary without running along it before and after.
+// Stretches that rounding has made too short to tell their ends apart are passed over, so that two
+// crossings in the same place make no sliver.
+//
+// What meets a segment depends on nothing but the segment: for long lines the team finds that out
+// beforehand, a batch at a time, and the walk is the same.
 #include "clip/line_split.h"
+
+#include <algorithm>
+#include <cstdint>
 
 #include "clip/segment_meetings.h"
 #include "foundation/ring_math.h"
@@ -23,7 +30,9 @@
 namespace jws::detail {
 namespace {
 
-constexpr int kStride = 16;  // segments that are looked at together
+constexpr int kStride = 16;          // segments that are looked at together
+constexpr int kWorthSharing = 2048;  // segments
+constexpr int kBatch = 1 << 16;      // segments that the team looks at before the walk goes on
 
 /// The points of a line, and pieces of it.
 class Pieces {
@@ -56,48 +65,119 @@ class Pieces {
     std::vector<JWRawPoint> m_piece;
 };
 
-/// Calls `visit(i, isFar)` for the segments of a line that have a length, from vertex i to the
-/// next; `isFar` when no edge comes near. Adds the vertices in between to the pieces.
+/// Whether no edge comes near the segments from vertex i to vertex `end`.
+bool areFar(const Pieces& pieces, const EdgeIndex& edges, int i, int end) {
+    JWEnvelop box = boxOf(pieces.vertex(i), pieces.vertex(i + 1));
+    for (int k = i + 2; k <= end; ++k) box.inflates_to_contain(pieces.vertex(k));
+    return !edges.mayReach(box);
+}
+
+/// A batch of segments, from vertex `first` to vertex `end`, looked at by the team.
+class Batch {
+  public:
+    Batch(const Pieces& pieces, const EdgeIndex& edges, const Team& team, int first, int end)
+        : m_first(first), m_found(static_cast<std::size_t>(end - first)) {
+        const int strides = (end - first + kStride - 1) / kStride;
+        m_isFar.resize(static_cast<std::size_t>(strides));
+        parallelChunks(team, strides, 16, [&](std::int64_t from, std::int64_t to) {
+            SegmentMeetings meetings(edges);
+            for (auto stride = static_cast<int>(from); stride < static_cast<int>(to); ++stride) {
+                const int i = first + stride * kStride, next = std::min(i + kStride, end);
+                m_isFar[at(stride)] = areFar(pieces, edges, i, next);
+                for (int k = i; k < next && !m_isFar[at(stride)]; ++k) {
+                    if (pieces.vertex(k) == pieces.vertex(k + 1)) continue;
+                    meetings.find(pieces.vertex(k), pieces.vertex(k + 1));
+                    m_found[at(k - first)] = meetings.take();
+                }
+            }
+            return true;
+        });
+    }
+    bool isFar(int i) const { return m_isFar[at((i - m_first) / kStride)] != 0; }
+    Meetings take(int i) { return std::move(m_found[at(i - m_first)]); }
+
+  private:
+    static std::size_t at(int i) { return static_cast<std::size_t>(i); }
+
+    int m_first;
+    std::vector<Meetings> m_found;
+    std::vector<char> m_isFar;
+};
+
+/// Calls `visit(i, meetings)` for the segments of a line that have a length, from vertex i to the
+/// next; `meetings` are null when no edge comes near. Adds the vertices in between to the pieces.
 template <class Visit>
-void walk(Pieces& pieces, const EdgeIndex& edges, const Visit& visit) {
-    for (int i = 0; i + 1 < pieces.count();) {
-        const int end = std::min(i + kStride, pieces.count() - 1);
-        JWEnvelop box = boxOf(pieces.vertex(i), pieces.vertex(i + 1));
-        for (int k = i + 2; k <= end; ++k) box.inflates_to_contain(pieces.vertex(k));
-        const bool isFar = !edges.mayReach(box);
-        for (; i < end; ++i) {
-            if (pieces.vertex(i) != pieces.vertex(i + 1)) visit(i, isFar);
-            pieces.add(i + 1);
+void walk(Pieces& pieces, const EdgeIndex& edges, const Team& team, const Visit& visit) {
+    SegmentMeetings meetings(edges);
+    const auto segment = [&](int i, bool isFar, const auto& find) {
+        if (pieces.vertex(i) != pieces.vertex(i + 1)) {
+            if (!isFar) find(i);
+            visit(i, isFar ? nullptr : &meetings);
+        }
+        pieces.add(i + 1);
+    };
+    const int last = pieces.count() - 1;
+    const bool shared = team.size() > 1 && last >= kWorthSharing;
+    for (int i = 0; i < last;) {
+        const int end = std::min(i + (shared ? kBatch : kStride), last);
+        if (shared) {
+            Batch batch(pieces, edges, team, i, end);
+            for (; i < end; ++i) {
+                segment(i, batch.isFar(i), [&](int k) {
+                    meetings.find(pieces.vertex(k), pieces.vertex(k + 1), batch.take(k));
+                });
+            }
+        } else {
+            const bool isFar = areFar(pieces, edges, i, end);
+            for (; i < end; ++i) {
+                segment(i, isFar,
+                        [&](int k) { meetings.find(pieces.vertex(k), pieces.vertex(k + 1)); });
+            }
         }
     }
 }
 
+/// The edges that meet the line in one place.
+struct Touch {
+    Spokes::Cover cover = {false, false, false};
+
+    void add(const Meeting& m) { add({m.beside, m.backward, m.forward}); }
+    void add(const Spokes::Cover& more) {
+        cover.beside |= more.beside;
+        cover.backward |= more.backward;
+        cover.forward |= more.forward;
+    }
+    /// There are edges, and not just one that the line runs along.
+    bool cuts() const { return cover.beside || cover.backward != cover.forward; }
+};
+
 class AreaWalk {
   public:
-    AreaWalk(Pieces& pieces, const EdgeIndex& edges, Beginning beginning)
-        : m_pieces(pieces), m_edges(edges), m_meetings(edges), m_beginning(beginning) {}
+    AreaWalk(Pieces& pieces, const EdgeIndex& edges, AreaCut cut)
+        : m_pieces(pieces), m_edges(edges), m_cut(cut) {}
 
-    void run() {
-        walk(m_pieces, m_edges, [this](int i, bool isFar) {
+    void run(const Team& team) {
+        walk(m_pieces, m_edges, team, [this](int i, const SegmentMeetings* meetings) {
             const JWRawPoint a = m_pieces.vertex(i), b = m_pieces.vertex(i + 1);
-            if (!isFar || !m_started) {
-                segment(a, b);
+            if (!m_started) m_left = m_right = m_edges.isOddWestOf(a);
+            if (meetings != nullptr) {
+                segment(a, b, *meetings);
             } else {
                 stretch(a);
             }
+            m_started = true;
             m_before = a;
         });
         m_pieces.end(m_inside);
     }
 
   private:
-    void segment(const JWRawPoint& a, const JWRawPoint& b) {
-        m_meetings.find(a, b);
-        enter(a, b);
+    void segment(const JWRawPoint& a, const JWRawPoint& b, const SegmentMeetings& meetings) {
+        if (!meetings.atStart().isEmpty()) enter(a, b, meetings.atStart());
         JWRawPoint last = a;
         bool lastIsVertex = true;
-        for (const Meeting& meeting : m_meetings.between()) {
-            if (!m_meetings.isSamePlace(last, meeting.point)) {
+        for (const Meeting& meeting : meetings.between()) {
+            if (!meetings.isSamePlace(last, meeting.point)) {
                 stretch(last);
                 last = meeting.point;
                 lastIsVertex = meeting.isVertex;
@@ -107,54 +187,60 @@ class AreaWalk {
             }
             m_left ^= meeting.oddLeft;
             m_right ^= meeting.oddRight;
+            m_here.add(meeting);
         }
-        if (!m_meetings.isSamePlace(last, b)) stretch(last);
+        if (!meetings.isSamePlace(last, b)) stretch(last);
     }
 
     /// Brings the states past vertex a, on the way to b.
-    void enter(const JWRawPoint& a, const JWRawPoint& b) {
-        if (!m_started) m_left = m_right = m_edges.isOddWestOf(a);
-        if (!m_meetings.atStart().isEmpty()) {
-            const Spokes::Turn turn =
-                m_meetings.atStart().turn(a, m_started ? &m_before : nullptr, b);
-            m_left ^= turn.oddUntil;
-            m_right = m_left ^ turn.oddAlong;
-        }
-        m_started = true;
+    void enter(const JWRawPoint& a, const JWRawPoint& b, const Spokes& spokes) {
+        const Spokes::Turn turn = spokes.turn(a, m_started ? &m_before : nullptr, b);
+        m_left ^= turn.oddUntil;
+        m_right = m_left ^ turn.oddAlong;
+        if (m_started) m_here.add(spokes.cover(a, m_before, b));
     }
 
     /// The line goes on from `from` in the present states.
     void stretch(const JWRawPoint& from) {
-        if (m_isOpen && m_left != m_right && m_beginning == Beginning::LikeWhatFollows) return;
-        const bool inside = m_left || m_right;
-        if (!m_isOpen && inside != m_inside) m_pieces.cut(from, m_inside);
+        const bool isAlong = m_left != m_right, inside = m_left || m_right;
+        const bool meets = m_here.cuts() && !(m_wasAlong && isAlong);
+        m_here = Touch();
+        m_wasAlong = isAlong;
+        const bool everywhere = m_cut == AreaCut::EveryMeeting;
+        if (m_isOpen && isAlong && everywhere) {
+            m_beganAlong = true;
+            return;
+        }
+        if (m_isOpen ? m_beganAlong : inside != m_inside || (everywhere && meets))
+            m_pieces.cut(from, m_isOpen ? inside : m_inside);
         m_inside = inside;
         m_isOpen = false;
     }
 
     Pieces& m_pieces;
     const EdgeIndex& m_edges;
-    SegmentMeetings m_meetings;
-    Beginning m_beginning;
+    AreaCut m_cut;
     JWRawPoint m_before;
+    Touch m_here;  ///< what the line has met since it last went on
     bool m_started = false;
     bool m_left = false, m_right = false;
+    bool m_wasAlong = false;
     bool m_isOpen = true;  ///< what the piece is has not been settled
+    bool m_beganAlong = false;
     bool m_inside = true;
 };
 
 class LineWalk {
   public:
-    LineWalk(Pieces& pieces, const EdgeIndex& edges)
-        : m_pieces(pieces), m_edges(edges), m_meetings(edges) {}
+    LineWalk(Pieces& pieces, const EdgeIndex& edges) : m_pieces(pieces), m_edges(edges) {}
 
-    void run() {
-        walk(m_pieces, m_edges, [this](int i, bool isFar) {
+    void run(const Team& team) {
+        walk(m_pieces, m_edges, team, [this](int i, const SegmentMeetings* meetings) {
             const JWRawPoint a = m_pieces.vertex(i), b = m_pieces.vertex(i + 1);
             if (m_isDue) m_pieces.cut(a, true);
             const bool wasCut = m_isDue;
             m_isDue = false;
-            if (!isFar) segment(a, b, wasCut);
+            if (meetings != nullptr) segment(a, b, wasCut, *meetings);
             m_before = a;
             m_started = true;
         });
@@ -162,34 +248,27 @@ class LineWalk {
     }
 
   private:
-    /// What is met in one place.
-    struct Place {
+    struct Place : Touch {
         JWRawPoint point;
-        Spokes::Cover cover;
-        void add(const Meeting& m) {
-            cover.beside |= m.beside;
-            cover.backward |= m.backward;
-            cover.forward |= m.forward;
-        }
-        bool cuts() const { return cover.beside || cover.backward != cover.forward; }
+        explicit Place(const JWRawPoint& p) : point(p) {}
     };
 
-    void segment(const JWRawPoint& a, const JWRawPoint& b, bool wasCut) {
-        m_meetings.find(a, b);
-        Place place{a, {false, false, false}};
-        if (m_started && !m_meetings.atStart().isEmpty())
-            place.cover = m_meetings.atStart().cover(a, m_before, b);
+    void segment(const JWRawPoint& a, const JWRawPoint& b, bool wasCut,
+                 const SegmentMeetings& meetings) {
+        Place place(a);
+        if (m_started && !meetings.atStart().isEmpty())
+            place.cover = meetings.atStart().cover(a, m_before, b);
         m_atStart = wasCut || !m_started;
-        for (const Meeting& meeting : m_meetings.between()) {
-            if (!m_meetings.isSamePlace(place.point, meeting.point)) {
+        for (const Meeting& meeting : meetings.between()) {
+            if (!meetings.isSamePlace(place.point, meeting.point)) {
                 leave(place);
-                place = {meeting.point, {false, false, false}};
+                place = Place(meeting.point);
             } else if (meeting.isVertex && !(place.point == a)) {
                 place.point = meeting.point;
             }
             place.add(meeting);
         }
-        if (!m_meetings.isSamePlace(place.point, b) || place.point == a) {
+        if (!meetings.isSamePlace(place.point, b) || place.point == a) {
             leave(place);
         } else {
             m_isDue = place.cuts();
@@ -204,7 +283,6 @@ class LineWalk {
 
     Pieces& m_pieces;
     const EdgeIndex& m_edges;
-    SegmentMeetings m_meetings;
     JWRawPoint m_before;
     bool m_started = false;
     bool m_isDue = false;  ///< the line is to be cut at the next vertex
@@ -220,18 +298,19 @@ bool hasLength(const PointSpan& line) {
 
 }  // namespace
 
-bool splitByArea(const PointSpan& line, const EdgeIndex& edges, Beginning beginning,
+bool splitByArea(const PointSpan& line, const EdgeIndex& edges, AreaCut cut, const Team& team,
                  const PieceSink& sink) {
     if (!hasLength(line)) return false;
     Pieces pieces(line, edges.scale(), sink);
-    AreaWalk(pieces, edges, beginning).run();
+    AreaWalk(pieces, edges, cut).run(team);
     return true;
 }
 
-bool splitByLines(const PointSpan& line, const EdgeIndex& edges, const PieceSink& sink) {
+bool splitByLines(const PointSpan& line, const EdgeIndex& edges, const Team& team,
+                  const PieceSink& sink) {
     if (!hasLength(line)) return false;
     Pieces pieces(line, edges.scale(), sink);
-    LineWalk(pieces, edges).run();
+    LineWalk(pieces, edges).run(team);
     return true;
 }
 

@@ -106,13 +106,23 @@ bool Spokes::hasBoundary(const JWRawPoint& vertex) {
     return false;
 }
 
-void SegmentMeetings::find(const JWRawPoint& a, const JWRawPoint& b) {
+void SegmentMeetings::start(const JWRawPoint& a, const JWRawPoint& b) {
     m_a = a;
     m_b = b;
     m_box = boxOf(a, b);
     const JWEnvelop& around = m_edges.envelop();
     m_nearX = nearness(largest(a.x, b.x), largest(around.minX, around.maxX));
     m_nearY = nearness(largest(a.y, b.y), largest(around.minY, around.maxY));
+}
+
+void SegmentMeetings::find(const JWRawPoint& a, const JWRawPoint& b, Meetings&& found) {
+    start(a, b);
+    m_between = std::move(found.between);
+    m_atStart = std::move(found.atStart);
+}
+
+void SegmentMeetings::find(const JWRawPoint& a, const JWRawPoint& b) {
+    start(a, b);
     m_between.clear();
     m_atStart.clear();
     m_edges.visitNear(a, b, [this](int edge) { meet(m_edges.from(edge), m_edges.to(edge)); });

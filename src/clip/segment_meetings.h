@@ -4,6 +4,7 @@
 #ifndef JW_CLIP_SEGMENT_MEETINGS_H
 #define JW_CLIP_SEGMENT_MEETINGS_H
 
+#include <utility>
 #include <vector>
 
 #include "clip/edge_index.h"
@@ -51,6 +52,12 @@ class Spokes {
     std::vector<JWRawPoint> m_ends;
 };
 
+/// What meets a segment.
+struct Meetings {
+    std::vector<Meeting> between;  ///< its ends, in order along it
+    Spokes atStart;
+};
+
 class SegmentMeetings {
   public:
     explicit SegmentMeetings(const EdgeIndex& edges) : m_edges(edges) {}
@@ -58,6 +65,9 @@ class SegmentMeetings {
     /// Finds what meets the segment ab, of length above 0: between its ends, in order along it, and
     /// at a. Edges at b belong to the next segment.
     void find(const JWRawPoint& a, const JWRawPoint& b);
+    /// Takes what was found before; `take` hands it out.
+    void find(const JWRawPoint& a, const JWRawPoint& b, Meetings&& found);
+    Meetings take() { return {std::move(m_between), std::move(m_atStart)}; }
 
     const std::vector<Meeting>& between() const { return m_between; }
     const Spokes& atStart() const { return m_atStart; }
@@ -68,6 +78,7 @@ class SegmentMeetings {
     }
 
   private:
+    void start(const JWRawPoint& a, const JWRawPoint& b);
     void meet(const JWRawPoint& p, const JWRawPoint& q);
     void meetOnLine(const JWRawPoint& p, const JWRawPoint& q);
     void touch(const JWRawPoint& p, const JWRawPoint& other, int side);
