@@ -15,11 +15,9 @@ RingDistance::RingDistance(const JWRing& ring, bool prepare)
       m_count(ring.getPointCount()),
       m_envelop(JWEnvelop::invalid()) {
     for (int i = 0; i < m_count; ++i) m_envelop.inflates_to_contain(m_points[i]);
-    if (!prepare) return;
-    Pieces edges;
-    appendSegments(m_points, m_count, edges);
-    m_prepared = std::make_unique<const Prepared>(
-        Prepared{RingLocator(m_points, m_count), PieceTree(std::move(edges))});
+    if (prepare)
+        m_prepared = std::make_unique<const Prepared>(
+            Prepared{RingLocator(m_points, m_count), PieceTree(m_points, m_count)});
 }
 
 bool RingDistance::isOn(const JWRawPoint& p) const {
@@ -37,7 +35,7 @@ bool RingDistance::isWithin(const JWRawPoint& p) const {
 template <class Measure>
 LastLeast RingDistance::nearestEdge(const JWEnvelop& box, double limit, OfEqual keeps,
                                     const Measure& measure) const {
-    if (m_prepared) return m_prepared->edges.nearest(box, limit, keeps, measure);
+    if (m_prepared) return nearestPiece(m_prepared->edges, box, limit, keeps, measure);
     NumberedLeast<int> least(keeps);
     for (int i = 0; i + 1 < m_count; ++i)
         least.take(i, measure(Piece{m_points[i], m_points[i + 1]}));

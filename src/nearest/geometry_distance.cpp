@@ -30,6 +30,10 @@ Pieces segmentsAndPointsOf(const JWGeometry& lines) {
     return pieces;
 }
 
+PieceTree treeOver(const std::vector<JWRawPoint>& line) {
+    return PieceTree(line.data(), static_cast<int>(line.size()));
+}
+
 /// Measures from each of `pieces` to each polygon: `measure(area, piece, limit)`.
 template <class Measure>
 LastLeast toAreas(const Pieces& pieces, const JWGeometry& areas, const Measure& measure) {
@@ -112,9 +116,17 @@ LastLeast segmentToRing(const Piece& segment, const JWRing& ring) {
 }
 
 LastLeast linesToLines(const JWGeometry& a, const JWGeometry& b) {
-    return leastOfPairs(segmentsOf(a), segmentsOf(b), [](const Piece& s, const Piece& t) {
+    const auto measure = [](const Piece& s, const Piece& t) {
         return fromSegmentToSegment(s.a, s.b, t.a, t.b);
-    });
+    };
+    if (a.getGeometryType() == JWGeometryLineString &&
+        b.getGeometryType() == JWGeometryLineString) {
+        const auto& p = static_cast<const JWLineString&>(a).getPointList();
+        const auto& q = static_cast<const JWLineString&>(b).getPointList();
+        if (!areFewPairs(p.size(), q.size()))
+            return leastOfPairs(treeOver(p), treeOver(q), measure);
+    }
+    return leastOfPairs(segmentsOf(a), segmentsOf(b), measure);
 }
 
 LastLeast segmentsToAreas(const Pieces& segments, const JWGeometry& areas) {

@@ -127,10 +127,9 @@ int JWGeometryNearest::nearestFeatures(const JWFeatureClass* source, const JWFea
             return -1;
         }
         if (!checkOptions(options)) return -1;
-        std::vector<JWNearestPair> found;
-        findNearestPairs(*source, *target, *exactSearch(options), options.threads, found);
-        pairs.insert(pairs.end(), found.begin(), found.end());
-        return static_cast<int>(std::min<std::size_t>(found.size(), INT_MAX));
+        const std::size_t before = pairs.size();
+        findNearestPairs(*source, *target, *exactSearch(options), options.threads, pairs);
+        return static_cast<int>(std::min<std::size_t>(pairs.size() - before, INT_MAX));
     });
 }
 

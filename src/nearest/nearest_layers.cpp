@@ -36,30 +36,85 @@ Refusal refusalOf(const JWFeature& feature, unsigned kinds, bool takesMultiPoint
     return {check, reasonOf(check, feature, kinds)};
 }
 
-/// Finds the connections of sources, those near each other one after the other: their searches
-/// visit the same parts of the tree. False when `keepOn` asked to stop.
+/// The connections of a list of sources: each worker appends to the list of its chunk, and notes
+/// for each source where they are.
+class FoundConnections {
+  public:
+    struct Range {
+        const Connection* first = nullptr;
+        const Connection* last = nullptr;
+        const Connection* begin() const { return first; }
+        const Connection* end() const { return last; }
+        std::size_t size() const { return static_cast<std::size_t>(last - first); }
+        const Connection& operator[](std::size_t i) const { return first[i]; }
+    };
+    Range of(std::size_t source) const {
+        const Place& place = m_places[source];
+        const Connection* first = m_lists.empty() ? nullptr : m_lists[place.list].data();
+        return {first + place.first, first + place.last};
+    }
+    std::size_t count() const {
+        std::size_t count = 0;
+        for (const Connections& list : m_lists) count += list.size();
+        return count;
+    }
+    /// False when `keepOn` asked to stop.
+    template <class KeepOn>
+    bool find(const Team& team, const NearestMethod& method, const FeatureList& sources,
+              const KeepOn& keepOn);
+
+  private:
+    struct Place {
+        std::size_t list = 0, first = 0, last = 0;
+    };
+    void findChunk(const NearestFinder& find, std::size_t begin, std::size_t end, std::size_t list);
+
+    std::vector<int> m_order;
+    std::vector<NearestSource> m_sources;  ///< in this order
+    std::vector<Connections> m_lists;
+    std::vector<Place> m_places;  ///< by source
+};
+
+/// Sources near each other come one after the other: their searches visit the same parts of the
+/// tree.
 template <class KeepOn>
-bool findConnections(const Team& team, const NearestMethod& method, const FeatureList& sources,
-                     std::vector<Connections>& found, const KeepOn& keepOn) {
+bool FoundConnections::find(const Team& team, const NearestMethod& method,
+                            const FeatureList& sources, const KeepOn& keepOn) {
+    m_order.clear();
     std::vector<JWEnvelop> boxes(sources.size(), JWEnvelop::invalid());
-    std::vector<int> order;
+    std::vector<NearestSource> known(sources.size());
     for (std::size_t i = 0; i < sources.size(); ++i) {
         if (!sources[i]) continue;
-        boxes[i] = rectangleAround(*sources[i]->getGeometryPtr());
-        order.push_back(static_cast<int>(i));
+        const JWGeometry& geometry = *sources[i]->getGeometryPtr();
+        boxes[i] = rectangleAround(geometry);
+        known[i] = {sources[i].get(), geometry.getGeometryType() == JWGeometryPoint, boxes[i]};
+        m_order.push_back(static_cast<int>(i));
     }
-    sortAlongHilbertCurve(boxes, order);
-    found.assign(sources.size(), {});
-    const auto count = static_cast<std::int64_t>(order.size());
+    sortAlongHilbertCurve(boxes, m_order);
+    // The features themselves lie anywhere in memory in this order.
+    m_sources.clear();
+    m_sources.reserve(m_order.size());
+    for (const int i : m_order) m_sources.push_back(known[static_cast<std::size_t>(i)]);
+    const auto count = static_cast<std::int64_t>(m_order.size());
     const std::int64_t chunk = std::max<std::int64_t>(count / (std::int64_t{8} * team.size()), 64);
+    m_places.assign(sources.size(), {});
+    m_lists.assign(static_cast<std::size_t>((count + chunk - 1) / chunk), {});
     return parallelChunks(team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
-        const NearestFinder find = method.finder();
-        for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
-            const auto source = static_cast<std::size_t>(order[i]);
-            find(*sources[source], found[source]);
-        }
+        findChunk(method.finder(), static_cast<std::size_t>(begin), static_cast<std::size_t>(end),
+                  static_cast<std::size_t>(begin / chunk));
         return keepOn();
     });
+}
+
+void FoundConnections::findChunk(const NearestFinder& find, std::size_t begin, std::size_t end,
+                                 std::size_t list) {
+    Connections& found = m_lists[list];
+    found.reserve(end - begin);
+    for (std::size_t i = begin; i < end; ++i) {
+        const std::size_t first = found.size();
+        find(m_sources[i], found);
+        m_places[static_cast<std::size_t>(m_order[i])] = {list, first, found.size()};
+    }
 }
 
 class NearestRun {
@@ -76,7 +131,7 @@ class NearestRun {
     /// Leaves what takes part; null in the place of any other feature.
     void select(FeatureInput& input, unsigned kinds, FeatureList& features, std::int64_t& read,
                 std::int64_t& empty);
-    void write(const JWFeature& source, const Connections& connections);
+    void write(const JWFeature& source, const FoundConnections::Range& connections);
     void writeConnection(const JWFeature& source, const Connection& connection, int rank);
     bool keepOn() {
         bool going = true;
@@ -165,7 +220,7 @@ void NearestRun::writeConnection(const JWFeature& source, const Connection& conn
     writeResult(m_job.output, result, m_job.source, source.getFID64(), m_report);
 }
 
-void NearestRun::write(const JWFeature& source, const Connections& connections) {
+void NearestRun::write(const JWFeature& source, const FoundConnections::Range& connections) {
     int rank = 0;
     for (std::size_t i = 0; i < connections.size(); ++i) {
         if (i == 0 || connections[i].length > connections[i - 1].length)
@@ -177,16 +232,16 @@ void NearestRun::write(const JWFeature& source, const Connections& connections) 
 
 void NearestRun::answerAll() {
     FeatureList sources;
-    std::vector<Connections> found;
+    FoundConnections found;
     for (std::int64_t first = 0; first < m_total; first += kBlock) {
         m_job.source.readBlock(first, kBlock, sources);
         select(m_job.source, m_job.method.sourceKinds(), sources, m_report.readA, m_report.emptyA);
-        if (!findConnections(m_team, m_job.method, sources, found, [&] { return keepOn(); })) {
+        if (!found.find(m_team, m_job.method, sources, [&] { return keepOn(); })) {
             m_report.cancelled = true;
             fail(JWErrorCancelled, "the run was stopped; nothing was written");
         }
         for (std::size_t i = 0; i < sources.size(); ++i)
-            if (sources[i]) write(*sources[i], found[i]);
+            if (sources[i]) write(*sources[i], found.of(i));
     }
 }
 
@@ -237,11 +292,12 @@ void findNearestPairs(const JWFeatureClass& source, const JWFeatureClass& target
         present.push_back(targets[i]);
     }
     method.setTargets(present, extent);
-    std::vector<Connections> found;
+    FoundConnections found;
     const Team team(threads);
-    findConnections(team, method, sources, found, [] { return true; });
-    for (std::size_t i = 0; i < found.size(); ++i)
-        for (const Connection& c : found[i])
+    found.find(team, method, sources, [] { return true; });
+    pairs.reserve(pairs.size() + found.count());
+    for (std::size_t i = 0; i < sources.size(); ++i)
+        for (const Connection& c : found.of(i))
             pairs.push_back({static_cast<int>(i), positions[static_cast<std::size_t>(c.target)],
                              c.length, c.from, c.to});
 }

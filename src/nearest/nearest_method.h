@@ -22,8 +22,18 @@ struct Connection {
 };
 using Connections = std::vector<Connection>;
 
+/// A source as far as it is known before it is looked at: the rectangle of a point is the point.
+struct NearestSource {
+    const JWFeature* feature = nullptr;
+    bool isPoint = false;
+    JWEnvelop box = JWEnvelop::invalid();
+
+    const JWGeometry& geometry() const { return *feature->getGeometryPtr(); }
+    JWRawPoint point() const { return {box.minX, box.minY}; }
+};
+
 /// Finds the targets nearest to one source; one worker has it to itself.
-using NearestFinder = std::function<void(const JWFeature& source, Connections& connections)>;
+using NearestFinder = std::function<void(const NearestSource& source, Connections& connections)>;
 
 using FeatureList = std::vector<std::shared_ptr<const JWFeature>>;
 

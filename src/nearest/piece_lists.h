@@ -14,26 +14,18 @@
 #include <utility>
 #include <vector>
 
-#include "boolean/packed_tree.h"
+#include "nearest/piece_tree.h"
 #include "nearest/stated_distance.h"
 
 namespace jws::detail {
 
-/// A point (both ends equal) or a segment.
-struct Piece {
-    JWRawPoint a;
-    JWRawPoint b;
-};
-using Pieces = std::vector<Piece>;
-
-inline JWEnvelop boxOf(const Piece& piece) {
-    return {std::min(piece.a.x, piece.b.x), std::min(piece.a.y, piece.b.y),
-            std::max(piece.a.x, piece.b.x), std::max(piece.a.y, piece.b.y)};
-}
-
 /// Appends the segments of a line or ring.
 inline void appendSegments(const JWRawPoint* points, int n, Pieces& pieces) {
-    for (int i = 0; i + 1 < n; ++i) pieces.push_back({points[i], points[i + 1]});
+    if (n < 2) return;
+    const std::size_t before = pieces.size();
+    pieces.resize(before + static_cast<std::size_t>(n) - 1);
+    for (int i = 0; i + 1 < n; ++i)
+        pieces[before + static_cast<std::size_t>(i)] = {points[i], points[i + 1]};
 }
 
 inline JWEnvelop boxAround(const Pieces& pieces) {
@@ -61,19 +53,6 @@ class BoxDistance {
     double m_slack;
 };
 
-/// A tree over pieces; their numbers are its items. Segments that follow one another are not
-/// sorted: the line keeps neighbours together.
-inline PackedTree treeOver(const Pieces& pieces) {
-    std::vector<JWEnvelop> boxes;
-    boxes.reserve(pieces.size());
-    std::size_t follow = 0;
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-        boxes.push_back(boxOf(pieces[i]));
-        if (i > 0 && pieces[i].a == pieces[i - 1].b) ++follow;
-    }
-    return PackedTree(boxes, follow > pieces.size() / 2);
-}
-
 /// Which of equal candidates a search keeps.
 enum class OfEqual { First, Last };
 
@@ -99,53 +78,45 @@ class NumberedLeast {
     Number m_number{};
 };
 
-/// Pieces that are asked many times for the nearest of them.
-class PieceTree {
-  public:
-    explicit PieceTree(Pieces pieces)
-        : m_pieces(std::move(pieces)), m_tree(treeOver(m_pieces)), m_bound(m_tree.envelop()) {}
-
-    /// The least `measure(piece)`, a Closest from something in `box`, as far as it is no more than
-    /// `limit`.
-    template <class Measure>
-    LastLeast nearest(const JWEnvelop& box, double limit, OfEqual keeps,
-                      const Measure& measure) const {
-        NumberedLeast<int> least(keeps);
-        m_tree.searchNearest(
-            [&](const JWEnvelop& node) { return m_bound(node, box); },
-            [&] { return std::min(limit, least.least()); },
-            [&](int i) { least.take(i, measure(m_pieces[static_cast<std::size_t>(i)])); });
-        return least.result();
-    }
-
-  private:
-    Pieces m_pieces;
-    PackedTree m_tree;
-    BoxDistance m_bound;
-};
+/// The least `measure(piece)`, a Closest from something in `box`, over the pieces of a tree, as far
+/// as it is no more than `limit`.
+template <class Measure>
+LastLeast nearestPiece(const PieceTree& tree, const JWEnvelop& box, double limit, OfEqual keeps,
+                       const Measure& measure) {
+    NumberedLeast<int> least(keeps);
+    tree.search(
+        box, [&] { return std::min(limit, least.least()); },
+        [&](int place) { least.take(tree.number(place), measure(tree.piece(place))); });
+    return least.result();
+}
 
 /// Below this number of pairs all of them are measured without a tree.
 constexpr std::size_t kFewPairs = 2000;
 
-/// The last least of `measure(i, j)`, a Closest, over all pairs of two lists.
+/// The last least of `measure(i, j)`, a Closest, over all pairs of pieces of two trees.
 template <class Measure>
-LastLeast leastOfPairs(const Pieces& a, const Pieces& b, const Measure& measure) {
-    if (a.size() <= kFewPairs && a.size() * b.size() <= kFewPairs) {
-        LastLeast least;
-        for (const Piece& i : a)
-            for (const Piece& j : b) least.take(measure(i, j));
-        return least;
-    }
-    JWEnvelop extent = boxAround(a);
-    extent.inflates_to_contain(boxAround(b));
+LastLeast leastOfPairs(const PieceTree& a, const PieceTree& b, const Measure& measure) {
     NumberedLeast<std::pair<int, int>> least(OfEqual::Last);
-    treeOver(a).searchPairs(
-        treeOver(b), BoxDistance(extent), [&] { return least.least(); },
+    a.searchPairs(
+        b, [&] { return least.least(); },
         [&](int i, int j) {
-            least.take({i, j},
-                       measure(a[static_cast<std::size_t>(i)], b[static_cast<std::size_t>(j)]));
+            least.take({a.number(i), b.number(j)}, measure(a.piece(i), b.piece(j)));
         });
     return least.result();
+}
+
+inline bool areFewPairs(std::size_t a, std::size_t b) {
+    return a <= kFewPairs && a * b <= kFewPairs;
+}
+
+/// The same for two lists.
+template <class Measure>
+LastLeast leastOfPairs(const Pieces& a, const Pieces& b, const Measure& measure) {
+    if (!areFewPairs(a.size(), b.size())) return leastOfPairs(PieceTree(a), PieceTree(b), measure);
+    LastLeast least;
+    for (const Piece& i : a)
+        for (const Piece& j : b) least.take(measure(i, j));
+    return least;
 }
 
 }  // namespace jws::detail

@@ -70,17 +70,20 @@ class SquareSearch : public NearestMethod {
     }
 
     NearestFinder finder() const override {
-        return [this, source = StatedSource(), hint = -1](const JWFeature& feature,
+        return [this, source = StatedSource(), hint = -1](const NearestSource& of,
                                                           Connections& connections) mutable {
-            findForFeature(*feature.getGeometryPtr(), connections, source, hint);
+            const auto findForPart = [&](const JWRawPoint* p, std::size_t n) {
+                if (load(p, n, source)) find(source, connections, hint);
+                return true;
+            };
+            const JWRawPoint point = of.point();
+            of.isPoint ? findForPart(&point, 1) : everyVertexList(of.geometry(), findForPart);
         };
     }
 
   private:
-    void findForFeature(const JWGeometry& geometry, Connections& connections, StatedSource& source,
-                        int& hint) const;
-    void find(const StatedSource& source, const SquareStart& start, Connections& connections,
-              int& hint) const;
+    bool load(const JWRawPoint* points, std::size_t n, StatedSource& source) const;
+    void find(const StatedSource& source, Connections& connections, int& hint) const;
 
     const Row& m_row;
     std::vector<StatedTarget> m_targets;
@@ -90,27 +93,22 @@ class SquareSearch : public NearestMethod {
     std::optional<SquareGrowth> m_growth;
 };
 
-/// `source` is memory that a worker uses again; `hint` a target of the source before, which lies
-/// nearby, or -1: measured first it bounds the search.
-void SquareSearch::findForFeature(const JWGeometry& geometry, Connections& connections,
-                                  StatedSource& source, int& hint) const {
+/// Puts a point or a line into memory that a worker uses again; false for one without segments.
+bool SquareSearch::load(const JWRawPoint* points, std::size_t n, StatedSource& source) const {
     source.isPoint = m_row.sourceKind == PointKind;
-    everyVertexList(geometry, [&](const JWRawPoint* p, std::size_t n) {
-        source.pieces.clear();
-        if (n == 1 && (source.isPoint || m_row.target == TargetKind::Point))
-            source.pieces.push_back({p[0], p[0]});
-        appendSegments(p, static_cast<int>(n), source.pieces);
-        if (source.pieces.empty()) return true;
-        source.box = boxAround(source.pieces);
-        find(source, source.isPoint ? m_growth->startAt(p[0]) : m_growth->startAt(source.box),
-             connections, hint);
-        return true;
-    });
+    source.pieces.clear();
+    if (n == 1 && (source.isPoint || m_row.target == TargetKind::Point))
+        source.pieces.push_back({points[0], points[0]});
+    appendSegments(points, static_cast<int>(n), source.pieces);
+    source.box = boxAround(source.pieces);
+    return !source.pieces.empty();
 }
 
-/// Appends the connections of a point or of one line, by target.
-void SquareSearch::find(const StatedSource& source, const SquareStart& start,
-                        Connections& connections, int& hint) const {
+/// Appends the connections of a point or of one line, by target. `hint` is a target of the source
+/// before, which lies nearby, or -1: measured first it bounds the search.
+void SquareSearch::find(const StatedSource& source, Connections& connections, int& hint) const {
+    const SquareStart start =
+        source.isPoint ? m_growth->startAt(source.pieces[0].a) : m_growth->startAt(source.box);
     JWEnvelop square;
     if (!m_growth->firstSquare(start, square)) return;
     const auto first = static_cast<std::ptrdiff_t>(connections.size());

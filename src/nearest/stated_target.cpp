@@ -29,8 +29,10 @@ StatedTarget::StatedTarget(TargetKind kind, const JWGeometry& geometry, const JW
         }
         case TargetKind::Lines:
             m_pieces = segmentsOf(geometry);
-            if (m_pieces.size() > kManyEdges)
-                m_lineTree = std::make_unique<const PieceTree>(std::move(m_pieces));
+            if (m_pieces.size() > kManyEdges) {
+                m_lineTree = std::make_unique<const PieceTree>(m_pieces);
+                m_pieces = {};
+            }
             break;
         case TargetKind::Rings:
             everyPolygon(geometry, [&](const JWPolygon& polygon) {
@@ -59,7 +61,8 @@ FirstLeast StatedTarget::fromSourcePoint(const JWRawPoint& p, double limit) cons
     }
     const auto measure = [&](const Piece& s) { return fromPointToSegment(p, s.a, s.b); };
     for (const Piece& segment : m_pieces) least.take(measure(segment));
-    if (m_lineTree) least.take(m_lineTree->nearest(boxOf({p, p}), limit, OfEqual::First, measure));
+    if (m_lineTree)
+        least.take(nearestPiece(*m_lineTree, boxOf({p, p}), limit, OfEqual::First, measure));
     for (const RingDistance& ring : m_rings) least.take(ring.fromPoint(p, limit));
     for (const AreaDistance& area : m_areas) least.take(area.fromPoint(p, limit));
     return least;
@@ -81,7 +84,8 @@ FirstLeast StatedTarget::fromSourceLine(const Pieces& segments, double limit) co
             return fromSegmentToSegment(s.a, s.b, t.a, t.b);
         };
         for (const Piece& t : m_pieces) least.take(measure(t));
-        if (m_lineTree) least.take(m_lineTree->nearest(boxOf(s), most, OfEqual::First, measure));
+        if (m_lineTree)
+            least.take(nearestPiece(*m_lineTree, boxOf(s), most, OfEqual::First, measure));
         for (const RingDistance& ring : m_rings) least.take(ring.fromSegment(s.a, s.b, most));
         for (const AreaDistance& area : m_areas)
             least.take(area.fromSegment(s.a, s.b, most, {0, s.a, s.a}));
