@@ -42,8 +42,9 @@ struct JWLayerRelationOptions {
 /// left out; those with a coordinate that is not finite are listed as rejected. A layer
 /// may be related to itself.
 ///
-/// Cost: one pass over each layer, then the pairs; large features of B are prepared once as long as
-/// memory (about 200 MB) holds them, so each partner costs what lies near it.
+/// Cost: one pass over each layer, then the pairs. The features of B that a block of A meets are
+/// prepared and held; those of blocks before stay as long as all together take up about 200 MB, so
+/// that each is prepared once as a rule and a pair costs what lies near it.
 class JW_API JWLayerRelation {
   public:
     /// Receives the wanted pairs one by one, on the caller's thread; false stops the run.

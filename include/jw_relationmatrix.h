@@ -36,6 +36,7 @@ class JW_API JWRelationMatrix {
 
     /// Dimension of what two parts have in common, 0 to 2; −1 when that is nothing.
     int at(Part first, Part second) const { return m_entries[3 * first + second]; }
+    /// `dimension` from −1 to 2.
     void set(Part first, Part second, int dimension);
     /// The nine entries by rows, as in "212FF1FF2": a dimension, or F for nothing.
     std::string text() const;

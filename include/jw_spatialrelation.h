@@ -17,7 +17,8 @@ namespace jws {
 /// Predicates have the meaning of the OGC for the kinds in their names (see `JWRelationMatrix` for
 /// what is interior, boundary and exterior), except where their comment says otherwise: some decide
 /// with a crossing-number test to which a point on the exterior ring is outside. "On the exterior
-/// ring" below means on an edge of ring 0 of the polygon. Signs are exact.
+/// ring" below means on an edge of ring 0 of the polygon. Areas are read by the even-odd rule over
+/// all rings, also where holes overlap or lie outside. Signs are exact.
 ///
 /// A null operand gives 0 (`JWRelationNone`) from a classifier and false from a predicate, the
 /// disjoint ones included. An empty operand, and one with a coordinate that is NaN or infinite, has

@@ -7,6 +7,7 @@
 
 #include "foundation/api_guard.h"
 #include "jw_relationmatrix.h"
+#include "relation/point_place.h"
 #include "relation/predicates.h"
 
 namespace jws {
@@ -37,6 +38,15 @@ RelateOperand* readPlainly(const JWGeometry& other) {
     RelateOperand& read = scratch();
     const bool usable = read.assign(other) == RelateOperand::kUsable && read.range().isPlain();
     return usable ? &read : nullptr;
+}
+
+/// Empties the matrix; sets the last error where there is none or a geometry cannot be compared.
+bool canRelate(JWRelationMatrix* matrix, bool areUsable) {
+    if (matrix != nullptr) *matrix = JWRelationMatrix();
+    if (matrix != nullptr && areUsable) return true;
+    JWReport::setError(JWErrorInvalidArgument,
+                       "relate: a geometry is null or cannot be compared, or the matrix is null");
+    return false;
 }
 
 }  // namespace
@@ -74,9 +84,7 @@ bool JWPreparedRelation::isUsable() const {
 }
 
 bool JWPreparedRelation::relate(const JWGeometry* other, JWRelationMatrix* matrix) const {
-    if (matrix == nullptr) return false;
-    *matrix = JWRelationMatrix();
-    if (other == nullptr || !isUsable()) return false;
+    if (!canRelate(matrix, other != nullptr && isUsable())) return false;
     return guarded("relate", false, [&] {
         RelateOperand* read = nullptr;
         if (m_impl->operand && m_impl->isPlain) read = readPlainly(*other);
@@ -88,9 +96,7 @@ bool JWPreparedRelation::relate(const JWGeometry* other, JWRelationMatrix* matri
 }
 
 bool JWPreparedRelation::relate(const JWPreparedRelation& other, JWRelationMatrix* matrix) const {
-    if (matrix == nullptr) return false;
-    *matrix = JWRelationMatrix();
-    if (!isUsable() || !other.isUsable()) return false;
+    if (!canRelate(matrix, isUsable() && other.isUsable())) return false;
     return guarded("relate", false, [&] {
         const Impl &a = *m_impl, &b = *other.m_impl;
         if (!(a.operand && b.operand && a.isPlain && b.isPlain))
@@ -140,7 +146,13 @@ bool JWPreparedRelation::touches(const JWGeometry* other) const {
 
 JWRelationMatrix::Part JWPreparedRelation::partAt(const JWRawPoint& p) const {
     if (!isUsable() || !m_impl->operand) return JWRelationMatrix::Exterior;
-    return static_cast<JWRelationMatrix::Part>(m_impl->operand->operand().locate(p));
+    return guarded("partAt", JWRelationMatrix::Exterior, [&] {
+        const ScaledPoint scaled = scaledTo(m_impl->range, p);
+        if (!scaled.isWithinReach) return JWRelationMatrix::Exterior;
+        return static_cast<JWRelationMatrix::Part>(
+            scaled.isFine ? placeByOperand(p, *m_impl->geometry).location
+                          : m_impl->operand->operand().locate(scaled.point));
+    });
 }
 
 }  // namespace jws

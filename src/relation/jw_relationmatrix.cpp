@@ -108,10 +108,10 @@ bool JWRelationMatrix::holds(int predicate) const {
 }
 
 bool relateGeometries(const JWGeometry* first, const JWGeometry* second, JWRelationMatrix* matrix) {
-    if (matrix == nullptr) return false;
-    *matrix = JWRelationMatrix();
-    if (first == nullptr || second == nullptr) {
-        JWReport::setError(JWErrorInvalidArgument, "relateGeometries: a geometry is null");
+    if (matrix != nullptr) *matrix = JWRelationMatrix();
+    if (matrix == nullptr || first == nullptr || second == nullptr) {
+        JWReport::setError(JWErrorInvalidArgument,
+                           "relateGeometries: a geometry or the matrix is null");
         return false;
     }
     return guarded("relateGeometries", false, [&] { return relate(*first, *second, *matrix); });

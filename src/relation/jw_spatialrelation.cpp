@@ -11,6 +11,7 @@
 
 #include "foundation/api_guard.h"
 #include "foundation/rectangle_segment.h"
+#include "foundation/vertex_lists.h"
 #include "relation/point_place.h"
 #include "relation/predicates.h"
 
@@ -58,38 +59,10 @@ struct PlacesInPolygon {
 /// From this many points on a polygon gets an index.
 constexpr int kFewPoints = 4;
 
-/// Tells which points lie on the exterior ring of a polygon.
-class ExteriorRing {
-  public:
-    explicit ExteriorRing(const JWPolygon& polygon) : m_ring(&polygon.getRingAt(0)) {}
-    bool holds(const JWRawPoint& p) const { return m_ring.partAt(p) == JWRelationMatrix::Boundary; }
-    bool holdsAny(const JWPointSequence& vertices) const {
-        const JWRawPoint* points = vertices.getPointsPtr();
-        return std::any_of(points, points + vertices.getPointCount(),
-                           [this](const JWRawPoint& p) { return holds(p); });
-    }
-
-  private:
-    JWPreparedRelation m_ring;
-};
-
-/// A polygon that is asked for the places of several points.
-class PreparedPolygon {
-  public:
-    explicit PreparedPolygon(const JWPolygon& polygon) : m_polygon(&polygon), m_exterior(polygon) {}
-    PointPlace placeOf(const JWRawPoint& p) const {
-        const auto location = static_cast<Location>(m_polygon.partAt(p));
-        return {location, location != kExterior && m_exterior.holds(p)};
-    }
-
-  private:
-    JWPreparedRelation m_polygon;
-    ExteriorRing m_exterior;
-};
-
 PlacesInPolygon placesOf(const JWMultiPoint& points, const JWPolygon& polygon) {
     PlacesInPolygon places;
-    std::optional<PreparedPolygon> prepared;
+    if (!detail::isFinite(points)) return places;
+    std::optional<PolygonPlaces> prepared;
     if (points.getGeometryCount() >= kFewPoints && !polygon.isEmpty()) prepared.emplace(polygon);
     for (const JWPoint& p : points.getMemberList()) {
         if (p.isEmpty()) continue;
@@ -327,17 +300,17 @@ bool JWSpatialRelation::isPolygonContainMultiPoint(const JWPolygon* a,
 bool JWSpatialRelation::isPolygonContainLinestring(const JWPolygon* a,
                                                    const JWLineString* b) const {
     return whenGiven("isPolygonContainLinestring", a, b, [&] {
-        return holds(Predicate::kContains, *a, *b) && !ExteriorRing(*a).holdsAny(*b);
+        return holds(Predicate::kContains, *a, *b) && !PolygonPlaces(*a).isAnyOnExteriorRing(*b);
     });
 }
 
 bool JWSpatialRelation::isPolygonContainPolygon(const JWPolygon* a, const JWPolygon* b) const {
     return whenGiven("isPolygonContainPolygon", a, b, [&] {
         if (!holds(Predicate::kContains, *a, *b)) return false;
-        const ExteriorRing exterior(*a);
+        const PolygonPlaces places(*a);
         const std::vector<JWRing>& rings = b->getRingList();
         return std::none_of(rings.begin(), rings.end(),
-                            [&](const JWRing& ring) { return exterior.holdsAny(ring); });
+                            [&](const JWRing& ring) { return places.isAnyOnExteriorRing(ring); });
     });
 }
 
@@ -348,7 +321,8 @@ bool JWSpatialRelation::isPointsIntersect(const JWPoint* a, const JWPoint* b) co
 }
 
 bool JWSpatialRelation::isPointMultiPointIntersect(const JWPoint* a, const JWMultiPoint* b) const {
-    return a != nullptr && b != nullptr && isFinite(*a) && b->isContained(*a);
+    return a != nullptr && b != nullptr && detail::isFinite(*b) && isFinite(*a) &&
+           b->isContained(*a);
 }
 
 bool JWSpatialRelation::isMultiPointsIntersect(const JWMultiPoint* a, const JWMultiPoint* b) const {

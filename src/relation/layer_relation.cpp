@@ -18,6 +18,12 @@ constexpr std::size_t kPointsKept = std::size_t{1} << 21;
 
 std::size_t pointsOf(const JWGeometry& geometry) { return geometry.getWKBSize() / 16 + 1; }
 
+/// All features were looked at before, so what cannot be compared now is for want of memory; the
+/// worker has the error.
+void requireAnswer(bool answered) {
+    if (!answered) throw LayerFailure();
+}
+
 }  // namespace
 
 std::optional<PairFilter> PairFilter::from(const JWLayerRelationOptions& options) {
@@ -75,6 +81,13 @@ std::int64_t LayerRelationRun::run(const JWLayerRelation::Visitor& visit) {
 
 void LayerRelationRun::pulse() {
     if (!JWReport::progress(m_done, m_total)) stop();
+}
+
+/// The same for workers, who must not throw that away.
+bool LayerRelationRun::keepOn() {
+    bool going = true;
+    exclusive([&] { going = JWReport::progress(m_done, m_total); });
+    return going;
 }
 
 void LayerRelationRun::stop() {
@@ -143,10 +156,11 @@ void LayerRelationRun::preparePartners() {
                 partners[begin + i] = {features[i]->getFID64(),
                                        std::make_unique<const JWPreparedRelation>(geometry),
                                        pointsOf(*geometry)};
+                requireAnswer(partners[begin + i].prepared->isUsable());
             }
-            return true;
+            return keepOn();
         };
-        parallelChunks(m_team, static_cast<std::int64_t>(end - begin), 4, prepare);
+        if (!parallelChunks(m_team, static_cast<std::int64_t>(end - begin), 4, prepare)) stop();
     }
     for (std::size_t i = 0; i < missing.size(); ++i) {
         m_points += partners[i].points;
@@ -155,12 +169,11 @@ void LayerRelationRun::preparePartners() {
 }
 
 void LayerRelationRun::relateBlock() {
-    parallelChunks(m_team, static_cast<std::int64_t>(m_block.size()), 16,
-                   [this](std::int64_t from, std::int64_t to) {
-                       for (std::int64_t i = from; i < to; ++i)
-                           relateFeature(static_cast<std::size_t>(i));
-                       return true;
-                   });
+    const auto relate = [this](std::int64_t from, std::int64_t to) {
+        for (std::int64_t i = from; i < to; ++i) relateFeature(static_cast<std::size_t>(i));
+        return keepOn();
+    };
+    if (!parallelChunks(m_team, static_cast<std::int64_t>(m_block.size()), 16, relate)) stop();
 }
 
 void LayerRelationRun::relateFeature(std::size_t i) {
@@ -170,8 +183,8 @@ void LayerRelationRun::relateFeature(std::size_t i) {
     for (const void* payload : slot.near) {
         const Partner& partner = m_partners.at(positionOf(payload));
         JWRelatedPair pair{m_block[i]->getFID64(), partner.fid, {}};
-        if (own.relate(*partner.prepared, &pair.matrix) && m_filter.takes(pair.matrix))
-            slot.pairs.push_back(pair);
+        requireAnswer(own.relate(*partner.prepared, &pair.matrix));
+        if (m_filter.takes(pair.matrix)) slot.pairs.push_back(pair);
     }
 }
 

@@ -57,6 +57,7 @@ class LayerRelationRun {
     void relateFeature(std::size_t i);
     std::int64_t handOut(const JWLayerRelation::Visitor& visit);
     void pulse();
+    bool keepOn();
     [[noreturn]] void stop();
 
     FeatureInput& m_a;

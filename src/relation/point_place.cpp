@@ -5,9 +5,8 @@
 // of doubles.
 #include "relation/point_place.h"
 
+#include <algorithm>
 #include <cmath>
-
-#include "relation/relate_operand.h"
 
 namespace jws::detail {
 namespace {
@@ -20,6 +19,7 @@ class PointWalk {
 
     void takeEdge(const JWRawPoint& a, const JWRawPoint& b) {
         takePoint(b);
+        if (a == b) return;
         const double y = m_p.y;
         if ((a.y < y && b.y < y) || (a.y > y && b.y > y) || (a.x < m_p.x && b.x < m_p.x)) return;
         const bool crosses = (a.y > y) != (b.y > y);
@@ -69,23 +69,6 @@ void takeEdges(PointWalk& walk, const JWPointSequence& points) {
     for (int i = 0; i + 1 < n; ++i) walk.takeEdge(p[i], p[i + 1]);
 }
 
-PointPlace placeByOperand(const JWRawPoint& p, const JWGeometry& geometry, bool onExteriorRing) {
-    RelateOperand operand;
-    if (operand.assign(geometry) != RelateOperand::kUsable) return {};
-    JWRawPoint scaled = p;
-    RelateOperand::Range range = operand.range();
-    range.add(p.x);
-    range.add(p.y);
-    if (!range.isPlain()) {
-        operand.assign(geometry, range.shift());
-        RelateOperand point;
-        point.assign(JWPoint(p), range.shift());
-        scaled = point.points().front();
-    }
-    operand.index();
-    return {operand.locate(scaled), onExteriorRing};
-}
-
 bool isFinite(const JWRawPoint& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
 }  // namespace
@@ -96,7 +79,7 @@ PointPlace placeInLine(const JWRawPoint& p, const JWLineString& line) {
     PointWalk walk(p);
     takeEdges(walk, line);
     if (!walk.isFinite()) return {};
-    if (walk.isUnsure()) return placeByOperand(p, line, false);
+    if (walk.isUnsure()) return placeByOperand(p, line);
     const JWRawPoint &first = line.getPointsPtr()[0], &last = line.getPointsPtr()[n - 1];
     if (walk.touched() == 0) return {n == 1 && p == first ? kInterior : kExterior, false};
     return {first != last && (p == first || p == last) ? kBoundary : kInterior, false};
@@ -105,21 +88,79 @@ PointPlace placeInLine(const JWRawPoint& p, const JWLineString& line) {
 PointPlace placeInPolygon(const JWRawPoint& p, const JWPolygon& polygon) {
     if (!isFinite(p)) return {};
     PointWalk walk(p);
-    bool onExteriorRing = false;
+    bool onExteriorRing = false, isPointRing = false;
     for (int i = 0; i < polygon.getRingCount(); ++i) {
         const JWRing& ring = polygon.getRingAt(i);
         const int n = ring.getPointCount();
+        const int before = walk.touched();
         takeEdges(walk, ring);
         if (n > 0) {
             const JWRawPoint *first = ring.getPointsPtr(), *last = first + n - 1;
             if (n == 1 || *first != *last) walk.takeEdge(*last, *first);
+            isPointRing |= walk.touched() == before && p == *first;  // it has no edges
         }
         if (i == 0) onExteriorRing = walk.touched() > 0;
     }
     if (!walk.isFinite()) return {};
-    if (walk.isUnsure() || walk.touched() > 2) return placeByOperand(p, polygon, onExteriorRing);
+    if (walk.isUnsure() || walk.touched() > 2)
+        return {placeByOperand(p, polygon).location, onExteriorRing};
     if (walk.touched() > 0) return {kBoundary, onExteriorRing};
-    return {walk.odd() ? kInterior : kExterior, false};
+    return {walk.odd() || isPointRing ? kInterior : kExterior, false};
+}
+
+ScaledPoint scaledTo(const RelateOperand::Range& range, const JWRawPoint& p) {
+    RelateOperand::Range both = range;
+    both.add(p.x);
+    both.add(p.y);
+    if (!isFinite(p) || both.largest > range.largest) return {};
+    if (both.isPlain()) return {true, false, p};
+    if (range.isPlain()) return {true, true, p};
+    RelateOperand point;
+    point.assign(JWPoint(p), range.shift());
+    return {true, false, point.points().front()};
+}
+
+PointPlace placeByOperand(const JWRawPoint& p, const JWGeometry& geometry) {
+    RelateOperand operand;
+    if (operand.assign(geometry) != RelateOperand::kUsable) return {};
+    RelateOperand::Range range = operand.range();
+    range.add(p.x);
+    range.add(p.y);
+    JWRawPoint scaled = p;
+    if (!range.isPlain()) {
+        operand.assign(geometry, range.shift());
+        RelateOperand point;
+        point.assign(JWPoint(p), range.shift());
+        scaled = point.points().front();
+    }
+    operand.index();
+    return {operand.locate(scaled), false};
+}
+
+PolygonPlaces::PolygonPlaces(const JWPolygon& polygon) : m_polygon(polygon) {
+    m_isUsable = m_area.assign(polygon) == RelateOperand::kUsable;
+    if (!m_isUsable) return;
+    m_range = m_area.range();
+    const int shift = m_range.isPlain() ? 0 : m_range.shift();
+    if (shift != 0) m_area.assign(polygon, shift);
+    m_area.index();
+    m_exterior.assign(polygon.getRingAt(0), shift);
+    m_exterior.index();
+}
+
+PointPlace PolygonPlaces::placeOf(const JWRawPoint& p) const {
+    if (!m_isUsable) return {};
+    const ScaledPoint scaled = scaledTo(m_range, p);
+    if (!scaled.isWithinReach) return {};
+    if (scaled.isFine) return placeInPolygon(p, m_polygon);
+    const Location location = m_area.locate(scaled.point);
+    return {location, location != kExterior && m_exterior.isOnEdge(scaled.point)};
+}
+
+bool PolygonPlaces::isAnyOnExteriorRing(const JWPointSequence& vertices) const {
+    const JWRawPoint* points = vertices.getPointsPtr();
+    return std::any_of(points, points + vertices.getPointCount(),
+                       [this](const JWRawPoint& p) { return placeOf(p).onExteriorRing; });
 }
 
 }  // namespace jws::detail

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
-// Where one point lies in a line or polygon, by one walk over the points and without any memory.
+// Where a point lies in a line or polygon: for one point by a walk over the geometry without any
+// memory, for many by an operand that is made once.
 #ifndef JW_RELATION_POINT_PLACE_H
 #define JW_RELATION_POINT_PLACE_H
 
 #include "jw_geometry.h"
-#include "relation/relation_matrix.h"
+#include "relation/relate_operand.h"
 
 namespace jws::detail {
 
@@ -20,6 +21,39 @@ PointPlace placeInLine(const JWRawPoint& p, const JWLineString& line);
 
 /// The place of a point in a polygon, by the even-odd rule over all rings.
 PointPlace placeInPolygon(const JWRawPoint& p, const JWPolygon& polygon);
+
+/// What one question asks of an operand that was read with the shift its range needs, or without
+/// one where that is plain: `p` on the operand's scale.
+///
+/// Nothing for a point that is farther out than the whole geometry, or not finite. `isFine` says
+/// that the point is so near to 0 that a plain operand does not tell it from neighbours: geometry
+/// and point then have to be read together (`placeByOperand`).
+struct ScaledPoint {
+    bool isWithinReach = false;
+    bool isFine = false;
+    JWRawPoint point{0, 0};
+};
+ScaledPoint scaledTo(const RelateOperand::Range& range, const JWRawPoint& p);
+
+/// The place of a point by reading geometry and point on one scale.
+PointPlace placeByOperand(const JWRawPoint& p, const JWGeometry& geometry);
+
+/// A polygon that is asked for the places of several points; it must stay in place and unchanged.
+class PolygonPlaces {
+  public:
+    explicit PolygonPlaces(const JWPolygon& polygon);
+    /// As `placeInPolygon`.
+    PointPlace placeOf(const JWRawPoint& p) const;
+    /// Tells whether a vertex of a line or ring lies on an edge of the exterior ring.
+    bool isAnyOnExteriorRing(const JWPointSequence& vertices) const;
+
+  private:
+    const JWPolygon& m_polygon;
+    RelateOperand m_area;
+    RelateOperand m_exterior;
+    RelateOperand::Range m_range;
+    bool m_isUsable = false;
+};
 
 }  // namespace jws::detail
 

@@ -227,6 +227,12 @@ Location RelateOperand::locate(const JWRawPoint& p) const {
     return isPoint(p) ? kInterior : kExterior;
 }
 
+bool RelateOperand::isOnEdge(const JWRawPoint& p) const {
+    bool isTouched = false;
+    if (m_box.contains(p)) m_forest.isOddAt(p, [&](const TouchedEdge&) { isTouched = true; });
+    return isTouched;
+}
+
 Sides RelateOperand::sidesAt(const JWRawPoint& start, const JWRawPoint& next) const {
     if (!m_hasArea || !m_box.contains(start)) return {};
     Rays rays;

@@ -72,6 +72,8 @@ class RelateOperand {
     std::size_t pointCount() const { return m_points.size() + m_forest.pointCount(); }
 
     Location locate(const JWRawPoint& p) const;
+    /// Tells whether a point lies on an edge, ends included.
+    bool isOnEdge(const JWRawPoint& p) const;
     /// The parities on both sides of the first edge of a chain of any geometry; left and right by
     /// its direction.
     Sides sidesAt(const JWRawPoint& start, const JWRawPoint& next) const;

@@ -168,6 +168,28 @@ TEST(RelationMatrix, PredicatesOfAPreparedGeometryFollowFromTheMatrix) {
     }
 }
 
+TEST(RelationMatrix, PlacesAtAnyMagnitude) {
+    const struct {
+        const char* wkt;
+        JWRawPoint p;
+        JWRelationMatrix::Part part;
+    } rows[] = {
+        {"POLYGON ((0 1e-70, 10 0, 10 10, 0 10, 0 1e-70))", {15, 15}, JWRelationMatrix::Exterior},
+        {"POLYGON ((0 1e-70, 10 0, 10 10, 0 10, 0 1e-70))", {10, 5}, JWRelationMatrix::Boundary},
+        {"POLYGON ((0 1e-70, 10 0, 10 10, 0 10, 0 1e-70))", {5, 5}, JWRelationMatrix::Interior},
+        {"POLYGON ((0 0, 1e80 0, 1e80 1e80, 0 0))", {5e79, 5e79}, JWRelationMatrix::Boundary},
+        {"POLYGON ((0 0, 1e80 0, 1e80 1e80, 0 0))", {1, 0.5}, JWRelationMatrix::Interior},
+        {"POLYGON ((0 0, 1e80 0, 1e80 1e80, 0 0))", {2e80, 1e79}, JWRelationMatrix::Exterior},
+        {"POLYGON ((-1 0, 1 -1, 1 1, -1 0))", {1e-100, 1e-100}, JWRelationMatrix::Interior},
+        {"POLYGON ((0 0, 1 0, 1 1, 0 0))", {1e-100, 1e-100}, JWRelationMatrix::Boundary},
+        {"POLYGON ((0 0, 1 0, 1 1, 0 0))", {1e-100, 2e-100}, JWRelationMatrix::Exterior},
+        {"POLYGON ((0 0, 1 0, 1 1, 0 0))", {0.5, NAN}, JWRelationMatrix::Exterior},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(JWPreparedRelation(fromWkt(row.wkt).get()).partAt(row.p), row.part)
+            << row.wkt << " " << row.p.x << " " << row.p.y;
+}
+
 struct PatternRow {
     const char* a;
     const char* b;

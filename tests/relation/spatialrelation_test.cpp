@@ -239,6 +239,33 @@ TEST(SpatialRelation, PredicatesMeanWhatTheMatrixSays) {
     }
 }
 
+/// Few points are placed one by one, many by an index: the answers are the same.
+TEST(SpatialRelation, OddRingsForFewPointsAndMany) {
+    const auto spiked =
+        fromWktAs<JWPolygon>("POLYGON ((0 0, 10 0, 10 10, 5 10, 5 5, 5 10, 0 10, 0 0))");
+    const auto place = fromWktAs<JWPolygon>("POLYGON ((3 3, 3 3, 3 3))");
+    const auto fine = fromWktAs<JWPolygon>("POLYGON ((1 1e-70, 10 1e-70, 10 10, 1 1e-70))");
+    for (const char* points :
+         {"MULTIPOINT ((2 2), (5 7))", "MULTIPOINT ((2 2), (5 7), (2 3), (2 4))"}) {
+        const auto on = fromWktAs<JWMultiPoint>(points);
+        EXPECT_TRUE(kRelation.isMulPointsPolygonCross(&on, &spiked)) << points;
+    }
+    for (const char* points : {"MULTIPOINT ((3 3))", "MULTIPOINT ((3 3), (3 3), (3 3), (3 3))"}) {
+        const auto at = fromWktAs<JWMultiPoint>(points);
+        EXPECT_FALSE(kRelation.isMultiPointPolygonTouch(&at, &place)) << points;
+        EXPECT_TRUE(kRelation.isPolygonContainMultiPoint(&place, &at)) << points;
+    }
+    const JWPoint at(3, 3);
+    EXPECT_FALSE(kRelation.isPointPolygonTouch(&at, &place));
+    EXPECT_FALSE(kRelation.isPolygonContainPolygon(&fine, &fine));
+    const auto finite = fromWktAs<JWMultiPoint>("MULTIPOINT ((3 3), (1 1))");
+    JWMultiPoint notFinite = finite;
+    notFinite.addPoint(JWPoint(std::numeric_limits<double>::infinity(), 0));
+    EXPECT_TRUE(kRelation.isPointMultiPointIntersect(&at, &finite));
+    EXPECT_FALSE(kRelation.isPointMultiPointIntersect(&at, &notFinite));
+    EXPECT_EQ(kRelation.getObjectsSR(&at, &notFinite), JWRelationDisjoint);
+}
+
 TEST(SpatialRelation, ExteriorRingCountsAsOutside) {
     const auto square = fromWktAs<JWPolygon>(kSquare), frame = fromWktAs<JWPolygon>(kFrame);
     const JWPoint onRing(0, 5), corner(10, 10), onHole(2, 5), inside(1, 1);

@@ -118,7 +118,8 @@ std::vector<std::string> predicateChoices() {
 void setupRelate(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, true, true);
     addChoice(app, "--predicate", settings.predicate, predicateChoices(),
-              "Only pairs for which this holds of the feature of INPUT to that of OVERLAY");
+              "Only pairs for which this holds of the feature of INPUT to that of OVERLAY; "
+              "disjoint names those whose envelopes meet all the same");
     addText(app, "--pattern", settings.pattern, "MATRIX",
             "Only pairs whose matrix fits nine characters: T for something, F for nothing, 0 to 2 "
             "for a dimension, * for either, as in 'T*F**F***'");
