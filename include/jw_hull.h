@@ -11,6 +11,11 @@
 
 namespace jws {
 
+namespace detail {
+class PointRuns;
+std::vector<JWRawPoint> convexHull(const PointRuns& points);
+}  // namespace detail
+
 /// Convex hulls by Andrew's monotone chain (1979) with exact orientation. No state; all functions
 /// may run on any number of threads.
 ///
@@ -36,6 +41,21 @@ class JW_API JWHull {
     static bool create2DHull(const std::vector<JWRawPoint*>& points, int n, JWRing* ring);
     static bool create2DHull(const std::vector<JWPoint*>& points, int n, JWRing* ring);
     static bool create2DHull_AM(const std::vector<JWRawPoint>& points, int n, JWRing* ring);
+
+  private:
+    friend std::vector<JWRawPoint> detail::convexHull(const detail::PointRuns& points);
+
+    // The order that points are sorted by: 1 when a comes before b by x, then y, else 0.
+    static int cmpPoints(const JWRawPoint& a, const JWRawPoint& b) { return a < b ? 1 : 0; }
+    static int cmpPoints1(const JWRawPoint* a, const JWRawPoint* b);
+    static int cmpPoints2(const JWPoint* a, const JWPoint* b);
+
+    // (P1.x - P0.x)(P2.y - P0.y) - (P2.x - P0.x)(P1.y - P0.y): above 0 when P2 is left of the line
+    // from P0 to P1, 0 when the three are on a line. The sign is that of the exact value.
+    static double isLeft(const JWRawPoint& P0, const JWRawPoint& P1, const JWRawPoint& P2);
+    // True when b is no corner of a hull between a and c: c is not left of the line from a to b.
+    static bool rightTurn1(const JWRawPoint* a, const JWRawPoint* b, const JWRawPoint* c);
+    static bool rightTurn2(const JWPoint* a, const JWPoint* b, const JWPoint* c);
 };
 
 }  // namespace jws

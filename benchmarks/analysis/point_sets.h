@@ -29,8 +29,9 @@ class Numbers {
     std::uint64_t state_;
 };
 
-/// "square", "disc", "ring" (within 1e-3 of a circle) or "circle" (in order); else a line: "walk"
-/// (steps of length 1), "spiral" or "zigzag" (along x, one up, one down).
+/// "square", "disc", "ring" (within 1e-3 of a circle), "circle" (in order) or "shuffled" (on a
+/// circle, in any order); else a line: "walk" (steps of length 1), "spiral" or "zigzag" (along x,
+/// one up, one down).
 inline std::vector<jws::JWRawPoint> pointSet(const std::string& name, int n) {
     Numbers numbers(1);
     std::vector<jws::JWRawPoint> points;
@@ -45,6 +46,7 @@ inline std::vector<jws::JWRawPoint> pointSet(const std::string& name, int n) {
         if (name == "disc") polar(angle, std::sqrt(numbers.uniform(0, 1)));
         if (name == "ring") polar(angle, 1 + numbers.uniform(-1e-3, 1e-3));
         if (name == "circle") polar(2 * M_PI * i / n, 1);
+        if (name == "shuffled") polar(angle, 1);
         if (name == "spiral") polar(0.05 * std::sqrt(1.0 * i) * 20, 0.05 * std::sqrt(1.0 * i));
         if (name == "zigzag") points.emplace_back(i, i % 2);
         if (name == "walk") {

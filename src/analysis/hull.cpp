@@ -2,12 +2,14 @@
 //
 // The convex hull: Andrew's monotone chain (1979) with exact orientation, behind a filter.
 //
-// The chain is linear once the points are sorted, so sorting is what costs. Most points of large
-// sets are far from the hull: the extremes of a sample in eight directions span an octagon, and
-// what lies clearly inside it is dropped in one pass before anything is sorted (S. G. Akl,
-// G. T. Toussaint, A fast convex hull algorithm, 1978). The filter may keep too much, never too
-// little, so it needs no exactness. What remains is distributed into buckets by x, a monotone
-// function even after rounding, and sorted within them.
+// The line between the first and the last point by x and y parts the points into those of the lower
+// and of the upper chain. Each part is sorted, and a chain is linear then, so sorting is what
+// costs. Most points of large sets are far from the hull: the extremes of a sample in eight
+// directions span an octagon, and what lies clearly inside it is dropped in one pass before
+// anything is sorted (S. G. Akl, G. T. Toussaint, A fast convex hull algorithm, 1978). The filter
+// may keep too much, never too little, so it needs no exactness. What remains is distributed into
+// buckets by x, a monotone function even after rounding, and sorted within them; the corners of a
+// convex ring come in order, or in a few stretches, which are merged instead.
 //
 // Turns are decided by the sign of the exact determinant. A plain one loses or invents corners
 // among nearly collinear points and then pops the wrong ones, at projected offsets already for data
@@ -18,8 +20,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
-#include "foundation/orientation.h"
+#include "jw_hull.h"
 
 namespace jws::detail {
 
@@ -27,6 +30,16 @@ namespace {
 
 constexpr std::size_t kFewPoints = 64;
 constexpr double kEpsilon = 1.1102230246251565e-16;
+
+/// Calls `body(point)` for about `size` points, spread evenly.
+template <class Body>
+void forEachOfSample(const PointRuns& points, std::size_t size, const Body& body) {
+    const std::size_t stride = std::max<std::size_t>(1, points.count() / size);
+    points.forEachRun([&](const JWRawPoint* begin, const JWRawPoint* end) {
+        const std::size_t count = static_cast<std::size_t>(end - begin);
+        for (std::size_t i = 0; i < count; i += stride) body(begin[i]);
+    });
+}
 
 /// The octagon of a sample's extremes, and the test that a point is clearly inside it.
 class InnerOctagon {
@@ -47,12 +60,19 @@ class InnerOctagon {
         for (int i = 0; i < edges_; ++i) inside &= nx_[i] * x + ny_[i] * y > limit_[i];
         return inside;
     }
-    bool useful() const { return edges_ >= 3; }
+    /// A good part of the points is clearly inside, by a sample of them.
+    bool isUseful(const PointRuns& points) const {
+        std::size_t inside = 0, all = 0;
+        forEachOfSample(points, 1024, [&](const JWRawPoint& p) {
+            ++all;
+            if (clearlyInside(p)) ++inside;
+        });
+        return edges_ >= 3 && inside > all / 4;
+    }
 
   private:
     /// The eight extremes, counter-clockwise from the lowest.
     void findExtremes(const PointRuns& points) {
-        const std::size_t stride = std::max<std::size_t>(1, points.count() / kSampleSize);
         double best[8];
         bool any = false;
         const auto consider = [&](const JWRawPoint& p) {
@@ -66,10 +86,7 @@ class InnerOctagon {
             }
             any = true;
         };
-        points.forEachRun([&](const JWRawPoint* begin, const JWRawPoint* end) {
-            const std::size_t size = static_cast<std::size_t>(end - begin);
-            for (std::size_t i = 0; i < size; i += stride) consider(begin[i]);
-        });
+        forEachOfSample(points, std::size_t{1} << 16, consider);
         if (!any) return;
         box_ = JWEnvelop(corners_[6].x, corners_[0].y, corners_[2].x, corners_[4].y);
     }
@@ -86,15 +103,51 @@ class InnerOctagon {
         ++edges_;
     }
 
-    static constexpr std::size_t kSampleSize = 1 << 16;
     JWRawPoint corners_[8];
     JWEnvelop box_ = JWEnvelop::invalid();
     int edges_ = 0;
     double nx_[8], ny_[8], limit_[8];
 };
 
-/// Sorts by x, then y: distribution into buckets of a few points, each sorted by itself.
-void sortPoints(std::vector<JWRawPoint>& points) {
+/// Where the rising and falling stretches of a list end, the first 0; few or none.
+template <class Before>
+std::vector<std::size_t> stretchEnds(const std::vector<JWRawPoint>& points, const Before& before) {
+    constexpr std::size_t kFewStretches = 8;
+    std::vector<std::size_t> ends = {0};
+    while (ends.back() < points.size()) {
+        if (ends.size() > kFewStretches) return {};
+        std::size_t i = ends.back() + 1;
+        const bool falls = i < points.size() && before(points[i], points[i - 1]);
+        while (i < points.size() && before(points[i], points[i - 1]) == falls) ++i;
+        ends.push_back(i);
+    }
+    return ends;
+}
+
+/// Sorts a list of few stretches, such as a ring without bays, by merging them.
+template <class Before>
+void mergeStretches(std::vector<JWRawPoint>& points, std::vector<std::size_t> ends,
+                    const Before& before) {
+    const auto at = [&](std::size_t k) {
+        return points.begin() + static_cast<std::ptrdiff_t>(ends[k]);
+    };
+    for (std::size_t k = 1; k < ends.size(); ++k) {
+        if (before(*(at(k) - 1), *at(k - 1))) std::reverse(at(k - 1), at(k));
+    }
+    while (ends.size() > 2) {
+        std::vector<std::size_t> merged = {0};
+        for (std::size_t k = 2; k < ends.size(); k += 2) {
+            std::inplace_merge(at(k - 2), at(k - 1), at(k), before);
+            merged.push_back(ends[k]);
+        }
+        if (merged.back() != ends.back()) merged.push_back(ends.back());
+        ends = std::move(merged);
+    }
+}
+
+/// Sorts by distribution by x into buckets of a few points, each sorted by itself.
+template <class Before>
+void distribute(std::vector<JWRawPoint>& points, const Before& before) {
     const std::size_t n = points.size();
     const auto byX = [](const JWRawPoint& a, const JWRawPoint& b) { return a.x < b.x; };
     const auto [low, high] = std::minmax_element(points.begin(), points.end(), byX);
@@ -102,7 +155,7 @@ void sortPoints(std::vector<JWRawPoint>& points) {
     const double origin = low->x;
     const double factor = static_cast<double>(buckets) / (high->x - origin);
     if (n < 1024 || !(factor > 0 && std::isfinite(factor))) {
-        std::sort(points.begin(), points.end());
+        std::sort(points.begin(), points.end(), before);
         return;
     }
     const auto bucketOf = [&](const JWRawPoint& p) {
@@ -117,28 +170,61 @@ void sortPoints(std::vector<JWRawPoint>& points) {
     for (std::size_t b = 0; b < buckets; ++b) {
         const auto place = sorted.begin();
         std::sort(place + static_cast<std::ptrdiff_t>(begin),
-                  place + static_cast<std::ptrdiff_t>(ends[b]));
+                  place + static_cast<std::ptrdiff_t>(ends[b]), before);
         begin = ends[b];
     }
     points = std::move(sorted);
 }
 
-/// The chain over sorted, distinct points.
+template <class Before>
+void sortPoints(std::vector<JWRawPoint>& points, const Before& before) {
+    const std::vector<std::size_t> ends = stretchEnds(points, before);
+    if (ends.empty()) {
+        distribute(points, before);
+    } else {
+        mergeStretches(points, ends, before);
+    }
+}
+
+/// Adds a point to the chain that lies in a list from `base` to `end`, less the points before it
+/// that are no corners then. Returns the new end.
 template <class Turn>
-std::vector<JWRawPoint> monotoneChain(const std::vector<JWRawPoint>& points, const Turn& turn) {
-    std::vector<JWRawPoint> chain;
-    const auto extend = [&](std::size_t start, const JWRawPoint& p) {
-        while (chain.size() > start && turn(chain[chain.size() - 2], chain.back(), p) <= 0) {
-            chain.pop_back();
-        }
-        chain.push_back(p);
-    };
-    for (const JWRawPoint& p : points) extend(1, p);
-    // The upper chain never pops the point where it starts, the last of the lower one.
-    const std::size_t start = chain.size();
-    for (auto p = points.rbegin() + 1; p != points.rend(); ++p) extend(start, *p);
-    if (points.size() == 1) chain.push_back(points.front());
-    return chain;
+std::size_t extend(std::vector<JWRawPoint>& chain, std::size_t base, std::size_t end, JWRawPoint p,
+                   const Turn& turn) {
+    while (end > base + 1 && turn(chain[end - 2], chain[end - 1], p) <= 0) --end;
+    chain[end] = p;
+    return end + 1;
+}
+
+/// The hull of finite points; `turn` is above 0 to the left. The chains replace the list.
+template <class Before, class Turn>
+void makeHull(std::vector<JWRawPoint>& points, const Before& before, const Turn& turn) {
+    const auto [low, high] = std::minmax_element(points.begin(), points.end(), before);
+    const JWRawPoint first = *low, last = *high;
+    std::swap(*low, points.front());
+    std::size_t end = 1;
+    std::vector<JWRawPoint> upper;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const double side = turn(first, last, points[i]);
+        if (side < 0) points[end++] = points[i];
+        if (side > 0) upper.push_back(points[i]);
+    }
+    points.resize(end);
+    sortPoints(points, before);
+    sortPoints(upper, before);
+
+    points.resize(points.size() + upper.size() + 2);
+    const std::size_t lower = std::exchange(end, 1);
+    for (std::size_t i = 1; i < lower; ++i) end = extend(points, 0, end, points[i], turn);
+    end = extend(points, 0, end, last, turn);
+    // The upper chain never drops the point where it starts, the last of the lower one.
+    const std::size_t base = end - 1;
+    for (auto p = upper.rbegin(); p != upper.rend(); ++p) {
+        end = extend(points, base, end, *p, turn);
+    }
+    if (first != last) end = extend(points, base, end, first, turn);
+    points.resize(end);
+    if (points.capacity() > 2 * end) points.shrink_to_fit();
 }
 
 }  // namespace
@@ -160,36 +246,45 @@ double safeScale(double magnitude) {
 
 std::vector<JWRawPoint> outerPoints(const PointRuns& points) {
     std::vector<JWRawPoint> outer;
-    if (points.count() <= kFewPoints) {
-        points.forEach([&](const JWRawPoint& p) { outer.push_back(p); });
-        return outer;
+    if (points.count() > kFewPoints) {
+        const InnerOctagon octagon(points);
+        if (octagon.isUseful(points)) {
+            outer.push_back(points.first());
+            bool isFirst = true;
+            points.forEach([&](const JWRawPoint& p) {
+                if (!isFirst && !octagon.clearlyInside(p)) outer.push_back(p);
+                isFirst = false;
+            });
+            return outer;
+        }
     }
-    const InnerOctagon octagon(points);
-    const bool filter = octagon.useful();
-    if (!filter) outer.reserve(points.count());
-    outer.push_back(points.first());
-    bool isFirst = true;
-    points.forEach([&](const JWRawPoint& p) {
-        if (!isFirst && !(filter && octagon.clearlyInside(p))) outer.push_back(p);
-        isFirst = false;
+    outer.reserve(points.count() + 1);  // the hull repeats a point
+    points.forEachRun([&](const JWRawPoint* begin, const JWRawPoint* end) {
+        outer.insert(outer.end(), begin, end);
     });
     return outer;
 }
 
 std::vector<JWRawPoint> convexHull(const PointRuns& points) {
-    std::vector<JWRawPoint> outer = outerPoints(points);
-    const double size = magnitude(outer);
-    if (outer.empty() || !std::isfinite(size)) return {};
-    sortPoints(outer);
-    outer.erase(std::unique(outer.begin(), outer.end()), outer.end());
+    std::vector<JWRawPoint> hull = outerPoints(points);
+    const double size = magnitude(hull);
+    if (hull.empty() || !std::isfinite(size)) return {};
     const double scale = safeScale(size);
-    if (scale == 1) return monotoneChain(outer, orientationSign);
+    const auto before = [](const auto& a, const auto& b) { return JWHull::cmpPoints(a, b) != 0; };
+    const auto turn = [](const auto& a, const auto& b, const auto& c) {
+        return JWHull::isLeft(a, b, c);
+    };
+    if (scale == 1) {
+        makeHull(hull, before, turn);
+        return hull;
+    }
     const auto scaled = [scale](const JWRawPoint& p) {
         return JWRawPoint(p.x * scale, p.y * scale);
     };
-    return monotoneChain(outer, [&](const auto& a, const auto& b, const auto& c) {
-        return orientationSign(scaled(a), scaled(b), scaled(c));
+    makeHull(hull, before, [&](const auto& a, const auto& b, const auto& c) {
+        return turn(scaled(a), scaled(b), scaled(c));
     });
+    return hull;
 }
 
 }  // namespace jws::detail

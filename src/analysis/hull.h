@@ -4,9 +4,25 @@
 #ifndef JW_ANALYSIS_HULL_H
 #define JW_ANALYSIS_HULL_H
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <vector>
 
 #include "analysis/point_runs.h"
+#include "foundation/orientation.h"
+#include "jw_hull.h"
+
+namespace jws {
+
+inline double JWHull::isLeft(const JWRawPoint& P0, const JWRawPoint& P1, const JWRawPoint& P2) {
+    const double value = (P1.x - P0.x) * (P2.y - P0.y) - (P2.x - P0.x) * (P1.y - P0.y);
+    const int sign = orientationSign(P1, P2, P0);
+    if (sign > 1) return value;  // beyond all numbers, or NaN
+    return sign * std::max(std::fabs(value), std::numeric_limits<double>::denorm_min());
+}
+
+}  // namespace jws
 
 namespace jws::detail {
 

@@ -55,4 +55,20 @@ bool JWHull::create2DHull_AM(const std::vector<JWRawPoint>& points, int n, JWRin
     return create2DHull_AM(&points, n, ring);
 }
 
+// --- Order and turn ------------------------------------------------------------------------------
+
+int JWHull::cmpPoints1(const JWRawPoint* a, const JWRawPoint* b) { return cmpPoints(*a, *b); }
+
+int JWHull::cmpPoints2(const JWPoint* a, const JWPoint* b) {
+    return cmpPoints(a->getRawPoint(), b->getRawPoint());
+}
+
+bool JWHull::rightTurn1(const JWRawPoint* a, const JWRawPoint* b, const JWRawPoint* c) {
+    return isLeft(*a, *b, *c) <= 0;
+}
+
+bool JWHull::rightTurn2(const JWPoint* a, const JWPoint* b, const JWPoint* c) {
+    return isLeft(a->getRawPoint(), b->getRawPoint(), c->getRawPoint()) <= 0;
+}
+
 }  // namespace jws

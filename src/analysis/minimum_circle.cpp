@@ -59,7 +59,7 @@ std::optional<Circle> circleOf(const JWRawPoint& a, const JWRawPoint& b, const J
 class Incremental {
   public:
     explicit Incremental(const std::vector<JWRawPoint>& points, double tolerance)
-        : points_(points), tolerance_(tolerance), allowance_(32 * points.size() + 100000) {}
+        : points_(points), tolerance_(tolerance), allowance_(2 * points.size() + 100000) {}
 
     std::optional<Circle> run() {
         circle_ = {points_[0], 0};
@@ -102,30 +102,36 @@ class Incremental {
     std::size_t spent_ = 0;
 };
 
+/// The largest squared distance from a centre. Four running maxima, so that none waits for the one
+/// before it.
+double largestSquare(const JWRawPoint* points, std::size_t n, const JWRawPoint& center) {
+    double most[4] = {-1, -1, -1, -1};
+    std::size_t i = 0;
+    for (; i + 4 <= n; i += 4) {
+        for (std::size_t lane = 0; lane < 4; ++lane) {
+            const double square = squaredDistance(points[i + lane], center);
+            most[lane] = square > most[lane] ? square : most[lane];
+        }
+    }
+    for (; i < n; ++i) most[0] = std::max(most[0], squaredDistance(points[i], center));
+    return std::max(std::max(most[0], most[1]), std::max(most[2], most[3]));
+}
+
 /// The point farthest from a centre, the first of several.
 const JWRawPoint& farthestPoint(const std::vector<JWRawPoint>& points, const JWRawPoint& center) {
-    // Four running maxima, so that no comparison waits for the one before it.
-    constexpr std::size_t lanes = 4;
-    double best[lanes] = {-1, -1, -1, -1};
-    std::size_t place[lanes] = {0, 0, 0, 0};
-    const std::size_t n = points.size();
-    for (std::size_t i = 0; i < n; i += lanes) {
-        for (std::size_t lane = 0; lane < lanes && i + lane < n; ++lane) {
-            const double square = squaredDistance(points[i + lane], center);
-            if (square > best[lane]) {
-                best[lane] = square;
-                place[lane] = i + lane;
-            }
+    constexpr std::size_t block = 1024;
+    double best = -1;
+    std::size_t at = 0;
+    for (std::size_t begin = 0; begin < points.size(); begin += block) {
+        const std::size_t size = std::min(block, points.size() - begin);
+        const double square = largestSquare(&points[begin], size, center);
+        if (square > best) {
+            best = square;
+            at = begin;
         }
     }
-    std::size_t winner = 0;
-    for (std::size_t lane = 1; lane < lanes; ++lane) {
-        if (best[lane] > best[winner] ||
-            (best[lane] == best[winner] && place[lane] < place[winner])) {
-            winner = lane;
-        }
-    }
-    return points[place[winner]];
+    while (squaredDistance(points[at], center) < best) ++at;
+    return points[at];
 }
 
 /// The points that a circle is spanned by, two or three.

@@ -114,6 +114,10 @@ std::vector<std::pair<std::string, Points>> pointSets(int n) {
         return polar(random.uniform(0, 2 * M_PI), 1000 * std::sqrt(random.uniform(0, 1)));
     });
     add("circle in order", [&](int i) { return polar(2 * M_PI * i / n, 100); });
+    add("stretches that overlap", [&](int i) {
+        const int x = i % (n / 5);
+        return JWRawPoint((i * 5 / n) % 2 ? -x : x, random.integer(0, 9));
+    });
     add("near a circle",
         [&](int) { return polar(random.uniform(0, 2 * M_PI), 1 + random.uniform(0, 1e-9)); });
     add("near a line", [&](int) {
