@@ -148,7 +148,7 @@ class JW_API JWBezierCurve : public JWCurve {
     /// Returns the point at `u` from 0 to 1; the end points are exact. NaN for an empty curve.
     JWRawPoint getPointAt(double u) const;
     /// Returns the points at u = k/steps, k = 0 to steps; empty for an empty curve, steps < 1, and
-    /// more points than an int counts or memory holds.
+    /// more than 134217727 (2^27 - 1) points or than memory holds.
     std::vector<JWRawPoint> samplePoints(int steps) const;
 
     /// Returns a new line of Bézier curves over the points of `line`; the caller owns it, and its
@@ -161,8 +161,8 @@ class JW_API JWBezierCurve : public JWCurve {
     ///
     /// \param degree  at least 1; beyond `kMaxDegree` as `kMaxDegree`
     /// \param steps   at least 1
-    /// \return a copy of the line for fewer than 2 points, a bad parameter or more result points
-    ///     than an int counts or memory holds; null for a null line
+    /// \return a copy of the line for fewer than 2 points, a bad parameter or more than 134217727
+    ///     (2^27 - 1) result points or than memory holds; null for a null line
     JWLineString* makeBezierCurve(const JWLineString* line, int degree, int steps) const;
     JWLineString* makeBezierCurve(const JWLineString& line, int degree, int steps) const {
         return makeBezierCurve(&line, degree, steps);

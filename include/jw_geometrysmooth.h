@@ -50,8 +50,9 @@ struct JWSmoothOptions {
 ///
 /// Nothing changes for a null argument, a parameter out of range (NaN included), too few points, a
 /// line with a coordinate that is NaN or infinite, or a result that would have such a coordinate,
-/// or more points than an int counts or memory holds; the count returned is then that of the points
-/// as they are, 0 for null. Envelopes of what was smoothed are up to date. Cost: O(points in and
+/// or more than 134217727 points (2^27 - 1, 2 GiB) or than memory holds; the count returned is then
+/// that of the points as they are, 0 for null; the last error tells which of the last three it was.
+/// Envelopes of what was smoothed are up to date. Cost: O(points in and
 /// out), times the look-ahead for distance weighting.
 class JW_API JWGeometrySmooth {
   public:
@@ -138,7 +139,7 @@ class JW_API JWGeometrySmooth {
     /// \param report  may be null; receives features read, empty, written (those whose geometry
     ///     could be smoothed, points included) and the rejected ones: other kinds of geometry,
     ///     which stay, and those with a line that has a coordinate that is not finite, or would
-    ///     have one: these lines stay, the others of the feature are smoothed
+    ///     have one or too many points: these lines stay, the others of the feature are smoothed
     /// \return false for null, parameters out of range, and when memory is short
     static bool smoothFeatures(JWFeatureClass* features, const JWSmoothOptions& options,
                                JWLayerReport* report = nullptr);

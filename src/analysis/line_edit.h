@@ -4,11 +4,12 @@
 // smoothing share. What is done to one list of points is the editor's.
 //
 // An editor has `bool edit(std::vector<JWRawPoint>&)`, which changes a list or answers false and
-// leaves it of no use. It works on a copy.
+// leaves it of no use; it may throw TooManyPoints. It works on a copy.
 #ifndef JW_ANALYSIS_LINE_EDIT_H
 #define JW_ANALYSIS_LINE_EDIT_H
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,6 +22,11 @@
 #include "layers/geometry_check.h"
 
 namespace jws::detail {
+
+/// What an editor throws when a result would have more than `kMostMadePoints`.
+struct TooManyPoints : std::length_error {
+    TooManyPoints() : std::length_error("a line would have more than 134217727 points") {}
+};
 
 /// True when no coordinate is NaN or infinite.
 inline bool allFinite(const std::vector<JWRawPoint>& points) {
@@ -76,8 +82,8 @@ class LineWalk {
         }
     }
 
-    /// A list stayed as it was since the last call because it would not have stayed finite.
-    bool takeOverflow() { return std::exchange(overflowed_, false); }
+    /// Why a list that could be edited stayed as it was since the last call; empty where none did.
+    std::string takeProblem() { return std::exchange(problem_, std::string()); }
 
   private:
     bool editLine(JWLineString& line) {
@@ -87,9 +93,14 @@ class LineWalk {
     /// Edits a copy, and takes it over if it is long enough and finite.
     bool editList(std::vector<JWRawPoint>& points, std::size_t least) {
         scratch_ = points;
-        if (!editor_.edit(scratch_) || scratch_.size() < least) return false;
+        try {
+            if (!editor_.edit(scratch_) || scratch_.size() < least) return false;
+        } catch (const TooManyPoints& e) {
+            problem_ = e.what();
+            return false;
+        }
         if (!allFinite(scratch_)) {
-            overflowed_ = true;
+            problem_ = kBeyondNumbers;
             return false;
         }
         points.swap(scratch_);
@@ -98,7 +109,7 @@ class LineWalk {
 
     Editor editor_;
     std::size_t minimumRing_;
-    bool overflowed_ = false;
+    std::string problem_;
     std::vector<JWRawPoint> scratch_;
 };
 
@@ -113,19 +124,23 @@ inline bool hasLines(const JWGeometry& geometry) {
 template <class Editor, class Refused>
 void editFeatures(JWFeatureClass& features, const LineWalk<Editor>& model, int threads,
                   JWLayerReport& report, const Refused& refused) {
-    enum Outcome : char { kDone, kEmpty, kOtherKind, kNotFinite, kOverflow };
+    struct Outcome {
+        bool isEmpty = false;
+        std::string problem;
+    };
     const int count = features.getFeatureCount();
-    std::vector<Outcome> outcomes(static_cast<std::size_t>(count), kDone);
-    const auto editOne = [&](LineWalk<Editor>& walk, JWFeature& feature) {
+    std::vector<Outcome> outcomes(static_cast<std::size_t>(count));
+    const auto editOne = [&](LineWalk<Editor>& walk, JWFeature& feature) -> Outcome {
         JWGeometry* geometry = feature.getGeometryPtr();
-        if (geometry == nullptr || geometry->isEmpty()) return kEmpty;
+        if (geometry == nullptr || geometry->isEmpty()) return {true, ""};
         const bool isSound = !hasLines(*geometry) || isFinite(*geometry);
         walk.edit(*geometry);
-        if (!isSound) return kNotFinite;
-        if (walk.takeOverflow()) return kOverflow;
-        if (hasLines(*geometry) || geometry->getGeometryType() == JWGeometryPoint) return kDone;
+        std::string problem = walk.takeProblem();
+        if (!isSound) return {false, "a coordinate is not finite"};
+        if (!problem.empty()) return {false, std::move(problem)};
+        if (hasLines(*geometry) || geometry->getGeometryType() == JWGeometryPoint) return {};
         refused(*geometry);
-        return kOtherKind;
+        return {false, "neither a line nor a polygon"};
     };
     {
         const Team team(threads);
@@ -140,17 +155,15 @@ void editFeatures(JWFeatureClass& features, const LineWalk<Editor>& model, int t
         });
     }
     for (int i = 0; i < count; ++i) {
-        const Outcome outcome = outcomes[static_cast<std::size_t>(i)];
+        const Outcome& outcome = outcomes[static_cast<std::size_t>(i)];
         ++report.readA;
-        if (outcome == kEmpty) ++report.emptyA;
-        if (outcome == kDone) ++report.written;
-        if (outcome == kOtherKind) {
-            reject(report, *features.getFeatureAt(i), "neither a line nor a polygon");
+        if (outcome.isEmpty) {
+            ++report.emptyA;
+        } else if (outcome.problem.empty()) {
+            ++report.written;
+        } else {
+            reject(report, *features.getFeatureAt(i), outcome.problem);
         }
-        if (outcome == kNotFinite) {
-            reject(report, *features.getFeatureAt(i), "a coordinate is not finite");
-        }
-        if (outcome == kOverflow) reject(report, *features.getFeatureAt(i), kBeyondNumbers);
     }
     keepLastRejected(report);
 }

@@ -26,7 +26,13 @@ struct LineForms {
     template <class Options>
     static bool editLine(const char* function, JWLineString* line, const Options& options) {
         if (line == nullptr) return false;
-        return guarded(function, false, [&] { return walk(options).edit(*line); });
+        return guarded(function, false, [&] {
+            LineWalk<Editor> editing = walk(options);
+            const bool edited = editing.edit(*line);
+            const std::string problem = editing.takeProblem();
+            if (!problem.empty()) refused(function, problem.c_str());
+            return edited;
+        });
     }
 
     /// The point count after the edit, 0 for null.
@@ -97,7 +103,8 @@ struct LineForms {
                 return [own](const JWFeature& feature, MapResults& results) {
                     std::unique_ptr<JWGeometry> geometry(feature.getGeometryPtr()->clone());
                     own->edit(*geometry);
-                    if (own->takeOverflow()) return results.reject(kBeyondNumbers);
+                    std::string problem = own->takeProblem();
+                    if (!problem.empty()) return results.reject(std::move(problem));
                     results.add(std::move(geometry));
                 };
             };

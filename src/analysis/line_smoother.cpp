@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "analysis/line_edit.h"
 #include "foundation/segment_math.h"
@@ -15,11 +14,13 @@ namespace jws::detail {
 
 namespace {
 
-/// As many points as an int counts.
-constexpr std::size_t kMostPoints = std::numeric_limits<int>::max();
-
 JWRawPoint middle(const JWRawPoint& a, const JWRawPoint& b) {
     return JWRawPoint((a.x + b.x) / 2, (a.y + b.y) / 2);
+}
+
+/// Throws TooManyPoints when a result would have more points than are made.
+void requireRoomFor(double count) {
+    if (!(count <= static_cast<double>(kMostMadePoints))) throw TooManyPoints();
 }
 
 bool isWindow(int lookAhead) { return lookAhead % 2 == 1 && lookAhead >= 3; }
@@ -146,8 +147,9 @@ bool LineSmoother::chaiken(std::vector<JWRawPoint>& points) {
         JWRawPoint p1 = points[i - 1], p2 = points[std::min(i, n - 1)];
         JWRawPoint m = middle(p1, p2);
         for (;;) {
-            if (!areFinite(&m, 1) || result_.size() + 1 >= kMostPoints) return false;
+            requireRoomFor(static_cast<double>(result_.size()) + 2);
             result_.push_back(m);
+            if (!areFinite(&m, 1)) break;
             const JWRawPoint v = difference(anchor, m);
             if (dot(v, v) <= limit) break;
             p2 = middle(p1, m);
@@ -175,7 +177,7 @@ bool LineSmoother::hermite(std::vector<JWRawPoint>& points) {
     };
     double total = 0;
     for (std::size_t k = 0; k + 1 < n; ++k) total += pointDistance(points[k], points[k + 1]);
-    if (!(total / options_.step < static_cast<double>(kMostPoints - 2))) return false;
+    requireRoomFor(total / options_.step + 2);
     result_.assign(1, points[0]);
     double begin = 0;
     double count = 1;
@@ -205,6 +207,9 @@ bool LineSmoother::hermite(std::vector<JWRawPoint>& points) {
 }
 
 bool LineSmoother::bezier(std::vector<JWRawPoint>& points) {
+    const std::size_t degree = std::min(options_.degree, JWBezierCurve::kMaxDegree);
+    const std::size_t curves = (points.size() + degree - 2) / degree;
+    requireRoomFor(static_cast<double>(curves) * options_.points + 1);
     return JWBezierCurve().smoothPoints(points, options_.degree, options_.points, points);
 }
 

@@ -18,8 +18,8 @@ class LineSmoother {
     /// The parameters are in range for some line.
     bool isUsable() const;
     /// Smooths points in place; huge ones may come out infinite or NaN. False, and nothing changed,
-    /// when parameters are out of range for them, they are too few, a coordinate is not finite, or
-    /// the result would be too long.
+    /// when parameters are out of range for them, they are too few or a coordinate is not finite.
+    /// Throws TooManyPoints, and changes nothing, when the result would be too long.
     bool edit(std::vector<JWRawPoint>& points);
 
   private:

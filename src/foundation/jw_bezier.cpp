@@ -3,12 +3,12 @@
 // The Bézier curve in the Bernstein form, and smoothing by pieces of it.
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "foundation/api_guard.h"
 #include "foundation/plane_map.h"
 #include "foundation/quadrature.h"
 #include "foundation/segment_math.h"
+#include "foundation/vertex_lists.h"
 #include "jw_geometry_arc.h"
 
 namespace jws {
@@ -110,7 +110,9 @@ JWRawPoint JWBezierCurve::getPointAt(double t) const {
 
 std::vector<JWRawPoint> JWBezierCurve::samplePoints(int steps) const {
     std::vector<JWRawPoint> points;
-    if (isEmpty() || steps < 1 || steps == std::numeric_limits<int>::max()) return points;
+    if (isEmpty() || steps < 1 || steps >= static_cast<int>(kMostMadePoints)) {
+        return points;
+    }
     guarded("samplePoints", false, [&] {
         points.resize(static_cast<std::size_t>(steps) + 1);
         for (int k = 0; k <= steps; ++k) points[k] = getPointAt(double(k) / steps);
@@ -137,8 +139,9 @@ bool JWBezierCurve::smoothPoints(const std::vector<JWRawPoint>& points, int degr
     const std::size_t d = std::min(degree, kMaxDegree);
     const std::size_t whole = segments / d, remainder = segments % d;
     const std::size_t pieces = whole + (remainder != 0 ? 1 : 0);
-    constexpr std::size_t most = std::numeric_limits<int>::max() - 1;
-    if (pieces > most / steps) return false;
+    if (pieces > (kMostMadePoints - 1) / steps) {
+        return refused("makeBezierCurve", "the curve would have more than 134217727 points") != 0;
+    }
     std::vector<JWRawPoint> curve;
     std::vector<double> weights;
     const bool room = guarded("smoothPoints", false, [&] {

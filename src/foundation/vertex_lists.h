@@ -49,6 +49,10 @@ bool everyVertexList(const JWGeometry& geometry, const Visit& visit) {
     }
 }
 
+/// The most points that an operation makes of one line: their standard binary form just stays below
+/// the 2 GiB that formats and drivers take.
+inline constexpr std::size_t kMostMadePoints = (std::size_t{1} << 27) - 1;
+
 /// True when no coordinate of `n` points is NaN or infinite. x·0 is 0 for every finite x and NaN
 /// otherwise, so one sum tells about all without a branch each.
 inline bool areFinite(const JWRawPoint* points, std::size_t n) {

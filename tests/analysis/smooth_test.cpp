@@ -113,6 +113,10 @@ TEST(Smooth, SmallCases) {
         {bezier(2, 2), "LINESTRING (0 0, 1 2, 2 0)", "LINESTRING (0 0, 1 1, 2 0)"},
         {bezier(1, 1), z, nullptr},
         {bezier(0, 2), z, nullptr},
+        // More points than are made: nothing is allocated for them.
+        {bezier(2, (1 << 27) - 1), roof, nullptr},
+        {bezier(1, 1 << 26), roof, nullptr},
+        {hermite(0x1p-24, 0.5, 0), corner, nullptr},
         {hermite(2, 0.5, 0), corner, "LINESTRING (0 0, 2.25 0, 4 0, 4 2.25, 4 4)"},
         // Tangents below the minimum are zero, so points stay on the segments.
         {hermite(2, 0.5, 100), corner, "LINESTRING (0 0, 2 0, 4 0, 4 2, 4 4)"},
@@ -296,6 +300,12 @@ TEST(SmoothKinds, OptionsDropRepeatedPointsAndCountFeatures) {
     EXPECT_EQ(report.written, 1);
     EXPECT_EQ(report.rejected.size(), 1u);
     EXPECT_FALSE(Smooth::smoothFeatures(nullptr, options, &report));
+    options.method = JWSmoothHermite;
+    options.step = 1e-12;
+    report = JWLayerReport();
+    EXPECT_TRUE(Smooth::smoothFeatures(&features, options, &report));
+    ASSERT_EQ(report.rejected.size(), 2u);
+    EXPECT_EQ(report.rejected[0].reason, "a line would have more than 134217727 points");
 }
 
 }  // namespace
