@@ -110,7 +110,8 @@ class JW_API JWGeometryMinimumBounding {
 
     /// @name Minimum circle
     /// @{
-    /// Finds the smallest circle around at least 2 points.
+    /// Finds the smallest circle around at least 2 points; its radius is 0 where these are at one
+    /// place.
     ///
     /// The answer is that of the incremental algorithm with a tolerance of 1e-10: a point outside
     /// an intermediate circle by no more counts as inside it. Where thousands of points lie on the
@@ -141,7 +142,7 @@ class JW_API JWGeometryMinimumBounding {
                                         double* radius, JWRing* outline = nullptr);
     static bool geometryMinimumCircle(const JWGeometry* geometry, JWRawPoint& center,
                                       double* radius, JWRing* outline = nullptr);
-    /// Writes the circle of each feature.
+    /// Writes the circle of each feature; one of radius 0 is 361 times its centre.
     static bool featureClassMinimumCircle(JWFeatureClass* input, JWFeatureClass* output,
                                           JWLayerReport* report = nullptr);
     /// @}
@@ -231,6 +232,7 @@ class JW_API JWGeometryMinimumBounding {
     /// field "count", and points count, too. Only the exterior rings of polygons count. The result
     /// is the same, bit for bit, for any number of threads and any block size. Memory holds one
     /// block.
+    /// A circle has a radius of 0, and an envelope is flat, where all points are at one place.
     /// \param report  may be null; receives features read, empty, written and the rejected ones
     ///     (another kind of geometry, a coordinate that is not finite, too few distinct points, and
     ///     for a hull, which needs no fourth point here, points on one line); the layer as a whole

@@ -70,6 +70,11 @@ class JW_API JWGeometryTransform {
     ///     below 1e-15, whatever the scale of the matrix, for a determinant or one of the six
     ///     results that is not finite, and for a null pointer
     static bool inverseTransformMatrix(const double* matrix, double* inverse);
+    /// Inverts a matrix of any scale; `inverse` may be `matrix`.
+    /// \return false, and nothing written, for a matrix that maps the plane to a line or a point: a
+    ///     determinant of at most 1e-15 times |m1·m5| + |m2·m4|, which is its rounding; for one of
+    ///     the six results that is not finite, and for a null pointer
+    static bool invertMatrix(const double* matrix, double* inverse);
     /// @}
 
     /// @name Move

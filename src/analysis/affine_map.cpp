@@ -81,6 +81,41 @@ std::optional<Matrix> fittedMatrix(const JWGCP* g, int n) {
     return fit;
 }
 
+namespace {
+
+/// A matrix whose rows were divided by powers of two, so that its linear part is near 1.
+struct EvenRows {
+    Matrix map;
+    double divisors[2];
+
+    explicit EvenRows(const double* m) {
+        std::copy(m, m + 6, map.m);
+        for (int row = 0; row < 2; ++row) {
+            double* r = map.m + 3 * row;
+            const double most = std::max(std::fabs(r[1]), std::fabs(r[2]));
+            const bool isSound = most > 0 && std::isfinite(most);
+            divisors[row] = isSound ? std::ldexp(1, std::min(std::ilogb(most), 1000)) : 1;
+            for (int i = 0; i < 3; ++i) r[i] /= divisors[row];
+        }
+    }
+};
+
+}  // namespace
+
+bool isSingular(const double* matrix) {
+    const EvenRows even(matrix);
+    const double* m = even.map.m;
+    return !(std::fabs(determinant(m)) > 1e-15 * (std::fabs(m[1] * m[5]) + std::fabs(m[2] * m[4])));
+}
+
+Matrix inverseOf(const double* matrix) {
+    const EvenRows even(matrix);
+    const double* m = even.map.m;
+    const double d = determinant(m), r = even.divisors[0], s = even.divisors[1];
+    return {{(m[2] * m[3] - m[0] * m[5]) / d, m[5] / d / r, -m[2] / d / s,
+             (m[0] * m[4] - m[1] * m[3]) / d, -m[4] / d / r, m[1] / d / s}};
+}
+
 bool hasVertices(const JWGeometry& geometry) {
     switch (geometry.getGeometryType()) {
         case JWGeometryPoint:

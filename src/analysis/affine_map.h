@@ -24,6 +24,17 @@ struct Matrix {
 /// The matrix of control points, as `JWGeometryTransform::affineTransformFromGCP`.
 std::optional<Matrix> fittedMatrix(const JWGCP* points, int n);
 
+/// The determinant of the linear part.
+inline double determinant(const double* m) { return m[1] * m[5] - m[2] * m[4]; }
+
+/// True when the determinant is 0 to the rounding of its products, 1e-15 of them, or not finite.
+/// The scale of the matrix, or of one of its rows, plays no part.
+bool isSingular(const double* matrix);
+
+/// The inverse, by Cramer's rule, of a matrix that has one; not finite otherwise, and where a
+/// result is beyond all numbers.
+Matrix inverseOf(const double* matrix);
+
 /// True for the kinds that `mapVertices` takes, and bags of these.
 bool hasVertices(const JWGeometry& geometry);
 

@@ -22,13 +22,10 @@ struct Family {
     BoundingShape shape;
     const char* measures[3];
 
-    /// Null, or why there is none; a circle without radius does not count.
+    /// Null, or why there is none.
     const char* make(const PointRuns& points, JWRing& ring, BoundingMeasures& found) const {
         constexpr const char* tooFew = "it has too few distinct points for a bounding geometry";
-        const bool isCircle = shape == minimumCirclePolygon || shape == boundingBallPolygon;
-        if (shape(points, &ring, &found)) {
-            return isCircle && found.values[2] == 0 ? tooFew : nullptr;
-        }
+        if (shape(points, &ring, &found)) return nullptr;
         if (convexHull(points).size() < 3) return tooFew;  // one place, and that again
         return shape == anyHullPolygon ? "its points lie on one line" : kBeyondNumbers;
     }

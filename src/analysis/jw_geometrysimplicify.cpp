@@ -113,40 +113,29 @@ bool JWGeometrySimplicify::geometrySimplicify(JWGeometry* geometry,
     return Forms::editGeometry("geometrySimplicify", geometry, options);
 }
 
-JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify, (double tolerance), with,
-                (JWSimplifyDouglasPeucker, tolerance))
-JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_Lang, (double tolerance, int lookAhead),
-                with, (JWSimplifyLang, tolerance, lookAhead))
-JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_ReumannWitkam, (double tolerance), with,
-                (JWSimplifyReumannWitkam, tolerance))
-JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_VertexReduction, (double tolerance), with,
-                (JWSimplifyVertexReduction, tolerance))
-JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_PerpendDistance, (double tolerance), with,
-                (JWSimplifyPerpendicularDistance, tolerance))
-JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_Opheim, (double minimum, double maximum),
-                with, (JWSimplifyOpheim, minimum, 0, maximum))
+// --- Polygons, feature classes, layers -----------------------------------------------------------
+
+JW_LAYER_FORMS(JWGeometrySimplicify, jwPolygonSimpicify_ReumannWitkam, simplifyFeatures_rw,
+               (double tolerance), with, (JWSimplifyReumannWitkam, tolerance))
+JW_LAYER_FORMS(JWGeometrySimplicify, jwPolygonSimpicify_VertexReduction, simplifyFeatures_vr,
+               (double tolerance), with, (JWSimplifyVertexReduction, tolerance))
+JW_LAYER_FORMS(JWGeometrySimplicify, jwPolygonSimpicify_PerpendDistance, simplifyFeatures_per,
+               (double tolerance), with, (JWSimplifyPerpendicularDistance, tolerance))
+JW_LAYER_FORMS(JWGeometrySimplicify, jwPolygonSimpicify_Lang, simplifyFeatures_lang,
+               (double tolerance, int lookAhead), with, (JWSimplifyLang, tolerance, lookAhead))
+JW_LAYER_FORMS(JWGeometrySimplicify, jwPolygonSimpicify_Opheim, simplifyFeatures_op,
+               (double minimum, double maximum), with, (JWSimplifyOpheim, minimum, 0, maximum))
 JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify_NthPoint, (int n), with,
                 (JWSimplifyNthPoint, 0, n))
-
-// --- Feature classes -----------------------------------------------------------------------------
+JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_nth, (unsigned n), with,
+              (JWSimplifyNthPoint, 0, countOf(n)))
+JW_POLYGON_FORM(JWGeometrySimplicify, jwPolygonSimpicify, (double tolerance), with,
+                (JWSimplifyDouglasPeucker, tolerance))
 
 void JWGeometrySimplicify::simplifyFeatures_dp(JWFeatureClass* features, double tolerance) {
     Forms::editClass("simplifyFeatures_dp", features, with(JWSimplifyDouglasPeucker, tolerance),
                      nullptr, sayRefused);
 }
-
-JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_rw, (double tolerance), with,
-              (JWSimplifyReumannWitkam, tolerance))
-JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_vr, (double tolerance), with,
-              (JWSimplifyVertexReduction, tolerance))
-JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_per, (double tolerance), with,
-              (JWSimplifyPerpendicularDistance, tolerance))
-JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_lang, (double tolerance, int lookAhead), with,
-              (JWSimplifyLang, tolerance, lookAhead))
-JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_op, (double minimum, double maximum), with,
-              (JWSimplifyOpheim, minimum, 0, maximum))
-JW_CLASS_FORM(JWGeometrySimplicify, simplifyFeatures_nth, (unsigned n), with,
-              (JWSimplifyNthPoint, 0, countOf(n)))
 
 void JWGeometrySimplicify::simplifyFeatures_omp(JWFeatureClass* features, double tolerance) {
     JWSimplifyOptions options = with(JWSimplifyDouglasPeucker, tolerance);

@@ -81,39 +81,27 @@ JWLineString* JWGeometrySmooth::bezier(const JWLineString* line, int degree, int
     });
 }
 
-// --- Polygons and any geometry -------------------------------------------------------------------
+// --- Polygons, feature classes, layers and any geometry ------------------------------------------
 
-JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_Boyle, (int lookAhead), boyleOptions, (lookAhead))
-JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_SlidingMean, (double slide, int lookAhead),
-                windowOptions, (JWSmoothSlidingAveraging, slide, lookAhead))
-JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_dw, (double slide, int lookAhead), windowOptions,
-                (JWSmoothDistanceWeighting, slide, lookAhead))
-JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_Chaiken, (double tolerance), chaikenOptions,
-                (tolerance))
-JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_Bezier, (int degree, int points), bezierOptions,
-                (degree, points))
-JW_POLYGON_FORM(JWGeometrySmooth, jwPolygonSmooth_Hermite,
-                (double step, double tangentScale, double tangentMinimum), hermiteOptions,
-                (step, tangentScale, tangentMinimum))
+JW_LAYER_FORMS(JWGeometrySmooth, jwPolygonSmooth_Boyle, smoothFeatures_boyle, (int lookAhead),
+               boyleOptions, (lookAhead))
+JW_LAYER_FORMS(JWGeometrySmooth, jwPolygonSmooth_SlidingMean, smoothFeatures_slideAve,
+               (double slide, int lookAhead), windowOptions,
+               (JWSmoothSlidingAveraging, slide, lookAhead))
+JW_LAYER_FORMS(JWGeometrySmooth, jwPolygonSmooth_dw, smoothFeatures_dw,
+               (double slide, int lookAhead), windowOptions,
+               (JWSmoothDistanceWeighting, slide, lookAhead))
+JW_LAYER_FORMS(JWGeometrySmooth, jwPolygonSmooth_Chaiken, smoothFeatures_chaiken,
+               (double tolerance), chaikenOptions, (tolerance))
+JW_LAYER_FORMS(JWGeometrySmooth, jwPolygonSmooth_Bezier, smoothFeatures_bezier,
+               (int degree, int points), bezierOptions, (degree, points))
+JW_LAYER_FORMS(JWGeometrySmooth, jwPolygonSmooth_Hermite, smoothFeatures_hermite,
+               (double step, double tangentScale, double tangentMinimum), hermiteOptions,
+               (step, tangentScale, tangentMinimum))
 
 bool JWGeometrySmooth::geometrySmooth(JWGeometry* geometry, const JWSmoothOptions& options) {
     return Forms::editGeometry("geometrySmooth", geometry, options);
 }
-
-// --- Feature classes -----------------------------------------------------------------------------
-
-JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_boyle, (int lookAhead), boyleOptions, (lookAhead))
-JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_slideAve, (double slide, int lookAhead),
-              windowOptions, (JWSmoothSlidingAveraging, slide, lookAhead))
-JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_dw, (double slide, int lookAhead), windowOptions,
-              (JWSmoothDistanceWeighting, slide, lookAhead))
-JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_chaiken, (double tolerance), chaikenOptions,
-              (tolerance))
-JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_bezier, (int degree, int points), bezierOptions,
-              (degree, points))
-JW_CLASS_FORM(JWGeometrySmooth, smoothFeatures_hermite,
-              (double step, double tangentScale, double tangentMinimum), hermiteOptions,
-              (step, tangentScale, tangentMinimum))
 
 bool JWGeometrySmooth::smoothFeatures(JWFeatureClass* features, const JWSmoothOptions& options,
                                       JWLayerReport* report) {

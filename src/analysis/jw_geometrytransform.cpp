@@ -95,19 +95,28 @@ bool JWGeometryTransform::affineTransformFromGCP(const JWGCP* points, int n, dou
     return true;
 }
 
+namespace {
+
+bool writeInverse(const double* matrix, double* inverse) {
+    const Matrix result = inverseOf(matrix);
+    if (!matrixMap(result.m)) return false;
+    std::copy(result.m, result.m + 6, inverse);
+    return true;
+}
+
+}  // namespace
+
 bool JWGeometryTransform::inverseTransformMatrix(const double* matrix, double* inverse) {
     // The test joins with "or", as it always has; the guard behind it takes care of the other one.
     if (!(matrix != nullptr || inverse != nullptr)) return false;
     if (matrix == nullptr || inverse == nullptr) return false;
-    const double* m = matrix;
-    const double determinant = m[1] * m[5] - m[2] * m[4];
-    if (!(std::fabs(determinant) >= 1e-15) || !std::isfinite(determinant)) return false;
-    const double result[6] = {
-        (m[2] * m[3] - m[0] * m[5]) / determinant, m[5] / determinant,  -m[2] / determinant,
-        (m[0] * m[4] - m[1] * m[3]) / determinant, -m[4] / determinant, m[1] / determinant};
-    if (!std::all_of(result, result + 6, [](double v) { return std::isfinite(v); })) return false;
-    std::copy(result, result + 6, inverse);
-    return true;
+    const double size = std::fabs(determinant(matrix));
+    return size >= 1e-15 && std::isfinite(size) && writeInverse(matrix, inverse);
+}
+
+bool JWGeometryTransform::invertMatrix(const double* matrix, double* inverse) {
+    return matrix != nullptr && inverse != nullptr && !isSingular(matrix) &&
+           writeInverse(matrix, inverse);
 }
 
 // --- Forms ---------------------------------------------------------------------------------------

@@ -132,5 +132,9 @@ struct LineForms {
     void CLASS::NAME(JWFeatureClass* features, JW_UNPACK DECLARED) { \
         Forms::editClass(#NAME, features, MAKE(JW_UNPACK PASSED));   \
     }
+// Both, which most methods have with the same arguments.
+#define JW_LAYER_FORMS(CLASS, POLYGON, FEATURES, DECLARED, MAKE, PASSED) \
+    JW_POLYGON_FORM(CLASS, POLYGON, DECLARED, MAKE, PASSED)              \
+    JW_CLASS_FORM(CLASS, FEATURES, DECLARED, MAKE, PASSED)
 
 #endif  // JW_ANALYSIS_LINE_FORMS_H

@@ -187,6 +187,14 @@ TEST(AnalysisLayers, ResultsAreThoseOfTheGeometryForms) {
     const Outcome circle = run(bound("circle", JWBoundingMinimumCircle, false), *input);
     EXPECT_EQ("name,center_x,center_y,radius", circle.fields);
     EXPECT_NE(std::string::npos, circle.content[1].find("|b|4.5|4.5|6.36396103067892"));
+
+    // Points at one place have a circle, of a feature class and of a layer.
+    const LayerPtr place = layerOf("in", {{-1, "MULTIPOINT(3 5,3 5)", "c"}});
+    for (const bool isWhole : {false, true}) {
+        const Outcome dot = run(bound("circle", JWBoundingMinimumCircle, isWhole), *place);
+        ASSERT_EQ(1, dot.code);
+        EXPECT_NE(std::string::npos, dot.content[0].find("|3|5|0"));
+    }
 }
 
 TEST(AnalysisLayers, PointsAreBoundTogether) {
@@ -207,7 +215,7 @@ TEST(AnalysisLayers, PointsAreBoundTogether) {
          nullptr,
          "layer in: the layer as a whole: its points lie on one line"},
         {{{-1, "POINT(1 1)", ""}, {-1, "POINT(1 1)", ""}},
-         JWBoundingMinimumCircle,
+         JWBoundingMinimumWidthRect,
          nullptr,
          "it has too few distinct points for a bounding geometry"},
         {{{-1, "MULTIPOINT(-1e308 0,0 -1.7e308,1e308 1.7e308)", ""}},

@@ -88,6 +88,26 @@ TEST(Transform, Inverses) {
     }
     EXPECT_FALSE(Transform::inverseTransformMatrix(kMatrix, nullptr));
     double inverse[6];
+    const InverseRow anyScale[] = {
+        {{10, 2, 0, 20, 0, 4}, true, {-5, 0.5, 0, -5, 0, 0.25}},
+        {{3e-8, 3e-8, 0, 0, 0, 3e-8}, true, {-1, 1 / 3e-8, 0, 0, 0, 1 / 3e-8}},
+        {{0, 1e200, 0, 0, 0, 1e-200}, true, {0, 1e-200, 0, 0, 0, 1e200}},
+        {{0, 1e-300, 1e-300, 0, -1e300, 1e300}, true, {0, 5e299, -5e-301, 0, 5e299, 5e-301}},
+        {{0, 1, 2, 0, 2, 4}, false, {}},
+        {{0, 0.1, 0.3, 0, 0.3, 0.9}, false, {}},  // the determinant is 1e-17, rounding
+        {{0, 1, 2, 0, 0, 0}, false, {}},
+        {{0, 0, 0, 0, 0, 0}, false, {}},
+        {{0, kNaN, 0, 0, 0, 1}, false, {}},
+        {{0, 1e-310, 0, 0, 0, 1}, false, {}},  // the result is infinite
+    };
+    for (const InverseRow& row : anyScale) {
+        double result[6] = {7, 7, 7, 7, 7, 7};
+        EXPECT_EQ(Transform::invertMatrix(row.matrix, result), row.done);
+        for (int i = 0; i < 6; ++i) {
+            EXPECT_NEAR(result[i], row.done ? row.inverse[i] : 7, 1e-15 * std::fabs(result[i]));
+        }
+    }
+    EXPECT_FALSE(Transform::invertMatrix(nullptr, inverse));
     EXPECT_FALSE(Transform::inverseTransformMatrix(nullptr, inverse));
     RandomRings random(23);
     for (int round = 0; round < 200; ++round) {

@@ -83,7 +83,7 @@ void compose(const Settings& settings, JWFeatureLayer& layer, Transformation& ma
     }
     if (!settings.inverse) return;
     Affine inverse;
-    if (!JWGeometryTransform::inverseTransformMatrix(made.map.m, inverse.m)) {
+    if (!JWGeometryTransform::invertMatrix(made.map.m, inverse.m)) {
         throw CommandFailure(ExitUsage,
                              "--inverse: the transformation cannot be inverted; it maps "
                              "the plane to a line or a point, or nearly so");
