@@ -114,7 +114,7 @@ class JW_API JWGeometryMinimumBounding {
     /// place.
     ///
     /// The answer is that of the incremental algorithm with a tolerance of 1e-10: a point outside
-    /// an intermediate circle by no more counts as inside it. Where thousands of points lie on the
+    /// an intermediate circle by no more counts as inside it. Where hundreds of points lie on the
     /// circle it is the exact circle instead, the same to 1e-10. Every point lies within 1e-10 of
     /// the circle, besides rounding, 1e-12 of its radius. Works relative to the first point, so
     /// that far offsets cost no digits.

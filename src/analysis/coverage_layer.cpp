@@ -8,6 +8,7 @@
 #include "analysis/line_forms.h"
 #include "analysis/line_simplifier.h"
 #include "boolean/ring_set.h"
+#include "foundation/pulse.h"
 #include "layers/layer_checks.h"
 #include "layers/layer_map.h"
 
@@ -24,18 +25,13 @@ struct LayerRings {
     std::vector<std::size_t> firstOf;  ///< for each position the number of its first ring
 };
 
-[[noreturn]] void stop() {
-    JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
-    throw LayerFailure();
-}
-
 LayerRings readRings(FeatureInput& input) {
-    constexpr std::int64_t block = 4096;
+    constexpr std::int64_t block = 256;
     LayerRings rings;
     std::vector<std::shared_ptr<const JWFeature>> features;
     const std::int64_t count = input.count();
     for (std::int64_t first = 0; first < count; first += block) {
-        if (!JWReport::progress(0, count)) stop();
+        Pulse::tick();
         input.readBlock(first, block, features);
         for (std::shared_ptr<const JWFeature>& feature : features) {
             rings.firstOf.push_back(rings.views.size());
@@ -48,50 +44,64 @@ LayerRings readRings(FeatureInput& input) {
     return rings;
 }
 
-/// Puts simplified rings in the place of a geometry's own.
+/// Makes geometries of simplified rings, in the order of the rings.
 class RingExchange {
   public:
     RingExchange(const CoverageSimplifier& simplifier, std::size_t firstRing)
         : m_simplifier(simplifier), m_next(firstRing) {}
 
-    void exchange(JWPolygon& polygon) {
-        for (JWRing& ring : polygon.getRingList()) {
-            std::vector<JWRawPoint> points = m_simplifier.ring(m_next++);
-            if (!points.empty()) ring.getPointList() = std::move(points);
-        }
-    }
-    void exchange(JWGeometry& geometry) {
+    std::unique_ptr<JWGeometry> exchanged(const JWGeometry& geometry) {
+        std::unique_ptr<JWGeometry> result;
         if (geometry.getGeometryType() == JWGeometryPolygon) {
-            exchange(static_cast<JWPolygon&>(geometry));
+            auto polygon = std::make_unique<JWPolygon>();
+            exchange(static_cast<const JWPolygon&>(geometry), *polygon);
+            result = std::move(polygon);
         } else {
-            for (JWPolygon& part : static_cast<JWMultiPolygon&>(geometry).getMemberList()) {
-                exchange(part);
+            auto polygons = std::make_unique<JWMultiPolygon>();
+            for (const JWPolygon& part :
+                 static_cast<const JWMultiPolygon&>(geometry).getMemberList()) {
+                exchange(part, polygons->getMemberList().emplace_back());
             }
+            result = std::move(polygons);
         }
-        geometry.updateEnvelop();
+        result->updateEnvelop();
+        return result;
     }
 
   private:
+    void exchange(const JWPolygon& polygon, JWPolygon& result) {
+        for (const JWRing& ring : polygon.getRingList()) {
+            std::vector<JWRawPoint> points = m_simplifier.ring(m_next++);
+            result.getRingList().push_back(points.empty() ? ring : JWRing(std::move(points)));
+        }
+    }
+
     const CoverageSimplifier& m_simplifier;
     std::size_t m_next;
 };
+
+/// Reads the layer and simplifies it as a whole. Throws LayerFailure when that is stopped.
+CoverageSimplifier simplifiedRings(FeatureInput& input, const JWSimplifyOptions& options,
+                                   std::vector<std::size_t>& firstOf, JWLayerReport& report) {
+    const Pulse pulse([&] {
+        if (JWReport::progress(0, input.count())) return;
+        report.cancelled = true;
+        JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
+        throw LayerFailure();
+    });
+    LayerRings rings = readRings(input);
+    firstOf = std::move(rings.firstOf);
+    return CoverageSimplifier(rings.views, rings.owners, options);
+}
 
 std::int64_t run(FeatureInput& input, FeatureOutput& output, const JWSimplifyOptions& options,
                  JWLayerReport& report) {
     using Clock = std::chrono::steady_clock;
     LineForms<LineSimplifier>::requireUsable(kName, options);
     const Clock::time_point start = Clock::now();
-    LayerRings rings = readRings(input);
-    const CoverageSimplifier simplifier(rings.views, rings.owners, options, [&] {
-        return JWReport::progress(0, static_cast<std::int64_t>(rings.firstOf.size()));
-    });
-    if (!simplifier.isDone()) {
-        report.cancelled = true;
-        stop();
-    }
+    std::vector<std::size_t> firstOf;
+    const CoverageSimplifier simplifier = simplifiedRings(input, options, firstOf, report);
     const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    rings.views.clear();
-    rings.features.clear();
 
     LayerMapJob job(input, output);
     job.kinds = AreaKind;
@@ -100,9 +110,8 @@ std::int64_t run(FeatureInput& input, FeatureOutput& output, const JWSimplifyOpt
     job.schema.addFieldsOf(input);
     job.map = [&](const JWFeature& feature, MapResults& results) {
         const auto position = static_cast<std::size_t>(results.position());
-        std::unique_ptr<JWGeometry> geometry(feature.getGeometryPtr()->clone());
-        RingExchange(simplifier, rings.firstOf[position]).exchange(*geometry);
-        results.add(std::move(geometry));
+        RingExchange exchange(simplifier, firstOf[position]);
+        results.add(exchange.exchanged(*feature.getGeometryPtr()));
     };
     const std::int64_t written = runLayerMap(job, {options.blockSize, options.threads}, report);
     report.secondsIndex = seconds;

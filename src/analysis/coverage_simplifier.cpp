@@ -10,6 +10,7 @@
 #include "boolean/packed_tree.h"
 #include "foundation/orientation.h"
 #include "foundation/parallel.h"
+#include "foundation/pulse.h"
 #include "foundation/segment_math.h"
 
 namespace jws::detail {
@@ -20,30 +21,29 @@ constexpr int kCarefulRounds = 12;
 }  // namespace
 
 CoverageSimplifier::CoverageSimplifier(const RingViews& rings, const std::vector<int>& owners,
-                                       const JWSimplifyOptions& options,
-                                       const std::function<bool()>& keepOn)
+                                       const JWSimplifyOptions& options)
     : m_shared(findSharedLines(rings, owners, options.coverageTolerance)),
       m_threads(options.threads),
       m_kept(m_shared.lines.members.size(), kKept) {
+    std::vector<JWRawPoint> scratch;
     for (std::size_t i = 0; i < m_shared.rings.count(); ++i) {
-        m_ringAreas.push_back(twiceRingArea(i));
+        m_ringAreas.push_back(twiceRingArea(i, scratch));
     }
     simplifyLines(options);
     for (;; ++m_round) {
-        if (!keepOn()) return;
         collectPieces();
         findConflicts();
         if (!hasBad()) checkRings();
         if (!hasBad()) break;
         refine();
     }
-    m_isDone = true;
 }
 
 void CoverageSimplifier::simplifyLines(const JWSimplifyOptions& options) {
     const Team team(m_threads);
     parallelChunks(team, static_cast<std::int64_t>(m_shared.lines.count()), 64,
                    [&](std::int64_t begin, std::int64_t end) {
+                       Pulse::tick();
                        LineSimplifier simplifier(options);
                        std::vector<JWRawPoint> line;
                        for (auto i = static_cast<std::size_t>(begin);
@@ -98,7 +98,14 @@ void CoverageSimplifier::keepTriangle(std::size_t first, std::size_t last) {
 }
 
 std::vector<JWRawPoint> CoverageSimplifier::ring(std::size_t i) const {
-    std::vector<JWRawPoint> ring;
+    std::vector<JWRawPoint> points;
+    appendRing(i, points);
+    if (!points.empty()) points.push_back(points.front());
+    return points;
+}
+
+/// Appends the points of a ring, not closed.
+void CoverageSimplifier::appendRing(std::size_t i, std::vector<JWRawPoint>& ring) const {
     for (const LineStep& step : m_shared.rings[i]) {
         const auto line = static_cast<std::size_t>(step.line);
         const std::size_t first = firstOf(line), last = lastOf(line);
@@ -107,14 +114,14 @@ std::vector<JWRawPoint> CoverageSimplifier::ring(std::size_t i) const {
             if (m_kept[at] != kSkipped) ring.push_back(points()[at]);
         }
     }
-    if (!ring.empty()) ring.push_back(ring.front());
-    return ring;
 }
 
-double CoverageSimplifier::twiceRingArea(std::size_t i) const {
-    const std::vector<JWRawPoint> whole = ring(i);
-    if (whole.empty()) return 0;
-    return twiceArea({whole.data(), static_cast<int>(whole.size()) - 1, 0});
+double CoverageSimplifier::twiceRingArea(std::size_t i, std::vector<JWRawPoint>& scratch) const {
+    Pulse::tick();
+    scratch.clear();
+    appendRing(i, scratch);
+    if (scratch.empty()) return 0;
+    return twiceArea({scratch.data(), static_cast<int>(scratch.size()), 0});
 }
 
 void CoverageSimplifier::collectPieces() {
@@ -156,6 +163,7 @@ void CoverageSimplifier::findConflicts() {
     const Team team(m_threads);
     parallelChunks(team, static_cast<std::int64_t>(m_pieces.size()), 256,
                    [&](std::int64_t begin, std::int64_t end) {
+                       Pulse::tick();
                        for (std::int64_t i = begin; i < end; ++i) {
                            const auto piece = static_cast<std::size_t>(i);
                            if (m_pieces[piece].isNew) check(search, piece);
@@ -224,9 +232,10 @@ bool CoverageSimplifier::hasBad() const {
 }
 
 void CoverageSimplifier::checkRings() {
+    std::vector<JWRawPoint> scratch;
     for (std::size_t i = 0; i < m_shared.rings.count(); ++i) {
         const double before = m_ringAreas[i];
-        const double after = twiceRingArea(i);
+        const double after = twiceRingArea(i, scratch);
         if (before == 0 || (before < 0 ? after < 0 : after > 0)) continue;
         for (const LineStep& step : m_shared.rings[i]) {
             const auto line = static_cast<std::size_t>(step.line);

@@ -25,7 +25,6 @@
 #define JW_ANALYSIS_COVERAGE_SIMPLIFIER_H
 
 #include <atomic>
-#include <functional>
 #include <vector>
 
 #include "convert/shared_lines.h"
@@ -38,12 +37,10 @@ class CoverageSimplifier {
     /// Takes the rings of polygons apart and simplifies what they are made of.
     ///
     /// \param owners  for each ring the number of its polygon
-    /// \param keepOn  called every now and then; false stops the work, and `isDone` stays false
-    /// Throws as `findSharedLines`.
+    /// Throws as `findSharedLines`, and what a pulse throws.
     CoverageSimplifier(const RingViews& rings, const std::vector<int>& owners,
-                       const JWSimplifyOptions& options, const std::function<bool()>& keepOn);
+                       const JWSimplifyOptions& options);
 
-    bool isDone() const { return m_isDone; }
     /// Points of ring i, closed; empty for one that could not be taken apart (a ring of one place,
     /// or of a coordinate that is not finite), which stays as it was. Any number of threads.
     std::vector<JWRawPoint> ring(std::size_t i) const;
@@ -82,7 +79,8 @@ class CoverageSimplifier {
     void checkRings();
     void refine();
     void keepFarthest(const Piece& piece);
-    double twiceRingArea(std::size_t i) const;
+    void appendRing(std::size_t i, std::vector<JWRawPoint>& points) const;
+    double twiceRingArea(std::size_t i, std::vector<JWRawPoint>& scratch) const;
 
     SharedLines m_shared;
     int m_threads;
@@ -92,7 +90,6 @@ class CoverageSimplifier {
     std::vector<std::size_t> m_firstPiece;  ///< of each line, and the number of pieces
     std::vector<std::atomic<bool>> m_bad;   ///< for each piece
     int m_round = 0;
-    bool m_isDone = false;
 };
 
 }  // namespace jws::detail

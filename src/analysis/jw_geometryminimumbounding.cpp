@@ -8,6 +8,7 @@
 #include "analysis/bounding_shape.h"
 #include "analysis/feature_results.h"
 #include "analysis/point_runs.h"
+#include "analysis/unpack.h"
 #include "foundation/api_guard.h"
 
 namespace jws {
@@ -39,7 +40,6 @@ JWGeometryMinimumBounding& JWGeometryMinimumBounding::operator=(const JWGeometry
     default;
 
 // One form of a family: its arguments after the input are DECLARED, and PASSED on to FORM.
-#define JW_UNPACK(...) __VA_ARGS__
 #define JW_POINTS_FORM(FAMILY, POINT, FORM, DECLARED, PASSED)                               \
     bool JWGeometryMinimumBounding::points##FAMILY(const std::vector<POINT>& points, int n, \
                                                    JW_UNPACK DECLARED) {                    \

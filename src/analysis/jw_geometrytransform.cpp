@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "analysis/affine_map.h"
+#include "analysis/unpack.h"
 #include "foundation/vertex_lists.h"
 #include "layers/layer_map.h"
 
@@ -107,8 +108,6 @@ bool writeInverse(const double* matrix, double* inverse) {
 }  // namespace
 
 bool JWGeometryTransform::inverseTransformMatrix(const double* matrix, double* inverse) {
-    // The test joins with "or", as it always has; the guard behind it takes care of the other one.
-    if (!(matrix != nullptr || inverse != nullptr)) return false;
     if (matrix == nullptr || inverse == nullptr) return false;
     const double size = std::fabs(determinant(matrix));
     return size >= 1e-15 && std::isfinite(size) && writeInverse(matrix, inverse);
@@ -123,7 +122,6 @@ bool JWGeometryTransform::invertMatrix(const double* matrix, double* inverse) {
 
 // One form: its arguments after the point or geometry are DECLARED, and PASSED to what makes the
 // map.
-#define JW_UNPACK(...) __VA_ARGS__
 #define JW_FORM(NAME, CLASS, MAP, DECLARED, PASSED)                     \
     bool JWGeometryTransform::NAME(CLASS* object, JW_UNPACK DECLARED) { \
         return applyMap(object, MAP(JW_UNPACK PASSED));                 \

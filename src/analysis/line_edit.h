@@ -144,7 +144,7 @@ void editFeatures(JWFeatureClass& features, const LineWalk<Editor>& model, int t
     };
     {
         const Team team(threads);
-        constexpr std::int64_t chunk = 8;
+        const std::int64_t chunk = std::clamp<std::int64_t>(count / 64, 1, 64);
         parallelChunks(team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
             LineWalk<Editor> walk = model;
             for (std::int64_t i = begin; i < end; ++i) {

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "analysis/line_edit.h"
+#include "analysis/unpack.h"
 #include "foundation/api_guard.h"
 #include "layers/layer_map.h"
 
@@ -119,7 +120,6 @@ struct LineForms {
 // The public forms of a method, as rows of a table: CLASS::NAME with the DECLARED arguments behind
 // the geometry hands the options that MAKE makes of the PASSED ones to the body for its kind of
 // form.
-#define JW_UNPACK(...) __VA_ARGS__
 #define JW_COUNT_FORM(CLASS, NAME, DECLARED, MAKE, PASSED)             \
     int CLASS::NAME(JWLineString* line, JW_UNPACK DECLARED) {          \
         return Forms::countAfter(#NAME, line, MAKE(JW_UNPACK PASSED)); \

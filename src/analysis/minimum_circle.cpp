@@ -59,7 +59,7 @@ std::optional<Circle> circleOf(const JWRawPoint& a, const JWRawPoint& b, const J
 class Incremental {
   public:
     explicit Incremental(const std::vector<JWRawPoint>& points, double tolerance)
-        : points_(points), tolerance_(tolerance), allowance_(2 * points.size() + 100000) {}
+        : points_(points), tolerance_(tolerance), allowance_(2 * points.size() + 20000) {}
 
     std::optional<Circle> run() {
         circle_ = {points_[0], 0};
