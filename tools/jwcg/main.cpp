@@ -6,11 +6,16 @@
 #include <cpl_error.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <numeric>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "command_table.h"
 #include "exit_codes.h"
@@ -100,6 +105,36 @@ int usageError(const CLI::App& app, const std::string& text) {
     return ExitUsage;
 }
 
+/// The least number of characters to put in, leave out or exchange that makes `b` of `a`.
+std::size_t editDistance(const std::string& a, const std::string& b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i + 1);
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t exchanged = diagonal + (a[i] != b[j] ? 1 : 0);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({exchanged, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+/// What to say of a first word that is no command; empty for one that is.
+std::string unknownCommand(const std::string& word) {
+    std::string nearest;
+    std::size_t least = 3;  // more differences are no slip of the finger
+    for (const Command& command : commandTable()) {
+        const std::size_t distance = editDistance(word, command.name);
+        if (distance == 0) return {};
+        if (distance >= least) continue;
+        least = distance;
+        nearest = command.name;
+    }
+    const std::string text = "there is no command '" + word + "'";
+    return nearest.empty() ? text : text + "; did you mean '" + nearest + "'?";
+}
+
 int runProgram(CLI::App& app, const ProgramOptions& options, const Settings& settings) {
     if (settings.quiet && settings.verbose) return usageError(app, "-q and -v exclude each other");
     const std::vector<CLI::App*> chosen = app.get_subcommands();
@@ -132,6 +167,9 @@ int runMain(int argc, char** argv) {
     CLI::App app("computational geometry and vector spatial analysis", "jwcg");
     try {
         setupProgram(app, options, settings);
+        const std::string unknown =
+            argc > 1 && argv[1][0] != '-' ? unknownCommand(argv[1]) : std::string();
+        if (!unknown.empty()) return usageError(app, unknown);
         app.parse(argc, argv);
         return flushed(runProgram(app, options, settings));
     } catch (const CLI::Success& success) {  // help or version
