@@ -6,17 +6,21 @@
 // against ring that is quadratic in rings and reads all their points. A ring that contains a point
 // has it in its rectangle, so an R-tree over the rectangles, bulk-loaded, names the few candidates;
 // they are tried in ring order, so that the answer is the one of the plain scan. Few rings are
-// scanned without a tree.
+// scanned without a tree. A ring that is asked again and again gets a tree over its edges.
+//
+// Where a vertex lies is decided without rounding: holes may be slivers that touch their outer ring
+// or run along it one unit in the last place away.
 #include "boolean/ring_grouping.h"
 
 #include <algorithm>
 #include <boost/geometry/geometries/box.hpp>
 #include <boost/geometry/geometries/point.hpp>
 #include <boost/geometry/index/rtree.hpp>
+#include <memory>
 #include <utility>
 
-#include "jw_cpgeometrybasic.h"
-#include "jw_srgeometrybasic.h"
+#include "foundation/edge_tree.h"
+#include "foundation/exact_crossings.h"
 
 namespace jws::detail {
 namespace {
@@ -74,6 +78,55 @@ class RingFinder {
     std::vector<int> found_;
 };
 
+enum class Place { Outside, On, Inside };
+
+/// Where points lie in each of some rings.
+class RingPlaces {
+  public:
+    explicit RingPlaces(const std::vector<JWRing>& rings) : rings_(rings), asked_(rings.size()) {}
+
+    Place of(const JWRawPoint& p, int index) {
+        const JWRing& ring = rings_[index];
+        const JWRawPoint* points = ring.getPointsPtr();
+        const int edges = ring.getPointCount() - 1;
+        if (edges < 3) return Place::Outside;
+        ExactCrossings crossings(p);
+        const auto meets = [&](int i) { return crossings.meetsEdge(points[i], points[i + 1]); };
+        Asked& asked = asked_[index];
+        if (edges >= kIndexed && !asked.tree && ++asked.times > kWalks) {
+            asked.tree = std::make_unique<EdgeTree>(points, edges);
+        }
+        bool isOn = false;
+        if (asked.tree) {
+            isOn = asked.tree->visitRow(p.y, meets);
+        } else {
+            for (int i = 0; i < edges && !isOn; ++i) isOn = meets(i);
+        }
+        return isOn ? Place::On : crossings.odd() ? Place::Inside : Place::Outside;
+    }
+
+    /// Whether a ring that crosses ring `index` nowhere lies within it: its first vertex beside the
+    /// other's boundary tells.
+    bool holds(const JWRing& inner, int index) {
+        for (int i = 0; i + 1 < inner.getPointCount(); ++i) {
+            const Place place = of(inner[i], index);
+            if (place != Place::On) return place == Place::Inside;
+        }
+        return inner.getPointCount() > 3;
+    }
+
+  private:
+    static constexpr int kIndexed = 64;
+    static constexpr int kWalks = 2;
+    struct Asked {
+        int times = 0;
+        std::unique_ptr<EdgeTree> tree;
+    };
+
+    const std::vector<JWRing>& rings_;
+    std::vector<Asked> asked_;
+};
+
 }  // namespace
 
 JWMultiPolygon groupByContainment(std::vector<JWRing>&& rings, const std::vector<int>& flags,
@@ -81,11 +134,11 @@ JWMultiPolygon groupByContainment(std::vector<JWRing>&& rings, const std::vector
     const int count = static_cast<int>(rings.size());
     std::vector<std::vector<int>> children(rings.size());
     RingFinder finder(rings);
+    RingPlaces places(rings);
     for (int i = 0; i < count; ++i) {
         if (flags[i] == 0) continue;
-        int parent = finder.first(rings[i].getEnvelop().bottom_left(), [&](int j) {
-            return j != i && JWSRGeometryBasic::isRingWithinRing(&rings[i], &rings[j]) == 1;
-        });
+        int parent = finder.first(rings[i].getEnvelop().bottom_left(),
+                                  [&](int j) { return j != i && places.holds(rings[i], j); });
         if (parent < 0 && orphans == Orphans::JoinFirstRing) parent = 0;
         if (parent >= 0) children[parent].push_back(i);
     }
@@ -105,15 +158,15 @@ JWMultiPolygon groupFirstFit(std::vector<JWRing>& outers, std::vector<JWRing>& h
                              HoleCorners corners) {
     std::vector<std::vector<int>> children(outers.size());
     RingFinder finder(outers);
+    RingPlaces places(outers);
     for (std::size_t h = 0; !holes.empty() && h < holes.size(); ++h) {
         const JWRing& hole = holes[h];
         int parent = -1;
         const int middle = corners == HoleCorners::First ? 0 : (hole.getPointCount() + 1) / 2;
         for (const int corner : {0, middle}) {
             const JWRawPoint p = hole[corner];
-            const int found = finder.first(p, [&](int i) {
-                return JWCPGeometryBasic::isPointWithinRingCN(&p, &outers[i]) == 1;
-            });
+            const int found =
+                finder.first(p, [&](int i) { return places.of(p, i) == Place::Inside; });
             if (found >= 0 && (parent < 0 || found < parent)) parent = found;
         }
         if (parent >= 0) children[parent].push_back(static_cast<int>(h));

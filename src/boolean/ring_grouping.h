@@ -12,9 +12,9 @@ namespace jws::detail {
 enum class Orphans { Drop, JoinFirstRing };
 
 /// Builds one polygon of each outer ring (flag 0) and the holes whose parent it is, both in ring
-/// order. A hole's parent is the first other ring, hole or not, that it lies within
-/// (`JWSRGeometryBasic::isRingWithinRing`); a hole in a hole is lost. Envelopes of the rings must
-/// be up to date; those of the result are.
+/// order. A hole's parent is the first other ring, hole or not, that it lies within, decided
+/// without rounding; a hole in a hole is lost. The rings do not cross. Their envelopes must be up
+/// to date; those of the result are.
 JWMultiPolygon groupByContainment(std::vector<JWRing>&& rings, const std::vector<int>& flags,
                                   Orphans orphans);
 
@@ -23,9 +23,8 @@ JWMultiPolygon groupByContainment(std::vector<JWRing>&& rings, const std::vector
 enum class HoleCorners { First, FirstAndMiddle };
 
 /// Builds one polygon of each outer ring, in order, and the holes that lie in it. A hole goes to
-/// the first outer ring that one of the corners looked at lies strictly inside
-/// (`JWCPGeometryBasic::isPointWithinRingCN`); a hole that fits nowhere is dropped. Takes the rings
-/// over and leaves both lists empty.
+/// the first outer ring that one of the corners looked at lies strictly inside, decided without
+/// rounding; a hole that fits nowhere is dropped. Takes the rings over and leaves both lists empty.
 JWMultiPolygon groupFirstFit(std::vector<JWRing>& outers, std::vector<JWRing>& holes,
                              HoleCorners corners = HoleCorners::FirstAndMiddle);
 
