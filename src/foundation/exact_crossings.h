@@ -5,9 +5,9 @@
 #define JW_FOUNDATION_EXACT_CROSSINGS_H
 
 #include <algorithm>
+#include <cmath>
 
 #include "foundation/orientation.h"
-#include "foundation/ring_math.h"
 
 namespace jws::detail {
 
@@ -21,7 +21,10 @@ class ExactCrossings {
     /// Takes an edge into account; true when the point is on it, which settles the answer.
     bool meetsEdge(const JWRawPoint& a, const JWRawPoint& b) {
         if (std::max(a.x, b.x) < m_p.x) return false;
-        if ((a.y <= m_p.y) == (b.y <= m_p.y)) return pointOnSegmentExact(m_p, a, b);
+        if ((a.y <= m_p.y) == (b.y <= m_p.y)) {
+            return a == m_p || b == m_p ||
+                   (a.y == m_p.y && b.y == m_p.y && std::min(a.x, b.x) <= m_p.x);
+        }
         const int side = a.y < b.y ? sideOf(a, b) : sideOf(b, a);
         m_odd = m_odd != (side > 0);
         return side == 0;
@@ -30,14 +33,18 @@ class ExactCrossings {
     bool odd() const { return m_odd; }
 
   private:
-    /// Brought near one where products overflow.
+    /// Where products would over- or underflow the points are brought near one.
     int sideOf(const JWRawPoint& a, const JWRawPoint& b) const {
-        const int side = orientationSign(a, b, m_p);
-        if (side != 2) return side;
-        const auto small = [](const JWRawPoint& p) {
-            return JWRawPoint{p.x * 0x1p-600, p.y * 0x1p-600};
+        double reach = 0;
+        for (const double v : {a.x, a.y, b.x, b.y, m_p.x, m_p.y}) {
+            reach = std::max(reach, std::fabs(v));
+        }
+        if (reach >= 0x1p-300 && reach <= 0x1p500) return orientationSign(a, b, m_p);
+        const double scale = reach > 1 ? 0x1p-600 : 0x1p600;
+        const auto near = [scale](const JWRawPoint& p) {
+            return JWRawPoint(p.x * scale, p.y * scale);
         };
-        return orientationSign(small(a), small(b), small(m_p));
+        return orientationSign(near(a), near(b), near(m_p));
     }
 
     JWRawPoint m_p;
