@@ -6,7 +6,8 @@
 // Each contender first clips in a process of its own with a time limit, which gives its area and
 // tells whether it ends; who passes the limit is not asked again for more vertices. Areas are
 // compared before anything is timed, and who differs is named instead of timed. The others run in
-// turn in one process; a ratio is the median over the rounds of a rival's time by ours.
+// turn in one process; a ratio is the median over the rounds of a rival's time by ours. The floor
+// (grid_floor.cpp) stands beside them without an area.
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
@@ -24,7 +25,7 @@
 namespace bench {
 namespace {
 
-constexpr std::size_t kContenders = 4;
+constexpr std::size_t kContenders = 5;
 constexpr const char* kOpNames[] = {"intersection", "union", "difference", "xor"};
 constexpr double kOursTolerance = 1e-9;   // of |A| + |B|, against GEOS
 constexpr double kRivalTolerance = 1e-6;  // the others round more
@@ -37,7 +38,8 @@ struct Entry {
 constexpr Entry kAll[kContenders] = {{"ours", makeOursClip, kOursTolerance},
                                      {"geos", makeGeosClip, kOursTolerance},
                                      {"clipper", makeClipperClip, kRivalTolerance},
-                                     {"boost", makeBoostClip, kRivalTolerance}};
+                                     {"boost", makeBoostClip, kRivalTolerance},
+                                     {"floor", makeGridFloor, HUGE_VAL}};
 
 struct Settings {
     std::vector<std::string> families;
@@ -72,8 +74,9 @@ class ClipBench {
 
     bool run() {
         std::printf("times in microseconds a call; rivals as multiples of ours\n");
-        std::printf("%-10s %8s %-13s %12s %10s %10s %10s\n", "family", "n", "operation", "ours",
-                    "geos", "clipper", "boost");
+        std::printf("%-10s %8s %-13s %12s", "family", "n", "operation", "ours");
+        for (std::size_t i = 1; i < kContenders; ++i) std::printf(" %10s", kAll[i].name);
+        std::printf("\n");
         for (const std::string& family : settings_.families) {
             for (const int n : settings_.sizes) {
                 if (family == "squares" && n != settings_.sizes.front()) continue;
@@ -213,7 +216,7 @@ class ClipBench {
         for (const auto& [name, times] : ours_) {
             if (times.back().first < 100000) continue;
             for (const auto& [n, time] : times) {
-                if (n < 10000) continue;
+                if (n < 10000 || n == times.back().first) continue;
                 std::printf("%-24s grows as n^%.2f from %d to %d\n", name.c_str(),
                             std::log(times.back().second / time) /
                                 std::log(static_cast<double>(times.back().first) / n),
@@ -245,7 +248,7 @@ int run(int argc, char** argv) {
     app.add_option("--op", settings.ops, "operations; default: all")
         ->check(CLI::IsMember({"intersection", "union", "difference", "xor"}));
     app.add_option("--skip", settings.skip, "rivals to leave out")
-        ->check(CLI::IsMember({"geos", "clipper", "boost"}));
+        ->check(CLI::IsMember({"geos", "clipper", "boost", "floor"}));
     app.add_option("--limit", settings.limit, "seconds that one contender's first answer may take")
         ->capture_default_str();
     app.add_option("--budget", settings.budget, "milliseconds of timing per row, at least 3 rounds")

@@ -32,6 +32,8 @@ std::unique_ptr<ClipRival> makeGeosClip();
 std::unique_ptr<ClipRival> makeClipperClip();
 /// Boost.Geometry on multipolygons of doubles.
 std::unique_ptr<ClipRival> makeBoostClip();
+/// Not a rival but a floor: merely finds the crossings of A's edges with B's.
+std::unique_ptr<ClipRival> makeGridFloor();
 
 }  // namespace bench
 
