@@ -63,8 +63,8 @@ struct Case {
 const Case kCases[] = {
     {"segments1e5", false, 100000, 2, 20, false}, {"segments1e4-star", true, 10000, 2, 20, false},
     {"long2e3", false, 2000, 2, 1000, false},     {"tracks1e5", false, 100, 1000, 5, false},
-    {"oneline1e5", false, 1, 100000, 50, false},
-    {"cut20", false, 20, 50, 400, true},          {"cut200", false, 200, 10, 400, true},
+    {"oneline1e5", false, 1, 100000, 50, false},  {"cut20", false, 20, 50, 400, true},
+    {"cut200", false, 200, 10, 400, true},
 };
 
 /// Returns false when the answers differ.

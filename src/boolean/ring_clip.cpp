@@ -4,15 +4,9 @@
 //
 // Operands are handed to the engine without copying: a contour record points at the ring's own
 // points, and the records lie in memory that each thread keeps. Before that, what cannot reach the
-// answer is left out. An intersection lies in the rectangle common to both operands, a difference
-// in the first operand's rectangle; for points of that rectangle
-//
-//   - a ring whose own rectangle misses it does not change the even-odd parity;
-//   - neither does a stretch of boundary that stays strictly beyond one of its sides, if the
-//     stretch is replaced by its chord: the two together bound something beyond that side.
-//
-// So far rings are dropped and such stretches shortened to their ends. No new coordinate arises,
-// the answer is the same region, and a large polygon costs a small partner one scan.
+// answer is left out: an intersection lies in the rectangle common to both operands, a difference
+// in the first operand's rectangle (ring_window.h). So a large polygon costs a small partner one
+// scan.
 #include "boolean/ring_clip.h"
 
 #include <cerrno>
@@ -20,6 +14,7 @@
 #include <cstddef>
 #include <new>
 
+#include "boolean/ring_window.h"
 #include "foundation/pulse.h"
 #include "jw_report.h"
 
@@ -63,27 +58,6 @@ bool measure(const RingViews& rings, Operand& operand) {
     return sum == 0;
 }
 
-/// The sides of `box` that `p` lies strictly beyond, one bit each.
-unsigned sidesBeyond(const JWRawPoint& p, const JWEnvelop& box) {
-    return (p.x < box.minX ? 1u : 0u) | (p.x > box.maxX ? 2u : 0u) | (p.y < box.minY ? 4u : 0u) |
-           (p.y > box.maxY ? 8u : 0u);
-}
-
-void addShortened(const RingView& ring, const JWEnvelop& box, RingSet& out) {
-    unsigned common = 0;  // sides that the whole stretch since the last point kept lies beyond
-    for (int i = 0; i < ring.count; ++i) {
-        const unsigned sides = sidesBeyond(ring.points[i], box);
-        if (i > 0 && (common & sides) == 0) {
-            out.addPoint(ring.points[i - 1]);
-            common = sidesBeyond(ring.points[i - 1], box) & sides;
-        } else {
-            common = i == 0 ? 0 : common & sides;
-        }
-    }
-    if (ring.count > 0) out.addPoint(ring.points[ring.count - 1]);
-    out.endRing(ring.hole);
-}
-
 void keepAll(const RingViews& rings, Operand& operand) {
     emptyKept(operand.kept);
     operand.kept.insert(operand.kept.end(), rings.begin(), rings.end());
@@ -97,7 +71,9 @@ void keepWithin(const RingViews& rings, const JWEnvelop& box, Operand& operand) 
         if (box.isContain(operand.envelops[i])) {
             operand.kept.push_back(rings[i]);
         } else {
-            addShortened(rings[i], box, operand.shortened);
+            Shortener shortener(box, operand.shortened);
+            shortener.takeAll(rings[i]);
+            shortener.end(rings[i].hole);
         }
     }
     for (int i = 0; i < operand.shortened.count(); ++i) {

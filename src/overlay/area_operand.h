@@ -9,39 +9,10 @@
 #include <vector>
 
 #include "boolean/ring_set.h"
+#include "boolean/ring_window.h"
 #include "jw_geometry.h"
 
 namespace jws::detail {
-
-class Shortener;
-
-/// Boxes over runs of eight points of each ring, boxes over eight of these, and so on.
-class ChainBoxes {
-  public:
-    explicit ChainBoxes(const RingViews& rings);
-    /// Appends what decides about the inside of `box`: rings within it as they are, others
-    /// shortened into `storage`, whose views follow behind. Rings that miss it are left out.
-    void appendWithin(const RingViews& rings, const JWEnvelop& box, RingSet& storage,
-                      RingViews& views) const;
-    std::size_t memorySize() const { return m_boxes.size() * sizeof(JWEnvelop); }
-
-  private:
-    struct Level {
-        std::size_t first;  ///< of its boxes in `m_boxes`
-        int count;
-    };
-    struct Chains {
-        std::size_t firstLevel;
-        std::size_t levelCount;
-    };
-    void addRing(const RingView& ring);
-    void walk(const Chains& chains, std::size_t level, int group, const RingView& ring,
-              const JWEnvelop& window, Shortener& shortener) const;
-
-    std::vector<JWEnvelop> m_boxes;
-    std::vector<Level> m_levels;
-    std::vector<Chains> m_rings;
-};
 
 /// The rings of a polygon or multipolygon, read by the even-odd rule. Cheap to copy; the points are
 /// borrowed from `owner`, which it keeps alive, or from whoever made it.
