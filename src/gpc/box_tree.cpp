@@ -39,6 +39,17 @@ std::uint32_t cellOf(double v, double low, double scale) {
     return c <= 0 ? 0 : c >= 65535 ? 65535 : static_cast<std::uint32_t>(c);
 }
 
+/// The directions that an edge takes, as in `BoxTree::Node`.
+inline int senseOf(const Point& p, const Point& q) {
+#ifdef __SSE2__
+    const __m128d from = _mm_loadu_pd(&p.x);
+    const __m128d to = _mm_loadu_pd(&q.x);
+    return _mm_movemask_pd(_mm_cmpgt_pd(to, from)) | _mm_movemask_pd(_mm_cmplt_pd(to, from)) << 2;
+#else
+    return (q.x > p.x) | (q.y > p.y) << 1 | (q.x < p.x) << 2 | (q.y < p.y) << 3;
+#endif
+}
+
 }  // namespace
 
 void BoxTree::build(ContourSet& set, double margin) {
@@ -90,12 +101,10 @@ std::uint32_t BoxTree::buildContour(const ContourSet& set, std::uint32_t c) {
         int sense = 0;
         box.include(set.points[e]);
         for (std::uint32_t i = e; i < end; ++i) {
-            const Point& p = set.points[i];
-            const Point& q = set.points[i + 1];
-            box.include(q);
+            box.include(set.points[i + 1]);
             flags |= set.flags[i];
             common &= set.flags[i];
-            sense |= (q.x > p.x) | (q.x < p.x) << 1 | (q.y > p.y) << 2 | (q.y < p.y) << 3;
+            sense |= senseOf(set.points[i], set.points[i + 1]);
         }
         box.grow(margin_);
         nodes_.push({box, e, end, e, end, c, kLeaf, static_cast<std::uint8_t>(sense),

@@ -22,7 +22,7 @@ class BoxTree {
         std::uint32_t lastEdge;
         std::uint32_t contour;
         Kind kind;
-        std::uint8_t sense;  ///< directions that its edges take: bits right, left, up, down
+        std::uint8_t sense;  ///< directions that its edges take: bits right, up, left, down
         bool unchecked;      ///< holds an edge that is not yet compared
         bool active;         ///< holds an edge that is to be compared at all
     };
@@ -63,7 +63,7 @@ class BoxTree {
 
   private:
     /// Edges that go, say, right or up but never left or down meet at their common ends only.
-    static bool isMonotone(int sense) { return (sense & 3) != 3 && (sense & 12) != 12; }
+    static bool isMonotone(int sense) { return (sense & 5) != 5 && (sense & 10) != 10; }
 
     /// Tells by the flags of two edges whether they are to be compared.
     static bool isDue(int flags) { return (flags & (kUnchecked | kDouble)) == kUnchecked; }

@@ -24,10 +24,16 @@ struct Box {
     double maxY = -1e308 * 10;
 
     void include(const Point& p) {
+#ifdef __SSE2__
+        const __m128d at = _mm_loadu_pd(&p.x);
+        _mm_storeu_pd(&minX, _mm_min_pd(at, _mm_loadu_pd(&minX)));
+        _mm_storeu_pd(&maxX, _mm_max_pd(at, _mm_loadu_pd(&maxX)));
+#else
         minX = p.x < minX ? p.x : minX;
         minY = p.y < minY ? p.y : minY;
         maxX = p.x > maxX ? p.x : maxX;
         maxY = p.y > maxY ? p.y : maxY;
+#endif
     }
     void include(const Box& b) {
         minX = b.minX < minX ? b.minX : minX;
@@ -60,7 +66,7 @@ struct Box {
 struct Scale {
     double x[2] = {1, 1};
     double y[2] = {1, 1};
-    double least = 0;  ///< what is smaller becomes 0
+    double least = 0;  ///< what is smaller becomes 0, of its sign
 
     Point operator()(double px, double py) const {
         return {kept(px * x[0] * x[1]), kept(py * y[0] * y[1])};
@@ -73,7 +79,7 @@ struct Scale {
     }
 
   private:
-    double kept(double v) const { return std::fabs(v) < least ? 0 : v; }
+    double kept(double v) const { return std::fabs(v) < least ? std::copysign(0.0, v) : v; }
 };
 
 /// What is known of a point, and of the edge that leaves it.

@@ -141,11 +141,12 @@ void SnapRounder::stopEdges(const ContourSet& from, const BoxTree& tree) {
     stops_.clear();
     firstStop_.fill(from.points.size(), 0);
     detail::StepCounter pace;
-    for (const Point& h : hot_) {
+    for (std::uint32_t k = 0; k < hot_.size(); ++k) {
+        const Point h = hot_[k];
         pace.step();
         tree.query(from, edgeBox(h, h, grid_.step), [&](std::uint32_t edge) {
             if (!entersPixel(from.points[edge], from.points[edge + 1], h, grid_.step)) return;
-            stops_.push({h, firstStop_[edge]});
+            stops_.push({k, firstStop_[edge]});
             firstStop_[edge] = static_cast<std::uint32_t>(stops_.size());
         });
     }
@@ -155,7 +156,8 @@ void SnapRounder::stopEdges(const ContourSet& from, const BoxTree& tree) {
 // lies wholly before the other in x or in y, where their middles are further apart.
 void SnapRounder::sortStops(const Point& a, const Point& b, std::uint32_t first) {
     way_.clear();
-    for (std::uint32_t s = first; s != 0; s = stops_[s - 1].next) way_.push(stops_[s - 1].p);
+    for (std::uint32_t s = first; s != 0; s = stops_[s - 1].next)
+        way_.push(hot_[stops_[s - 1].hot]);
     const bool right = a.x < b.x;
     const bool up = a.y < b.y;
     std::sort(way_.begin(), way_.end(), [=](const Point& u, const Point& v) {

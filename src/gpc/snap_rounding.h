@@ -29,7 +29,7 @@ class SnapRounder {
     };
     /// A hot point on the way of an edge.
     struct Stop {
-        Point p;
+        std::uint32_t hot;  ///< its place in `hot_`
         std::uint32_t next;
     };
 
