@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+//
+// A dissolve while it runs: the schema, then three steps. `read` decodes all features and finds out
+// which take part, with what values; `group` makes clusters of them, and groups of equal values in
+// each; `write` unites the groups, some thousand features at a time, and writes them in order.
+#ifndef JW_OVERLAY_DISSOLVE_RUN_H
+#define JW_OVERLAY_DISSOLVE_RUN_H
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "boolean/envelope_clusters.h"
+#include "foundation/parallel.h"
+#include "layers/ordered_walk.h"
+#include "overlay/dissolve_driver.h"
+#include "overlay/group_union.h"
+
+namespace jws::detail {
+
+/// Whether a feature takes part; what it is rejected for is in `reason`.
+struct Examination {
+    bool empty = false;
+    const char* reason = nullptr;
+};
+
+/// A group's results, made by one worker and written by one.
+struct GroupResult {
+    struct Piece {
+        std::unique_ptr<JWFeature> feature;
+        double area;
+        std::shared_ptr<JWFeatureRecord> record;
+    };
+    std::vector<Piece> pieces;
+    double areaBefore = 0;
+    double overlap = 0;
+    double dropped = 0;
+    std::int64_t firstFid = -1;
+    std::vector<std::pair<std::int64_t, std::string>> failures;  ///< feature and reason
+};
+
+class DissolveRun {
+  public:
+    DissolveRun(FeatureInput& input, FeatureOutput& output, DissolveKind kind,
+                const std::vector<int>& fields, const JWDissolveOptions& options,
+                JWLayerReport& report)
+        : m_input(input),
+          m_output(output),
+          m_kind(kind),
+          m_fields(fields),
+          m_options(options),
+          m_report(report),
+          m_team(options.threads),
+          m_total(input.count()),
+          m_unions(m_items, options.tolerance) {}
+
+    void createSchema();
+    void read();
+    void group();
+    void write();
+    bool isStopped() const { return m_stopped; }
+
+  private:
+    struct NoSlot {};
+    using Chunk = FeatureChunk<NoSlot>;
+
+    void examine(std::size_t position);
+    Examination examineGeometry(DissolveItem& item);
+    void keepAccount();
+    PositionLists clusters() const;
+    bool uniteWindow(std::size_t first, std::size_t end, std::vector<GroupResult>& results);
+    GroupResult makeResult(std::size_t group, std::size_t inWindow);
+    std::vector<std::unique_ptr<JWGeometry>> geometriesOf(std::size_t group, std::size_t inWindow,
+                                                          GroupResult& result);
+    void makeFeatures(std::size_t group, std::vector<std::unique_ptr<JWGeometry>> geometries,
+                      GroupResult& result);
+    void writeResult(GroupResult& result);
+    void reject(std::int64_t fid, const std::string& reason) {
+        m_report.rejected.push_back({m_input.source(), m_input.name(), fid, reason});
+    }
+    /// False when the progress callback asked to stop.
+    bool keepOn() { return JWReport::progress(m_done, 2 * m_total); }
+    /// Ends the run because of that.
+    [[noreturn]] void stop();
+    [[noreturn]] static void fail(enumJWErrorKind kind, const std::string& text);
+    /// Asks in the midst of a long computation.
+    void beat() {
+        if (m_stopped || !keepOn()) stop();
+    }
+
+    FeatureInput& m_input;
+    FeatureOutput& m_output;
+    DissolveKind m_kind;
+    const std::vector<int>& m_fields;
+    const JWDissolveOptions& m_options;
+    JWLayerReport& m_report;
+    Team m_team;
+    std::int64_t m_total;
+    std::atomic<std::int64_t> m_done{0};  ///< features read, and written on top of that
+    std::atomic<bool> m_stopped{false};
+
+    JWFields* m_schema = nullptr;
+    std::vector<std::string> m_names;  ///< of the result fields, as asked for
+    std::vector<DissolveItem> m_items;
+    std::vector<Examination> m_examined;
+    std::vector<std::string> m_keys;
+    PositionLists m_groups;
+    GroupUnions m_unions;
+};
+
+}  // namespace jws::detail
+
+#endif  // JW_OVERLAY_DISSOLVE_RUN_H
