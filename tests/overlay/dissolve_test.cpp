@@ -339,7 +339,8 @@ TEST_F(Dissolve, AnyTeamAndAnyBlockGiveTheSame) {
     JWLayerReport expected;
     JWGeometryDissolve::dissolvePolygonLayer(input.get(), first.get(), {}, options, &expected);
     ASSERT_GT(expected.written, 0);
-    for (const auto& [threads, blockSize] : {std::pair(1, 7), std::pair(2, 1), std::pair(8, 500)}) {
+    for (const auto& [threads, blockSize] :
+         {std::pair(1, 7), std::pair(2, 1), std::pair(8, 1000)}) {
         options.threads = threads;
         options.blockSize = blockSize;
         LayerPtr output = emptyLayer("out");

@@ -638,13 +638,20 @@ TEST_F(LayerOperations, EveryThreadCountAndBlockSizeGivesTheSameFeatures) {
         const auto expected = run(name, *a, *b, options);
         const JWLayerReport first = report;
         ASSERT_GT(expected.size(), name.find("grow") == 0 ? 3u : 10u) << name;
-        for (const auto& [threads, blockSize] :
-             {std::pair(1, 1), std::pair(1, 7), std::pair(2, 1), std::pair(2, 1000),
-              std::pair(8, 7), std::pair(8, 1000)}) {
+        const struct {
+            int threads, blockSize;
+            std::size_t cache;  // bytes, of the operands
+        } rows[] = {{1, 1, 1 << 20}, {1, 7, 0},       {1, 1000, 5000},
+                    {2, 1, 5000},    {2, 7, 1 << 20}, {2, 1000, 0},
+                    {8, 1, 1 << 20}, {8, 7, 0},       {8, 1000, 5000}};
+        for (const auto& [threads, blockSize, cache] : rows) {
             options.threads = threads;
             options.blockSize = blockSize;
+            a->setCacheLimit(cache);
+            b->setCacheLimit(cache);
             EXPECT_TRUE(run(name, *a, *b, options) == expected)
-                << name << ", " << threads << " threads, blocks of " << blockSize;
+                << name << ", " << threads << " threads, blocks of " << blockSize << ", cache of "
+                << cache;
             EXPECT_EQ(report.area, first.area) << name;
             EXPECT_EQ(report.residual, first.residual) << name;
         }

@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+//
+// The walk under all layer operations, over a made-up operand that knows what is done to it.
+#include "layers/ordered_walk.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <numeric>
+#include <string>
+#include <thread>
+
+#include "foundation/feature_layer_impl.h"
+
+using namespace jws;
+using namespace jws::detail;
+
+namespace {
+
+/// Features numbered from 0, every third of which comes undecoded. It may have more or fewer than
+/// it states, and break off.
+class Numbers : public FeatureInput {
+  public:
+    std::int64_t stated = 0;
+    std::int64_t actual = 0;
+    std::int64_t breaksAt = -1;
+    mutable std::atomic<std::int64_t> decoded{0};
+    std::atomic<int> readers{0};
+
+    const char* name() const override { return "numbers"; }
+    const char* source() const override { return ""; }
+    std::int64_t count() override { return stated; }
+    enumJWWKBGeometryType geometryType() const override { return JWWKBPoint; }
+    const JWFields* fields() const override { return nullptr; }
+    bool identifiersFitInt() override { return true; }
+    void read(std::int64_t first, std::int64_t count, bool decode,
+              std::vector<JWReadFeature>& features) override {
+        EXPECT_EQ(0, readers++) << "one thread reads at a time";
+        EXPECT_EQ(m_next, first) << "in one go";
+        for (; m_next < std::min(first + count, actual); ++m_next) {
+            if (m_next == breaksAt) throw std::runtime_error("cannot be read");
+            JWReadFeature read{numbered(m_next), nullptr};
+            if (m_next % 3 == 0 && !decode) read.record = std::make_shared<JWSourceRecord>();
+            features.push_back(std::move(read));
+        }
+        --readers;
+    }
+    void readAt(std::int64_t position, JWReadFeature& feature) override {
+        feature.feature = numbered(position);
+    }
+    void decode(std::int64_t position, JWReadFeature& feature) const override {
+        EXPECT_EQ(position, feature.feature->getFID64());
+        feature.record.reset();
+        ++decoded;
+    }
+    bool keep(std::int64_t, const std::shared_ptr<const JWFeature>&) override { return true; }
+    void rewindTo(std::int64_t position) { m_next = position; }
+
+  private:
+    static std::shared_ptr<const JWFeature> numbered(std::int64_t number) {
+        auto feature = std::make_shared<JWFeature>(nullptr);
+        feature->setFID64(number);
+        return feature;
+    }
+    std::int64_t m_next = 0;
+};
+
+struct Course {
+    std::int64_t worked = 0;
+    std::int64_t result = 0;  ///< what `work` made
+};
+
+class OrderedWalkThreads : public testing::Test {
+  protected:
+    using Walk = OrderedWalk<Course>;
+
+    Walk::Actions actions() {
+        Walk::Actions made;
+        made.work = [this](Walk::Chunk& chunk) {
+            for (std::size_t i = 0; i < chunk.size(); ++i) {
+                if (chunk.position(i) % 50 == 0) {  // some take longer, so that others overtake
+                    std::this_thread::sleep_for(std::chrono::microseconds(300));
+                }
+                EXPECT_FALSE(chunk.read[i].record);
+                ++chunk.slots[i].worked;
+                chunk.slots[i].result = chunk.feature(i)->getFID64() * 2;
+                if (chunk.position(i) == failsAt) throw std::logic_error("work");
+            }
+        };
+        made.prepare = [this](Walk::Chunk& chunk, std::size_t i) {
+            EXPECT_EQ(1, chunk.slots[i].worked);
+            ++prepared;
+            return std::size_t{1};
+        };
+        made.finish = [this](Walk::Chunk& chunk, std::size_t i) {
+            EXPECT_EQ(chunk.position(i) * 2, chunk.slots[i].result);
+            finished.push_back(chunk.position(i));
+            if (chunk.position(i) == finishFailsAt) throw std::logic_error("finish");
+        };
+        made.keepOn = [this] { return static_cast<std::int64_t>(finished.size()) < stopsAfter; };
+        return made;
+    }
+
+    Numbers input;
+    std::vector<std::int64_t> finished;
+    std::atomic<std::int64_t> prepared{0};
+    std::int64_t failsAt = -1;
+    std::int64_t finishFailsAt = -1;
+    std::int64_t stopsAfter = INT64_MAX;
+};
+
+TEST_F(OrderedWalkThreads, EveryFeatureOnceInOrderWhateverTheTeamAndTheSourceStates) {
+    const struct {
+        std::int64_t stated, actual, first, count;
+    } rows[] = {{1000, 1000, 0, INT64_MAX / 2},
+                {1000, 1000, 0, 1000},
+                {1000, 1000, 993, 7},
+                {1000, 1000, 300, 77},
+                {1000, 1000, 995, 77},
+                {1000, 1000, 1000, 5},
+                {0, 0, 0, 10},
+                {1, 1, 0, 10},
+                {500, 1000, 0, INT64_MAX / 2},
+                {0, 300, 0, INT64_MAX / 2},
+                {1000, 400, 0, 1000},
+                {1000, 0, 0, 1000}};
+    for (const auto& row : rows) {
+        for (const int threads : {1, 2, 8}) {
+            for (const std::int64_t chunkSize : {1, 7, 256}) {
+                SCOPED_TRACE(std::to_string(row.stated) + " " + std::to_string(row.actual) + " " +
+                             std::to_string(row.first) + " " + std::to_string(threads));
+                input.stated = row.stated;
+                input.actual = row.actual;
+                input.rewindTo(row.first);
+                input.decoded = prepared = 0;
+                finished.clear();
+                const Team team(threads);
+                Walk::Actions what = actions();
+                what.chunkSize = chunkSize;
+                Walk walk(team, input, what);
+                EXPECT_TRUE(walk.run(row.first, row.count));
+                const std::int64_t end =
+                    std::max(row.first, std::min(row.first + row.count, row.actual));
+                std::vector<std::int64_t> expected(static_cast<std::size_t>(end - row.first));
+                std::iota(expected.begin(), expected.end(), row.first);
+                EXPECT_EQ(expected, finished);
+                EXPECT_EQ(end, walk.position());
+                const auto thirds = std::count_if(expected.begin(), expected.end(),
+                                                  [](std::int64_t i) { return i % 3 == 0; });
+                EXPECT_EQ(threads == 1 ? 0 : thirds, input.decoded);
+                EXPECT_EQ(threads == 1 ? 0 : static_cast<std::int64_t>(expected.size()), prepared);
+            }
+        }
+    }
+}
+
+TEST_F(OrderedWalkThreads, AStopOrAFailureEndsTheWalkInOrder) {
+    const struct {
+        std::int64_t breaksAt, failsAt, finishFailsAt, stopsAfter;
+        const char* thrown;  // null for a stop
+    } rows[] = {{600, -1, -1, INT64_MAX, "cannot be read"},
+                {-1, 600, -1, INT64_MAX, "work"},
+                {-1, -1, 600, INT64_MAX, "finish"},
+                {-1, -1, -1, 600, nullptr}};
+    for (const auto& row : rows) {
+        for (const int threads : {1, 2, 8}) {
+            input.stated = input.actual = 100000;
+            input.rewindTo(0);
+            input.readers = 0;
+            finished.clear();
+            input.breaksAt = row.breaksAt;
+            failsAt = row.failsAt;
+            finishFailsAt = row.finishFailsAt;
+            stopsAfter = row.stopsAfter;
+            const Team team(threads);
+            Walk walk(team, input, actions());
+            std::string thrown;
+            try {
+                EXPECT_FALSE(walk.run(0, INT64_MAX / 2));
+            } catch (const std::exception& failure) {
+                thrown = failure.what();
+            }
+            EXPECT_EQ(row.thrown != nullptr ? row.thrown : "", thrown);
+            // What was finished is a beginning of it all, and not much more than asked for.
+            for (std::size_t i = 0; i < finished.size(); ++i) {
+                ASSERT_EQ(static_cast<std::int64_t>(i), finished[i]);
+            }
+            EXPECT_GE(700u, finished.size());
+            if (row.finishFailsAt >= 0) {
+                EXPECT_EQ(601u, finished.size());
+            }
+        }
+    }
+}
+
+}  // namespace
