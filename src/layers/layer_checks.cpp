@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "layers/layer_checks.h"
 
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -72,8 +73,13 @@ void reportRejected(const std::vector<JWRejectedFeature>& rejected) {
 
 void judge(JWLayerReport& report) {
     constexpr double most = 1e-9;
-    report.checked = true;
     const double input = report.areaA + report.areaB;
+    if (!std::isfinite(input) || !std::isfinite(report.residual)) {
+        report.residual = 0;
+        report.warning = "the areas are beyond all numbers and were not checked";
+        return;
+    }
+    report.checked = true;
     if (report.residual <= most * input) return;
     char text[160];
     std::snprintf(text, sizeof text,

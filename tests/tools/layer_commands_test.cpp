@@ -86,6 +86,30 @@ TEST_F(LayerCommands, EachGivesItsResultAndAccount) {
     EXPECT_NE(std::string::npos, unchecked.out.find("; not checked"));
 }
 
+TEST_F(LayerCommands, AreasBeyondAllNumbersAreSaidNotToBeChecked) {
+    write("huge.geojson", geoJson({{0, 0, 1e200, 1e200, "x"}, {1e199, 0, 2e200, 1e200, "y"}}));
+    for (const Arguments& command :
+         {Arguments{"erase", "huge.geojson", "b.geojson"}, Arguments{"self-union", "huge.geojson"},
+          Arguments{"dissolve", "huge.geojson"}}) {
+        SCOPED_TRACE(command[0]);
+        Arguments all = command;
+        all.insert(all.end(), {"out.gpkg", "--overwrite"});
+        const Outcome text = run(all);
+        EXPECT_EQ(0, text.status);
+        EXPECT_EQ("jwcg: warning: the areas are beyond all numbers and were not checked\n",
+                  text.err);
+        EXPECT_NE(std::string::npos,
+                  text.out.find("account  areas beyond all numbers; not checked\n"));
+        EXPECT_EQ(std::string::npos, text.out.find("inf"));
+        EXPECT_EQ(std::string::npos, text.out.find("nan"));
+        all.push_back("--json");
+        const json account = parse(run(all))["account"];
+        EXPECT_FALSE(account["checked"]);
+        EXPECT_TRUE(account["input_area"].is_null());
+        EXPECT_TRUE(account["residual"].is_null());
+    }
+}
+
 TEST_F(LayerCommands, DissolveKeepsApartWhatLiesApart) {
     write("far.geojson", geoJson({{0, 0, 1, 1, "x"}, {5, 5, 6, 6, "x"}, {1, 0, 2, 1, "x"}}));
     const struct {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "run_summary.h"
 
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -49,6 +50,9 @@ std::string accountText(const RunSummary& summary) {
     }
     if (summary.account == AccountOfNothing) return {};
     if (report.areaA == 0 && report.areaB == 0) return {};
+    if (!std::isfinite(report.areaA + report.areaB + report.area)) {
+        return "account  areas beyond all numbers; not checked\n";
+    }
     std::string text = "account  input " + formatted("%.10g", report.areaA);
     if (summary.overlay) text += ", overlay " + formatted("%.10g", report.areaB);
     text += ", result " + formatted("%.10g", report.area);
