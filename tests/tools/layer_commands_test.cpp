@@ -154,7 +154,7 @@ TEST_F(LayerCommands, DissolveTakesPointsAndLines) {
 
 /// Some keep no reference, some tell it only when the file is closed, some convert to one of
 /// theirs.
-TEST_F(LayerCommands, DissolveWritesFormatsWhateverTheyKeepOfAReference) {
+TEST_F(LayerCommands, FormatsAreWrittenWhateverTheyKeepOfAReference) {
     write("metres.geojson", geoJson({{0, 0, 2e5, 2e5, "x"}, {2e5, 0, 4e5, 2e5, "x"}}, 3857));
     for (const char* input : {"metres.geojson", "self.geojson"}) {
         for (const char* ending :
@@ -164,6 +164,8 @@ TEST_F(LayerCommands, DissolveWritesFormatsWhateverTheyKeepOfAReference) {
             const Outcome outcome = run({"dissolve", input, file, "--overwrite"});
             EXPECT_EQ(0, outcome.status) << outcome.err;
             EXPECT_EQ(1, layer(file, "result").features);
+            EXPECT_EQ(0, run({"erase", input, input, file, "--overwrite"}).status)
+                << "an empty one";
         }
     }
 }

@@ -224,11 +224,14 @@ std::vector<JWRejectedFeature> OutputFile::verify(std::int64_t features) const {
             isOutOfSpace() ? ExitOutOfSpace : ExitInternal,
             m_request.path + ": the file could not be written completely: " + why);
     };
+    std::error_code error;
+    const bool isEmpty = fs::is_empty(m_work->output(), error) || error;
     if (!readsBackExactly(m_format)) {
-        std::error_code error;
-        if (fs::is_empty(m_work->output(), error) || error) throw incomplete("it is empty");
+        if (isEmpty) throw incomplete("it is empty");
         return lost;
     }
+    // A text of no lines holds no features, but cannot be told from other files.
+    if (m_format == "GeoJSONSeq" && isEmpty && features == 0 && !error) return lost;
     SourcePointer source(JWDataSource::open(m_work->output().c_str()));
     if (!source) throw incomplete("it cannot be read back");
     LayerPointer layer(source->openLayer(m_layerName.c_str()));
