@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/source_handle.h"
 
+#include <cpl_conv.h>
+#include <cpl_string.h>
+#include <cpl_vsi.h>
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
@@ -16,6 +19,21 @@ bool isOneOf(const std::string& name, const char* const (&names)[Count]) {
         if (name == other) return true;
     }
     return false;
+}
+
+/// There is room beside a source for all its files once more: GDAL packs a shapefile by copying it,
+/// and crashes where the copy cannot be written.
+bool hasRoomForCopy(GDALDataset& dataset, const std::string& path) {
+    const std::string directory = CPLGetPath(path.c_str());
+    const GIntBig room = VSIGetDiskFreeSpace(directory.empty() ? "." : directory.c_str());
+    GIntBig needed = 0;
+    char** files = dataset.GetFileList();
+    for (int i = 0; i < CSLCount(files); ++i) {
+        VSIStatBufL stat;
+        if (VSIStatL(files[i], &stat) == 0) needed += static_cast<GIntBig>(stat.st_size);
+    }
+    CSLDestroy(files);
+    return room > needed;
 }
 
 }  // namespace
@@ -116,7 +134,8 @@ bool JWSourceHandle::undoWrites() {
         if (write->first->DeleteFeature(write->second) != OGRERR_NONE) undone = false;
         if (isDriver("ESRI Shapefile")) repack = write->first->GetName();
     }
-    if (!repack.empty()) {
+    // Without it the rows stay behind, marked as deleted, which readers pass over.
+    if (!repack.empty() && hasRoomForCopy(*m_dataset, m_name)) {
         m_dataset->ReleaseResultSet(
             m_dataset->ExecuteSQL(("REPACK " + repack).c_str(), nullptr, nullptr));
     }
