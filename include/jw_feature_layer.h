@@ -209,8 +209,9 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// One transaction around many writes, for all layers of the source; calls nest. Writes outside
     /// of one are gathered, and stored at the latest by `flush`, by the next transaction and when
     /// the source closes. In formats without transactions `rollbackTransaction` deletes what was
-    /// written since `beginTransaction`, and answers false where the format cannot delete. It ends
-    /// the outermost transaction, whatever the depth.
+    /// written since `beginTransaction`, and answers false where the format cannot delete, or
+    /// has no room left for it (shapefiles are copied). It ends the outermost transaction, whatever
+    /// the depth.
     bool beginTransaction();
     /// Returns false with the last error set when data could not be written (disk full).
     bool commitTransaction();

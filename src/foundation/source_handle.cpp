@@ -21,8 +21,9 @@ bool isOneOf(const std::string& name, const char* const (&names)[Count]) {
     return false;
 }
 
-/// There is room beside a source for all its files once more: GDAL packs a shapefile by copying it,
-/// and crashes where the copy cannot be written.
+/// There is room beside a source for all its files once more: GDAL packs a shapefile of which rows
+/// were deleted by copying it, at the latest when it is closed, and crashes where the copy cannot
+/// be written.
 bool hasRoomForCopy(GDALDataset& dataset, const std::string& path) {
     const std::string directory = CPLGetPath(path.c_str());
     const GIntBig room = VSIGetDiskFreeSpace(directory.empty() ? "." : directory.c_str());
@@ -128,14 +129,17 @@ bool JWSourceHandle::rollback() {
 /// Deletes what was written since `begin`, last first.
 bool JWSourceHandle::undoWrites() {
     GdalErrors errors;
+    if (isDriver("ESRI Shapefile") && !m_undo.empty() && !hasRoomForCopy(*m_dataset, m_name)) {
+        m_undo.clear();
+        return fail(errors, "there is no room to take written features back");
+    }
     bool undone = true;
     std::string repack;
     for (auto write = m_undo.rbegin(); write != m_undo.rend(); ++write) {
         if (write->first->DeleteFeature(write->second) != OGRERR_NONE) undone = false;
         if (isDriver("ESRI Shapefile")) repack = write->first->GetName();
     }
-    // Without it the rows stay behind, marked as deleted, which readers pass over.
-    if (!repack.empty() && hasRoomForCopy(*m_dataset, m_name)) {
+    if (!repack.empty()) {
         m_dataset->ReleaseResultSet(
             m_dataset->ExecuteSQL(("REPACK " + repack).c_str(), nullptr, nullptr));
     }
