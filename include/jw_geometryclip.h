@@ -240,10 +240,10 @@ class JW_API JWGeometryClip {
     /// @name Layers
     /// Additions to the fixed names. Each feature of `in` gives at most one result: what of it lies
     /// in the area, or outside of it. Points, lines and areas may be mixed, multi-types stay what
-    /// they are; lines in several pieces become multi line strings. A stretch along the boundary is
-    /// inside, also where a line begins. `out` must have no fields; it gets those of `in`. Features
-    /// without a geometry are passed over; those with a coordinate that is not finite are rejected.
-    /// `report` accounts for every feature and may be null.
+    /// they are; lines become multi line strings, and one of no length lies where its point does. A
+    /// stretch along the boundary is inside, also where a line begins. `out` must have no fields;
+    /// it gets those of `in`. Features without a geometry are passed over; those with a coordinate
+    /// that is not finite are rejected. `report` accounts for every feature and may be null.
     ///
     /// Return values: the number of features written, or −1 a layer is missing, cannot be read to
     /// its end or written, or the run was stopped; −2 the spatial references differ; −3 the output
@@ -254,6 +254,14 @@ class JW_API JWGeometryClip {
     static int featureLayerClipByLayer(JWFeatureLayer* in, JWFeatureLayer* cutters,
                                        JWFeatureLayer* out, const JWClipOptions& options,
                                        JWLayerReport* report);
+    /// Cuts each line and each area of `in` by all lines of `cutters` taken together: into the
+    /// pieces that `geometryClipByGeometry` gives, each a feature with the attributes of what it is
+    /// a piece of. What no line divides is handed on. Nothing is lost: lengths and areas of the
+    /// pieces add up. Points are rejected, and cutters that are no lines; `outside` makes no sense
+    /// here (−1). Cost: the tree of the lines once, then what lies near each feature.
+    static int featureLayerCutByLayer(JWFeatureLayer* in, JWFeatureLayer* cutters,
+                                      JWFeatureLayer* out, const JWClipOptions& options,
+                                      JWLayerReport* report);
     /// Clips by a rectangle, which must be valid and finite (−1 otherwise). One without an area
     /// holds the points that lie on it, but nothing of lines and polygons.
     static int featureLayerClipByEnvelop(JWFeatureLayer* in, JWFeatureLayer* out,

@@ -92,10 +92,14 @@ std::unique_ptr<JWGeometry> AreaClip::part(const JWGeometry& geometry, ClipSide 
 std::unique_ptr<JWGeometry> AreaClip::partOfLines(const JWGeometry& lines, ClipSide side) const {
     auto kept = std::make_unique<JWMultiLineString>();
     const auto add = [&](const JWLineString& line) {
-        m_edges.split(line, m_cut, [&](std::vector<JWRawPoint>& points, bool inside) {
-            if (inside != (side == ClipSide::Inside)) return;
-            kept->addLineString(JWLineString(std::move(points)));
-        });
+        const bool cut =
+            m_edges.split(line, m_cut, [&](std::vector<JWRawPoint>& points, bool inside) {
+                if (inside != (side == ClipSide::Inside)) return;
+                kept->addLineString(JWLineString(std::move(points)));
+            });
+        // A line of no length lies where its point does.
+        if (!cut && !line.isEmpty() && holds(*line.getPointsPtr()) == (side == ClipSide::Inside))
+            kept->addLineString(line);
     };
     if (lines.getGeometryType() == JWGeometryLineString) {
         add(static_cast<const JWLineString&>(lines));

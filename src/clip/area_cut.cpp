@@ -10,40 +10,11 @@
 #include <utility>
 
 #include "boolean/line_cut.h"
-#include "clip/cutter.h"
+#include "clip/edge_index.h"
 #include "foundation/vertex_lists.h"
 
 namespace jws::detail {
 namespace {
-
-using PointLists = std::vector<std::vector<JWRawPoint>>;
-
-/// The parts of lines in a window.
-PointLists partsWithin(const JWGeometry& lines, const JWEnvelop& window) {
-    const std::vector<JWRawPoint> corners = {window.bottom_left(), window.bottom_right(),
-                                             window.top_right(), window.top_left()};
-    const Cutter cutter(RingViews{{corners.data(), static_cast<int>(corners.size()), 0}});
-    PointLists parts;
-    const auto take = [&](const JWLineString& line) {
-        const JWEnvelop box = boxOf(line.getPointsPtr(), line.getPointCount());
-        if (window.isDisjoin(box)) return;
-        if (window.isContain(box)) {
-            parts.push_back(line.getPointList());
-            return;
-        }
-        cutter.split(line, AreaCut::InsideOut, [&](std::vector<JWRawPoint>& points, bool inside) {
-            if (inside) parts.push_back(std::move(points));
-        });
-    };
-    if (lines.getGeometryType() == JWGeometryLineString) {
-        take(static_cast<const JWLineString&>(lines));
-    } else {
-        for (const JWLineString& line :
-             static_cast<const JWMultiLineString&>(lines).getMemberList())
-            take(line);
-    }
-    return parts;
-}
 
 JWEnvelop windowAround(const RingViews& rings) {
     JWEnvelop box = JWEnvelop::invalid();
@@ -57,7 +28,7 @@ JWEnvelop windowAround(const RingViews& rings) {
 
 }  // namespace
 
-std::vector<std::vector<JWRing>> cutPolygon(const JWPolygon& polygon, const JWGeometry& lines) {
+std::vector<std::vector<JWRing>> cutPolygon(const JWPolygon& polygon, const LineIndex& lines) {
     RingViews rings;
     std::vector<JWRing> usable;
     for (const JWRing& ring : polygon.getRingList()) {
@@ -67,7 +38,7 @@ std::vector<std::vector<JWRing>> cutPolygon(const JWPolygon& polygon, const JWGe
     }
     for (const JWRing& ring : usable) rings.push_back(viewOf(ring, 0));
     if (rings.empty()) return {};
-    const PointLists parts = partsWithin(lines, windowAround(rings));
+    const std::vector<std::vector<JWRawPoint>> parts = lines.within(windowAround(rings));
     RingViews chains;
     for (const std::vector<JWRawPoint>& part : parts)
         chains.push_back({part.data(), static_cast<int>(part.size()), 0});

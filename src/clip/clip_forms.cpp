@@ -91,7 +91,7 @@ int clipAreaByLines(const JWGeometry* area, const JWGeometry* lines, std::vector
         form.function, area, lines, form,
         [&](PreparedCutter& prepared, const Team& team) {
             check(*area, prepared, form);
-            return cutArea(*area, *lines, team);
+            return cutArea(*area, prepared.lines(), team);
         },
         [&](std::vector<Face>&& faces) {
             std::vector<std::unique_ptr<JWRing>> made;

@@ -91,6 +91,12 @@ const Cutter& PreparedCutter::edges() {
     return *m_edges;
 }
 
+const LineIndex& PreparedCutter::lines() {
+    edges();
+    std::call_once(m_indexed, [this] { m_lines = std::make_unique<const LineIndex>(m_geometry); });
+    return *m_lines;
+}
+
 MarkedPieces<JWLineString> cutLines(const JWGeometry& lines, const Cutter& cutter,
                                     const Team& team) {
     if (lines.getGeometryType() == JWGeometryLineString)
@@ -135,7 +141,7 @@ MarkedPieces<JWMultiPoint> cutPoints(const JWMultiPoint& points, const Cutter& c
     return pieces;
 }
 
-std::vector<Face> cutArea(const JWGeometry& area, const JWGeometry& lines, const Team& team) {
+std::vector<Face> cutArea(const JWGeometry& area, const LineIndex& lines, const Team& team) {
     std::vector<Face> faces;
     const auto cutRing = [&](const JWRing& ring) {
         JWPolygon polygon;
@@ -192,8 +198,7 @@ MarkedPieces<JWGeometry> clipGeometry(const JWGeometry& target, PreparedCutter& 
         if (std::unique_ptr<JWGeometry> common = intersect(target, cutter.geometry(), 0))
             pieces.push_back({std::move(common), 1});
     } else {
-        cutter.edges();
-        for (Face& face : cutArea(target, cutter.geometry(), team)) {
+        for (Face& face : cutArea(target, cutter.lines(), team)) {
             auto polygon = std::make_unique<JWPolygon>();
             polygon->addRings(std::move(face));
             polygon->updateEnvelop();

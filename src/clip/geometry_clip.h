@@ -13,6 +13,7 @@
 
 #include "boolean/ring_clip.h"
 #include "clip/cutter.h"
+#include "clip/line_index.h"
 #include "foundation/parallel.h"
 #include "jw_geometry.h"
 
@@ -50,13 +51,16 @@ class PreparedCutter {
     void check(bool forWeird);
     /// Throws ClipRefused when there are no edges.
     const Cutter& edges();
+    /// Of lines that cut areas. Throws ClipRefused when there are none.
+    const LineIndex& lines();
 
   private:
     const JWGeometry& m_geometry;
     EdgeSearch m_search;
-    std::once_flag m_checked, m_judged, m_read;
+    std::once_flag m_checked, m_judged, m_read, m_indexed;
     bool m_isWeird = false;
     std::unique_ptr<const Cutter> m_edges;
+    std::unique_ptr<const LineIndex> m_lines;
 };
 
 /// Throws ClipRefused as `PreparedCutter::check` does.
@@ -73,7 +77,7 @@ MarkedPieces<JWMultiPoint> cutPoints(const JWMultiPoint& points, const Cutter& c
 /// A face: its outer ring, then its holes.
 using Face = std::vector<JWRing>;
 /// The faces that lines cut a ring, polygon or multipolygon into, the smaller ones first.
-std::vector<Face> cutArea(const JWGeometry& area, const JWGeometry& lines, const Team& team);
+std::vector<Face> cutArea(const JWGeometry& area, const LineIndex& lines, const Team& team);
 
 /// Does what `JWGeometryClip::geometryClipByGeometry` does. Throws EmptyClip when there is no
 /// piece.

@@ -3,6 +3,7 @@
 // Layers clipped. The cutters are united first: what lies in two of them is in the result once, and
 // their common borders cut nothing. The union is prepared once and then asked by every worker; the
 // course over the layer is the driver's of all operations on one layer.
+#include <algorithm>
 #include <utility>
 
 #include "clip/area_clip.h"
@@ -32,26 +33,121 @@ enumJWWKBGeometryType resultType(enumJWWKBGeometryType input) {
     }
 }
 
-/// The union of the areas of a layer.
-AreaClip uniteCutters(FeatureInput& cutters, JWLayerReport& report) {
-    AreaUnion all(everywhere());
+/// Each piece of a multi-type is a feature of its own.
+enumJWWKBGeometryType pieceType(enumJWWKBGeometryType input) {
+    switch (input) {
+        case JWWKBMultiLineString:
+            return JWWKBLineString;
+        case JWWKBMultiPolygon:
+            return JWWKBPolygon;
+        default:
+            return input;
+    }
+}
+
+[[noreturn]] void fail(enumJWErrorKind kind, const std::string& text) {
+    JWReport::setError(kind, text);
+    throw LayerFailure();
+}
+
+/// Has the work on cutters stopped when the progress callback asks for it.
+Pulse pulseOf(FeatureInput& cutters, JWLayerReport& report) {
+    return Pulse([&cutters, &report] {
+        if (JWReport::progress(report.readB, std::max(report.readB, cutters.count()))) return;
+        report.cancelled = true;
+        fail(JWErrorCancelled, "the run was stopped; nothing was written");
+    });
+}
+
+/// Calls `take(feature)` for the cutters of these kinds; others are rejected.
+template <class Take>
+void readCutters(FeatureInput& cutters, unsigned kinds, JWLayerReport& report, const Take& take) {
     for (std::int64_t i = 0;; ++i) {
+        Pulse::tick();
         const std::shared_ptr<const JWFeature> feature = cutters.next(i);
         if (!feature) break;
         ++report.readB;
-        const GeometryCheck check = checkGeometry(*feature, AreaKind);
+        const GeometryCheck check = checkGeometry(*feature, kinds);
         if (check == GeometryCheck::Empty) ++report.emptyB;
-        const std::string reason = reasonOf(check, *feature, AreaKind);
+        const std::string reason = reasonOf(check, *feature, kinds);
         if (!reason.empty()) {
             report.rejected.push_back(
                 {cutters.source(), cutters.name(), feature->getFID64(), reason});
         }
-        if (check != GeometryCheck::Usable) continue;
-        report.areaB += areaOf(*feature->getGeometryPtr());
-        all.add(Area(*feature->getGeometryPtr(), feature));
+        if (check == GeometryCheck::Usable) take(feature);
     }
-    const auto outline = std::make_shared<const ClippedContours>(all.contours());
-    return AreaClip(outline->views(), outline, AreaCut::InsideOut);
+}
+
+/// The union of the areas of a layer.
+AreaClip uniteCutters(FeatureInput& cutters, JWLayerReport& report) {
+    const Pulse pulse = pulseOf(cutters, report);
+    AreaUnion all(everywhere());
+    try {
+        readCutters(cutters, AreaKind, report,
+                    [&](const std::shared_ptr<const JWFeature>& feature) {
+                        report.areaB += areaOf(*feature->getGeometryPtr());
+                        all.add(Area(*feature->getGeometryPtr(), feature));
+                    });
+        const auto outline = std::make_shared<const ClippedContours>(all.contours());
+        return AreaClip(outline->views(), outline, AreaCut::InsideOut);
+    } catch (const ClipFailure& failure) {
+        fail(JWErrorInternal, std::string(cutters.source()) + ", layer " + cutters.name() +
+                                  ": the areas cannot be united: " + failure.what());
+    }
+}
+
+/// All lines of a layer as one geometry.
+std::unique_ptr<JWMultiLineString> gatherLines(FeatureInput& cutters, JWLayerReport& report) {
+    const Pulse pulse = pulseOf(cutters, report);
+    auto all = std::make_unique<JWMultiLineString>();
+    readCutters(cutters, LineKind, report, [&](const std::shared_ptr<const JWFeature>& feature) {
+        const JWGeometry& lines = *feature->getGeometryPtr();
+        if (lines.getGeometryType() == JWGeometryLineString)
+            return all->addLineString(static_cast<const JWLineString&>(lines));
+        for (const JWLineString& line :
+             static_cast<const JWMultiLineString&>(lines).getMemberList())
+            all->addLineString(line);
+    });
+    all->updateEnvelop();
+    return all;
+}
+
+/// Runs a job beside the account of its cutters.
+std::int64_t runWithCutters(LayerMapJob& job, const JWClipOptions& options,
+                            const JWLayerReport& ofCutters, JWLayerReport& report) {
+    const std::int64_t written = runLayerMap(job, {options.blockSize, options.threads}, report);
+    report.readB = ofCutters.readB;
+    report.emptyB = ofCutters.emptyB;
+    report.areaB = ofCutters.areaB;
+    report.rejected.insert(report.rejected.begin(), ofCutters.rejected.begin(),
+                           ofCutters.rejected.end());
+    return written;
+}
+
+std::int64_t cutLayer(JWFeatureLayer& in, JWFeatureLayer& cutters, JWFeatureLayer& out,
+                      const JWClipOptions& options, JWLayerReport& report) {
+    if (options.outside) fail(JWErrorInvalidArgument, "lines have no outside to keep");
+    const std::unique_ptr<FeatureInput> features = inputFrom(in), by = inputFrom(cutters);
+    const std::unique_ptr<FeatureOutput> results = outputTo(out);
+    JWLayerReport ofCutters;
+    const std::unique_ptr<JWMultiLineString> lines = gatherLines(*by, ofCutters);
+    PreparedCutter cutter(*lines, EdgeSearch::Tree);
+    const bool canCut = !Cutter(*lines, EdgeSearch::Tree).isEmpty();
+    LayerMapJob job(*features, *results);
+    job.kinds = LineKind | AreaKind;
+    job.outputType = pieceType(features->geometryType());
+    job.schema.addFieldsOf(job.input);
+    job.map = [&](const JWFeature& feature, MapResults& made) {
+        const JWGeometry& geometry = *feature.getGeometryPtr();
+        if (!canCut) return made.add(std::unique_ptr<JWGeometry>(geometry.clone()));
+        std::string reason;
+        attempt(reason, [&] {
+            for (MarkedPiece<JWGeometry>& piece : clipGeometry(geometry, cutter, false, Team(1)))
+                made.add(std::move(piece.geometry));
+        });
+        if (!reason.empty()) made.reject(reason);
+    };
+    return runWithCutters(job, options, ofCutters, report);
 }
 
 /// Clips `in` by what `makeClip(report)` returns.
@@ -61,7 +157,14 @@ std::int64_t clipLayer(JWFeatureLayer& in, JWFeatureLayer& out, const JWClipOpti
     const std::unique_ptr<FeatureInput> features = inputFrom(in);
     const std::unique_ptr<FeatureOutput> results = outputTo(out);
     JWLayerReport ofCutters;
-    const AreaClip clip = makeClip(ofCutters);
+    const AreaClip clip = [&] {
+        try {
+            return makeClip(ofCutters);
+        } catch (...) {
+            report = ofCutters;
+            throw;
+        }
+    }();
     LayerMapJob job(*features, *results);
     job.outputType = resultType(features->geometryType());
     job.schema.addFieldsOf(job.input);
@@ -73,13 +176,7 @@ std::int64_t clipLayer(JWFeatureLayer& in, JWFeatureLayer& out, const JWClipOpti
         });
         if (!reason.empty()) made.reject(reason);
     };
-    const std::int64_t written = runLayerMap(job, {options.blockSize, options.threads}, report);
-    report.readB = ofCutters.readB;
-    report.emptyB = ofCutters.emptyB;
-    report.areaB = ofCutters.areaB;
-    report.rejected.insert(report.rejected.begin(), ofCutters.rejected.begin(),
-                           ofCutters.rejected.end());
-    return written;
+    return runWithCutters(job, options, ofCutters, report);
 }
 
 /// Gives a layer without features the geometry type of another one, one without fields its fields.
@@ -185,15 +282,21 @@ int JWGeometryClip::featureLayerClipByLayer(JWFeatureLayer* in, JWFeatureLayer* 
         });
 }
 
+int JWGeometryClip::featureLayerCutByLayer(JWFeatureLayer* in, JWFeatureLayer* cutters,
+                                           JWFeatureLayer* out, const JWClipOptions& options,
+                                           JWLayerReport* report) {
+    return accountedLayers(
+        "featureLayerCutByLayer", in, cutters, out, report,
+        [&](JWLayerReport& account) { return cutLayer(*in, *cutters, *out, options, account); });
+}
+
 int JWGeometryClip::featureLayerClipByEnvelop(JWFeatureLayer* in, JWFeatureLayer* out,
                                               const JWEnvelop& envelope,
                                               const JWClipOptions& options, JWLayerReport* report) {
     return accountedLayers(
         "featureLayerClipByEnvelop", in, in, out, report, [&](JWLayerReport& account) {
-            if (!isClipRectangle(envelope)) {
-                JWReport::setError(JWErrorInvalidArgument, "the rectangle is not valid and finite");
-                throw LayerFailure();
-            }
+            if (!isClipRectangle(envelope))
+                fail(JWErrorInvalidArgument, "the rectangle is not valid and finite");
             return clipLayer(*in, *out, options, account, [&](JWLayerReport&) {
                 return AreaClip::ofRectangle(envelope, AreaCut::InsideOut);
             });

@@ -15,6 +15,7 @@ class ClipBufferCommands : public ProgramTest {
         write("boxes.geojson", geoJson({{0, 0, 4, 2, "a"}, {10, 0, 12, 6, "b"}}));
         write("cutters.geojson", geoJson({{1, -1, 3, 9, "x"}, {3, -1, 11, 9, "y"}}));
         write("line.geojson", geoJsonFeature("LineString", "[[0,1],[12,1],[12,5],[5,5]]"));
+        write("across.geojson", geoJsonFeature("LineString", "[[6,0],[6,9]]"));
         write("points.geojson", geoJsonFeature("MultiPoint", "[[0,0],[2,0],[3,1]]"));
         write("widths.geojson", R"({"type":"FeatureCollection","features":[
             {"type":"Feature","properties":{"width":1},"geometry":{"type":"Point","coordinates":[0,0]}},
@@ -62,6 +63,19 @@ TEST_F(ClipBufferCommands, ResultsAndAttributes) {
         {{"clip", "boxes.geojson", "out.gpkg", "--bbox", "3,1,11,2"},
          2,
          1 + 1,
+         nullptr,
+         {"name"},
+         0},
+        {{"clip", "boxes.geojson", "line.geojson", "out.gpkg"}, 5, 8 + 12, nullptr, {"name"}, 0},
+        {{"clip", "line.geojson", "across.geojson", "out.gpkg"},
+         3,
+         0,
+         "LINESTRING (0 1,6 1)",
+         {"name"},
+         0},
+        {{"clip", "points.geojson", "cutters.geojson", "out.gpkg", "--overlay-where", "name = 'z'"},
+         0,
+         0,
          nullptr,
          {"name"},
          0},
@@ -138,14 +152,15 @@ TEST_F(ClipBufferCommands, AreasThatAreNotFiniteAreLeftOut) {
 
 TEST_F(ClipBufferCommands, SameForAnyNumberOfThreadsAndBlocks) {
     for (const Arguments& command : {Arguments{"clip", "boxes.geojson", "cutters.geojson"},
+                                     Arguments{"clip", "boxes.geojson", "line.geojson"},
                                      Arguments{"buffer", "boxes.geojson", "--distance", "3"}}) {
         std::string first;
         for (const char* threads : {"1", "2", "8"}) {
             Arguments all = command;
             const std::string name = command[0] + threads + ".geojson";
             all.insert(all.begin() + (command[0] == "clip" ? 3 : 2), name);
-            all.insert(all.end(),
-                       {"--threads", threads, "--block-size", threads, "--output-layer", "same"});
+            all.insert(all.end(), {"--threads", threads, "--block-size", threads, "--output-layer",
+                                   "same", "--overwrite"});
             EXPECT_EQ(0, run(all).status);
             if (first.empty()) first = read(name);
             EXPECT_EQ(first, read(name));
@@ -166,7 +181,9 @@ TEST_F(ClipBufferCommands, OptionsThatMakeNoSense) {
         {{"clip", "boxes.geojson", "out.gpkg", "--bbox", "0,0,1,1", "--overlay-layer", "x"},
          2,
          "no CUTTER to choose from"},
-        {{"clip", "boxes.geojson", "line.geojson", "out.gpkg"}, 2, "polygons are needed"},
+        {{"clip", "boxes.geojson", "points.geojson", "out.gpkg"}, 2, "polygons are needed"},
+        {{"clip", "boxes.geojson", "line.geojson", "out.gpkg", "--outside"}, 2, "no outside"},
+        {{"clip", "points.geojson", "line.geojson", "out.gpkg"}, 2, "lines or polygons are needed"},
         {{"clip", "boxes.geojson", "missing.geojson", "out.gpkg"}, 3, "missing.geojson"},
         {{"buffer", "boxes.geojson", "out.gpkg"}, 2, "--distance or --distance-field"},
         {{"buffer", "boxes.geojson", "out.gpkg", "--distance", "0", "--distance-field", "name"},

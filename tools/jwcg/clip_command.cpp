@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// `jwcg clip`: by the areas of another layer, or by a rectangle.
+// `jwcg clip`: by the areas of another layer, along its lines, or by a rectangle.
 #include <CLI/CLI.hpp>
 
 #include "commands.h"
+#include "input_layer.h"
 #include "jw_geometryclip.h"
 #include "layer_job.h"
 
@@ -12,7 +13,8 @@ namespace {
 
 void setupClip(CLI::App& app, Settings& settings) {
     addFile(app, "INPUT", settings.input, "File with the input layer");
-    app.add_option("CUTTER", settings.overlay, "File with the areas to clip by; none with --bbox")
+    app.add_option("CUTTER", settings.overlay,
+                   "File with the areas to clip by, or the lines to cut along; none with --bbox")
         ->type_name("")
         ->required();
     app.add_option("OUTPUT", settings.output, "File that receives the result")->type_name("");
@@ -40,6 +42,21 @@ Settings withFilesInPlace(const Settings& given) {
     return settings;
 }
 
+/// Whether the cutters are lines. A layer that declares no type has areas.
+bool cutsAlongLines(const Settings& settings) {
+    if (!settings.clipBox.empty()) return false;
+    const InputLayer cutter(settings.overlay, settings.overlayLayer);
+    if (cutter.kind() != JWWKBLineString) return false;
+    if (settings.outside) throw CommandFailure(ExitUsage, "clip: lines have no outside to keep");
+    return true;
+}
+
+/// Pieces that lines cut are features of their own.
+enumJWWKBGeometryType pieceType(InputLayer& input) {
+    input.require({JWWKBLineString, JWWKBPolygon}, "lines or polygons are needed");
+    return singleType(input.widestType());
+}
+
 enumJWWKBGeometryType resultType(InputLayer& input) {
     switch (requireGeometries(input)) {
         case JWWKBLineString:
@@ -60,8 +77,13 @@ int runClip(const Settings& given) {
     options.blockSize = settings.blockSize;
     options.threads = settings.threads;
     const std::vector<double>& box = settings.clipBox;
+    const bool alongLines = cutsAlongLines(settings);
     const auto clip = [&](const JobLayers& layers, JWLayerReport& report) {
         JWFeatureLayer* input = &layers.input.layer();
+        if (alongLines) {
+            return JWGeometryClip::featureLayerCutByLayer(input, &layers.overlay->layer(),
+                                                          &layers.output, options, &report);
+        }
         if (layers.overlay != nullptr) {
             return JWGeometryClip::featureLayerClipByLayer(input, &layers.overlay->layer(),
                                                            &layers.output, options, &report);
@@ -74,9 +96,11 @@ int runClip(const Settings& given) {
                                   box.empty(),
                                   {{"bbox", box.empty() ? Json(nullptr) : Json(box)},
                                    {"outside", settings.outside}},
-                                  resultType,
+                                  alongLines ? pieceType : resultType,
                                   clip,
-                                  AccountOfNothing});
+                                  AccountOfNothing,
+                                  {},
+                                  alongLines});
 }
 
 }  // namespace
@@ -84,12 +108,14 @@ int runClip(const Settings& given) {
 Command clipCommand() {
     return {
         "clip",
-        "keep what lies inside the areas of another layer, or in a rectangle",
+        "keep what lies inside the areas of another layer, or cut along its lines",
         "Writes what of each point, line or polygon of INPUT lies in the areas of CUTTER, all of "
         "them taken together, with its attributes; borders that two areas share cut nothing, "
         "and what lies on the boundary is inside. With --bbox a rectangle takes the place of "
-        "CUTTER: jwcg clip INPUT OUTPUT --bbox X1,Y1,X2,Y2. Lines in several pieces become "
-        "multi-lines.",
+        "CUTTER: jwcg clip INPUT OUTPUT --bbox X1,Y1,X2,Y2. Lines become multi-lines.\n\nWhere "
+        "CUTTER "
+        "is a layer of lines, they cut the lines and polygons of INPUT instead: each piece becomes "
+        "a feature with the attributes of what it is a piece of, and nothing is left out.",
         "jwcg clip roads.gpkg state.gpkg state_roads.gpkg",
         setupClip,
         runClip};
