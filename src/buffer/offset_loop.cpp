@@ -66,7 +66,7 @@ bool isLongForLoop(const Shape& piece, double distance) {
 
 void OffsetLoop::take(const Shape* pieces, std::size_t count, double distance,
                       const ArcStyle& arcs) {
-    m_capsules.clear();
+    emptyKept(m_capsules);
     m_capsules.reserve(count);
     for (std::size_t i = 0; i < count; ++i) m_capsules.emplace_back(pieces[i], distance, arcs);
     emptyKept(m_ring);

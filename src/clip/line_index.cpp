@@ -9,26 +9,20 @@
 namespace jws::detail {
 namespace {
 
-constexpr int kRun = 16;  // segments
+constexpr std::size_t kRun = 16;  // segments
 
 }  // namespace
 
 LineIndex::LineIndex(const JWGeometry& lines) {
     std::vector<JWEnvelop> boxes;
-    const auto take = [&](const JWLineString& line) {
-        for (int first = 0; first + 1 < line.getPointCount(); first += kRun) {
-            const int last = std::min(first + kRun, line.getPointCount() - 1);
-            m_runs.push_back({&line, first, last});
-            boxes.push_back(boxOf(line.getPointsPtr() + first, last - first + 1));
+    everyVertexList(lines, [&](const JWRawPoint* points, std::size_t n) {
+        for (std::size_t i = 0; i + 1 < n; i += kRun) {
+            const std::size_t last = std::min(i + kRun, n - 1);
+            m_runs.push_back({points + i, points + last});
+            boxes.push_back(boxOf(points + i, static_cast<int>(last - i) + 1));
         }
-    };
-    if (lines.getGeometryType() == JWGeometryLineString) {
-        take(static_cast<const JWLineString&>(lines));
-    } else {
-        for (const JWLineString& line :
-             static_cast<const JWMultiLineString&>(lines).getMemberList())
-            take(line);
-    }
+        return true;
+    });
     m_tree = PackedTree(boxes);
 }
 
@@ -45,15 +39,13 @@ std::vector<std::vector<JWRawPoint>> LineIndex::within(const JWEnvelop& window) 
     const Cutter cutter(RingViews{{corners.data(), static_cast<int>(corners.size()), 0}});
     std::vector<std::vector<JWRawPoint>> parts;
     for (std::size_t i = 0; i < near.size();) {
-        const Run& first = m_runs[static_cast<std::size_t>(near[i])];
-        int last = first.last;
-        for (++i; i < near.size() && near[i] == near[i - 1] + 1; ++i) {
+        Run chained = m_runs[static_cast<std::size_t>(near[i])];
+        for (++i; i < near.size(); ++i) {
             const Run& next = m_runs[static_cast<std::size_t>(near[i])];
-            if (next.line != first.line) break;
-            last = next.last;
+            if (next.first != chained.last) break;
+            chained.last = next.last;
         }
-        const JWRawPoint* points = first.line->getPointsPtr();
-        std::vector<JWRawPoint> chain(points + first.first, points + last + 1);
+        std::vector<JWRawPoint> chain(chained.first, chained.last + 1);
         if (window.isContain(boxOf(chain.data(), static_cast<int>(chain.size())))) {
             parts.push_back(std::move(chain));
             continue;

@@ -22,10 +22,10 @@ class LineIndex {
     std::vector<std::vector<JWRawPoint>> within(const JWEnvelop& window) const;
 
   private:
-    /// Points [first, last] of a line.
+    /// Neighbouring points of a line; the next run of the line begins with the last of them.
     struct Run {
-        const JWLineString* line;
-        int first, last;
+        const JWRawPoint* first;
+        const JWRawPoint* last;
     };
 
     std::vector<Run> m_runs;

@@ -3,6 +3,7 @@
 // The union of many shapes against their union by GEOS, and the tools for ring sets.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "jw_geometrybuffer.h"
@@ -101,24 +102,53 @@ TEST(BufferUnion, TeamManyPartsAgainstGeos) {
     expectUnion(lines, geosUnion(capsules).get(), 2.5);
 }
 
+/// The face is the polygon together with the shapes of its boundary.
+void expectFace(const std::vector<Line>& rings, double d) {
+    JWPolygon polygon;
+    std::vector<Ring> pieces;
+    for (Line ring : rings) {
+        polygon.addRing(JWRing(ring.data(), static_cast<int>(ring.size())));
+        ring.push_back(ring.front());
+        for (const Ring& piece : piecesAlong(ring, d)) pieces.push_back(piece);
+    }
+    polygon.updateEnvelop();
+    const GeosPtr band = geosUnion(pieces);
+    const GeosPtr face(GEOSUnion_r(geosContext(), band.get(), toGeos(&polygon).get()));
+    expectUnion(polygon, face.get(), d);
+}
+
 TEST(BufferUnion, TeamPolygonsAgainstGeos) {
-    // The face is the polygon together with the shapes of its boundary.
     RandomRings random(4);
     for (int i = 0; i < 12; ++i) {
         SCOPED_TRACE(i);
-        const double d = 0.5 + i;
-        JWPolygon polygon;
-        std::vector<Ring> pieces;
+        std::vector<Line> rings;
         for (const double radius : {50, 18}) {
-            Line ring = random.star(4 + 3 * i, {50, 50}, radius);
-            polygon.addRing(JWRing(ring.data(), static_cast<int>(ring.size())));
-            ring.push_back(ring.front());
-            for (const Ring& piece : piecesAlong(ring, d)) pieces.push_back(piece);
+            rings.push_back(random.star(4 + 3 * i, {50, 50}, radius));
         }
-        polygon.updateEnvelop();
-        const GeosPtr band = geosUnion(pieces);
-        const GeosPtr face(GEOSUnion_r(geosContext(), band.get(), toGeos(&polygon).get()));
-        expectUnion(polygon, face.get(), d);
+        expectFace(rings, 0.5 + i);
+    }
+}
+
+TEST(BufferUnion, TeamThinPolygonsAgainstGeos) {
+    // Slits, blades, spikes and steps, from far thinner than an arc's edge is deep to wider than
+    // the distance; as outer rings in either direction and as holes.
+    for (const double w : {1e-4, 3e-3, 8e-3, 1.2e-2, 0.1, 0.14, 0.5, 2.5}) {
+        const Line shapes[] = {
+            {{0, 0}, {20, 0}, {20, 10}, {10 + w, 10}, {10 + w, 2}, {10, 2}, {10, 10}, {0, 10}},
+            {{0, 0}, {20, 0}, {20 - w, 5}, {10, w}},
+            {{0, 0}, {20, 0}, {20, 5}, {10 + w, 5}, {10, 25}, {10 - w, 5}, {0, 5}},
+            {{0, 0}, {20, 0}, {20, 9}, {10 + w, 9}, {10 + w, 9 + w}, {10, 9 + w}, {10, 9}, {0, 9}},
+            {{0, 0}, {20, 0}, {20, 9}, {12, 9}, {11, w}, {10, 9}, {0, 9}},
+        };
+        for (Line shape : shapes) {
+            SCOPED_TRACE(testing::Message() << w << " " << shape[2].y << " " << shape.size());
+            for (JWRawPoint& p : shape) p = {p.x - 0.3 * p.y, p.y + 0.3 * p.x};
+            const Line around = {{-50, -50}, {80, -50}, {80, 80}, {-50, 80}};
+            expectFace({shape}, 1);
+            expectFace({around, shape}, 1);
+            std::reverse(shape.begin(), shape.end());
+            expectFace({shape}, 1);
+        }
     }
 }
 
