@@ -139,6 +139,13 @@ TEST(BufferUnion, TeamThinPolygonsAgainstGeos) {
             {{0, 0}, {20, 0}, {20, 5}, {10 + w, 5}, {10, 25}, {10 - w, 5}, {0, 5}},
             {{0, 0}, {20, 0}, {20, 9}, {10 + w, 9}, {10 + w, 9 + w}, {10, 9 + w}, {10, 9}, {0, 9}},
             {{0, 0}, {20, 0}, {20, 9}, {12, 9}, {11, w}, {10, 9}, {0, 9}},
+            // A corner of the lower side's arc reaches where the upper side's arc has an edge.
+            {{1.9696, -0.3473},
+             {0, 0},
+             {-1.9696, -0.3473},
+             {-1.8353, -0.4917 - w},
+             {0, -w},
+             {1.8353, -0.4917 - w}},
         };
         for (Line shape : shapes) {
             SCOPED_TRACE(testing::Message() << w << " " << shape[2].y << " " << shape.size());
