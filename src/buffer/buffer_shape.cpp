@@ -56,8 +56,8 @@ Capsule::Capsule(const Shape& piece, double distance, const ArcStyle& style)
 }
 
 JWRawPoint Capsule::Cap::normal() const {
-    const JWRawPoint& left = capsule.left;
-    return isAtEnd ? left : JWRawPoint(-left.x, -left.y);
+    const JWRawPoint& n = capsule.left;
+    return isAtEnd ? n : JWRawPoint(-n.x, -n.y);
 }
 
 double Capsule::Cap::startAngle() const {
@@ -66,13 +66,12 @@ double Capsule::Cap::startAngle() const {
 
 JWRawPoint Capsule::Cap::corner(int k) const {
     const JWRawPoint& c = center();
-    const double radius = capsule.radius;
+    const double r = capsule.radius;
     const JWRawPoint n = normal();
-    if (k == 0) return {c.x + radius * n.x, c.y + radius * n.y};
-    if (k > capsule.arcs.capCorners) return {c.x - radius * n.x, c.y - radius * n.y};
+    if (k == 0) return {c.x + r * n.x, c.y + r * n.y};
+    if (k > capsule.arcs.capCorners) return {c.x - r * n.x, c.y - r * n.y};
     const JWRawPoint& turn = capsule.arcs.capTurns[k];
-    return {c.x + radius * (n.x * turn.x + n.y * turn.y),
-            c.y + radius * (n.y * turn.x - n.x * turn.y)};
+    return {c.x + r * (n.x * turn.x + n.y * turn.y), c.y + r * (n.y * turn.x - n.x * turn.y)};
 }
 
 void writeCorners(const Shape& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners) {
