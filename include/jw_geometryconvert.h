@@ -19,7 +19,8 @@ enum enumJWPointPlace {
     /// points their mean. It may lie beside the geometry.
     JWPointCentroid = 0,
     /// One point that belongs to the geometry: half way along lines, the member nearest to the
-    /// centre of points, within areas.
+    /// centre of points, within areas. For an area without extent, or with less of it than
+    /// coordinates resolve, the centre of its boundary.
     JWPointInside = 1,
     /// Every vertex, in order.
     JWPointVertices = 2,
@@ -60,9 +61,9 @@ struct JWConvertOptions {
 ///   by the last error (kind `JWErrorFeatureRejected`).
 /// - The layer is read by position, each feature once, however the source numbers its features.
 ///   `blockSize` is the number of features read at a time, below 1 all; `_old` forms read all.
-/// - `_mp` forms work on a team of eight threads, but for shared lines, which one thread finds and
-///   writes: there they are the plain ones. Results are the same, bit for bit and in the same
-///   order, for any number of threads and any block size.
+/// - `_mp` forms work on a team of eight threads; for shared lines these decode the polygons and
+///   compare their boundaries, which is about half of the work, and one writes. Results are the
+///   same, bit for bit and in the same order, for any number of threads and any block size.
 /// - Results are written in one transaction: after a failure the output holds no features.
 /// - No state: different layers may be converted on different threads at once.
 class JW_API JWGeometryConvert {
@@ -103,8 +104,9 @@ class JW_API JWGeometryConvert {
     ///
     /// Polygons that overlap: a line names the polygons that it is a boundary of, not those that it
     /// runs through, and is not cut where it crosses another one. Where several polygons have the
-    /// same boundary on the same side, the line is written once more for each of them: first with
-    /// first, second with second, and the last of the shorter list with all that remain.
+    /// same boundary on the same side, the first of them in the order of the layer is named. A line
+    /// that a polygon runs along to and fro is no boundary of it; where it is nobody's, both sides
+    /// name that polygon. A ring that crosses itself has its polygon on one side all along.
     static int convertPolygonLayerToLineLayerWithAttributes(JWFeatureLayer* in, JWFeatureLayer* out,
                                                             bool keepAttributes,
                                                             bool dropOuterBoundary,

@@ -14,6 +14,12 @@
 // looked at once more, for vertices exactly on them; they are not bent again, since that could go
 // on for ever. Edges that cross are not cut: a crossing is no vertex of either.
 //
+// A vertex near a corner may lie within the tolerance of both its edges, though not of the corner.
+// Both are then bent through it, and the ring would run from it to the corner and straight back:
+// the corner gives way to the vertex, unless it is so sharp that it reaches far beyond.
+//
+// A team shares out the comparison of edges with vertices, which takes most of the time.
+//
 // Cost: O(n log n) for n vertices, as long as edges have few vertices beside them.
 #include "convert/boundary_vertices.h"
 
@@ -27,6 +33,7 @@
 #include "boolean/packed_tree.h"
 #include "convert/number_table.h"
 #include "foundation/orientation.h"
+#include "foundation/parallel.h"
 #include "foundation/segment_math.h"
 
 namespace jws::detail {
@@ -197,24 +204,28 @@ class VertexSearch {
     /// The vertices in an order in which neighbours lie near each other.
     const std::vector<int>& inOrder() const { return m_tree.items(); }
 
+    /// A vertex, and how far along an edge it lies.
+    using Along = std::pair<double, int>;
+
     /// Appends the vertices on the edge from a to b, or within `tolerance` of it, in the order from
-    /// a to b.
-    void find(int a, int b, double tolerance, std::vector<int>& found) {
+    /// a to b. `beside` is memory that a worker uses again.
+    void find(int a, int b, double tolerance, std::vector<Along>& beside,
+              std::vector<int>& found) const {
         const JWRawPoint &from = point(a), &to = point(b);
         const JWEnvelop box(std::min(from.x, to.x) - tolerance, std::min(from.y, to.y) - tolerance,
                             std::max(from.x, to.x) + tolerance, std::max(from.y, to.y) + tolerance);
-        m_found.clear();
+        beside.clear();
         const auto take = [&](int v) {
             if (v != a && v != b && isBeside(point(v), from, to, tolerance))
-                m_found.emplace_back(dot(difference(point(v), from), difference(to, from)), v);
+                beside.emplace_back(dot(difference(point(v), from), difference(to, from)), v);
             return false;
         };
         const auto mayHold = [&](const JWEnvelop& e) {
             return !e.isDisjoin(box) && !isClearOf(e, from, to, tolerance);
         };
         m_tree.search(mayHold, take);
-        sortAlong(from, to, tolerance);
-        for (const auto& [along, v] : m_found) found.push_back(v);
+        sortAlong(from, to, tolerance, beside);
+        for (const auto& [along, v] : beside) found.push_back(v);
     }
 
   private:
@@ -238,9 +249,10 @@ class VertexSearch {
     }
 
     /// Points exactly on the edge are sorted by their coordinates, which is exact too.
-    void sortAlong(const JWRawPoint& from, const JWRawPoint& to, double tolerance) {
-        if (m_found.size() < 2) return;
-        std::sort(m_found.begin(), m_found.end(), [&](const auto& u, const auto& v) {
+    void sortAlong(const JWRawPoint& from, const JWRawPoint& to, double tolerance,
+                   std::vector<Along>& beside) const {
+        if (beside.size() < 2) return;
+        std::sort(beside.begin(), beside.end(), [&](const auto& u, const auto& v) {
             if (tolerance > 0) return u < v;
             return from < to ? point(u.second) < point(v.second)
                              : point(v.second) < point(u.second);
@@ -249,51 +261,114 @@ class VertexSearch {
 
     const std::vector<JWRawPoint>& m_points;
     PackedTree m_tree;
-    std::vector<std::pair<double, int>> m_found;
 };
 
-/// What is to be put into edges: for each place of an edge list a range of `vertices`.
-struct Insertions {
-    std::vector<int> vertices;
-    std::vector<std::size_t> begin, end;
-
-    bool isEmpty() const { return vertices.empty(); }
-};
-
-Insertions findInsertions(const EdgeList& edges, VertexSearch& search, double tolerance) {
-    Insertions found;
-    found.begin.assign(edges.placeCount(), 0);
-    found.end.assign(edges.placeCount(), 0);
-    for (const int a : search.inOrder()) {
-        for (std::size_t place = edges.begin(a); place < edges.end(a); ++place) {
-            found.begin[place] = found.vertices.size();
-            search.find(a, edges.to(place), tolerance, found.vertices);
-            found.end[place] = found.vertices.size();
-        }
+/// What is to be put into edges, for each place of an edge list, found by a team: each worker has
+/// some neighbouring vertices at a time, and a list for what it finds beside their edges.
+class Insertions {
+  public:
+    Insertions(const EdgeList& edges, const VertexSearch& search, double tolerance, int threads)
+        : m_ranges(edges.placeCount()) {
+        constexpr std::int64_t chunk = 2048;
+        const std::vector<int>& order = search.inOrder();
+        const auto count = static_cast<std::int64_t>(order.size());
+        m_lists.resize(static_cast<std::size_t>((count + chunk - 1) / chunk));
+        parallelChunks(Team(threads), count, chunk, [&](std::int64_t begin, std::int64_t end) {
+            std::vector<int>& found = m_lists[static_cast<std::size_t>(begin / chunk)];
+            std::vector<VertexSearch::Along> beside;
+            for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i)
+                for (std::size_t p = edges.begin(order[i]); p < edges.end(order[i]); ++p) {
+                    const std::size_t before = found.size();
+                    search.find(order[i], edges.to(p), tolerance, beside, found);
+                    m_ranges[p] = {static_cast<int>(begin / chunk), static_cast<int>(before),
+                                   static_cast<int>(found.size())};
+                }
+            return true;
+        });
     }
-    return found;
-}
 
-void insertVertices(const EdgeList& edges, const Insertions& found, BoundaryVertices& rings) {
+    std::size_t count() const {
+        std::size_t count = 0;
+        for (const std::vector<int>& list : m_lists) count += list.size();
+        return count;
+    }
+    const int* begin(std::size_t place) const { return listOf(place) + m_ranges[place].begin; }
+    const int* end(std::size_t place) const { return listOf(place) + m_ranges[place].end; }
+
+  private:
+    struct Range {
+        int list = 0, begin = 0, end = 0;
+    };
+    const int* listOf(std::size_t place) const {
+        return m_lists[static_cast<std::size_t>(m_ranges[place].list)].data();
+    }
+
+    std::vector<Range> m_ranges;
+    std::vector<std::vector<int>> m_lists;
+};
+
+/// One ring on its way into the result, while vertices are put in.
+class BentRing {
+  public:
+    /// `mayTurnBack(v, corner)` tells whether a ring may run from an inserted vertex to a corner
+    /// and back.
+    template <class MayTurnBack>
+    void add(int vertex, bool isInserted, const MayTurnBack& mayTurnBack) {
+        const std::size_t n = m_vertices.size();
+        if (isInserted && n >= 2 && m_isInserted[n - 2] != 0 && m_vertices[n - 2] == vertex &&
+            !mayTurnBack(vertex, m_vertices[n - 1])) {
+            m_vertices.pop_back();
+            m_isInserted.pop_back();
+            return;
+        }
+        m_vertices.push_back(vertex);
+        m_isInserted.push_back(isInserted ? 1 : 0);
+    }
+    /// The same about the first vertex; then hands the ring out.
+    template <class MayTurnBack>
+    void moveTo(std::vector<int>& vertices, const MayTurnBack& mayTurnBack) {
+        std::size_t first = 0, end = m_vertices.size();
+        while (end - first > 2 && m_vertices[first + 1] == m_vertices[end - 1] &&
+               m_isInserted[first + 1] != 0 && m_isInserted[end - 1] != 0 &&
+               !mayTurnBack(m_vertices[end - 1], m_vertices[first])) {
+            ++first;
+            --end;
+        }
+        vertices.insert(vertices.end(), m_vertices.begin() + static_cast<std::ptrdiff_t>(first),
+                        m_vertices.begin() + static_cast<std::ptrdiff_t>(end));
+        m_vertices.clear();
+        m_isInserted.clear();
+    }
+
+  private:
+    std::vector<int> m_vertices;
+    std::vector<char> m_isInserted;
+};
+
+void insertVertices(const EdgeList& edges, const Insertions& found, double tolerance,
+                    BoundaryVertices& rings) {
+    const auto mayTurnBack = [&](int v, int corner) {
+        const auto pointOf = [&](int n) { return rings.points[static_cast<std::size_t>(n)]; };
+        return !(pointDistance(pointOf(v), pointOf(corner)) <= 2 * tolerance);
+    };
     std::vector<int> vertices;
-    vertices.reserve(rings.vertices.size() + found.vertices.size());
+    vertices.reserve(rings.vertices.size() + found.count());
     std::vector<std::size_t> ends;
-    const int* all = found.vertices.data();
+    BentRing ring;
     for (std::size_t r = 0; r < rings.ringCount(); ++r) {
         const int* end = rings.end(r);
         for (const int* v = rings.begin(r); v != end; ++v) {
             const int next = v + 1 != end ? v[1] : *rings.begin(r);
             const std::size_t place = edges.placeOf(std::min(*v, next), std::max(*v, next));
-            vertices.push_back(*v);
-            const int* from = all + found.begin[place];
-            const int* to = all + found.end[place];
+            ring.add(*v, false, mayTurnBack);
+            const int *from = found.begin(place), *to = found.end(place);
             if (*v < next) {
-                vertices.insert(vertices.end(), from, to);
+                while (from != to) ring.add(*from++, true, mayTurnBack);
             } else {
-                vertices.insert(vertices.end(), std::make_reverse_iterator(to),
-                                std::make_reverse_iterator(from));
+                while (from != to) ring.add(*--to, true, mayTurnBack);
             }
         }
+        ring.moveTo(vertices, mayTurnBack);
         ends.push_back(vertices.size());
     }
     if (vertices.size() > INT_MAX)
@@ -303,10 +378,11 @@ void insertVertices(const EdgeList& edges, const Insertions& found, BoundaryVert
 }
 
 /// Puts vertices into the edges that they lie beside.
-void splitEdges(VertexSearch& search, double tolerance, BoundaryVertices& rings) {
+void splitEdges(const VertexSearch& search, double tolerance, int threads,
+                BoundaryVertices& rings) {
     const EdgeList edges(rings);
-    const Insertions found = findInsertions(edges, search, tolerance);
-    if (!found.isEmpty()) insertVertices(edges, found, rings);
+    const Insertions found(edges, search, tolerance, threads);
+    if (found.count() > 0) insertVertices(edges, found, tolerance, rings);
 }
 
 /// The tolerance, or 0 where it is below what the coordinates resolve.
@@ -323,7 +399,7 @@ double usableTolerance(const RingViews& rings, double tolerance) {
 
 }  // namespace
 
-BoundaryVertices findBoundaryVertices(const RingViews& rings, double tolerance) {
+BoundaryVertices findBoundaryVertices(const RingViews& rings, double tolerance, int threads) {
     BoundaryVertices result;
     const std::size_t most = pointCountOf(rings);
     tolerance = tolerance > 0 ? usableTolerance(rings, tolerance) : 0;
@@ -333,9 +409,9 @@ BoundaryVertices findBoundaryVertices(const RingViews& rings, double tolerance) 
     } else {
         numberRings(rings, ExactNumbers(result.points, most), result);
     }
-    VertexSearch search(result.points);
-    if (tolerance > 0) splitEdges(search, tolerance, result);
-    splitEdges(search, 0, result);
+    const VertexSearch search(result.points);
+    if (tolerance > 0) splitEdges(search, tolerance, threads, result);
+    splitEdges(search, 0, threads, result);
     return result;
 }
 

@@ -26,7 +26,7 @@ struct BoundaryVertices {
 /// Numbers the vertices of rings and puts in those that lie on an edge of another ring, or within
 /// `tolerance` of one. Rings of one place alone and rings with a coordinate that is not finite have
 /// no vertices. Throws std::length_error for more points than an `int` counts, std::bad_alloc.
-BoundaryVertices findBoundaryVertices(const RingViews& rings, double tolerance);
+BoundaryVertices findBoundaryVertices(const RingViews& rings, double tolerance, int threads = 1);
 
 }  // namespace jws::detail
 

@@ -22,8 +22,7 @@ LayerMapOptions team(int blockSize) { return {blockSize, fixedTeamSize}; }
 /// The answer of the forms with fixed arguments.
 int succeeded(int written) { return written >= 0 ? 1 : 0; }
 
-// --- conversions by their fixed arguments
-// ---------------------------------------------------------
+// Conversions by their fixed arguments
 
 int polygonsToLines(JWFeatureLayer* in, JWFeatureLayer* out, bool namesNeighbours,
                     bool keepAttributes, bool dropOuterBoundary, double tolerance,

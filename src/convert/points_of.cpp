@@ -6,7 +6,8 @@
 // A point within an area, where the centre of mass lies outside: a horizontal line half way between
 // two neighbouring heights of vertices meets no vertex, so that its crossings pair up to stretches
 // inside; the middle of a widest one is taken. Of all such lines the one through the two heights
-// about the middle of the area is used.
+// about the middle of the area is used; where parts lie above one another that may run between
+// them, and the nearest one that meets the area is used instead.
 #include "convert/points_of.h"
 
 #include <algorithm>
@@ -116,20 +117,58 @@ double lengthOf(const JWGeometry& lines) {
     return sum;
 }
 
-/// A height half way between two neighbouring heights of vertices, about the middle of an area;
-/// false when all vertices have one height.
-bool rowBetweenVertices(const JWGeometry& polygon, double& row) {
+/// The different heights of vertices, sorted.
+std::vector<double> heightsOf(const JWGeometry& polygon) {
     std::vector<double> heights;
     everyRing(polygon, [&](const JWRawPoint* p, int n, bool) {
         for (int i = 0; i < n; ++i) heights.push_back(p[i].y);
     });
     std::sort(heights.begin(), heights.end());
     heights.erase(std::unique(heights.begin(), heights.end()), heights.end());
-    if (heights.size() < 2) return false;
+    return heights;
+}
+
+/// Finds the middle of the widest stretch of a row inside an area; false when there is none. The
+/// row meets no vertex.
+bool findWidest(const JWGeometry& polygon, double row, JWRawPoint& middle) {
+    std::vector<double> crossings;
+    everyRing(polygon, [&](const JWRawPoint* p, int n, bool) {
+        for (int i = 0; i + 1 < n; ++i) {
+            const JWRawPoint &a = p[i], &b = p[i + 1];
+            if ((a.y < row) != (b.y < row))
+                crossings.push_back(a.x + (row - a.y) / (b.y - a.y) * (b.x - a.x));
+        }
+    });
+    std::sort(crossings.begin(), crossings.end());
+    double widest = 0;
+    for (std::size_t i = 0; i + 1 < crossings.size(); i += 2) {
+        if (!(crossings[i + 1] - crossings[i] > widest)) continue;
+        widest = crossings[i + 1] - crossings[i];
+        middle.set(0.5 * crossings[i] + 0.5 * crossings[i + 1], row);
+    }
+    return widest > 0;
+}
+
+/// Calls `take(row)` for heights half way between two neighbouring ones, the one about the middle
+/// first, then the others by their distance from it, until it returns true; a hundred at most,
+/// since rows between the parts of an area alternate with rows through them.
+template <class Take>
+void everyRow(const std::vector<double>& heights, const Take& take) {
+    if (heights.size() < 2) return;
     const double middle = 0.5 * heights.front() + 0.5 * heights.back();
-    const auto above = std::upper_bound(heights.begin() + 1, heights.end() - 1, middle);
-    row = 0.5 * above[-1] + 0.5 * above[0];
-    return above[-1] < row && row < above[0];
+    const auto rowAt = [&](std::size_t i) { return 0.5 * heights[i - 1] + 0.5 * heights[i]; };
+    const auto first = static_cast<std::size_t>(
+        std::upper_bound(heights.begin() + 1, heights.end() - 1, middle) - heights.begin());
+    std::size_t above = first + 1, below = first - 1;  // rows to come, below counts down to 0
+    std::size_t next = first;
+    for (int tries = 0; tries < 100; ++tries) {
+        const double row = rowAt(next);
+        if (heights[next - 1] < row && row < heights[next] && take(row)) return;
+        if (above == heights.size() && below == 0) return;
+        const bool goesUp =
+            below == 0 || (above < heights.size() && rowAt(above) - middle < middle - rowAt(below));
+        next = goesUp ? above++ : below--;
+    }
 }
 
 }  // namespace
@@ -217,23 +256,8 @@ void appendPointInArea(const JWGeometry& polygon, Points& result) {
     const std::size_t before = result.size();
     appendAreaCentroid(polygon, result);
     if (result.size() == before || isWithinArea(result.back(), polygon)) return;
-    double row = 0;
-    if (!rowBetweenVertices(polygon, row)) return;  // no area: the centre of the boundary will do
-    std::vector<double> crossings;
-    everyRing(polygon, [&](const JWRawPoint* p, int n, bool) {
-        for (int i = 0; i + 1 < n; ++i) {
-            const JWRawPoint &a = p[i], &b = p[i + 1];
-            if ((a.y < row) != (b.y < row))
-                crossings.push_back(a.x + (row - a.y) / (b.y - a.y) * (b.x - a.x));
-        }
-    });
-    std::sort(crossings.begin(), crossings.end());
-    double widest = 0;
-    for (std::size_t i = 0; i + 1 < crossings.size(); i += 2) {
-        if (!(crossings[i + 1] - crossings[i] > widest)) continue;
-        widest = crossings[i + 1] - crossings[i];
-        result.back().set(0.5 * crossings[i] + 0.5 * crossings[i + 1], row);
-    }
+    everyRow(heightsOf(polygon),
+             [&](double row) { return findWidest(polygon, row, result.back()); });
 }
 
 void appendVertices(const JWGeometry& geometry, int everyNth, double leastSpacing, Points& result) {

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // A layer of the lines between the polygons of another: the layer is read as a whole, its rings are
-// taken apart into lines, and the lines are written in their order. All of it is done by one
-// thread: what could be shared out, making features of lines, costs less than handing them over.
+// taken apart into lines, and the lines are written in their order. A team decodes the polygons and
+// compares their boundaries; features of the lines are made by the thread that writes them, since
+// handing them over between threads costs more than making them.
 #include <algorithm>
 #include <chrono>
 
@@ -10,7 +11,8 @@
 #include "convert/shared_lines.h"
 #include "layers/block_filter.h"
 #include "layers/layer_checks.h"
-#include "layers/ordered_writer.h"
+#include "layers/ordered_walk.h"
+#include "layers/pending_result.h"
 
 namespace jws::detail {
 namespace {
@@ -22,6 +24,7 @@ struct Neighbours {
     int left, right;
     /// The first of them in the order of the layer.
     int first() const { return left < 0 || (right >= 0 && right < left) ? right : left; }
+    bool areTwo() const { return left >= 0 && right >= 0; }
 };
 
 class SharedLineRun {
@@ -32,7 +35,8 @@ class SharedLineRun {
           m_output(output),
           m_namesNeighbours(namesNeighbours),
           m_options(options),
-          m_report(report) {}
+          m_report(report),
+          m_team(options.threads) {}
 
     void createSchema();
     void read();
@@ -40,19 +44,18 @@ class SharedLineRun {
     void writeLines();
 
   private:
-    static constexpr std::int64_t kBlock = 4096;  // features read at a time, at most
-
-    void take(const std::shared_ptr<const JWFeature>& feature);
+    void take(const std::shared_ptr<const JWFeature>& feature, GeometryCheck check);
     bool keepOn() { return JWReport::progress(m_report.readA + m_linesDone, m_total); }
     [[noreturn]] void stop();
-    std::vector<Neighbours> pairsOf(std::size_t line) const;
-    PendingResult makeResult(std::size_t line, const Neighbours& pair) const;
+    Neighbours besideOf(std::size_t line) const;
+    PendingResult makeResult(std::size_t line, const Neighbours& beside) const;
 
     FeatureInput& m_input;
     FeatureOutput& m_output;
     bool m_namesNeighbours;
     const JWConvertOptions& m_options;
     JWLayerReport& m_report;
+    Team m_team;
     ResultSchema m_schema;
     std::int64_t m_total = 0;
     std::int64_t m_linesDone = 0;
@@ -84,19 +87,22 @@ void SharedLineRun::stop() {
 void SharedLineRun::read() {
     const std::int64_t count = m_input.count();
     m_total = 2 * count;
-    const int wanted = m_options.blockSize;
-    const Blocks blocks(count, wanted > 0 && wanted < kBlock ? wanted : static_cast<int>(kBlock));
-    std::vector<std::shared_ptr<const JWFeature>> block;
-    for (std::int64_t i = 0; i < blocks.number(); ++i) {
-        m_input.readBlock(blocks.first(i) - 1, blocks.size(), block);
-        for (const auto& feature : block) take(feature);
-        if (!keepOn()) stop();
-    }
+    using Chunk = FeatureChunk<GeometryCheck>;
+    const auto check = [](Chunk& chunk) {
+        for (std::size_t i = 0; i < chunk.size(); ++i)
+            chunk.slots[i] = checkGeometry(*chunk.feature(i), AreaKind);
+    };
+    const auto finish = [this](Chunk& chunk, std::size_t i) {
+        take(chunk.feature(i), chunk.slots[i]);
+    };
+    OrderedWalk<GeometryCheck> walk(m_team, m_input, {check, finish, [this] { return keepOn(); }});
+    const Blocks blocks(count, m_options.blockSize);
+    for (std::int64_t i = 0; i < blocks.number(); ++i)
+        if (!walk.run(blocks.first(i) - 1, blocks.size())) stop();
 }
 
-void SharedLineRun::take(const std::shared_ptr<const JWFeature>& feature) {
+void SharedLineRun::take(const std::shared_ptr<const JWFeature>& feature, GeometryCheck check) {
     ++m_report.readA;
-    const GeometryCheck check = checkGeometry(*feature, AreaKind);
     if (check == GeometryCheck::Empty) ++m_report.emptyA;
     const std::string reason = reasonOf(check, *feature, AreaKind);
     if (!reason.empty())
@@ -111,7 +117,7 @@ void SharedLineRun::take(const std::shared_ptr<const JWFeature>& feature) {
 
 void SharedLineRun::findLines() {
     try {
-        m_lines = findSharedLines(m_rings, m_owners, m_options.tolerance);
+        m_lines = findSharedLines(m_rings, m_owners, m_options.tolerance, m_options.threads);
     } catch (const std::bad_alloc&) {
         JWReport::message("spatial index initialize failed!\n");
         throw;
@@ -121,34 +127,27 @@ void SharedLineRun::findLines() {
     }
 }
 
-/// The polygons on both sides: first with first, and so on, the shorter list's last one repeated.
-std::vector<Neighbours> SharedLineRun::pairsOf(std::size_t line) const {
+/// The first polygon on each side.
+Neighbours SharedLineRun::besideOf(std::size_t line) const {
     const ListView<int> left = m_lines.left[line], right = m_lines.right[line];
-    if (m_options.dropOuterBoundary && (left.size() == 0 || right.size() == 0)) return {};
-    const auto member = [](const ListView<int>& list, std::size_t i) {
-        return list.size() == 0 ? -1 : list[std::min(i, list.size() - 1)];
-    };
-    const std::size_t count = m_namesNeighbours ? std::max(left.size(), right.size()) : 1;
-    std::vector<Neighbours> pairs;
-    for (std::size_t i = 0; i < count; ++i) pairs.push_back({member(left, i), member(right, i)});
-    return pairs;
+    return {left.size() == 0 ? -1 : left[0], right.size() == 0 ? -1 : right[0]};
 }
 
-PendingResult SharedLineRun::makeResult(std::size_t line, const Neighbours& pair) const {
+PendingResult SharedLineRun::makeResult(std::size_t line, const Neighbours& beside) const {
     const ListView<JWRawPoint> points = m_lines.lines[line];
     const auto fid = [&](int polygon) {
         return polygon < 0 ? std::int64_t{-1}
                            : m_polygons[static_cast<std::size_t>(polygon)]->getFID64();
     };
     PendingResult result;
-    const JWFeature* first = m_polygons[static_cast<std::size_t>(pair.first())].get();
+    const JWFeature* first = m_polygons[static_cast<std::size_t>(beside.first())].get();
     result.feature = m_schema.makeFeature(
         std::make_unique<JWLineString>(points.begin(), static_cast<int>(points.size())), {first},
         result.lostField);
-    result.feature->setFieldValue(0, fid(pair.first()));
+    result.feature->setFieldValue(0, fid(beside.first()));
     if (m_namesNeighbours) {
-        result.feature->setFieldValue(1, fid(pair.left));
-        result.feature->setFieldValue(2, fid(pair.right));
+        result.feature->setFieldValue(1, fid(beside.left));
+        result.feature->setFieldValue(2, fid(beside.right));
     }
     return result;
 }
@@ -157,11 +156,11 @@ void SharedLineRun::writeLines() {
     constexpr std::size_t often = 256;
     m_total = m_report.readA + static_cast<std::int64_t>(m_lines.lines.count());
     for (std::size_t line = 0; line < m_lines.lines.count(); ++line) {
-        for (const Neighbours& pair : pairsOf(line)) {
-            PendingResult result = makeResult(line, pair);
-            const auto first = static_cast<std::size_t>(pair.first());
-            writeResult(m_output, result, m_input, m_polygons[first]->getFID64(), m_report);
-        }
+        const Neighbours beside = besideOf(line);
+        if (m_options.dropOuterBoundary && !beside.areTwo()) continue;
+        PendingResult result = makeResult(line, beside);
+        const auto first = static_cast<std::size_t>(beside.first());
+        writeResult(m_output, result, m_input, m_polygons[first]->getFID64(), m_report);
         m_linesDone = static_cast<std::int64_t>(line);
         if (line % often == 0 && !keepOn()) stop();
     }
@@ -170,10 +169,10 @@ void SharedLineRun::writeLines() {
 std::int64_t convert(FeatureInput& input, FeatureOutput& output, bool namesNeighbours,
                      const JWConvertOptions& options, JWLayerReport& report) {
     SharedLineRun run(input, output, namesNeighbours, options, report);
-    run.createSchema();
     const Clock::time_point start = Clock::now();
     run.read();
     run.findLines();
+    run.createSchema();
     const Clock::time_point found = Clock::now();
     output.begin();
     try {

@@ -201,21 +201,26 @@ std::vector<Side> sidesOf(const RingViews& rings, const std::vector<int>& owners
 }
 
 /// Names the polygons beside each line. A polygon that runs along it to and fro stands on the side
-/// that prevails, on both where neither does.
+/// that prevails; where neither does, on both, but only if there is nobody else.
 void findSides(const RingViews& rings, const std::vector<int>& owners, SharedLines& result) {
     const std::vector<Side> sides = sidesOf(rings, owners, result);
     auto side = sides.begin();
     for (std::size_t line = 0; line < result.lines.count(); ++line) {
         const auto first = side;
         while (side != sides.end() && side->line == static_cast<int>(line)) ++side;
+        const std::size_t left = result.left.members.size(), right = result.right.members.size();
         for (auto own = first; own != side; ++own) {
             const auto isSame = [&](const Side& other) { return other.owner == own->owner; };
             if (std::find_if(first, own, isSame) != own) continue;
             int balance = 0;
             for (auto other = own; other != side; ++other)
                 if (isSame(*other)) balance += other->isLeft ? 1 : -1;
-            if (balance >= 0) result.left.members.push_back(own->owner);
-            if (balance <= 0) result.right.members.push_back(own->owner);
+            if (balance > 0) result.left.members.push_back(own->owner);
+            if (balance < 0) result.right.members.push_back(own->owner);
+        }
+        if (result.left.members.size() == left && result.right.members.size() == right) {
+            result.left.members.push_back(first->owner);
+            result.right.members.push_back(first->owner);
         }
         result.left.endList();
         result.right.endList();
@@ -225,9 +230,9 @@ void findSides(const RingViews& rings, const std::vector<int>& owners, SharedLin
 }  // namespace
 
 SharedLines findSharedLines(const RingViews& rings, const std::vector<int>& owners,
-                            double tolerance) {
+                            double tolerance, int threads) {
     SharedLines result;
-    const BoundaryVertices vertices = findBoundaryVertices(rings, tolerance);
+    const BoundaryVertices vertices = findBoundaryVertices(rings, tolerance, threads);
     LineMaker(vertices, result).makeLines();
     findSides(rings, owners, result);
     return result;

@@ -53,8 +53,8 @@ struct SharedLines {
     ListOfLists<JWRawPoint> lines;
     /// For each line the polygons on its left and right, by the numbers that the rings were given
     /// with, each once and in the order of the rings. One or none on each side in a clean coverage.
-    /// A polygon that runs along a line to and fro, as spikes do, stands on the side that prevails,
-    /// on both where neither does.
+    /// A polygon that runs along a line to and fro, as spikes do, stands on the side that prevails.
+    /// Where neither does it stands on none, but the first one on both where there is nobody else.
     ListOfLists<int> left, right;
     /// For each ring the lines that make it up, in the order of its points, beginning with the
     /// first line that starts at or after its first point. A closed line may begin elsewhere. Empty
@@ -66,7 +66,8 @@ struct SharedLines {
 ///
 /// A place on a line has the interior of its left polygons directly on its left, as each polygon by
 /// itself sees it: the outer ring and the holes may run either way. A ring without an area counts
-/// as running counter-clockwise. Where polygons overlap, each line names the polygons that it is a
+/// as running counter-clockwise, and a ring that crosses itself has its interior on one side all
+/// along. Where polygons overlap, each line names the polygons that it is a
 /// boundary of; boundaries that cross are not cut there, and nothing else is looked for around a
 /// line. So every polygon is named along the whole of its boundary, and the rings put together from
 /// their lines are the rings given, with vertices of others added where they lie on an edge.
@@ -75,10 +76,11 @@ struct SharedLines {
 /// \param tolerance  layer units; vertices this near to one another become one (the first), and
 ///     edges are bent through vertices this near. 0 and less, NaN, and what is below the resolution
 ///     of the coordinates mean exact.
+/// \param threads    of the team that shares the search out; the result is the same for any
 ///
 /// Throws std::length_error for more points than an `int` counts, std::bad_alloc. Cost: O(n log n).
 SharedLines findSharedLines(const RingViews& rings, const std::vector<int>& owners,
-                            double tolerance);
+                            double tolerance, int threads = 1);
 
 }  // namespace jws::detail
 

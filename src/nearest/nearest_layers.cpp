@@ -9,7 +9,7 @@
 #include "foundation/parallel.h"
 #include "foundation/vertex_lists.h"
 #include "layers/geometry_check.h"
-#include "layers/ordered_writer.h"
+#include "layers/pending_result.h"
 
 namespace jws::detail {
 namespace {

@@ -258,7 +258,7 @@ INSTANTIATE_TEST_SUITE_P(
         LayerCase{"another kind", &kPoints, FORMS(convertPolygonLayerToPointLayerByVertices, false),
                   "ogig_fid:"}));
 
-TEST(ConvertLayers, SeveralPolygonsOnOneSideAreAllNamed) {
+TEST(ConvertLayers, TheFirstOfSeveralPolygonsOnOneSideIsNamed) {
     const std::vector<Row> rows = {{1, "POLYGON((0 0,1 0,1 1,0 1,0 0))", ""},
                                    {2, "POLYGON((0 0,1 0,1 1,0 1,0 0))", ""},
                                    {3, "POLYGON((1 0,2 0,2 1,1 1,1 0))", ""}};
@@ -267,8 +267,7 @@ TEST(ConvertLayers, SeveralPolygonsOnOneSideAreAllNamed) {
                          return Convert::convertPolygonLayerToLineLayerWithAttributes(
                              in, out, false, true, 0, 10);
                      }),
-              "orig_fid,left_fid,right_fid: LINESTRING (1 0, 1 1)|1|1|3; LINESTRING (1 0, 1 "
-              "1)|2|2|3;");
+              "orig_fid,left_fid,right_fid: LINESTRING (1 0, 1 1)|1|1|3;");
 }
 
 TEST(ConvertLayers, AnyKindToPointsWithSettings) {
@@ -298,6 +297,24 @@ TEST(ConvertLayers, AnyKindToPointsWithSettings) {
         ASSERT_EQ(report.rejected.size(), 1u);
         EXPECT_EQ(report.rejected[0].fid, 4);
     }
+}
+
+/// Parts above one another: the row about the middle runs between them.
+TEST(ConvertLayers, InsidePointsOfStackedParts) {
+    LayerPtr in =
+        layerOf("in", {{-1,
+                        "MULTIPOLYGON(((0 0,10 0,10 10,0 10,0 0)),((0 100,10 100,10 110,0 "
+                        "110,0 100)))",
+                        ""},
+                       {-1,
+                        "MULTIPOLYGON(((0 0,9 0,9 1,0 1,0 0)),((0 6,4 6,4 9,0 9,0 6)),((5 "
+                        "20,6 20,6 21,5 20)))",
+                        ""},
+                       {-1, "POLYGON((0 0,5 5,9 9,0 0))", ""}});
+    LayerPtr out = emptyLayer("out");
+    Convert::convertLayerToPointLayer(in.get(), out.get(), JWPointInside, {}, nullptr);
+    EXPECT_EQ(contentOf(*out),
+              (std::vector<std::string>{"POINT (5 5)|0", "POINT (2 7.5)|1", "POINT (4.5 4.5)|2"}));
 }
 
 /// Inside points of random stars with holes lie within, by the crossing number over all rings.
@@ -365,7 +382,10 @@ TEST(ConvertLayers, CountiesLieOnTheSidesThatNameThem) {
         if (right >= 0)
             wrong += !isInside(*byFid[right], onRight) || isInside(*byFid[right], onLeft) ? 1 : 0;
     }
-    EXPECT_LE(wrong, 8) << "borders that the data runs along three times, at five places";
+    // Counties 915, 1304 and 2715 cross themselves next to a border: the tip beyond the crossing
+    // lies on its other side. One edge of 2057 runs back along another one, 3e-15 degrees beside
+    // it.
+    EXPECT_EQ(wrong, 4);
 }
 
 TEST(ConvertLayers, TeamWritesTheSame) {
