@@ -45,6 +45,9 @@ struct JWNearestOptions {
     bool skipSameIdentifier = false;
     /// Threads of the team; 0 or less means one per core. The result is the same for any number.
     int threads = 1;
+    /// Source features of a layer that are held at a time, 16,384 at most; 0 or less means that
+    /// many. The result is the same for any number.
+    int blockSize = 0;
 };
 
 /// A feature and one of those nearest to it.
@@ -62,10 +65,11 @@ struct JWNearestPair {
 /// Distance functions return the distance and write the points that realise it. An answer of -1.0
 /// means that nothing was written: a null pointer, an output's included, an operand without points
 /// (for functions that compare segments: without segments), or distances none of which is a finite
-/// number. Empty members of multi-geometries are passed over. Minima are taken in the order of the
-/// points, segments and members, the first operand's first; of equal candidates the last one stays
-/// unless stated otherwise. With polygons the loop over polygons is the outermost one. Rectangles
-/// that geometries store are not read, but by `isPointInRing`.
+/// number; the first three functions answer what the formula gives. Empty members of
+/// multi-geometries are passed over. Minima are taken in the order of the points, segments and
+/// members, the first operand's first; of equal candidates the last one stays unless stated
+/// otherwise. With polygons the loop over polygons is the outermost one. Rectangles that geometries
+/// store are not read.
 ///
 /// The class holds no state; all functions may run on any number of threads at once, layer
 /// operations on different layers.
@@ -195,7 +199,8 @@ class JW_API JWGeometryNearest {
     ///
     /// The square is centred on a point, or on the rectangle around a line, and grows by a fixed
     /// part (1/16, 1/8 for points to rings, 1/32 for lines to rings and polygons) of the larger
-    /// side of the target layer's extent, until the rectangle of a target meets it. Among the
+    /// side of the target layer's extent, which is the rectangle around its finite geometries,
+    /// until the rectangle of a target meets it. Among the
     /// targets whose rectangles do, the nearest are the answer; a nearer one just outside of the
     /// square is not. Where the source lies outside of the extent, the square is larger by how far
     /// it does so on the first axis found, so that a source far off in both directions may get no
@@ -209,8 +214,9 @@ class JW_API JWGeometryNearest {
     /// rings. Distances are those of the functions above; ties are written in the order of the
     /// target layer.
     ///
-    /// The output gets two integer fields and the real field "ShortestLength", behind the fields it
-    /// has. The first always holds the identifier of the source, the second that of the target:
+    /// The output gets two integer fields, 64 bits wide where identifiers need that, and the real
+    /// field "ShortestLength", behind the fields it has. The first always holds the identifier of
+    /// the source, the second that of the target:
     ///
     /// | operation | first field | second field | line from, to |
     /// |---|---|---|---|
@@ -230,7 +236,8 @@ class JW_API JWGeometryNearest {
     /// inputs, not open for writing or has a field of one of these names, an input has no features
     /// with a geometry or cannot be read, or the results cannot be stored; nothing is written then.
     /// Features of another kind and such with coordinates that are not finite are left out, and the
-    /// first of them is the last error of an operation that returns true. Results are written in
+    /// first of them is the last error of an operation that returns true; how many sources got no
+    /// answer is the warning of the report. Results are written in
     /// one transaction; the output stays open.
     ///
     /// Cost: about O((n + m) log m). The search looks at the tree of targets in the order of
@@ -253,23 +260,27 @@ class JW_API JWGeometryNearest {
     static bool shortestLinesToPolygons(JWFeatureLayer* source, JWFeatureLayer* target,
                                         JWFeatureLayer* output);
     /// Does the same on `threads` threads (0 or less: one per core), with an account in `report`
-    /// (may be null). Returns the number of features written, or -1.
+    /// (may be null). `blockSize` is the number of sources held at a time, 16,384 at most; 0 or
+    /// less means that many. Returns the number of features written, or -1.
     static int shortestFeatures(enumJWShortestOperation operation, JWFeatureLayer* source,
                                 JWFeatureLayer* target, JWFeatureLayer* output, int threads,
-                                JWLayerReport* report);
+                                JWLayerReport* report, int blockSize = 0);
     /// @}
 
     /// @name Nearest features, exactly
     ///
     /// The nearest target features of each source feature, of any kinds: points, lines, polygons
-    /// and their multi-forms. Polygons are areas, read by the even-odd rule: what lies inside is at
-    /// distance 0. Whether segments meet and points lie inside is decided without rounding;
-    /// distances are rounded as usual. All targets as near as the last one asked for are kept.
+    /// and their multi-forms, but not collections of several kinds. Polygons are areas, read by the
+    /// even-odd rule: what lies inside is at distance 0. Whether segments meet and points lie
+    /// inside is decided without rounding; distances are rounded as usual. All targets as near as
+    /// the last one asked for are kept. Features with a coordinate beyond 1e150 are refused; places
+    /// that are less than 1e-150 apart may count as one.
     /// @{
 
     /// Appends the pairs to `pairs`: by source, then by distance, then by target. Features without
     /// a geometry, of another kind, and with coordinates that are not finite take no part. Returns
-    /// the number of pairs, -1 with the last error set for a null class or `count` below 1.
+    /// the number of pairs, -1 with the last error set for a null class, `count` below 1, or a
+    /// `maxDistance` that is negative or NaN.
     ///
     /// Cost: O(m log m) to build a tree over m target segments, then about O(log m) for each source
     /// segment and answer.

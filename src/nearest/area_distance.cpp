@@ -17,7 +17,7 @@ RingDistance::RingDistance(const JWRing& ring, bool prepare)
     for (int i = 0; i < m_count; ++i) m_envelop.inflates_to_contain(m_points[i]);
     if (prepare)
         m_prepared = std::make_unique<const Prepared>(
-            Prepared{RingLocator(m_points, m_count), PieceTree(m_points, m_count)});
+            Prepared{RingLocator(m_points, m_count), SegmentTree(m_points, m_count)});
 }
 
 bool RingDistance::isOn(const JWRawPoint& p) const {
@@ -38,7 +38,7 @@ LastLeast RingDistance::nearestEdge(const JWEnvelop& box, double limit, OfEqual 
     if (m_prepared) return nearestPiece(m_prepared->edges, box, limit, keeps, measure);
     NumberedLeast<int> least(keeps);
     for (int i = 0; i + 1 < m_count; ++i)
-        least.take(i, measure(Piece{m_points[i], m_points[i + 1]}));
+        least.take(i, measure(Segment{m_points[i], m_points[i + 1]}));
     return least.result();
 }
 
@@ -49,11 +49,11 @@ LastLeast RingDistance::fromPoint(const JWRawPoint& p, double limit) const {
         return zero;
     }
     return nearestEdge(boxOf({p, p}), limit, OfEqual::Last,
-                       [&](const Piece& edge) { return fromPointToSegment(p, edge.a, edge.b); });
+                       [&](const Segment& edge) { return fromPointToSegment(p, edge.a, edge.b); });
 }
 
 LastLeast RingDistance::fromSegment(const JWRawPoint& a, const JWRawPoint& b, double limit) const {
-    return nearestEdge(boxOf({a, b}), limit, OfEqual::First, [&](const Piece& edge) {
+    return nearestEdge(boxOf({a, b}), limit, OfEqual::First, [&](const Segment& edge) {
         return fromSegmentToSegment(a, b, edge.a, edge.b);
     });
 }

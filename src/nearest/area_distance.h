@@ -7,7 +7,7 @@
 
 #include "foundation/ring_position.h"
 #include "jw_geometry.h"
-#include "nearest/piece_lists.h"
+#include "nearest/segment_lists.h"
 
 namespace jws::detail {
 
@@ -29,7 +29,7 @@ class RingDistance {
   private:
     struct Prepared {
         RingLocator locator;
-        PieceTree edges;
+        SegmentTree edges;
     };
 
     template <class Measure>

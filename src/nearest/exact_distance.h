@@ -9,13 +9,13 @@
 #include "foundation/orientation.h"
 #include "foundation/ring_math.h"
 #include "jw_geometry.h"
-#include "nearest/piece_lists.h"
+#include "nearest/segment_lists.h"
 
 namespace jws::detail {
 
 /// True when two segments have a point in common, which is stored: an end of one of them that lies
 /// on the other, or the crossing, rounded.
-inline bool findCommonPoint(const Piece& s, const Piece& t, JWRawPoint& common) {
+inline bool findCommonPoint(const Segment& s, const Segment& t, JWRawPoint& common) {
     if (!segmentBoxesMeet(s.a, s.b, t.a, t.b)) return false;
     const int a = orientationSign(t.a, t.b, s.a), b = orientationSign(t.a, t.b, s.b);
     const int c = orientationSign(s.a, s.b, t.a), d = orientationSign(s.a, s.b, t.b);
@@ -39,7 +39,7 @@ inline bool findCommonPoint(const Piece& s, const Piece& t, JWRawPoint& common) 
 }
 
 /// Between pieces; the ends in the order s.a, s.b, t.a, t.b, of equal ones the first.
-inline Closest exactDistance(const Piece& s, const Piece& t) {
+inline Closest exactDistance(const Segment& s, const Segment& t) {
     const bool isPoint = s.a == s.b;
     Closest least = fromPointToSegment(s.a, t.a, t.b);
     if (isPoint && t.a == t.b) return least;

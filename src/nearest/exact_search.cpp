@@ -4,7 +4,7 @@
 //
 // All targets are taken apart into points and segments, which are the pieces of one tree. For a
 // source the tree hands out what may be as near as the last target wanted, near ones first: what it
-// leaves out cannot be nearer or tie, whatever the rounding (piece_tree.h), so the answer is that
+// leaves out cannot be nearer or tie, whatever the rounding (segment_tree.h), so the answer is that
 // of measuring everything.
 //
 // An area reaches from its boundary to what lies inside of it. If a part of a source (a point, a
@@ -50,7 +50,7 @@ void everyPart(const JWGeometry& geometry, const Visit& visit) {
 }
 
 /// Appends the pieces of a part; a single point is one piece.
-void appendPieces(const JWRawPoint* p, std::size_t n, Pieces& pieces) {
+void appendPieces(const JWRawPoint* p, std::size_t n, Segments& pieces) {
     if (n == 1) pieces.push_back({p[0], p[0]});
     appendSegments(p, static_cast<int>(n), pieces);
 }
@@ -64,7 +64,7 @@ class BestTargets {
           m_entryOf(targets, -1) {}
 
     void clear() {
-        for (const Entry& entry : m_entries) m_entryOf[at(entry.connection.target)] = -1;
+        for (const Entry& entry : m_entries) m_entryOf[at(entry.connection.index)] = -1;
         m_entries.clear();
         m_distances.clear();
     }
@@ -78,7 +78,7 @@ class BestTargets {
     /// apart: the lowest stays. `place` is where the tree has the piece; -1 for none.
     void take(int target, std::pair<int, int> number, int place, const Closest& closest) {
         if (!(closest.distance <= limit())) return;
-        const Entry entry{{target, closest.distance, closest.p, closest.q}, number, place};
+        const Entry entry{{closest.p, closest.q, closest.distance, target}, number, place};
         int& index = m_entryOf[at(target)];
         if (index < 0) {
             index = static_cast<int>(m_entries.size());
@@ -112,19 +112,19 @@ class BestTargets {
         return index >= 0 && m_entries[at(index)].connection.length == 0;
     }
 
-    void appendTo(Connections& connections) const {
+    void appendTo(ShortestRecords& connections) const {
         const auto first = static_cast<std::ptrdiff_t>(connections.size());
         for (const Entry& entry : m_entries)
             if (entry.connection.length <= limit()) connections.push_back(entry.connection);
         std::sort(connections.begin() + first, connections.end(),
-                  [](const Connection& a, const Connection& b) {
-                      return a.length != b.length ? a.length < b.length : a.target < b.target;
+                  [](const ShortestRecord& a, const ShortestRecord& b) {
+                      return a.length != b.length ? a.length < b.length : a.index < b.index;
                   });
     }
 
   private:
     struct Entry {
-        Connection connection;
+        ShortestRecord connection;
         std::pair<int, int> number;
         int place;
     };
@@ -144,6 +144,8 @@ class ExactSearch : public NearestMethod {
     unsigned sourceKinds() const override { return PointKind | LineKind | AreaKind; }
     unsigned targetKinds() const override { return sourceKinds(); }
     bool takesMultiPoints() const override { return true; }
+    double largestCoordinate() const override { return 1e150; }
+    const char* whyNone() const override { return "nothing lies within the largest distance"; }
 
     void setTargets(const FeatureList& targets, const JWEnvelop& extent) override;
     NearestFinder finder() const override;
@@ -156,13 +158,13 @@ class ExactSearch : public NearestMethod {
     /// A source, and memory that a worker uses again.
     struct Source {
         NearestSource of;
-        Pieces pieces;
-        std::unique_ptr<const PieceTree> tree;
+        Segments pieces;
+        std::unique_ptr<const SegmentTree> tree;
         /// Places near the source before, which lies nearby: their distance bounds the search.
         std::vector<int> nearPlaces;
     };
 
-    void addTarget(const JWFeature& feature, Pieces& pieces);
+    void addTarget(const JWFeature& feature, Segments& pieces);
     void load(const NearestSource& of, Source& source) const;
     bool isLeftOut(int target, const Source& source) const {
         return m_options.skipSameIdentifier &&
@@ -188,11 +190,11 @@ class ExactSearch : public NearestMethod {
     bool m_hasAreas = false;
     mutable PackedTree m_targetTree;  ///< over the targets' rectangles, for areas
     mutable std::once_flag m_targetTreeMade;
-    PieceTree m_pieces;
+    SegmentTree m_pieces;
     std::vector<int> m_owners;  ///< the targets of the pieces, in the order of the tree
 };
 
-void ExactSearch::addTarget(const JWFeature& feature, Pieces& pieces) {
+void ExactSearch::addTarget(const JWFeature& feature, Segments& pieces) {
     const JWGeometry& geometry = *feature.getGeometryPtr();
     everyPart(geometry, [&](const JWRawPoint* p, std::size_t n) { appendPieces(p, n, pieces); });
     m_hasAreas |= isArea(geometry);
@@ -201,7 +203,7 @@ void ExactSearch::addTarget(const JWFeature& feature, Pieces& pieces) {
 }
 
 void ExactSearch::setTargets(const FeatureList& targets, const JWEnvelop&) {
-    Pieces pieces;
+    Segments pieces;
     std::vector<int> owners;
     pieces.reserve(targets.size());
     m_targets.reserve(targets.size());
@@ -209,7 +211,7 @@ void ExactSearch::setTargets(const FeatureList& targets, const JWEnvelop&) {
         addTarget(*targets[i], pieces);
         owners.resize(pieces.size(), static_cast<int>(i));
     }
-    m_pieces = PieceTree(pieces);
+    m_pieces = SegmentTree(pieces);
     m_owners.reserve(owners.size());
     for (int place = 0; place < m_pieces.size(); ++place)
         m_owners.push_back(owners[static_cast<std::size_t>(m_pieces.number(place))]);
@@ -223,7 +225,7 @@ void ExactSearch::load(const NearestSource& of, Source& source) const {
     everyPart(of.geometry(),
               [&](const JWRawPoint* p, std::size_t n) { appendPieces(p, n, source.pieces); });
     if (source.pieces.size() > kManyPieces)
-        source.tree = std::make_unique<const PieceTree>(source.pieces);
+        source.tree = std::make_unique<const SegmentTree>(source.pieces);
 }
 
 /// Targets that a part of the source lies in.
@@ -262,12 +264,12 @@ void ExactSearch::takeEnclosed(const Source& source, BestTargets& best) const {
 void ExactSearch::takePiece(int place, const Source& source, BestTargets& best) const {
     const int target = m_owners[static_cast<std::size_t>(place)];
     if (isLeftOut(target, source) || best.isAtZero(target)) return;
-    const Piece piece = m_pieces.piece(place);
+    const Segment piece = m_pieces.piece(place);
     const int number = m_pieces.number(place);
     if (source.tree) {
         const LastLeast least =
             nearestPiece(*source.tree, boxOf(piece), best.limit(), OfEqual::First,
-                         [&](const Piece& from) { return exactDistance(from, piece); });
+                         [&](const Segment& from) { return exactDistance(from, piece); });
         if (least.found()) best.take(target, {number, 0}, place, least.closest());
         return;
     }
@@ -279,7 +281,7 @@ void ExactSearch::takePiece(int place, const Source& source, BestTargets& best) 
 NearestFinder ExactSearch::finder() const {
     const auto best = std::make_shared<BestTargets>(m_targets.size(), m_options);
     const auto source = std::make_shared<Source>();
-    return [this, best, source](const NearestSource& of, Connections& connections) {
+    return [this, best, source](const NearestSource& of, ShortestRecords& connections) {
         load(of, *source);
         if (source->pieces.empty()) return;
         best->clear();

@@ -12,16 +12,16 @@ std::size_t edgeCountOf(const JWPolygon& polygon) {
     return count;
 }
 
-Pieces pointsOf(const JWMultiPoint& points) {
-    Pieces pieces;
+Segments pointsOf(const JWMultiPoint& points) {
+    Segments pieces;
     for (const JWPoint& p : points.getMemberList())
         pieces.push_back({p.getRawPoint(), p.getRawPoint()});
     return pieces;
 }
 
 /// Segments, and the points that lines of one point are.
-Pieces segmentsAndPointsOf(const JWGeometry& lines) {
-    Pieces pieces;
+Segments segmentsAndPointsOf(const JWGeometry& lines) {
+    Segments pieces;
     everyVertexList(lines, [&](const JWRawPoint* p, std::size_t n) {
         if (n == 1) pieces.push_back({p[0], p[0]});
         appendSegments(p, static_cast<int>(n), pieces);
@@ -30,26 +30,26 @@ Pieces segmentsAndPointsOf(const JWGeometry& lines) {
     return pieces;
 }
 
-PieceTree treeOver(const std::vector<JWRawPoint>& line) {
-    return PieceTree(line.data(), static_cast<int>(line.size()));
+SegmentTree treeOver(const std::vector<JWRawPoint>& line) {
+    return SegmentTree(line.data(), static_cast<int>(line.size()));
 }
 
 /// Measures from each of `pieces` to each polygon: `measure(area, piece, limit)`.
 template <class Measure>
-LastLeast toAreas(const Pieces& pieces, const JWGeometry& areas, const Measure& measure) {
+LastLeast toAreas(const Segments& pieces, const JWGeometry& areas, const Measure& measure) {
     LastLeast least;
     everyPolygon(areas, [&](const JWPolygon& polygon) {
         const bool prepare = pieces.size() > 1 && pieces.size() * edgeCountOf(polygon) > kFewPairs;
         const AreaDistance area(polygon, prepare);
-        for (const Piece& piece : pieces) least.take(measure(area, piece, least.least()));
+        for (const Segment& piece : pieces) least.take(measure(area, piece, least.least()));
     });
     return least;
 }
 
 }  // namespace
 
-Pieces segmentsOf(const JWGeometry& lines) {
-    Pieces pieces;
+Segments segmentsOf(const JWGeometry& lines) {
+    Segments pieces;
     everyVertexList(lines, [&](const JWRawPoint* p, std::size_t n) {
         appendSegments(p, static_cast<int>(n), pieces);
         return true;
@@ -76,31 +76,32 @@ LastLeast pointToPoints(const JWRawPoint& p, const JWMultiPoint& points) {
 }
 
 LastLeast pointToAreas(const JWRawPoint& p, const JWGeometry& areas) {
-    return toAreas({{p, p}}, areas, [](const AreaDistance& area, const Piece& point, double limit) {
-        return area.fromPoint(point.a, limit);
-    });
+    return toAreas({{p, p}}, areas,
+                   [](const AreaDistance& area, const Segment& point, double limit) {
+                       return area.fromPoint(point.a, limit);
+                   });
 }
 
 LastLeast pointsToPoints(const JWMultiPoint& a, const JWMultiPoint& b) {
     return leastOfPairs(pointsOf(a), pointsOf(b),
-                        [](const Piece& p, const Piece& q) { return betweenPoints(p.a, q.a); });
+                        [](const Segment& p, const Segment& q) { return betweenPoints(p.a, q.a); });
 }
 
 LastLeast pointsToLines(const JWMultiPoint& points, const JWGeometry& lines) {
     return leastOfPairs(pointsOf(points), segmentsAndPointsOf(lines),
-                        [](const Piece& p, const Piece& segment) {
+                        [](const Segment& p, const Segment& segment) {
                             return fromPointToSegment(p.a, segment.a, segment.b);
                         });
 }
 
 LastLeast pointsToAreas(const JWMultiPoint& points, const JWGeometry& areas) {
     return toAreas(pointsOf(points), areas,
-                   [](const AreaDistance& area, const Piece& point, double limit) {
+                   [](const AreaDistance& area, const Segment& point, double limit) {
                        return area.fromPoint(point.a, limit);
                    });
 }
 
-LastLeast segmentToLines(const Piece& segment, const JWGeometry& lines) {
+LastLeast segmentToLines(const Segment& segment, const JWGeometry& lines) {
     LastLeast least;
     everyVertexList(lines, [&](const JWRawPoint* p, std::size_t n) {
         for (std::size_t i = 0; i + 1 < n; ++i)
@@ -110,13 +111,13 @@ LastLeast segmentToLines(const Piece& segment, const JWGeometry& lines) {
     return least;
 }
 
-LastLeast segmentToRing(const Piece& segment, const JWRing& ring) {
+LastLeast segmentToRing(const Segment& segment, const JWRing& ring) {
     return RingDistance(ring, false)
         .fromSegment(segment.a, segment.b, std::numeric_limits<double>::max());
 }
 
 LastLeast linesToLines(const JWGeometry& a, const JWGeometry& b) {
-    const auto measure = [](const Piece& s, const Piece& t) {
+    const auto measure = [](const Segment& s, const Segment& t) {
         return fromSegmentToSegment(s.a, s.b, t.a, t.b);
     };
     if (a.getGeometryType() == JWGeometryLineString &&
@@ -129,9 +130,9 @@ LastLeast linesToLines(const JWGeometry& a, const JWGeometry& b) {
     return leastOfPairs(segmentsOf(a), segmentsOf(b), measure);
 }
 
-LastLeast segmentsToAreas(const Pieces& segments, const JWGeometry& areas) {
+LastLeast segmentsToAreas(const Segments& segments, const JWGeometry& areas) {
     return toAreas(
-        segments, areas, [](const AreaDistance& area, const Piece& segment, double limit) {
+        segments, areas, [](const AreaDistance& area, const Segment& segment, double limit) {
             return area.fromSegment(segment.a, segment.b, limit, {0, segment.a, segment.a});
         });
 }

@@ -8,7 +8,7 @@
 
 #include "jw_geometry.h"
 #include "nearest/area_distance.h"
-#include "nearest/piece_lists.h"
+#include "nearest/segment_lists.h"
 
 namespace jws::detail {
 
@@ -23,12 +23,12 @@ LastLeast pointsToLines(const JWMultiPoint& points, const JWGeometry& lines);
 LastLeast pointsToAreas(const JWMultiPoint& points, const JWGeometry& areas);
 
 /// From here on a line of one point has no segments.
-LastLeast segmentToLines(const Piece& segment, const JWGeometry& lines);
+LastLeast segmentToLines(const Segment& segment, const JWGeometry& lines);
 /// Without the look at the output points.
-LastLeast segmentToRing(const Piece& segment, const JWRing& ring);
+LastLeast segmentToRing(const Segment& segment, const JWRing& ring);
 LastLeast linesToLines(const JWGeometry& a, const JWGeometry& b);
 /// Polygon by polygon, all segments for each.
-LastLeast segmentsToAreas(const Pieces& segments, const JWGeometry& areas);
+LastLeast segmentsToAreas(const Segments& segments, const JWGeometry& areas);
 
 /// Calls `visit(polygon)` for a polygon, or each one of a multi-polygon.
 template <class Visit>
@@ -42,7 +42,7 @@ void everyPolygon(const JWGeometry& areas, const Visit& visit) {
 }
 
 /// The segments of a line string or multi-line string, in order.
-Pieces segmentsOf(const JWGeometry& lines);
+Segments segmentsOf(const JWGeometry& lines);
 
 }  // namespace jws::detail
 

@@ -49,6 +49,15 @@ bool checkOptions(const JWNearestOptions& options) {
                   "negative or no number");
 }
 
+/// Outputs that can be read only once they are closed have no envelope before: no error of a run
+/// that did all it should.
+void updateEnvelopOf(JWFeatureLayer& output) {
+    const JWError error = JWReport::lastError();
+    output.updateEnvelop();
+    if (error.kind == JWErrorNone) return JWReport::clearError();
+    JWReport::setError(error.kind, error.text, error.feature);
+}
+
 bool runShortest(enumJWShortestOperation operation, JWFeatureLayer* source, JWFeatureLayer* target,
                  JWFeatureLayer* output) {
     return JWGeometryNearest::shortestFeatures(operation, source, target, output, 1, nullptr) >= 0;
@@ -58,8 +67,9 @@ bool runShortest(enumJWShortestOperation operation, JWFeatureLayer* source, JWFe
 
 int JWGeometryNearest::shortestFeatures(enumJWShortestOperation operation, JWFeatureLayer* source,
                                         JWFeatureLayer* target, JWFeatureLayer* output, int threads,
-                                        JWLayerReport* report) {
+                                        JWLayerReport* report, int blockSize) {
     JWReport::clearError();
+    if (report != nullptr) *report = JWLayerReport();
     const ShortestOperation* row = findShortestOperation(operation);
     if (row == nullptr) {
         JWReport::setError(JWErrorInvalidArgument, "shortestFeatures: no such operation");
@@ -77,10 +87,11 @@ int JWGeometryNearest::shortestFeatures(enumJWShortestOperation operation, JWFea
                        *method,
                        {row->sourceField, row->targetField, kLengthField},
                        output->getFieldsDefnPtr()->getFieldCount(),
-                       threads};
+                       threads,
+                       blockSize};
         return runNearest(job, account);
     });
-    if (written >= 0) output->updateEnvelop();
+    if (written >= 0) updateEnvelopOf(*output);
     return written;
 }
 
@@ -148,7 +159,8 @@ int JWGeometryNearest::nearestFeatures(JWFeatureLayer* source, JWFeatureLayer* t
                            *method,
                            {"source_fid", "target_fid", "distance", true},
                            0,
-                           options.threads};
+                           options.threads,
+                           options.blockSize};
             return runNearest(job, account);
         });
 }

@@ -28,12 +28,18 @@ struct Refusal {
     std::string reason;
 };
 
-Refusal refusalOf(const JWFeature& feature, unsigned kinds, bool takesMultiPoints) {
+Refusal refusalOf(const JWFeature& feature, unsigned kinds, const NearestMethod& method) {
     const GeometryCheck check = checkGeometry(feature, kinds);
-    if (check == GeometryCheck::Usable && !takesMultiPoints &&
-        feature.getGeometryType() == JWGeometryMultiPoint)
+    if (check != GeometryCheck::Usable) return {check, reasonOf(check, feature, kinds)};
+    const JWGeometry& geometry = *feature.getGeometryPtr();
+    if (!method.takesMultiPoints() && geometry.getGeometryType() == JWGeometryMultiPoint)
         return {GeometryCheck::WrongKind, "the geometry is a multi-point, not a point"};
-    return {check, reasonOf(check, feature, kinds)};
+    const double most = method.largestCoordinate();
+    const JWEnvelop box = rectangleAround(geometry);
+    if (!JWEnvelop(-most, -most, most, most).contains(box))
+        return {GeometryCheck::NotFinite,
+                "a coordinate is beyond 1e150: distances could not be told"};
+    return {check, {}};
 }
 
 /// The connections of a list of sources: each worker appends to the list of its chunk, and notes
@@ -41,21 +47,21 @@ Refusal refusalOf(const JWFeature& feature, unsigned kinds, bool takesMultiPoint
 class FoundConnections {
   public:
     struct Range {
-        const Connection* first = nullptr;
-        const Connection* last = nullptr;
-        const Connection* begin() const { return first; }
-        const Connection* end() const { return last; }
+        const ShortestRecord* first = nullptr;
+        const ShortestRecord* last = nullptr;
+        const ShortestRecord* begin() const { return first; }
+        const ShortestRecord* end() const { return last; }
         std::size_t size() const { return static_cast<std::size_t>(last - first); }
-        const Connection& operator[](std::size_t i) const { return first[i]; }
+        const ShortestRecord& operator[](std::size_t i) const { return first[i]; }
     };
     Range of(std::size_t source) const {
         const Place& place = m_places[source];
-        const Connection* first = m_lists.empty() ? nullptr : m_lists[place.list].data();
+        const ShortestRecord* first = m_lists.empty() ? nullptr : m_lists[place.list].data();
         return {first + place.first, first + place.last};
     }
     std::size_t count() const {
         std::size_t count = 0;
-        for (const Connections& list : m_lists) count += list.size();
+        for (const ShortestRecords& list : m_lists) count += list.size();
         return count;
     }
     /// False when `keepOn` asked to stop.
@@ -71,7 +77,7 @@ class FoundConnections {
 
     std::vector<int> m_order;
     std::vector<NearestSource> m_sources;  ///< in this order
-    std::vector<Connections> m_lists;
+    std::vector<ShortestRecords> m_lists;
     std::vector<Place> m_places;  ///< by source
 };
 
@@ -108,7 +114,7 @@ bool FoundConnections::find(const Team& team, const NearestMethod& method,
 
 void FoundConnections::findChunk(const NearestFinder& find, std::size_t begin, std::size_t end,
                                  std::size_t list) {
-    Connections& found = m_lists[list];
+    ShortestRecords& found = m_lists[list];
     found.reserve(end - begin);
     for (std::size_t i = begin; i < end; ++i) {
         const std::size_t first = found.size();
@@ -132,7 +138,7 @@ class NearestRun {
     void select(FeatureInput& input, unsigned kinds, FeatureList& features, std::int64_t& read,
                 std::int64_t& empty);
     void write(const JWFeature& source, const FoundConnections::Range& connections);
-    void writeConnection(const JWFeature& source, const Connection& connection, int rank);
+    void writeConnection(const JWFeature& source, const ShortestRecord& connection, int rank);
     bool keepOn() {
         bool going = true;
         exclusive([&] { going = JWReport::progress(m_report.readA, m_total); });
@@ -152,13 +158,14 @@ class NearestRun {
     std::int64_t m_total;
     FeatureList m_targets;
     JWFields* m_schema = nullptr;
+    std::int64_t m_unanswered = 0;
 };
 
 void NearestRun::select(FeatureInput& input, unsigned kinds, FeatureList& features,
                         std::int64_t& read, std::int64_t& empty) {
     for (auto& feature : features) {
         ++read;
-        const Refusal refusal = refusalOf(*feature, kinds, m_job.method.takesMultiPoints());
+        const Refusal refusal = refusalOf(*feature, kinds, m_job.method);
         if (refusal.check == GeometryCheck::Empty) ++empty;
         if (!refusal.reason.empty())
             m_report.rejected.push_back(
@@ -206,13 +213,14 @@ void NearestRun::createFields() {
     m_schema = m_job.output.createFields(fields);
 }
 
-void NearestRun::writeConnection(const JWFeature& source, const Connection& connection, int rank) {
+void NearestRun::writeConnection(const JWFeature& source, const ShortestRecord& connection,
+                                 int rank) {
     PendingResult result;
     result.feature = std::make_unique<JWFeature>(m_schema);
-    const JWRawPoint ends[] = {connection.from, connection.to};
+    const JWRawPoint ends[] = {connection.fromPoint, connection.toPoint};
     result.feature->setGeometryDirectly(new JWLineString(ends, 2));
     const int first = m_job.firstField;
-    const JWFeature& target = *m_targets[static_cast<std::size_t>(connection.target)];
+    const JWFeature& target = *m_targets[static_cast<std::size_t>(connection.index)];
     result.feature->setFieldValue(first, source.getFID64());
     result.feature->setFieldValue(first + 1, target.getFID64());
     result.feature->setFieldValue(first + 2, connection.length);
@@ -227,14 +235,15 @@ void NearestRun::write(const JWFeature& source, const FoundConnections::Range& c
             rank = static_cast<int>(i) + 1;
         writeConnection(source, connections[i], rank);
     }
-    m_report.pairs += static_cast<std::int64_t>(connections.size());
+    m_unanswered += connections.size() == 0 ? 1 : 0;
 }
 
 void NearestRun::answerAll() {
     FeatureList sources;
     FoundConnections found;
-    for (std::int64_t first = 0; first < m_total; first += kBlock) {
-        m_job.source.readBlock(first, kBlock, sources);
+    const std::int64_t size = m_job.blockSize > 0 ? std::min(m_job.blockSize, kBlock) : kBlock;
+    for (std::int64_t first = 0; first < m_total; first += size) {
+        m_job.source.readBlock(first, size, sources);
         select(m_job.source, m_job.method.sourceKinds(), sources, m_report.readA, m_report.emptyA);
         if (!found.find(m_team, m_job.method, sources, [&] { return keepOn(); })) {
             m_report.cancelled = true;
@@ -243,6 +252,9 @@ void NearestRun::answerAll() {
         for (std::size_t i = 0; i < sources.size(); ++i)
             if (sources[i]) write(*sources[i], found.of(i));
     }
+    if (m_unanswered > 0)
+        m_report.warning = std::to_string(m_unanswered) + " features of " + title(m_job.source) +
+                           " have no answer: " + m_job.method.whyNone();
 }
 
 }  // namespace
@@ -274,8 +286,8 @@ void findNearestPairs(const JWFeatureClass& source, const JWFeatureClass& target
     const auto select = [&](const JWFeatureClass& features, unsigned kinds, FeatureList& list) {
         for (int i = 0; i < features.getFeatureCount(); ++i) {
             const JWFeature* feature = features.getFeatureAt(i);
-            const bool takesPart = refusalOf(*feature, kinds, method.takesMultiPoints()).check ==
-                                   GeometryCheck::Usable;
+            const bool takesPart =
+                refusalOf(*feature, kinds, method).check == GeometryCheck::Usable;
             list.push_back(takesPart
                                ? std::shared_ptr<const JWFeature>(std::shared_ptr<void>(), feature)
                                : nullptr);
@@ -297,9 +309,9 @@ void findNearestPairs(const JWFeatureClass& source, const JWFeatureClass& target
     found.find(team, method, sources, [] { return true; });
     pairs.reserve(pairs.size() + found.count());
     for (std::size_t i = 0; i < sources.size(); ++i)
-        for (const Connection& c : found.of(i))
-            pairs.push_back({static_cast<int>(i), positions[static_cast<std::size_t>(c.target)],
-                             c.length, c.from, c.to});
+        for (const ShortestRecord& c : found.of(i))
+            pairs.push_back({static_cast<int>(i), positions[static_cast<std::size_t>(c.index)],
+                             c.length, c.fromPoint, c.toPoint});
 }
 
 }  // namespace jws::detail

@@ -28,6 +28,7 @@ struct NearestJob {
     NearestFields fields;
     int firstField = 0;  ///< how many fields the output has already
     int threads = 1;
+    std::int64_t blockSize = 0;  ///< sources held at a time; 0 or less for a suitable number
 };
 
 /// Runs a job and returns the number of features written. Throws LayerFailure after a failed read

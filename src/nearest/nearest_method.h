@@ -9,18 +9,12 @@
 #include <memory>
 #include <vector>
 
-#include "jw_feature.h"
+#include "jw_geometrynearest.h"
 
 namespace jws::detail {
 
-/// A line to a target, by its position among the targets.
-struct Connection {
-    int target;
-    double length;
-    JWRawPoint from;
-    JWRawPoint to;
-};
-using Connections = std::vector<Connection>;
+/// Lines to targets, by their positions among the targets.
+using ShortestRecords = std::vector<ShortestRecord>;
 
 /// A source as far as it is known before it is looked at: the rectangle of a point is the point.
 struct NearestSource {
@@ -33,7 +27,8 @@ struct NearestSource {
 };
 
 /// Finds the targets nearest to one source; one worker has it to itself.
-using NearestFinder = std::function<void(const NearestSource& source, Connections& connections)>;
+using NearestFinder =
+    std::function<void(const NearestSource& source, ShortestRecords& connections)>;
 
 using FeatureList = std::vector<std::shared_ptr<const JWFeature>>;
 
@@ -45,6 +40,10 @@ class NearestMethod {
     virtual unsigned targetKinds() const = 0;
     /// Multi-points are taken as well as points.
     virtual bool takesMultiPoints() const = 0;
+    /// Coordinates larger than this are refused.
+    virtual double largestCoordinate() const = 0;
+    /// Why a source may get no answer.
+    virtual const char* whyNone() const = 0;
     /// Prepares the targets, which must stay; `extent` is that of their whole layer. Called once.
     virtual void setTargets(const FeatureList& targets, const JWEnvelop& extent) = 0;
     /// Makes what one worker needs; after `setTargets`, by any thread.

@@ -55,6 +55,10 @@ class SquareSearch : public NearestMethod {
         return m_row.target == TargetKind::Lines ? LineKind : AreaKind;
     }
     bool takesMultiPoints() const override { return false; }
+    double largestCoordinate() const override { return std::numeric_limits<double>::infinity(); }
+    const char* whyNone() const override {
+        return "no square around them meets anything; the exact search would find the nearest";
+    }
 
     void setTargets(const FeatureList& targets, const JWEnvelop& extent) override {
         m_targets.reserve(targets.size());
@@ -70,10 +74,10 @@ class SquareSearch : public NearestMethod {
     }
 
     NearestFinder finder() const override {
-        return [this, source = StatedSource(), hint = -1](const NearestSource& of,
-                                                          Connections& connections) mutable {
+        return [this, source = StatedSource(), hint = -1](
+                   const NearestSource& of, ShortestRecords& vecShortestRecord) mutable {
             const auto findForPart = [&](const JWRawPoint* p, std::size_t n) {
-                if (load(p, n, source)) find(source, connections, hint);
+                if (load(p, n, source)) find(source, vecShortestRecord, hint);
                 return true;
             };
             const JWRawPoint point = of.point();
@@ -83,7 +87,7 @@ class SquareSearch : public NearestMethod {
 
   private:
     bool load(const JWRawPoint* points, std::size_t n, StatedSource& source) const;
-    void find(const StatedSource& source, Connections& connections, int& hint) const;
+    void find(const StatedSource& source, ShortestRecords& vecShortestRecord, int& hint) const;
 
     const Row& m_row;
     std::vector<StatedTarget> m_targets;
@@ -104,18 +108,19 @@ bool SquareSearch::load(const JWRawPoint* points, std::size_t n, StatedSource& s
     return !source.pieces.empty();
 }
 
-/// Appends the connections of a point or of one line, by target. `hint` is a target of the source
+/// Appends the records of a point or of one line, by target. `hint` is a target of the source
 /// before, which lies nearby, or -1: measured first it bounds the search.
-void SquareSearch::find(const StatedSource& source, Connections& connections, int& hint) const {
+void SquareSearch::find(const StatedSource& source, ShortestRecords& vecShortestRecord,
+                        int& hint) const {
     const SquareStart start =
         source.isPoint ? m_growth->startAt(source.pieces[0].a) : m_growth->startAt(source.box);
     JWEnvelop square;
     if (!m_growth->firstSquare(start, square)) return;
-    const auto first = static_cast<std::ptrdiff_t>(connections.size());
+    const auto first = static_cast<std::ptrdiff_t>(vecShortestRecord.size());
     double least = std::numeric_limits<double>::max();
     const auto isKnown = [&](int i) {
-        return std::any_of(connections.begin() + first, connections.end(),
-                           [&](const Connection& known) { return known.target == i; });
+        return std::any_of(vecShortestRecord.begin() + first, vecShortestRecord.end(),
+                           [&](const ShortestRecord& known) { return known.index == i; });
     };
     const auto take = [&](int i) {
         const auto target = static_cast<std::size_t>(i);
@@ -123,16 +128,16 @@ void SquareSearch::find(const StatedSource& source, Connections& connections, in
         const FirstLeast found = m_targets[target].measure(source, least);
         if (!found.found() || found.least() > least || isKnown(i)) return;
         if (found.least() < least)
-            connections.erase(connections.begin() + first, connections.end());
+            vecShortestRecord.erase(vecShortestRecord.begin() + first, vecShortestRecord.end());
         least = found.least();
-        connections.push_back({i, least, found.closest().p, found.closest().q});
+        vecShortestRecord.push_back({found.closest().p, found.closest().q, least, i});
     };
     if (hint >= 0) take(hint);
     m_tree.searchNearest([&](const JWEnvelop& box) { return m_bound(box, source.box); },
                          [&] { return least; }, take);
-    if (least < std::numeric_limits<double>::max()) hint = connections.back().target;
-    std::sort(connections.begin() + first, connections.end(),
-              [](const Connection& a, const Connection& b) { return a.target < b.target; });
+    if (least < std::numeric_limits<double>::max()) hint = vecShortestRecord.back().index;
+    std::sort(vecShortestRecord.begin() + first, vecShortestRecord.end(),
+              [](const ShortestRecord& a, const ShortestRecord& b) { return a.index < b.index; });
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ StatedTarget::StatedTarget(TargetKind kind, const JWGeometry& geometry, const JW
         case TargetKind::Lines:
             m_pieces = segmentsOf(geometry);
             if (m_pieces.size() > kManyEdges) {
-                m_lineTree = std::make_unique<const PieceTree>(m_pieces);
+                m_lineTree = std::make_unique<const SegmentTree>(m_pieces);
                 m_pieces = {};
             }
             break;
@@ -59,8 +59,8 @@ FirstLeast StatedTarget::fromSourcePoint(const JWRawPoint& p, double limit) cons
         least.take(betweenPoints(p, m_pieces[0].a));
         return least;
     }
-    const auto measure = [&](const Piece& s) { return fromPointToSegment(p, s.a, s.b); };
-    for (const Piece& segment : m_pieces) least.take(measure(segment));
+    const auto measure = [&](const Segment& s) { return fromPointToSegment(p, s.a, s.b); };
+    for (const Segment& segment : m_pieces) least.take(measure(segment));
     if (m_lineTree)
         least.take(nearestPiece(*m_lineTree, boxOf({p, p}), limit, OfEqual::First, measure));
     for (const RingDistance& ring : m_rings) least.take(ring.fromPoint(p, limit));
@@ -68,22 +68,22 @@ FirstLeast StatedTarget::fromSourcePoint(const JWRawPoint& p, double limit) cons
     return least;
 }
 
-FirstLeast StatedTarget::fromSourceLine(const Pieces& segments, double limit) const {
+FirstLeast StatedTarget::fromSourceLine(const Segments& segments, double limit) const {
     FirstLeast least;
     if (m_kind == TargetKind::Point) {
         LastLeast last;  // as shortestPointToLineString
-        for (const Piece& segment : segments)
+        for (const Segment& segment : segments)
             last.take(fromPointToSegment(m_pieces[0].a, segment.a, segment.b));
         least.take(last);
         return least;
     }
-    for (const Piece& s : segments) {
+    for (const Segment& s : segments) {
         const double most = std::min(limit, least.least());
         if (m_bound(boxOf(s), m_box) > most) continue;
-        const auto measure = [&](const Piece& t) {
+        const auto measure = [&](const Segment& t) {
             return fromSegmentToSegment(s.a, s.b, t.a, t.b);
         };
-        for (const Piece& t : m_pieces) least.take(measure(t));
+        for (const Segment& t : m_pieces) least.take(measure(t));
         if (m_lineTree)
             least.take(nearestPiece(*m_lineTree, boxOf(s), most, OfEqual::First, measure));
         for (const RingDistance& ring : m_rings) least.take(ring.fromSegment(s.a, s.b, most));

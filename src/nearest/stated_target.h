@@ -19,7 +19,7 @@ enum class TargetKind { Point, Lines, Rings, Areas };
 /// that point, where the target is a point).
 struct StatedSource {
     bool isPoint = false;
-    Pieces pieces;
+    Segments pieces;
     JWEnvelop box = JWEnvelop::invalid();
 };
 
@@ -36,13 +36,13 @@ class StatedTarget {
 
   private:
     FirstLeast fromSourcePoint(const JWRawPoint& p, double limit) const;
-    FirstLeast fromSourceLine(const Pieces& segments, double limit) const;
+    FirstLeast fromSourceLine(const Segments& segments, double limit) const;
 
     TargetKind m_kind;
-    Pieces m_pieces;  ///< the point, or the segments of lines
+    Segments m_pieces;  ///< the point, or the segments of lines
     std::vector<RingDistance> m_rings;
     std::vector<AreaDistance> m_areas;
-    std::unique_ptr<const PieceTree> m_lineTree;  ///< over the segments of long lines
+    std::unique_ptr<const SegmentTree> m_lineTree;  ///< over the segments of long lines
     JWEnvelop m_box;
     BoxDistance m_bound;
 };

@@ -207,6 +207,18 @@ TEST(ExactSearchLayers, FieldsRanksAndTeams) {
     }
 }
 
+TEST(ExactSearchLayers, HugeCoordinatesAreRefused) {
+    LayerPtr source = layerOf(
+        "a", {{1, "LINESTRING(-1e200 0,1e200 0)", ""}, {2, "LINESTRING(-1e149 0,1e149 0)", ""}});
+    LayerPtr target = layerOf("b", {{1, "LINESTRING(0 -1e149,0 1e149)", ""}});
+    LayerPtr out = emptyLayer("out");
+    JWLayerReport report;
+    EXPECT_EQ(Nearest::nearestFeatures(source.get(), target.get(), out.get(), {}, &report), 1);
+    EXPECT_EQ(contentOf(*out), (std::vector<std::string>{"LINESTRING (0 0, 0 0)|2|1|0|1"}));
+    ASSERT_EQ(report.rejected.size(), 1u);
+    EXPECT_EQ(report.rejected[0].fid, 1);
+}
+
 TEST(ExactSearchLayers, OneLayerAgainstItself) {
     LayerPtr layer = layerOf("a", {{4, "POINT(0 0)", ""}, {5, "POINT(1 0)", ""}});
     JWNearestOptions options;

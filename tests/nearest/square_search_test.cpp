@@ -343,6 +343,22 @@ TEST(SquareSearchLayers, RandomLayersEqualTheStatedLoop) {
     }
 }
 
+TEST(SquareSearchLayers, SourcesWithoutAnswerAreCounted) {
+    LayerPtr source = layerOf("s", rowsOf({"POINT(11 100)", "POINT(5 100)", "POINT(-70 99)"}));
+    LayerPtr target = layerOf("t", rowsOf({"POINT(0 0)", "POINT(10 10)"})), out = emptyLayer("out");
+    JWLayerReport report;
+    report.written = 99;
+    EXPECT_EQ(Nearest::shortestFeatures(JWShortestPointsToPoints, source.get(), target.get(),
+                                        out.get(), 1, &report, 2),
+              1);
+    EXPECT_EQ(report.warning.substr(0, 10), "2 features");
+    EXPECT_EQ(JWReport::lastError().kind, JWErrorNone);
+    EXPECT_EQ(Nearest::shortestFeatures(JWShortestPointsToPoints, source.get(), target.get(),
+                                        out.get(), 1, &report),
+              -1);  // the fields are there
+    EXPECT_EQ(report.written, 0);
+}
+
 TEST(SquareSearchLayers, TeamWritesTheSame) {
     std::mt19937 random(5);
     std::vector<std::string> sources, targets;

@@ -15,8 +15,9 @@ namespace {
 
 void setupNearest(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, true);
-    CLI::Option* exact = app.add_flag("--true", settings.exact,
-                                      "Find what is really nearest, for features of any kind");
+    CLI::Option* exact =
+        app.add_flag("--true", settings.exact,
+                     "Find what is really nearest, among points, lines and polygons in any pair");
     addInteger(app, "--k", settings.nearestCount, 1, INT_MAX,
                "With --true: how many features for each of INPUT; ties are all kept");
     addNonNegative(app, "--max-distance", settings.maxDistance,
@@ -93,9 +94,10 @@ int findNearest(const Settings& settings, const JobLayers& layers, JWLayerReport
     if (!settings.exact) {
         return JWGeometryNearest::shortestFeatures(
             operationFor(settings, layers.input, *layers.overlay), source, target, &layers.output,
-            settings.threads, &report);
+            settings.threads, &report, settings.blockSize);
     }
     JWNearestOptions options;
+    options.blockSize = settings.blockSize;
     options.count = settings.nearestCount;
     options.maxDistance = settings.maxDistance;
     options.skipSameIdentifier = settings.skipSame;
@@ -125,10 +127,12 @@ int runNearest(const Settings& settings) {
                     [&](const JobLayers& layers, JWLayerReport& report) {
                         const int written = findNearest(settings, layers, report);
                         if (isGeographic)
-                            report.warning =
-                                "the layers are in longitude and latitude: distances are in "
-                                "degrees, and nearest means nearest in degrees; distances along "
-                                "the earth are not offered yet";
+                            report.warning +=
+                                (report.warning.empty() ? "" : "; ") +
+                                std::string(
+                                    "the layers are in longitude and latitude: distances "
+                                    "are in degrees, and nearest means nearest in degrees; "
+                                    "distances along the earth are not offered yet");
                         return written;
                     },
                     AccountOfNothing,

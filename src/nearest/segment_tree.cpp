@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "nearest/piece_tree.h"
+#include "nearest/segment_tree.h"
 
 #include <cmath>
 #include <numeric>
@@ -9,17 +9,17 @@
 namespace jws::detail {
 namespace {
 
-bool followOneAnother(const Pieces& pieces) {
+bool followOneAnother(const Segments& pieces) {
     std::size_t follow = 0;
     for (std::size_t i = 1; i < pieces.size(); ++i)
         if (pieces[i].a == pieces[i - 1].b) ++follow;
     return 64 * follow >= 63 * pieces.size();
 }
 
-std::vector<int> orderInPlane(const Pieces& pieces) {
+std::vector<int> orderInPlane(const Segments& pieces) {
     std::vector<JWEnvelop> boxes;
     boxes.reserve(pieces.size());
-    for (const Piece& piece : pieces) boxes.push_back(boxOf(piece));
+    for (const Segment& piece : pieces) boxes.push_back(boxOf(piece));
     std::vector<int> order(pieces.size());
     std::iota(order.begin(), order.end(), 0);
     sortAlongHilbertCurve(boxes, order);
@@ -28,25 +28,25 @@ std::vector<int> orderInPlane(const Pieces& pieces) {
 
 }  // namespace
 
-PieceTree::PieceTree(const Pieces& pieces) : m_size(static_cast<int>(pieces.size())) {
+SegmentTree::SegmentTree(const Segments& pieces) : m_size(static_cast<int>(pieces.size())) {
     if (m_size > kFan && !followOneAnother(pieces)) m_numbers = orderInPlane(pieces);
     setLeaves(pieces);
     setNodes();
 }
 
-PieceTree::PieceTree(const JWRawPoint* points, int count)
+SegmentTree::SegmentTree(const JWRawPoint* points, int count)
     : m_size(std::max(count - 1, 0)), m_points(points) {
     setNodes();
 }
 
-void PieceTree::setLeaves(const Pieces& pieces) {
+void SegmentTree::setLeaves(const Segments& pieces) {
     m_leaves.resize(leafCount());
     for (int place = 0; place < m_size; ++place)
         m_leaves[leafOf(place)].setPiece(place % kFan,
                                          pieces[static_cast<std::size_t>(number(place))]);
 }
 
-void PieceTree::setNodes() {
+void SegmentTree::setNodes() {
     if (m_size == 0) return;
     do addLevel();
     while (m_levels.back().count > 1);
@@ -56,7 +56,7 @@ void PieceTree::setNodes() {
 }
 
 /// Adds the nodes over the highest level, or over the leaves.
-void PieceTree::addLevel() {
+void SegmentTree::addLevel() {
     const bool isFirst = m_levels.empty();
     const std::size_t below = isFirst ? leafCount() : m_levels.back().count;
     const Level level{m_nodes.size(), groupsOf(below)};
@@ -67,14 +67,14 @@ void PieceTree::addLevel() {
     m_levels.push_back(level);
 }
 
-JWEnvelop PieceTree::boxOfLeaf(std::size_t leaf) const {
+JWEnvelop SegmentTree::boxOfLeaf(std::size_t leaf) const {
     JWEnvelop box = JWEnvelop::invalid();
     const int first = static_cast<int>(leaf) * kFan;
     for (int i = 0; i < countIn(leaf); ++i) box.inflates_to_contain(boxOf(piece(first + i)));
     return box;
 }
 
-JWEnvelop PieceTree::boxOfNode(std::size_t level, std::size_t node) const {
+JWEnvelop SegmentTree::boxOfNode(std::size_t level, std::size_t node) const {
     JWEnvelop box = JWEnvelop::invalid();
     for (std::size_t i = 0; i < countIn(level, node); ++i)
         box.inflates_to_contain(nodeAt(level, node).box(i));

@@ -14,8 +14,8 @@
 //
 // Cost: O(n log n) to build, O(n) for pieces that follow one another, 45 bytes a piece. Searching
 // changes nothing: any number of threads may search at once.
-#ifndef JW_NEAREST_PIECE_TREE_H
-#define JW_NEAREST_PIECE_TREE_H
+#ifndef JW_NEAREST_SEGMENT_TREE_H
+#define JW_NEAREST_SEGMENT_TREE_H
 
 #include <algorithm>
 #include <cstddef>
@@ -26,28 +26,28 @@
 namespace jws::detail {
 
 /// A point (both ends equal) or a segment.
-struct Piece {
+struct Segment {
     JWRawPoint a;
     JWRawPoint b;
 };
-using Pieces = std::vector<Piece>;
+using Segments = std::vector<Segment>;
 
-inline JWEnvelop boxOf(const Piece& piece) {
+inline JWEnvelop boxOf(const Segment& piece) {
     return {std::min(piece.a.x, piece.b.x), std::min(piece.a.y, piece.b.y),
             std::max(piece.a.x, piece.b.x), std::max(piece.a.y, piece.b.y)};
 }
 
-class PieceTree {
+class SegmentTree {
   public:
-    PieceTree() = default;
-    /// Pieces that follow one another, as the segments of a line do, keep their order.
-    explicit PieceTree(const Pieces& pieces);
+    SegmentTree() = default;
+    /// Segments that follow one another, as the segments of a line do, keep their order.
+    explicit SegmentTree(const Segments& pieces);
     /// The segments of a line, which must stay in place and unchanged.
-    PieceTree(const JWRawPoint* points, int count);
+    SegmentTree(const JWRawPoint* points, int count);
 
     int size() const { return m_size; }
     /// The piece at a place of the tree's order; neighbours lie near each other.
-    Piece piece(int place) const {
+    Segment piece(int place) const {
         if (m_points != nullptr) return {m_points[place], m_points[place + 1]};
         const Leaf& leaf = m_leaves[leafOf(place)];
         const int i = place % kFan;
@@ -67,7 +67,7 @@ class PieceTree {
     }
     /// Calls `visit(place, placeInOther)` for the pairs of pieces that may lie within `limit()`.
     template <class Limit, class Visit>
-    void searchPairs(const PieceTree& other, const Limit& limit, Visit&& visit) const {
+    void searchPairs(const SegmentTree& other, const Limit& limit, Visit&& visit) const {
         if (m_size == 0 || other.m_size == 0) return;
         PairSearch<Limit, Visit>{*this, other, limit, visit}.within(
             {m_levels.size(), 0, m_box}, {other.m_levels.size(), 0, other.m_box});
@@ -116,7 +116,7 @@ class PieceTree {
             }
             return squares;
         }
-        void setPiece(int i, const Piece& piece) {
+        void setPiece(int i, const Segment& piece) {
             ax[i] = piece.a.x;
             ay[i] = piece.a.y;
             bx[i] = piece.b.x;
@@ -221,7 +221,7 @@ class PieceTree {
 
     template <class Limit, class Visit>
     struct PairSearch {
-        const PieceTree &a, &b;
+        const SegmentTree &a, &b;
         const Limit& limit;
         Visit& visit;
 
@@ -229,7 +229,7 @@ class PieceTree {
         void within(const Member& inA, const Member& inB) const {
             if (inA.height == 0 && inB.height == 0) return leaves(inA, inB);
             const bool opensA = inA.height >= inB.height;
-            const PieceTree& tree = opensA ? a : b;
+            const SegmentTree& tree = opensA ? a : b;
             const Member &opened = opensA ? inA : inB, &other = opensA ? inB : inA;
             const std::size_t level = opened.height - 1;
             const Node& node = tree.nodeAt(level, opened.index);
@@ -254,7 +254,7 @@ class PieceTree {
         }
     };
 
-    void setLeaves(const Pieces& pieces);
+    void setLeaves(const Segments& pieces);
     void setNodes();
     void addLevel();
     JWEnvelop boxOfLeaf(std::size_t leaf) const;
@@ -272,4 +272,4 @@ class PieceTree {
 
 }  // namespace jws::detail
 
-#endif  // JW_NEAREST_PIECE_TREE_H
+#endif  // JW_NEAREST_SEGMENT_TREE_H

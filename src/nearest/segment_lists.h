@@ -6,21 +6,21 @@
 // trees over the lists leave out pairs whose rectangles are clearly farther apart than the least
 // distance so far; among equal ones the pair is chosen by its numbers, so that the answer is that
 // of all pairs, bit for bit.
-#ifndef JW_NEAREST_PIECE_LISTS_H
-#define JW_NEAREST_PIECE_LISTS_H
+#ifndef JW_NEAREST_SEGMENT_LISTS_H
+#define JW_NEAREST_SEGMENT_LISTS_H
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 #include <vector>
 
-#include "nearest/piece_tree.h"
+#include "nearest/segment_tree.h"
 #include "nearest/stated_distance.h"
 
 namespace jws::detail {
 
 /// Appends the segments of a line or ring.
-inline void appendSegments(const JWRawPoint* points, int n, Pieces& pieces) {
+inline void appendSegments(const JWRawPoint* points, int n, Segments& pieces) {
     if (n < 2) return;
     const std::size_t before = pieces.size();
     pieces.resize(before + static_cast<std::size_t>(n) - 1);
@@ -28,9 +28,9 @@ inline void appendSegments(const JWRawPoint* points, int n, Pieces& pieces) {
         pieces[before + static_cast<std::size_t>(i)] = {points[i], points[i + 1]};
 }
 
-inline JWEnvelop boxAround(const Pieces& pieces) {
+inline JWEnvelop boxAround(const Segments& pieces) {
     JWEnvelop box = JWEnvelop::invalid();
-    for (const Piece& piece : pieces) box.inflates_to_contain(boxOf(piece));
+    for (const Segment& piece : pieces) box.inflates_to_contain(boxOf(piece));
     return box;
 }
 
@@ -81,7 +81,7 @@ class NumberedLeast {
 /// The least `measure(piece)`, a Closest from something in `box`, over the pieces of a tree, as far
 /// as it is no more than `limit`.
 template <class Measure>
-LastLeast nearestPiece(const PieceTree& tree, const JWEnvelop& box, double limit, OfEqual keeps,
+LastLeast nearestPiece(const SegmentTree& tree, const JWEnvelop& box, double limit, OfEqual keeps,
                        const Measure& measure) {
     NumberedLeast<int> least(keeps);
     tree.search(
@@ -95,7 +95,7 @@ constexpr std::size_t kFewPairs = 2000;
 
 /// The last least of `measure(i, j)`, a Closest, over all pairs of pieces of two trees.
 template <class Measure>
-LastLeast leastOfPairs(const PieceTree& a, const PieceTree& b, const Measure& measure) {
+LastLeast leastOfPairs(const SegmentTree& a, const SegmentTree& b, const Measure& measure) {
     NumberedLeast<std::pair<int, int>> least(OfEqual::Last);
     a.searchPairs(
         b, [&] { return least.least(); },
@@ -111,14 +111,15 @@ inline bool areFewPairs(std::size_t a, std::size_t b) {
 
 /// The same for two lists.
 template <class Measure>
-LastLeast leastOfPairs(const Pieces& a, const Pieces& b, const Measure& measure) {
-    if (!areFewPairs(a.size(), b.size())) return leastOfPairs(PieceTree(a), PieceTree(b), measure);
+LastLeast leastOfPairs(const Segments& a, const Segments& b, const Measure& measure) {
+    if (!areFewPairs(a.size(), b.size()))
+        return leastOfPairs(SegmentTree(a), SegmentTree(b), measure);
     LastLeast least;
-    for (const Piece& i : a)
-        for (const Piece& j : b) least.take(measure(i, j));
+    for (const Segment& i : a)
+        for (const Segment& j : b) least.take(measure(i, j));
     return least;
 }
 
 }  // namespace jws::detail
 
-#endif  // JW_NEAREST_PIECE_LISTS_H
+#endif  // JW_NEAREST_SEGMENT_LISTS_H
