@@ -113,8 +113,9 @@ bool JWPreparedRelation::intersects(const JWGeometry* other) const {
         if (read == nullptr) return detail::intersects(*m_impl->geometry, *other);
         const RelateOperand& own = m_impl->operand->operand();
         if (own.box().isDisjoin(read->box())) return false;
+        if (Relator::anyStartInside(*read, own)) return true;  // before the other one gets an index
         read->index();
-        return Relator::intersect(own, *read);
+        return Relator::edgesIntersect(own, *read) || Relator::anyStartInside(own, *read);
     });
 }
 
