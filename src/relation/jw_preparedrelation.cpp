@@ -147,6 +147,8 @@ bool JWPreparedRelation::touches(const JWGeometry* other) const {
 
 JWRelationMatrix::Part JWPreparedRelation::partAt(const JWRawPoint& p) const {
     if (!isUsable() || !m_impl->operand) return JWRelationMatrix::Exterior;
+    if (m_impl->isPlain && isPlain(p))
+        return static_cast<JWRelationMatrix::Part>(m_impl->operand->operand().locate(p));
     return guarded("partAt", JWRelationMatrix::Exterior, [&] {
         const ScaledPoint scaled = scaledTo(m_impl->range, p);
         if (!scaled.isWithinReach) return JWRelationMatrix::Exterior;

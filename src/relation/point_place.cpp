@@ -48,12 +48,6 @@ class PointWalk {
     int touched() const { return m_touched; }
 
   private:
-    static bool isPlain(double v) {
-        const double size = std::fabs(v);
-        return size == 0 || (size < 0x1p250 && size > 0x1p-215);
-    }
-    static bool isPlain(const JWRawPoint& p) { return isPlain(p.x) && isPlain(p.y); }
-
     JWRawPoint m_p;
     double m_probe = 0;
     bool m_odd = false;

@@ -5,6 +5,8 @@
 #ifndef JW_RELATION_POINT_PLACE_H
 #define JW_RELATION_POINT_PLACE_H
 
+#include <cmath>
+
 #include "jw_geometry.h"
 #include "relation/relate_operand.h"
 
@@ -21,6 +23,14 @@ PointPlace placeInLine(const JWRawPoint& p, const JWLineString& line);
 
 /// The place of a point in a polygon, by the even-odd rule over all rings.
 PointPlace placeInPolygon(const JWRawPoint& p, const JWPolygon& polygon);
+
+/// Products of coordinates of this size are exact as they are; not so for NaN.
+inline bool isPlain(const JWRawPoint& p) {
+    const auto isPlainSize = [](double size) {
+        return size == 0 || (size < 0x1p250 && size > 0x1p-215);
+    };
+    return isPlainSize(std::fabs(p.x)) && isPlainSize(std::fabs(p.y));
+}
 
 /// What one question asks of an operand that was read with the shift its range needs, or without
 /// one where that is plain: `p` on the operand's scale.
