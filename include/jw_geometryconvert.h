@@ -49,22 +49,25 @@ struct JWConvertOptions {
 /// Conversion of layers, and of single geometries, to points and lines.
 ///
 /// Layer operations make a result layer in the order of the input. The forms with fixed arguments
-/// return 1, or 0 when a layer is missing, the output is not open for writing or has fields
-/// already, is the input itself, or a layer cannot be read or written to its end;
-/// `JWReport::lastError` says which. The forms with options return the number of features written,
-/// or -1 (-3 for an output with fields) in these cases.
+/// return 1, or 0 when a layer is missing, the output is not open for writing or has fields that
+/// are not those of the results, is the input itself, or a layer cannot be read or written to its
+/// end; `JWReport::lastError` says which. The forms with options return the number of features
+/// written, or -1 (-3 for an output with other fields) in these cases.
 ///
+/// - An output that begins with the fields of the results, by name and type and in their order,
+///   such as that of the same conversion before, keeps its geometry type and its features; results
+///   come behind them.
 /// - The first field, "orig_fid" as a rule, is the identifier of the feature that a result comes
 ///   from, the source's own number; an integer, 64 bits wide where the source needs that.
 /// - Features without a geometry have no results. Features that hold another kind of geometry, or a
 ///   coordinate that is not finite, are left out and listed: by the report, and the first of them
 ///   by the last error (kind `JWErrorFeatureRejected`).
 /// - The layer is read by position, each feature once, however the source numbers its features.
-///   `blockSize` is the number of features read at a time, below 1 all; `_old` forms read all.
+///   `blockSize` is the number of features worked on at a time, below 1 all, as in `_old` forms.
 /// - `_mp` forms work on a team of eight threads; for shared lines these decode the polygons and
 ///   compare their boundaries, which is about half of the work, and one writes. Results are the
 ///   same, bit for bit and in the same order, for any number of threads and any block size.
-/// - Results are written in one transaction: after a failure the output holds no features.
+/// - Results are written in one transaction: after a failure the output holds none of them.
 /// - No state: different layers may be converted on different threads at once.
 class JW_API JWGeometryConvert {
   public:

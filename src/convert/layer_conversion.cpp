@@ -3,13 +3,29 @@
 // The conversions that look at one feature at a time.
 #include "convert/layer_conversion.h"
 
+#include "convert/conversion_run.h"
 #include "foundation/vertex_lists.h"
 
 namespace jws::detail {
+namespace {
+
+/// Maps each feature of a layer by itself.
+template <class SetUp>
+int mapConverted(const char* function, JWFeatureLayer* in, JWFeatureLayer* out,
+                 const LayerMapOptions& options, JWLayerReport* report, const SetUp& setUp) {
+    return convertLayers(function, in, out, report,
+                         [&](FeatureInput& input, FeatureOutput& output, JWLayerReport& account) {
+                             LayerMapJob job(input, output);
+                             setUp(job);
+                             return runLayerMap(job, options, account);
+                         });
+}
+
+}  // namespace
 
 int convertToPoints(JWFeatureLayer* in, JWFeatureLayer* out, const PointConversion& conversion,
                     const LayerMapOptions& options, JWLayerReport* report) {
-    return mapLayer(conversion.function, in, out, options, report, [&](LayerMapJob& job) {
+    return mapConverted(conversion.function, in, out, options, report, [&](LayerMapJob& job) {
         job.kinds = conversion.kinds;
         job.outputType = JWWKBPoint;
         if (conversion.identifier != nullptr)
@@ -32,7 +48,7 @@ int convertToPoints(JWFeatureLayer* in, JWFeatureLayer* out, const PointConversi
 int convertToOwnLines(const char* function, JWFeatureLayer* in, JWFeatureLayer* out,
                       const JWConvertOptions& options, JWLayerReport* report) {
     const LayerMapOptions how{options.blockSize, options.threads};
-    return mapLayer(function, in, out, how, report, [&](LayerMapJob& job) {
+    return mapConverted(function, in, out, how, report, [&](LayerMapJob& job) {
         job.kinds = AreaKind;
         job.outputType = JWWKBMultiLineString;
         job.schema.addIdentifierOf(job.input, "orig_fid");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The bodies of the conversions of layers. Each returns the number of features written, or a
-// negative code with the last error set, as `mapLayer` does.
+// negative code with the last error set, as `convertLayers` does.
 #ifndef JW_CONVERT_LAYER_CONVERSION_H
 #define JW_CONVERT_LAYER_CONVERSION_H
 

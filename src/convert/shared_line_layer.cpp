@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <chrono>
 
+#include "convert/conversion_run.h"
 #include "convert/layer_conversion.h"
 #include "convert/shared_lines.h"
 #include "layers/block_filter.h"
-#include "layers/layer_checks.h"
 #include "layers/ordered_walk.h"
 #include "layers/pending_result.h"
 
@@ -193,9 +193,10 @@ std::int64_t convert(FeatureInput& input, FeatureOutput& output, bool namesNeigh
 int convertToSharedLines(const char* function, JWFeatureLayer* in, JWFeatureLayer* out,
                          bool namesNeighbours, const JWConvertOptions& options,
                          JWLayerReport* report) {
-    return accountedLayers(function, in, in, out, report, [&](JWLayerReport& account) {
-        return convert(*inputFrom(*in), *outputTo(*out), namesNeighbours, options, account);
-    });
+    return convertLayers(function, in, out, report,
+                         [&](FeatureInput& input, FeatureOutput& output, JWLayerReport& account) {
+                             return convert(input, output, namesNeighbours, options, account);
+                         });
 }
 
 }  // namespace jws::detail

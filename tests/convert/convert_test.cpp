@@ -417,6 +417,17 @@ TEST(ConvertLayers, WhatCannotBeIsRefused) {
     EXPECT_EQ(Convert::convertPolygonLayerToPointLayerByCentroid(in.get(), out.get(), true, 5), 0);
     EXPECT_EQ(JWReport::lastError().kind, JWErrorOutputExists);
     EXPECT_EQ(out->getFeatureCount(), 0);
+    // The fields of the results are there after the first run; those of another conversion are not.
+    LayerPtr twice = emptyLayer("twice");
+    for (const int count : {3, 6}) {
+        EXPECT_EQ(Convert::convertPolygonLayerToLineLayer_Simple(in.get(), twice.get(), true, 2),
+                  1);
+        EXPECT_EQ(twice->getFeatureCount(), count);
+    }
+    JWConvertOptions options;
+    EXPECT_EQ(
+        Convert::convertPolygonLayerToLineLayer(in.get(), twice.get(), true, options, nullptr), -3);
+    EXPECT_EQ(twice->getFeatureCount(), 6);
     const std::vector<Row> none;
     EXPECT_EQ(result(none,
                      [](JWFeatureLayer* from, JWFeatureLayer* to) {
