@@ -270,11 +270,12 @@ class JW_API JWGeometryNearest {
     /// @name Nearest features, exactly
     ///
     /// The nearest target features of each source feature, of any kinds: points, lines, polygons
-    /// and their multi-forms, but not collections of several kinds. Polygons are areas, read by the
-    /// even-odd rule: what lies inside is at distance 0. Whether segments meet and points lie
-    /// inside is decided without rounding; distances are rounded as usual. All targets as near as
-    /// the last one asked for are kept. Features with a coordinate beyond 1e150 are refused; places
-    /// that are less than 1e-150 apart may count as one.
+    /// and their multi-forms, and collections of these, which are as near as the nearest of their
+    /// members. Polygons are areas, read by the even-odd rule: what lies inside is at distance 0.
+    /// Whether segments meet and points lie inside is decided without rounding; distances are
+    /// rounded as usual. All targets as near as the last one asked for are kept. Features with a
+    /// coordinate beyond 1e150 are refused; places that are less than 1e-150 apart may count as
+    /// one.
     /// @{
 
     /// Appends the pairs to `pairs`: by source, then by distance, then by target. Features without

@@ -145,7 +145,7 @@ bool nearest(int n, int points, int rounds) {
 
 /// The established search beside the exact one, layers in memory, reading and writing included. The
 /// answers differ by what the squares do not see.
-bool search(int n, int rounds) {
+bool search(int n, int points, int rounds) {
     const auto layerOf = [&](const std::vector<List>& lists) {
         JWDataSource* source = JWDataSource::createInMemory();
         JWFeatureLayer* layer = source->createLayer("layer", JWWKBUnknown, nullptr);
@@ -155,7 +155,7 @@ bool search(int n, int rounds) {
         return layer;
     };
     JWFeatureLayer* sources = layerOf(spread(n, 1, 1));
-    JWFeatureLayer* targets = layerOf(spread(n, 10, 2));
+    JWFeatureLayer* targets = layerOf(spread(n, points, 2));
     JWFeatureLayer* output = nullptr;
     const auto into = [&](const auto& operation) {
         return [&, operation] {
@@ -166,12 +166,14 @@ bool search(int n, int rounds) {
     };
     const auto count = [&] { return static_cast<double>(output->getFeatureCount()); };
     const bool agreed = bench::contest(
-        "search, layers of " + std::to_string(n),
+        (points > 1 ? "search, lines " : "search, points ") + std::to_string(n),
         {{"exact",
           into([&] { JWGeometryNearest::nearestFeatures(sources, targets, output, {}, nullptr); }),
           count},
-         {"squares",
-          into([&] { JWGeometryNearest::shortestPointsToLines(sources, targets, output); }),
+         {"squares", into([&] {
+              points > 1 ? JWGeometryNearest::shortestPointsToLines(sources, targets, output)
+                         : JWGeometryNearest::shortestPointsToPoints(sources, targets, output);
+          }),
           count}},
         0.01, rounds);
     for (JWFeatureLayer* layer : {sources, targets, output})
@@ -216,7 +218,7 @@ int main(int argc, char** argv) {
         const int rounds = n > 10000 ? 5 : 11;
         if (wanted("lines")) agreed &= nearest(n, 10, rounds);
         if (wanted("points")) agreed &= nearest(n, 1, rounds);
-        if (wanted("search")) agreed &= search(n, rounds);
+        if (wanted("search")) agreed &= search(n, 10, rounds) & search(n, 1, rounds);
         if (!wanted("distance")) continue;
         for (const char* set : {"walk", "spiral"}) agreed &= distance(set, n, rounds);
     }

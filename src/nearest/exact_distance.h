@@ -57,12 +57,14 @@ inline Closest exactDistance(const Segment& s, const Segment& t) {
     return least;
 }
 
-/// An area by the even-odd rule over all rings of a polygon or multi-polygon, boundary included,
-/// decided without rounding. Views the geometry.
+/// An area, boundary included, decided without rounding: by the even-odd rule over all rings of a
+/// polygon or multi-polygon; of a collection the areas that are its members, together. Empty for
+/// other kinds. Views the geometry.
 class ExactArea {
   public:
-    explicit ExactArea(const JWGeometry& polygon);
+    explicit ExactArea(const JWGeometry& geometry) { add(geometry); }
 
+    bool isEmpty() const { return m_parts.empty(); }
     bool contains(const JWRawPoint& p) const;
 
   private:
@@ -70,7 +72,12 @@ class ExactArea {
         const JWRawPoint* points;
         EdgeTree tree;
     };
-    std::vector<Ring> m_rings;
+    using Rings = std::vector<Ring>;
+
+    void add(const JWGeometry& geometry);
+    static bool areAround(const Rings& rings, const JWRawPoint& p);
+
+    std::vector<Rings> m_parts;
 };
 
 }  // namespace jws::detail

@@ -35,9 +35,10 @@ namespace {
 /// Sources with more pieces get a tree.
 constexpr std::size_t kManyPieces = 32;
 
-bool isArea(const JWGeometry& geometry) {
+bool mayBeArea(const JWGeometry& geometry) {
     return geometry.getGeometryType() == JWGeometryPolygon ||
-           geometry.getGeometryType() == JWGeometryMultiPolygon;
+           geometry.getGeometryType() == JWGeometryMultiPolygon ||
+           geometry.getGeometryType() == JWGeometryGeometryBag;
 }
 
 /// Calls `visit(points, n)` for the lists of vertices that are not empty.
@@ -141,7 +142,7 @@ class ExactSearch : public NearestMethod {
   public:
     explicit ExactSearch(const JWNearestOptions& options) : m_options(options) {}
 
-    unsigned sourceKinds() const override { return PointKind | LineKind | AreaKind; }
+    unsigned sourceKinds() const override { return AnyKind; }
     unsigned targetKinds() const override { return sourceKinds(); }
     bool takesMultiPoints() const override { return true; }
     double largestCoordinate() const override { return 1e150; }
@@ -197,9 +198,11 @@ class ExactSearch : public NearestMethod {
 void ExactSearch::addTarget(const JWFeature& feature, Segments& pieces) {
     const JWGeometry& geometry = *feature.getGeometryPtr();
     everyPart(geometry, [&](const JWRawPoint* p, std::size_t n) { appendPieces(p, n, pieces); });
-    m_hasAreas |= isArea(geometry);
-    m_targets.push_back(
-        {&feature, isArea(geometry) ? std::make_unique<const ExactArea>(geometry) : nullptr});
+    std::unique_ptr<const ExactArea> area;
+    if (mayBeArea(geometry)) area = std::make_unique<const ExactArea>(geometry);
+    if (area && area->isEmpty()) area = nullptr;
+    m_hasAreas |= area != nullptr;
+    m_targets.push_back({&feature, std::move(area)});
 }
 
 void ExactSearch::setTargets(const FeatureList& targets, const JWEnvelop&) {
@@ -246,6 +249,7 @@ void ExactSearch::takeEnclosing(const Source& source, BestTargets& best) const {
 /// Targets of which a part lies in the source.
 void ExactSearch::takeEnclosed(const Source& source, BestTargets& best) const {
     const ExactArea area(source.of.geometry());
+    if (area.isEmpty()) return;
     targetTree().search(
         [&](const JWEnvelop& box) { return !box.isDisjoin(source.of.box); },
         [&](int target) {
@@ -286,7 +290,7 @@ NearestFinder ExactSearch::finder() const {
         if (source->pieces.empty()) return;
         best->clear();
         if (m_hasAreas) takeEnclosing(*source, *best);
-        if (!of.isPoint && isArea(of.geometry())) takeEnclosed(*source, *best);
+        if (!of.isPoint && mayBeArea(of.geometry())) takeEnclosed(*source, *best);
         const auto limit = [&] { return best->limit(); };
         const auto take = [&](int place) { takePiece(place, *source, *best); };
         for (const int place : source->nearPlaces) take(place);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <climits>
+#include <mutex>
 
 #include "foundation/hilbert_order.h"
 #include "foundation/parallel.h"
@@ -74,11 +75,17 @@ class FoundConnections {
         std::size_t list = 0, first = 0, last = 0;
     };
     void findChunk(const NearestFinder& find, std::size_t begin, std::size_t end, std::size_t list);
+    /// A finder that no worker uses; each goes back when its chunk is done, since what it holds may
+    /// be as large as the targets are many.
+    NearestFinder takeFinder(const NearestMethod& method);
+    void giveBack(NearestFinder&& finder);
 
     std::vector<int> m_order;
     std::vector<NearestSource> m_sources;  ///< in this order
     std::vector<ShortestRecords> m_lists;
     std::vector<Place> m_places;  ///< by source
+    std::vector<NearestFinder> m_finders;
+    std::mutex m_finderAccess;
 };
 
 /// Sources near each other come one after the other: their searches visit the same parts of the
@@ -106,10 +113,29 @@ bool FoundConnections::find(const Team& team, const NearestMethod& method,
     m_places.assign(sources.size(), {});
     m_lists.assign(static_cast<std::size_t>((count + chunk - 1) / chunk), {});
     return parallelChunks(team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
-        findChunk(method.finder(), static_cast<std::size_t>(begin), static_cast<std::size_t>(end),
+        NearestFinder finder = takeFinder(method);
+        findChunk(finder, static_cast<std::size_t>(begin), static_cast<std::size_t>(end),
                   static_cast<std::size_t>(begin / chunk));
+        giveBack(std::move(finder));
         return keepOn();
     });
+}
+
+NearestFinder FoundConnections::takeFinder(const NearestMethod& method) {
+    {
+        const std::lock_guard<std::mutex> lock(m_finderAccess);
+        if (!m_finders.empty()) {
+            NearestFinder finder = std::move(m_finders.back());
+            m_finders.pop_back();
+            return finder;
+        }
+    }
+    return method.finder();
+}
+
+void FoundConnections::giveBack(NearestFinder&& finder) {
+    const std::lock_guard<std::mutex> lock(m_finderAccess);
+    m_finders.push_back(std::move(finder));
 }
 
 void FoundConnections::findChunk(const NearestFinder& find, std::size_t begin, std::size_t end,

@@ -103,7 +103,14 @@ INSTANTIATE_TEST_SUITE_P(
              {"", "POINT(0 0)"},
              1,
              kAny,
-             "1-1 0 (0 0, 0 0)"},
+             "1-1 0 (0 0, 0 0); 2-1 1.41421 (1 1, 0 0)"},
+        // Areas of a collection that overlap do not cancel.
+        Case{{"POINT(4 4)", "GEOMETRYCOLLECTION(LINESTRING(20 0,20 5),POINT(5 5))"},
+             {"GEOMETRYCOLLECTION(POLYGON((0 0,9 0,9 9,0 0)),POLYGON((0 0,9 0,9 9,0 9,0 "
+              "0)),POINT(20 2))"},
+             1,
+             kAny,
+             "0-0 0 (4 4, 4 4); 1-0 0 (5 5, 5 5)"},
         Case{{"POINT(0 0)"}, {}, 1, kAny, ""}));
 
 std::string randomWkt(std::mt19937& random, double size) {

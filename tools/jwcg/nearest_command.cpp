@@ -15,9 +15,8 @@ namespace {
 
 void setupNearest(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, true);
-    CLI::Option* exact =
-        app.add_flag("--true", settings.exact,
-                     "Find what is really nearest, among points, lines and polygons in any pair");
+    CLI::Option* exact = app.add_flag("--true", settings.exact,
+                                      "Find what is really nearest, for features of any kind");
     addInteger(app, "--k", settings.nearestCount, 1, INT_MAX,
                "With --true: how many features for each of INPUT; ties are all kept");
     addNonNegative(app, "--max-distance", settings.maxDistance,
