@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: MIT
 //
-// Reads well-known text by recursive descent over its bytes, in one pass. Numbers are read by
-// std::from_chars, which knows no locale.
+// Reads well-known text by recursive descent over its bytes, in one pass.
 //
 // A tag may be followed by Z, M or ZM, joined or apart. Without it two to four ordinates are taken:
 // the third is z, the fourth m.
-#include <charconv>
-#include <cstring>
-#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "foundation/wkt.h"
+#include "foundation/wkt_words.h"
 #include "jw_geometry_collection.h"
 
 namespace jws::wkt {
@@ -53,31 +50,13 @@ struct Header {
     bool hasM = false;
 };
 
-bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-bool isLetter(char c) { return upper(c) >= 'A' && upper(c) <= 'Z'; }
-
-class Reader {
+class Reader : public Words {
   public:
-    explicit Reader(const char* text) : at_(text), end_(text + std::strlen(text)) {}
-
-    enumJWDataErr error() const { return error_; }
-    const char* position() const { return at_; }
-
-    /// True when nothing but white space is left.
-    bool atEnd() {
-        skipSpace();
-        return at_ == end_;
-    }
+    explicit Reader(const char* text) : Words(text) {}
 
     /// Skips a leading "SRID=n;".
     bool prefix() {
-        skipSpace();
-        const char* start = at_;
-        if (word() != "SRID") {
-            at_ = start;
-            return true;
-        }
+        if (!skipWord("SRID")) return true;
         double id;
         return (skipIf('=') && number(id) && skipIf(';')) || unexpected();
     }
@@ -92,17 +71,15 @@ class Reader {
             if (h.hasZ) tag.pop_back();
             if (!(h.hasZ || h.hasM) || !lookUp(tag, h)) return fail(JWDataErrCorruptData);
         } else {
-            const char* start = at_;
-            const std::string suffix = word();
-            h.hasZ = suffix == "Z" || suffix == "ZM";
-            h.hasM = suffix == "M" || suffix == "ZM";
-            if (!h.hasZ && !h.hasM) at_ = start;
+            const bool hasBoth = skipWord("ZM");
+            h.hasZ = hasBoth || skipWord("Z");
+            h.hasM = hasBoth || (!h.hasZ && skipWord("M"));
         }
         return h.type != JWGeometryNone || fail(JWDataErrUnsupportedGeometryType);
     }
 
     bool body(const Header& h, JWPoint& point) {
-        if (empty()) {
+        if (skipWord("EMPTY")) {
             point.setEmpty();
             return true;
         }
@@ -124,8 +101,8 @@ class Reader {
     bool body(const Header& h, JWMultiPoint& points) {
         return list([&] {
             JWPoint& p = points.getPointList().emplace_back();
-            skipSpace();
-            const bool bare = at_ < end_ && *at_ != '(' && !isEmptyWord();
+            const char next = peek();
+            const bool bare = next != '\0' && next != '(' && !isWord("EMPTY");
             return bare ? ordinates(h, p) : body(h, p);
         });
     }
@@ -165,11 +142,6 @@ class Reader {
         }
     }
 
-    bool fail(enumJWDataErr err) {
-        if (error_ == JWDataErrNone) error_ = err;
-        return false;
-    }
-
   private:
     static bool lookUp(const std::string& word, Header& h) {
         for (const Tag& tag : kTags) {
@@ -181,87 +153,12 @@ class Reader {
         return false;
     }
 
-    /// Something else stands here, or nothing any more.
-    bool unexpected() { return fail(atEnd() ? JWDataErrNotEnoughData : JWDataErrCorruptData); }
-
-    void skipSpace() {
-        while (at_ < end_ && isSpace(*at_)) ++at_;
-    }
-
-    /// Reads letters, as capitals; empty when there is none.
-    std::string word() {
-        skipSpace();
-        std::string letters;
-        while (at_ < end_ && isLetter(*at_)) letters.push_back(upper(*at_++));
-        return letters;
-    }
-
-    bool isEmptyWord() {
-        const char* start = at_;
-        const bool is = word() == "EMPTY";
-        at_ = start;
-        return is;
-    }
-
-    /// Reads "EMPTY" when it stands here.
-    bool empty() {
-        if (!isEmptyWord()) return false;
-        word();
-        return true;
-    }
-
-    bool skipIf(char c) {
-        skipSpace();
-        if (at_ == end_ || *at_ != c) return false;
-        ++at_;
-        return true;
-    }
-
-    bool open() { return skipIf('(') || unexpected(); }
-    bool close() { return skipIf(')') || unexpected(); }
-
-    bool number(double& value) {
-        skipSpace();
-        if (end_ - at_ > 1 && at_[0] == '+' && at_[1] != '-') ++at_;
-        const auto [next, err] = std::from_chars(at_, end_, value);
-        if (err == std::errc::invalid_argument) return unexpected();
-        if (err == std::errc::result_out_of_range) value = outOfRange(at_, next);
-        at_ = next;
-        // Numbers stand apart: "1-2" and "1.2.3" are not two.
-        return at_ == end_ || isSpace(*at_) || std::strchr(",);", *at_) != nullptr || unexpected();
-    }
-
-    /// A number too large for a double is infinite, one too small is zero: which of the two, says
-    /// the place of its first digit other than zero.
-    static double outOfRange(const char* first, const char* last) {
-        const bool negative = *first == '-';
-        const char* at = negative ? first + 1 : first;
-        long long place = 0;
-        bool counting = false, fraction = false;
-        for (; at < last && upper(*at) != 'E'; ++at) {
-            fraction = fraction || *at == '.';
-            counting = counting || (*at >= '1' && *at <= '9');
-            if (counting && !fraction) ++place;
-            if (!counting && fraction && *at == '0') --place;
-        }
-        int exponent = 0;
-        if (at < last) {
-            at += at[1] == '+' ? 2 : 1;
-            const bool huge = std::from_chars(at, last, exponent).ec != std::errc();
-            if (huge) exponent = *at == '-' ? -2000000000 : 2000000000;
-        }
-        const double size = place + exponent < 0 ? 0.0 : std::numeric_limits<double>::infinity();
-        return negative ? -size : size;
-    }
-
     bool ordinates(const Header& h, JWPoint& point) {
         double value[4] = {0, 0, 0, 0};
         if (!number(value[0]) || !number(value[1])) return false;
         int n = 2;
-        skipSpace();
-        while (n < 4 && at_ < end_ && *at_ != ',' && *at_ != ')') {
+        for (char next; n < 4 && (next = peek()) != '\0' && next != ',' && next != ')';) {
             if (!number(value[n++])) return false;
-            skipSpace();
         }
         const bool told = h.hasZ || h.hasM;
         if (told && n != 2 + int(h.hasZ) + int(h.hasM)) return fail(JWDataErrCorruptData);
@@ -283,7 +180,7 @@ class Reader {
     /// Reads "EMPTY" or items between parentheses.
     template <class Item>
     bool list(const Item& item) {
-        if (empty()) return true;
+        if (skipWord("EMPTY")) return true;
         if (!open()) return false;
         do {
             if (!item()) return false;
@@ -303,9 +200,6 @@ class Reader {
         return made;
     }
 
-    const char* at_;
-    const char* end_;
-    enumJWDataErr error_ = JWDataErrNone;
     int depth_ = 0;
 };
 
