@@ -11,6 +11,7 @@
 #include "jw_geometrydissolve.h"
 #include "jw_geometrysimplicify.h"
 #include "support/layers.h"
+#include "support/test_paths.h"
 
 namespace jwtest {
 
@@ -253,7 +254,7 @@ TEST(Coverage, TakesWhatComes) {
 }
 
 TEST(Coverage, Counties) {
-    JWDataSource* opened = JWDataSource::open(JW_EXAMPLE_DATA "/us_counties.gpkg");
+    JWDataSource* opened = JWDataSource::open(exampleData("us_counties.gpkg").c_str());
     ASSERT_NE(nullptr, opened);
     const SourcePtr source(opened);
     const LayerPtr input(source->openLayer(""));

@@ -15,6 +15,7 @@
 
 #include "support/clip_check.h"
 #include "support/clip_families.h"
+#include "support/test_paths.h"
 
 namespace jwtest {
 using jws::JWRawPoint;
@@ -179,7 +180,7 @@ INSTANTIATE_TEST_SUITE_P(All, GpcFamily, testing::ValuesIn(clipFamilies()),
 
 // Pairs that an engine got wrong once: the file names the fault before each.
 TEST(Gpc, FormerMisses) {
-    std::ifstream file(JW_TEST_DATA "/clip_misses.wkt");
+    std::ifstream file(testData("clip_misses.wkt"));
     ASSERT_TRUE(file);
     std::string a;
     for (std::string line; std::getline(file, line);) {

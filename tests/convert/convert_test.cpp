@@ -11,6 +11,7 @@
 
 #include "jw_geometryconvert.h"
 #include "support/layers.h"
+#include "support/test_paths.h"
 
 namespace {
 
@@ -356,8 +357,8 @@ JWRawPoint besideLine(const JWLineString& line, int side) {
 }
 
 TEST(ConvertLayers, CountiesLieOnTheSidesThatNameThem) {
-    SourcePtr source(JWDataSource::open(JW_EXAMPLE_DATA "/us_counties.gpkg"));
-    if (!source) GTEST_SKIP() << "no example data";
+    SourcePtr source(JWDataSource::open(exampleData("us_counties.gpkg").c_str()));
+    ASSERT_TRUE(source) << JWReport::lastError().text;
     LayerPtr in(source->openLayer(0)), out = emptyLayer("out");
     const int written =
         Convert::convertPolygonLayerToLineLayer(in.get(), out.get(), true, {}, nullptr);

@@ -3,7 +3,6 @@
 
 #include <climits>
 #include <cmath>
-#include <filesystem>
 #include <limits>
 #include <map>
 #include <numeric>
@@ -13,6 +12,7 @@
 #include "support/geos_oracle.h"
 #include "support/layers.h"
 #include "support/random_rings.h"
+#include "support/test_paths.h"
 
 using namespace jws;
 using namespace jwtest;
@@ -462,9 +462,8 @@ TEST_F(Dissolve, CleanCoverageLeavesItsOutline) {
 }
 
 TEST_F(Dissolve, CountiesByState) {
-    const std::string path = std::string(JW_EXAMPLE_DATA) + "/us_counties.gpkg";
-    if (!std::filesystem::exists(path)) GTEST_SKIP() << "no " << path;
-    SourcePtr source(JWDataSource::open(path.c_str()));
+    SourcePtr source(JWDataSource::open(exampleData("us_counties.gpkg").c_str()));
+    ASSERT_TRUE(source) << JWReport::lastError().text;
     LayerPtr counties(source->openLayer(0));
     const int field = counties->getFieldsDefnPtr()->getFieldIndex("state");
     double sum = 0;

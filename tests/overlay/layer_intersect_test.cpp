@@ -12,6 +12,7 @@
 #include "foundation/layer_files.h"
 #include "jw_geometryoverlay2.h"
 #include "support/layers.h"
+#include "support/test_paths.h"
 
 using namespace jws;
 using namespace jwtest;
@@ -332,9 +333,8 @@ TEST_F(LayerIntersect, FeatureClassesNeedNoEnvelopes) {
 // GEOS 3.11 on input repaired by MakeValid, which reads crossing rings by even-odd as well; repair
 // by a buffer of 0 drops lobes of crossing rings and gives 820.2296634.
 TEST_F(LayerIntersect, CountiesAndClimateCells) {
-    const std::string data = JW_EXAMPLE_DATA;
-    SourcePtr counties(JWDataSource::open((data + "/us_counties.gpkg").c_str()));
-    SourcePtr cells(JWDataSource::open((data + "/climate_cells.gpkg").c_str()));
+    SourcePtr counties(JWDataSource::open(exampleData("us_counties.gpkg").c_str()));
+    SourcePtr cells(JWDataSource::open(exampleData("climate_cells.gpkg").c_str()));
     ASSERT_TRUE(counties && cells) << JWReport::lastError().text;
     LayerPtr a(counties->openLayer(0)), b(cells->openLayer(0));
     LayerPtr output = emptyLayer("out", "EPSG:4326");

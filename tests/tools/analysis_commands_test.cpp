@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "program.h"
+#include "support/test_paths.h"
 
 namespace jws::test {
 namespace {
@@ -190,7 +191,7 @@ TEST_F(AnalysisCommands, ControlPointsTellTheirResiduals) {
 }
 
 TEST_F(AnalysisCommands, SameResultForAnyThreadsAndBlocks) {
-    const std::string counties = std::string(JW_EXAMPLE_DATA) + "/us_counties.gpkg";
+    const std::string counties = jwtest::exampleData("us_counties.gpkg");
     for (const Arguments& command :
          {Arguments{"simplify", counties, "out.csv", "--tolerance", "0.05"},
           Arguments{"smooth", counties, "out.csv", "--tolerance", "0.05"},
@@ -235,9 +236,10 @@ TEST_F(AnalysisCommands, WhatMakesNoSenseIsRefused) {
          2,
          "--degree: must be an integer from 1 to 170"},
         {{"transform", "boxes.geojson"}, 2, "nothing to do"},
-        {{"transform", "boxes.geojson", "--move", "1"}, 2, "'1' is not dx,dy"},
-        {{"transform", "boxes.geojson", "--move", "1,nan"}, 2, "'1,nan' is not dx,dy"},
+        {{"transform", "boxes.geojson", "--move", "1"}, 2, "'1' is not of the form DX,DY"},
+        {{"transform", "boxes.geojson", "--move", "1,nan"}, 2, "'1,nan' is not of the form DX,DY"},
         {{"transform", "boxes.geojson", "--scale", "0", "--inverse"}, 2, "cannot be inverted"},
+        {{"transform", "boxes.geojson", "--scale", "1e308"}, 2, "beyond all numbers"},
         {{"transform", "boxes.geojson", "--gcp", "none.points"}, 3, "cannot be opened"},
         {{"transform", "boxes.geojson", "--gcp", "short.points"}, 3, "line 1"},
         {{"transform", "boxes.geojson", "--gcp", "one_line.points"}, 2, "not on one line"},

@@ -3,7 +3,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <sstream>
@@ -96,9 +95,8 @@ void addNumbers(CLI::App& app, const std::string& names, const std::vector<std::
             good = good && parse(member, numbers.back()) && std::isfinite(numbers.back());
         }
         if (!good || std::find(counts.begin(), counts.end(), numbers.size()) == counts.end()) {
-            std::string wanted = type;
-            for (char& c : wanted) c = static_cast<char>(std::tolower(c));
-            if (counts == std::vector<std::size_t>{1}) wanted = "a finite number";
+            const bool isOne = counts == std::vector<std::size_t>{1};
+            const std::string wanted = isOne ? "a finite number" : "of the form " + type;
             throw CLI::ValidationError(names, "'" + text + "' is not " + wanted);
         }
         take(numbers);

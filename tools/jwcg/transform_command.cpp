@@ -3,6 +3,7 @@
 // `jwcg transform`: moves, turns, scales, shears and maps a layer. Steps are composed to one matrix
 // in the order of the command line, so the layer is read once.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -81,6 +82,10 @@ void compose(const Settings& settings, JWFeatureLayer& layer, Transformation& ma
         made.map = composed(made.map,
                             mapOf(step, made.origin ? *made.origin : JWRawPoint(0, 0), made.fit));
     }
+    double* m = made.map.m;
+    if (!std::all_of(m, m + 6, [](double number) { return std::isfinite(number); })) {
+        throw CommandFailure(ExitUsage, "the transformation grows beyond all numbers");
+    }
     if (!settings.inverse) return;
     Affine inverse;
     if (!JWGeometryTransform::invertMatrix(made.map.m, inverse.m)) {
@@ -92,7 +97,8 @@ void compose(const Settings& settings, JWFeatureLayer& layer, Transformation& ma
 }
 
 void describe(const Transformation& made, RunSummary& summary) {
-    const double* m = made.map.m;
+    double m[6];
+    for (int i = 0; i < 6; ++i) m[i] = made.map.m[i] + 0.0;  // no "-0"
     char text[240];
     std::snprintf(text, sizeof text, "matrix   %.15g,%.15g,%.15g,%.15g,%.15g,%.15g\n", m[0], m[1],
                   m[2], m[3], m[4], m[5]);
