@@ -146,8 +146,12 @@ std::int64_t LayerReader::count(GdalErrors& errors) {
     noticeChanges();
     if (m_count >= 0) return m_count;
     if (m_complete) return static_cast<std::int64_t>(m_fids.size());
-    if (m_holds || m_source->isDriver("ESRI Shapefile")) {
-        // Only reading tells; that driver counts deleted rows as well.
+    if (m_source->isDatabase()) {
+        const std::int64_t answer = askDatabase("COUNT", errors);
+        if (answer >= 0) return m_count = answer;
+        errors.clear();
+    }
+    if (mustBeReadToCount()) {
         std::int64_t count = 0;
         const auto increment = [&count](std::int64_t, OGRFeature&) { ++count; };
         m_count = visitAll(false, increment, errors) ? count : -1;
@@ -160,6 +164,16 @@ std::int64_t LayerReader::count(GdalErrors& errors) {
         return -1;
     }
     return m_count = count;
+}
+
+/// Only reading tells: a test decides, a shapefile's driver counts deleted rows as well, and a
+/// GeoPackage keeps a count that other programs may have left outdated. One that is being written
+/// to counts on from there: reading it again after each write would cost more than the count is
+/// worth.
+bool LayerReader::mustBeReadToCount() const {
+    if (m_holds || m_source->isDriver("ESRI Shapefile")) return true;
+    return m_source->isDatabase() && m_source->isUpdate() && !m_source->isCreated() &&
+           m_changesSeen == 0;
 }
 
 /// MAX(identifier) or COUNT(*) by the database itself; −1 when there is none or it cannot tell.
@@ -244,7 +258,6 @@ bool LayerReader::endIsGenuine(GdalErrors& errors) {
         return true;
     }
     std::int64_t stated = m_layer.GetFeatureCount(FALSE);
-    // A GeoPackage keeps a count that other programs may have left outdated.
     if (stated > met && m_source->isDatabase()) stated = askDatabase("COUNT", errors);
     if (stated <= met && !errors.failed()) return true;
     m_count = -1;

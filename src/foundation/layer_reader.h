@@ -14,7 +14,8 @@
 // one that lost it goes on through the table. Drivers without random access are read on from the
 // cursor, and from the start again for what lies behind it.
 //
-// A pass that ends before the driver's own count is a failure, not an end.
+// A pass that ends before the driver's own count is a failure, not an end. The count of a database
+// is asked of its table, not of what it keeps beside it.
 //
 // A reader may see some of the features only: those of a table of identifiers, which are fetched
 // one by one, or those that pass a test, on the way of the cursor. Positions count what it sees.
@@ -88,6 +89,7 @@ class LayerReader {
     Outcome fetch(std::int64_t position, OGRFeatureUniquePtr& feature, GdalErrors& errors);
     Outcome fetchFromTable(std::int64_t position, OGRFeatureUniquePtr& feature, GdalErrors& errors);
     bool completeTable(GdalErrors& errors);
+    bool mustBeReadToCount() const;
     bool endIsGenuine(GdalErrors& errors);
     std::int64_t askDatabase(const char* function, GdalErrors& errors);
     Outcome fail(const GdalErrors& errors, const std::string& what, std::int64_t fid = -1);

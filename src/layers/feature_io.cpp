@@ -18,14 +18,17 @@ class LayerInput : public FeatureInput {
     bool identifiersFitInt() override { return m_layer.getMaximumFID() <= INT_MAX; }
 
     std::int64_t count() override {
-        const std::int64_t count = m_layer.getFeatureCount64();
-        if (count < 0) throw LayerFailure();
-        return count;
+        if (m_count < 0) m_count = m_layer.getFeatureCount64();
+        if (m_count < 0) throw LayerFailure();
+        return m_count;
     }
 
     void read(std::int64_t first, std::int64_t count, bool decode,
               std::vector<JWReadFeature>& features) override {
+        const std::size_t before = features.size();
         if (!m_layer.readAhead(first, count, decode, features)) throw LayerFailure();
+        const auto more = static_cast<std::int64_t>(features.size() - before);
+        if (more > 0 && first + more > this->count()) failForMore();
     }
 
     void readAt(std::int64_t position, JWReadFeature& feature) override {
@@ -41,7 +44,15 @@ class LayerInput : public FeatureInput {
     }
 
   private:
+    [[noreturn]] void failForMore() const {
+        JWReport::setError(JWErrorInputUnreadable,
+                           std::string(source()) + ", layer " + name() + ": has more than the " +
+                               std::to_string(m_count) + " features that it states");
+        throw LayerFailure();
+    }
+
     JWFeatureLayer& m_layer;
+    std::int64_t m_count = -1;  ///< of the whole run
 };
 
 class ClassInput : public FeatureInput {
@@ -110,7 +121,9 @@ class JoinedInput : public FeatureInput {
     void read(std::int64_t first, std::int64_t count, bool decode,
               std::vector<JWReadFeature>& features) override {
         const std::int64_t end = first + count;
-        if (first < m_first) m_a.read(first, std::min(end, m_first) - first, decode, features);
+        // One more than A states, so that A notices if it has more.
+        const std::int64_t endOfA = std::min(end, m_first + 1);
+        if (first < endOfA) m_a.read(first, endOfA - first, decode, features);
         if (end <= m_first) return;
         const std::int64_t from = std::max(first, m_first);
         m_b.read(from - m_first, end - from, decode, features);

@@ -353,14 +353,21 @@ TEST_F(FeatureLayerTest, DamageInTheMiddleIsReported) {
 
 TEST_F(FeatureLayerTest, AnOutdatedCountOfAnotherProgramIsNoDamage) {
     writeSquares("a.gpkg", 10);
-    GDALDataset* dataset =
-        GDALDataset::Open(path("a.gpkg").c_str(), GDAL_OF_VECTOR | GDAL_OF_UPDATE);
-    dataset->ReleaseResultSet(
-        dataset->ExecuteSQL("UPDATE gpkg_ogr_contents SET feature_count = 25", nullptr, nullptr));
-    GDALClose(dataset);
-    const LayerPtr layer = openLayer("a.gpkg");
-    EXPECT_EQ(readInBlocks(*layer, 4), upTo(10));
-    EXPECT_EQ(layer->getFeatureCount(), 10) << "as counted, not as stated";
+    for (const char* stated : {"25", "3", "0", "NULL"}) {
+        GDALDataset* dataset =
+            GDALDataset::Open(path("a.gpkg").c_str(), GDAL_OF_VECTOR | GDAL_OF_UPDATE);
+        const std::string sql =
+            std::string("UPDATE gpkg_ogr_contents SET feature_count = ") + stated;
+        dataset->ReleaseResultSet(dataset->ExecuteSQL(sql.c_str(), nullptr, nullptr));
+        GDALClose(dataset);
+        for (const bool update : {false, true}) {
+            const SourcePtr source(JWDataSource::open(path("a.gpkg").c_str(), update));
+            const LayerPtr layer(source->openLayer("layer"));
+            ASSERT_TRUE(layer) << lastText();
+            EXPECT_EQ(layer->getFeatureCount(), 10) << "as counted, not as stated: " << stated;
+            EXPECT_EQ(readInBlocks(*layer, 4), upTo(10)) << stated;
+        }
+    }
 }
 
 TEST_F(FeatureLayerTest, WhatCannotBeOpenedSaysWhy) {

@@ -417,6 +417,59 @@ TEST_F(LayerIntersectFiles, NumberingDoesNotMatter) {
     }
 }
 
+TEST_F(LayerIntersectFiles, AStatedCountDoesNotDecide) {
+    const auto rows = [](int count, double shift) {
+        std::vector<Row> made;
+        for (int i = 0; i < count; ++i) {
+            const auto at = [&](double dx, int y) {
+                return std::to_string(3 * i + shift + dx) + " " + std::to_string(y);
+            };
+            made.push_back({-1,
+                            "POLYGON((" + at(0, 0) + "," + at(2, 0) + "," + at(2, 2) + "," +
+                                at(0, 2) + "," + at(0, 0) + "))",
+                            std::to_string(i)});
+        }
+        return made;
+    };
+    using Operation = int (*)(JWFeatureLayer*, JWFeatureLayer*, JWFeatureLayer*,
+                              const JWOverlayOptions&, JWLayerReport*);
+    JWOverlayOptions options;
+    options.keepBorders = false;
+    options.blockSize = 2;
+    const auto content = [&](Operation operation, JWFeatureLayer& a, JWFeatureLayer& b) {
+        LayerPtr output = emptyLayer("out");
+        EXPECT_GT(operation(&a, &b, output.get(), options, nullptr), 0);
+        return contentOf(*output);
+    };
+    LayerPtr a = layerOf("a", rows(8, 0)), b = layerOf("b", rows(9, 1));
+    store("a.gpkg", rows(8, 0)).reset();
+    store("b.gpkg", rows(9, 1)).reset();
+    for (const char* file : {"a.gpkg", "b.gpkg"}) {
+        GDALDatasetUniquePtr source(
+            GDALDataset::Open(path(file).c_str(), GDAL_OF_VECTOR | GDAL_OF_UPDATE));
+        source->ExecuteSQL("UPDATE gpkg_ogr_contents SET feature_count = 3", nullptr, nullptr);
+    }
+    for (const Operation operation : {Operation(&JWGeometryOverlay2::intersectPolygonLayers),
+                                      Operation(&JWGeometryOverlay2::unionPolygonLayers),
+                                      Operation(&JWGeometryOverlay2::updatePolygonLayer)}) {
+        const LayerPtr fromA = openLayer("a.gpkg"), fromB = openLayer("b.gpkg");
+        const std::vector<std::string> expected = content(operation, *a, *b);
+        ASSERT_EQ(content(operation, *fromA, *fromB).size(), expected.size());
+        // One that is written to counts on from there: seen by reading, and refused.
+        const LayerPtr written = openLayer("a.gpkg", true);
+        JWFeature feature(written->getFieldsDefnPtr());
+        feature.setGeometry(fromWkt(beside).get());
+        ASSERT_TRUE(written->beginTransaction());
+        EXPECT_TRUE(written->createFeature(&feature));
+        LayerPtr output = emptyLayer("out");
+        EXPECT_EQ(operation(written.get(), fromB.get(), output.get(), options, nullptr), -1);
+        EXPECT_NE(JWReport::lastError().text.find("features that it states"), std::string::npos)
+            << JWReport::lastError().text;
+        EXPECT_EQ(output->getFeatureCount(), 0);
+        written->rollbackTransaction();
+    }
+}
+
 TEST_F(LayerIntersectFiles, ResultsThatTheOutputRefusesAreListed) {
     LayerPtr a = store("a.gpkg", {{-1, ::square, std::string(300, 'x')}, {-1, ::square, "short"}});
     LayerPtr b = store("b.gpkg", {{-1, right, "B"}});
