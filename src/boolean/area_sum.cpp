@@ -168,15 +168,15 @@ double AreaSum::addPlain(const RingViews& rings, PlainArea kind) {
     return 0.5 * twice;
 }
 
+/// The engine's contours have their interior on the left, by its own promise. Their areas would not
+/// tell: those of huge ones are no numbers, and those of slivers may round to the wrong side of 0.
 double AreaSum::addResolved(const RingViews& rings) {
     const ClippedContours contours = clipRings(rings, {}, JWBooleanUnion);
     double twice = 0;
     for (int i = 0; i < contours.count(); ++i) {
         const RingView ring = contours.view(i);
-        const double signedTwice = twiceArea(ring);
-        const bool forward = (signedTwice > 0) == (contours.hole(i) == 0);
-        addRing(ring, forward);
-        twice += forward ? signedTwice : -signedTwice;
+        addRing(ring, true);
+        twice += twiceArea(ring);
     }
     return 0.5 * twice;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <limits>
@@ -152,6 +153,25 @@ TEST_F(Dissolve, WhatBecomesOfGroups) {
         EXPECT_EQ(expected, run(row.rows, row.multipart, row.tolerance));
         EXPECT_EQ(static_cast<int>(expected.size()), count);
         EXPECT_NEAR(0, report.residual, 1e-12);
+    }
+}
+
+TEST_F(Dissolve, AreasBeyondAllNumbersAreUnitedToo) {
+    for (const char* huge :
+         {"POLYGON((-1.7e308 -1.7e308,1.7e308 -1.7e308,1.7e308 1.7e308,-1.7e308 1.7e308,"
+          "-1.7e308 -1.7e308))",
+          "POLYGON((-1.7e308 -1.7e308,1.7e308 1.7e308,1.7e308 -1.7e308,-1.7e308 1.7e308,"
+          "-1.7e308 -1.7e308))"}) {
+        LayerPtr output = emptyLayer("out");
+        JWDissolveOptions options;
+        options.multipart = true;
+        LayerPtr input = layerOf("in", {{-1, huge, "a"}, {-1, box(1, 0, 2.5), "a"}});
+        ASSERT_EQ(1, JWGeometryDissolve::dissolvePolygonLayer(input.get(), output.get(), {0},
+                                                              options, &report));
+        EXPECT_TRUE(report.rejected.empty());
+        const std::unique_ptr<JWFeature> united(output->getFeature(0));
+        EXPECT_EQ(1.7e308, united->getGeometryPtr()->getEnvelop().maxX) << huge;
+        EXPECT_EQ(-1.7e308, united->getGeometryPtr()->getEnvelop().minY) << huge;
     }
 }
 
