@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "foundation/orientation.h"
+#include "foundation/segment_crossing.h"
 #include "foundation/segment_math.h"
 
 namespace jws::detail {
@@ -43,25 +44,6 @@ struct Heading {
         return orientationSign(vertex, direction, p) == 0 && isSameWay(direction, p);
     }
 };
-
-/// The point where ab, which crosses pq, does so: the same bits for either direction of either.
-/// Taken along the shorter of the two, whose digits are the finer ones.
-JWRawPoint crossingOf(const JWRawPoint& a, const JWRawPoint& b, const JWRawPoint& p,
-                      const JWRawPoint& q) {
-    const JWRawPoint *a0 = &a, *a1 = &b, *p0 = &p, *p1 = &q;
-    if (b < a) std::swap(a0, a1);
-    if (q < p) std::swap(p0, p1);
-    JWRawPoint u = difference(*a1, *a0), v = difference(*p1, *p0);
-    if (std::fabs(v.x) + std::fabs(v.y) < std::fabs(u.x) + std::fabs(u.y)) {
-        std::swap(a0, p0);
-        std::swap(a1, p1);
-        std::swap(u, v);
-    }
-    const double t = cross(difference(*p0, *a0), v) / cross(u, v);
-    const JWRawPoint at = pointAlong(*a0, u, std::clamp(t, 0.0, 1.0));
-    const JWEnvelop box = boxOf(*a0, *a1);
-    return {std::clamp(at.x, box.minX, box.maxX), std::clamp(at.y, box.minY, box.maxY)};
-}
 
 /// Four units in the last place of coordinates of at most a and b in size.
 double nearness(double a, double b) { return 4 * 2.220446049250313e-16 * std::min(a, b); }

@@ -11,6 +11,7 @@
 
 #include "foundation/edge_tree.h"
 #include "foundation/orientation.h"
+#include "foundation/segment_crossing.h"
 #include "foundation/segment_math.h"
 
 namespace jws::detail {
@@ -52,8 +53,7 @@ class LineCutter {
         if (bc == 0 && !isNext) touch(j, i, b);
         if (isNext && da == 0 && dot(difference(b, a), difference(d, c)) < 0) cut(j, c);
         if (ca * da == -1 && ac * bc == -1) {
-            const JWRawPoint u = difference(b, a), v = difference(d, c);
-            const JWRawPoint p = pointAlong(a, u, cross(difference(c, a), v) / cross(u, v));
+            const JWRawPoint p = crossingOf(a, b, c, d);
             cut(i, p);
             cut(j, p);
         }

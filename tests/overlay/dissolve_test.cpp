@@ -622,6 +622,23 @@ TEST(DissolveParts, LinesAreCutWhereTheyMeetThemselves) {
     }
     std::vector<JWLineString*> parts;
     EXPECT_EQ(0, JWGeometryDissolve::lineStringDissolve(nullptr, parts));
+    // Edges that cross, though their directions' determinant rounds to 0.
+    for (const char* text :
+         {"LINESTRING(0 0,912292310 912292302,0 912292302,-1 -1,912292311 912292303)",
+          "LINESTRING(0 0,998780234 998780219,0 998780219,-1 -1,998780235 998780220)"}) {
+        const auto line = fromWktAs<JWLineString>(text);
+        EXPECT_LT(2, JWGeometryDissolve::lineStringDissolve(&line, parts));
+        double most = 0;
+        for (const JWLineString* part : parts) {
+            for (const JWRawPoint& p : part->getPointList()) {
+                most = std::max({most, std::fabs(p.x), std::fabs(p.y)});
+                EXPECT_TRUE(std::isfinite(p.x) && std::isfinite(p.y));
+            }
+            delete part;
+        }
+        EXPECT_LT(most, 998780236) << text;
+        parts.clear();
+    }
 }
 
 TEST(DissolveParts, RingsComeApartAndSinglesTogether) {
