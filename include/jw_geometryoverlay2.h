@@ -211,7 +211,8 @@ class JW_API JWGeometryOverlay2 {
 
     /// Writes the planar union: for each feature of A the pieces that `intersectPolygonLayers`
     /// makes and the rest outside of B, then what of each feature of B lies outside of A. The
-    /// attributes of the side that is missing stay unset.
+    /// attributes of the side that is missing stay unset. What features of A and B have in common
+    /// and does not reach the tolerance stays with A.
     ///
     /// Identity: those of `identityPolygonLayers` for A and of `erasePolygonLayer` for B.
     static int unionPolygonLayers2(JWFeatureLayer* a, JWFeatureLayer* b, JWFeatureLayer* output,
@@ -226,7 +227,8 @@ class JW_API JWGeometryOverlay2 {
                                    const JWOverlayOptions& options, JWLayerReport* report);
 
     /// Writes the pieces of each feature of A in the features of B, with the attributes of both,
-    /// then what of it lies outside of all of B, with those of A.
+    /// then what of it lies outside of all of B, with those of A. What it has in common with a
+    /// feature of B and does not reach the tolerance stays with it.
     ///
     /// Identity: |A| = |pieces| + |rest|; where the pieces overlap, |A| = |A in B| + |rest|, and
     /// that of `intersectPolygonLayers` for each piece.

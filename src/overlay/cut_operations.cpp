@@ -41,6 +41,10 @@ void Cut::operator()(const OverlayFeature& self, Surroundings& around, Emitter& 
         if (pieces) {
             try {
                 const ClippedContours common = intersectAreas(self.area, other->area);
+                if (rest && !reaches(common, tolerance)) {  // stays in the rest
+                    if (check) made.skip();
+                    continue;
+                }
                 if (check) made.add(areaOf(common));
                 if (common.count() == 0) continue;
                 emit(buildArea(common, tolerance), self, other, out);

@@ -138,6 +138,18 @@ TEST_F(LayerOperations, WhatEachMakesOfOverlappingLayers) {
     }
 }
 
+TEST_F(LayerOperations, OverlapsBelowTheToleranceTakeNothing) {
+    LayerPtr a = layerOf("a", {{1, box(0, 0, 10, 10), "A1"}});
+    LayerPtr sliver = layerOf("b", {{1, box(4, 4, 4.5, 5), "B1"}});
+    LayerPtr both = layerOf("b", {{1, box(4, 4, 4.5, 5), "B1"}, {2, box(9, 0, 12, 10), "B2"}});
+    JWOverlayOptions options;
+    options.tolerance = 1;
+    EXPECT_EQ(areas("identity", *a, *sliver, options), (Rows{"100|A1|-"}));
+    EXPECT_EQ(areas("identity", *a, *both, options), (Rows{"10|A1|B2", "90|A1|-"}));
+    EXPECT_EQ(areas("union", *a, *both, options), (Rows{"10|A1|B2", "90|A1|-", "20|-|B2"}));
+    EXPECT_EQ(report.areaDropped, 0);
+}
+
 TEST_F(LayerOperations, WithinALayer) {
     const auto square = [](double x, double y) { return box(x, y, x + 10, y + 10); };
     const struct {
@@ -292,9 +304,11 @@ TEST_F(LayerOperations, PartsBecomeFeaturesOfTheirOwn) {
     JWOverlayOptions options;
     options.multipart = false;
     EXPECT_EQ(areas("erase", *a, *b, options), (Rows{"2|A", "2|A", "2|A"}));
-    // What is dropped is accounted for.
     options.tolerance = 1.5;
-    EXPECT_EQ(areas("identity", *a, *b, options), (Rows{"2|A|C", "2|A|-", "2|A|-", "2|A|-"}));
+    EXPECT_EQ(areas("identity", *a, *b, options), (Rows{"2|A|C", "2|A|-", "5|A|-"}));
+    EXPECT_EQ(report.areaDropped, 0);
+    // What is dropped is accounted for.
+    EXPECT_EQ(areas("intersect", *a, *b, options), (Rows{"2|A|C"}));
     EXPECT_DOUBLE_EQ(report.areaDropped, 1);
 }
 
