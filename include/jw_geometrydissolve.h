@@ -86,7 +86,8 @@ struct JWDissolveOptions {
 ///   geometry does not depend on the order of the features in the layer.
 /// - Features without a geometry are counted and passed over; features that hold another kind of
 ///   geometry or coordinates that are not finite are listed in the report as rejected, and the last
-///   error tells the first of them (kind `JWErrorFeatureRejected`).
+///   error tells the first of them (kind `JWErrorFeatureRejected`). So is the first feature of a
+///   group of which nothing is left: without area, or without a ring that reaches the tolerance.
 /// - Results are written in one transaction: after a failure the output holds no features.
 /// - Layers are borrowed. Features are read once; all of them are in memory until their group is
 ///   written.

@@ -93,7 +93,14 @@ std::vector<std::unique_ptr<JWGeometry>> DissolveRun::geometriesOf(std::size_t g
         result.failures.emplace_back(
             m_items[static_cast<std::size_t>(position)].feature->getFID64(), reason);
     }
-    if (!united.geometry) return geometries;
+    if (!united.geometry) {
+        if (result.failures.empty()) {
+            result.failures.emplace_back(
+                result.firstFid, united.dropped > 0 ? "no ring of its group reaches the tolerance"
+                                                    : "its group has no area");
+        }
+        return geometries;
+    }
     if (m_options.multipart) {
         geometries.push_back(std::move(united.geometry));
     } else {

@@ -268,14 +268,21 @@ TEST_F(Dissolve, WhatCannotTakePartIsListed) {
                                  {8, "LINESTRING(0 0,1 1)", "a"},
                                  {9, "", "a"},
                                  {10, "POLYGON((0 0,1 0,nan 1,0 0))", "a"},
-                                 {11, "POLYGON EMPTY", "b"}});
+                                 {11, "POLYGON EMPTY", "b"},
+                                 {12, "POLYGON((20 0,25 0,20 0,20 0))", "c"}});
     EXPECT_EQ(1u, content.size());
-    EXPECT_EQ(5, report.readA);
+    EXPECT_EQ(6, report.readA);
     EXPECT_EQ(2, report.emptyA);
-    ASSERT_EQ(2u, report.rejected.size());
+    ASSERT_EQ(3u, report.rejected.size());
     EXPECT_EQ(8, report.rejected[0].fid);
     EXPECT_EQ(10, report.rejected[1].fid);
+    EXPECT_EQ(12, report.rejected[2].fid);
+    EXPECT_EQ("its group has no area", report.rejected[2].reason);
     EXPECT_EQ(JWErrorFeatureRejected, JWReport::lastError().kind);
+
+    EXPECT_TRUE(run({{7, left, "a"}, {8, left, "a"}}, true, 1000).empty());
+    ASSERT_EQ(1u, report.rejected.size());
+    EXPECT_EQ("no ring of its group reaches the tolerance", report.rejected[0].reason);
 }
 
 TEST_F(Dissolve, Statistics) {
