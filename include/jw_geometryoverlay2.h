@@ -309,7 +309,9 @@ class JW_API JWGeometryOverlay2 {
     /// @name Overlay within one layer
     ///
     /// As for two layers, with one operand: −1 and −3 are the codes. Features are compared with
-    /// those in front of and behind them in the layer.
+    /// those in front of and behind them in the layer. Their texts name seeds, with the further
+    /// features of a region that grows, or those around a feature that is cut into pieces: whose
+    /// rectangles overlap its own.
     /// @{
 
     /// Grows features of one layer that overlap together, by the rule of `unionPolygonLayers`, with

@@ -58,6 +58,15 @@ struct UniteClusters {
     }
 };
 
+/// The find pass has told of the blocks; the unite pass tells what comes of them.
+void shareTexts(OverlayPass& find, OverlayPass& unite) {
+    find.texts.feature = nullptr;
+    find.texts.end = [](int, int, int) {};
+    unite.texts.block = false;
+}
+
+}  // namespace
+
 void announceSeed(TextBatch& texts, const FeatureCourse& course) {
     const std::vector<std::int64_t>& cluster = course.slot.cluster;
     if (cluster.empty()) return;
@@ -70,12 +79,11 @@ void announceSeed(TextBatch& texts, const FeatureCourse& course) {
     texts.print("union:%d in %d\n", cluster.size() - 1, course.inLayer);
 }
 
-}  // namespace
-
 Passes clusterPasses(const JWOverlayOptions& options, std::int64_t count) {
     const auto clusters = std::make_shared<FeatureClusters>(count, options.tolerance);
     OverlayPass find = {false, FindPairs{clusters}};
     OverlayPass unite = {false, UniteClusters{clusters, options.tolerance, options.checkAreas}};
+    shareTexts(find, unite);
     find.texts.start = [](int group) {
         JWReport::message("group %d checking overlap in input group...\n", group);
     };
@@ -92,7 +100,7 @@ Passes clusterWithinPasses(const JWOverlayOptions& options, std::int64_t count) 
     const auto clusters = std::make_shared<FeatureClusters>(count, options.tolerance);
     OverlayPass find = {false, FindPairs{clusters}};
     OverlayPass unite = {false, UniteClusters{clusters, options.tolerance, options.checkAreas}};
-    find.texts.feature = nullptr;
+    shareTexts(find, unite);
     unite.prepare = [clusters](LayerSide& side) { clusters->close(side); };
     unite.texts.feature = announceSeed;
     return {std::move(find), std::move(unite)};

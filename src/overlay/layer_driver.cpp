@@ -186,6 +186,7 @@ void OverlayRun::writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i)
     if (!side.isRead()) countRead(side, chunk, i);
     const FeatureOrigin origin = side.input().originOf(position);
     for (const std::string& reason : slot.failures) reject(origin, feature.getFID64(), reason);
+    if (isOneSided() && slot.pairs > 0) --slot.pairs;  // a feature meets itself
     if (m_countsPairs) m_report.pairs += static_cast<std::int64_t>(slot.pairs);
     m_report.areaDropped += slot.dropped;
     m_report.residual += slot.mismatch;
@@ -204,9 +205,11 @@ void OverlayRun::writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i)
 }
 
 void OverlayRun::overlayBlock(const OverlayPass& pass, const Blocks& blocks, std::int64_t block) {
-    JWReport::message("block %d->", shown(block));
-    JWReport::message("input layer block %d where:%s\n", shown(block),
-                      blocks.filter(block).c_str());
+    if (pass.texts.block) {
+        JWReport::message("block %d->", shown(block));
+        JWReport::message("input layer block %d where:%s\n", shown(block),
+                          blocks.filter(block).c_str());
+    }
     if (pass.texts.start != nullptr) pass.texts.start(shown(block));
     LayerSide& side = walked(pass);
     const std::int64_t writtenBefore = m_report.written;
@@ -240,6 +243,7 @@ void OverlayRun::walk(const OverlayPass& pass) {
         overlayBlock(pass, blocks, block);
     }
     side.setRead();
+    if (m_countsPairs && isOneSided()) m_report.pairs /= 2;  // met from either end
     m_countsPairs = false;
     if (pass.summary != nullptr) {
         pass.summary(shown(m_report.written - writtenBefore), shown(m_copied));

@@ -59,6 +59,8 @@ void announceFeature(TextBatch& texts, const FeatureCourse& course);
 /// Console texts of one block, besides that of its filter. `end` stands in for the text that says
 /// what a block wrote; null for that one.
 struct BlockTexts {
+    /// False for a walk over blocks that were announced before.
+    bool block = true;
     void (*start)(int block) = nullptr;
     void (*end)(int block, int written, int features) = nullptr;
     /// Called for each feature in order; may be null.

@@ -28,6 +28,8 @@ Passes updatePasses(const JWOverlayOptions& options, std::int64_t count);
 Passes spatialJoinPasses(const JWOverlayOptions& options, std::int64_t count);
 
 // One operand on both sides.
+/// The seed and what belongs to it, as `Emitter::noteCluster` was told; nothing where it was not.
+void announceSeed(TextBatch& texts, const FeatureCourse& course);
 /// Unites clusters of features that overlap: of two layers, and of one.
 Passes clusterPasses(const JWOverlayOptions& options, std::int64_t count);
 Passes clusterWithinPasses(const JWOverlayOptions& options, std::int64_t count);

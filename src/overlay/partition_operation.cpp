@@ -40,6 +40,7 @@ class Neighbours {
     }
 
     bool isEmpty() const { return m_features.empty(); }
+    const std::vector<OverlayFeature>& features() const { return m_features; }
 
     /// Calls `visit` for those whose envelopes overlap that of `area`, in order, until it returns
     /// false.
@@ -209,6 +210,15 @@ double areaOutside(const OverlayFeature& self, const Neighbours& neighbours, boo
     return cutters.isEmpty() ? resolvedArea(self.area) : areaOf(eraseUnion(self.area, cutters));
 }
 
+/// Keeps for the console a feature and those that cut it.
+void noteSeed(const OverlayFeature& self, const std::vector<OverlayFeature>& cutters,
+              Emitter& out) {
+    if (!JWReport::messagesAreOn()) return;
+    Hits positions = {payloadOf(self.position)};
+    for (const OverlayFeature& cutter : cutters) positions.push_back(payloadOf(cutter.position));
+    out.noteCluster(positions);
+}
+
 struct PartitionFeature {
     bool single;
     double tolerance;
@@ -217,6 +227,7 @@ struct PartitionFeature {
     void operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const {
         const Neighbours neighbours(self, around);
         if (neighbours.isEmpty() && !single) return;
+        noteSeed(self, neighbours.features(), out);
         const double made = Partition(self, neighbours, tolerance, single, out).run();
         if (!check || neighbours.isEmpty()) return;
         double expected = areaOutside(self, neighbours, true);
@@ -232,10 +243,14 @@ struct OverlapOfFeature {
 
     void operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const {
         AreaUnion later(self.area.envelop());
+        std::vector<OverlayFeature> cutters;
         while (const OverlayFeature* other = around.next()) {
-            if (other->position > self.position) later.add(other->area);
+            if (other->position <= self.position || !self.area.overlaps(other->area)) continue;
+            later.add(other->area);
+            cutters.push_back(*other);
         }
-        if (later.isEmpty()) return;
+        if (cutters.empty()) return;
+        noteSeed(self, cutters, out);
         const ClippedContours inside =
             clipRings(self.area.rings(), later.rings(), JWBooleanIntersection);
         out.emit(buildArea(inside, tolerance), self.get(), nullptr);
@@ -246,7 +261,7 @@ struct OverlapOfFeature {
 
 OverlayPass partitionPass(const JWOverlayOptions& options, bool single) {
     OverlayPass pass = {false, PartitionFeature{single, options.tolerance, options.checkAreas}};
-    pass.texts.feature = nullptr;
+    pass.texts.feature = announceSeed;
     pass.texts.start = [](int group) {
         JWReport::message("group %d doing intersect step TWO...\n", group);
         JWReport::message("group %d doing erase step TWO...\n", group);
@@ -258,7 +273,7 @@ OverlayPass partitionPass(const JWOverlayOptions& options, bool single) {
 
 Passes overlapPasses(const JWOverlayOptions& options, std::int64_t) {
     OverlayPass pass = {false, OverlapOfFeature{options.tolerance, options.checkAreas}};
-    pass.texts.feature = nullptr;
+    pass.texts.feature = announceSeed;
     pass.texts.start = [](int group) {
         JWReport::message("group %d doing intersect step TWO...\n", group);
     };

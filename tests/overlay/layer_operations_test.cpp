@@ -373,6 +373,19 @@ TEST_F(LayerOperations, AnnounceWhatGrowsTogether) {
                                    "Seed:1->block 0 wrote 2"),
               std::string::npos)
         << messages.text();
+    EXPECT_EQ(messages.text().find("block 0->"), messages.text().rfind("block 0->"));
+    EXPECT_EQ(messages.text().find("wrote 0 features"), std::string::npos);
+    EXPECT_EQ(report.pairs, 1);
+    run("partition within", *layer, *layer);
+    EXPECT_EQ(report.pairs, 1);
+    EXPECT_NE(messages.text().find("Seed:0->seedsi:0->2 in 3\ni=0 union index=2\nunion:1 in 3\n"
+                                   "Seed:1->Seed:2->seedsi:2->2 in 3\ni=2 union index=0\n"
+                                   "union:1 in 3\nblock 0 wrote 4"),
+              std::string::npos)
+        << messages.text();
+    run("overlap within", *layer, *layer);
+    EXPECT_NE(messages.text().find("\nunion:1 in 3\nblock 0 wrote 1"), std::string::npos)
+        << messages.text();
     const std::size_t before = messages.text().size();
     JWReport::setMessagesOn(false);
     run("grow within", *layer, *layer);
