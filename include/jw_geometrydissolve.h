@@ -150,14 +150,15 @@ class JW_API JWGeometryDissolve {
 
     /// Unites the features of one group.
     ///
-    /// \param featureCount the number of features used from the list; null features and features
-    ///     that are no finite areas are skipped
+    /// \param featureCount the number of features used from the list, all of them if it has fewer;
+    ///     null features and features that are no finite areas are skipped
     /// \param outputFields schema of the new features: its field k takes the value of the k-th
     ///     dissolve field, in the order of their indexes, of the first feature. It must outlive the
     ///     new features.
     /// \param out receives the new features, which belong to the caller
     /// \return the number appended: 0 for fewer than two features, 1 with `multipart`, otherwise
-    ///     one per polygon
+    ///     one per polygon; 0 with the last error set when a dissolve field is no field of the
+    ///     first feature, or there are more of them than `outputFields` can take
     static int dissolvePolygonsWithSameAttributes(std::vector<JWFeature*> features,
                                                   int featureCount, JWFields& outputFields,
                                                   std::vector<int> fieldIndexes, int fieldCount,

@@ -76,6 +76,34 @@ int dissolve(JWFeatureLayer* input, JWFeatureLayer* output, DissolveKind kind,
     });
 }
 
+/// A feature with what the first of some features has in the dissolve fields, which are in order. A
+/// value that its field cannot hold stays unset. Null with the last error set when a field is
+/// missing on either side.
+std::unique_ptr<JWFeature> valuesOf(const JWFeature& first, const std::vector<int>& fields,
+                                    JWFields& schema) {
+    if (static_cast<int>(fields.size()) > schema.getFieldCount()) {
+        invalidArgument(std::to_string(fields.size()) + " dissolve fields do not fit into " +
+                        std::to_string(schema.getFieldCount()) + " result fields");
+        return nullptr;
+    }
+    auto values = std::make_unique<JWFeature>(&schema);
+    for (std::size_t k = 0; k < fields.size(); ++k) {
+        if (fields[k] < 0 || fields[k] >= first.getFieldCount()) {
+            invalidArgument("there is no field " + std::to_string(fields[k]) +
+                            " to dissolve by, of " + std::to_string(first.getFieldCount()) +
+                            " counted from 0");
+            return nullptr;
+        }
+        if (!values->copyFieldFrom(static_cast<int>(k), first, fields[k])) {
+            JWReport::setError(
+                JWErrorFeatureRejected,
+                "the result cannot hold the value of field " + std::to_string(fields[k]),
+                first.getFID64());
+        }
+    }
+    return values;
+}
+
 /// The fixed signatures.
 int dissolve(JWFeatureLayer* input, JWFeatureLayer* output, DissolveKind kind,
              std::vector<int>&& fields, int fieldCount, const JWDissolveOptions& options) {
@@ -155,6 +183,9 @@ int JWGeometryDissolve::dissolvePolygonsWithSameAttributes(std::vector<JWFeature
         std::sort(fieldIndexes.begin(), fieldIndexes.end());
         fieldIndexes.erase(std::unique(fieldIndexes.begin(), fieldIndexes.end()),
                            fieldIndexes.end());
+        const std::unique_ptr<JWFeature> values =
+            valuesOf(*features.front(), fieldIndexes, outputFields);
+        if (!values) return 0;
         std::unique_ptr<JWGeometry> united = uniteFeatures(features, tolerance);
         if (!united) return 0;
         std::vector<std::unique_ptr<JWGeometry>> geometries;
@@ -163,13 +194,9 @@ int JWGeometryDissolve::dissolvePolygonsWithSameAttributes(std::vector<JWFeature
         } else {
             geometries = splitPolygons(std::move(united));
         }
-        JWFeature values(&outputFields);
-        for (std::size_t k = 0; k < fieldIndexes.size(); ++k) {
-            values.copyFieldFrom(static_cast<int>(k), *features.front(), fieldIndexes[k]);
-        }
         out.reserve(out.size() + geometries.size());
         for (std::unique_ptr<JWGeometry>& geometry : geometries) {
-            auto feature = std::make_unique<JWFeature>(values);
+            auto feature = std::make_unique<JWFeature>(*values);
             feature->setGeometryDirectly(geometry.release());
             out.push_back(feature.release());
         }

@@ -591,6 +591,19 @@ TEST_F(Dissolve, OneGroupByHand) {
         }
         EXPECT_EQ(row.expected, static_cast<int>(out.size()));
     }
+    const struct {
+        std::vector<int> fields;
+        const char* says;
+    } refused[] = {{{1}, "no field 1 "}, {{-1}, "no field -1 "}, {{0, 1}, "2 dissolve fields"}};
+    for (const auto& row : refused) {
+        std::vector<JWFeature*> out;
+        const int count = static_cast<int>(row.fields.size());
+        EXPECT_EQ(0, JWGeometryDissolve::dissolvePolygonsWithSameAttributes(
+                         features, 3, schema, row.fields, count, out, true, 0));
+        EXPECT_TRUE(out.empty());
+        EXPECT_NE(std::string::npos, JWReport::lastError().text.find(row.says))
+            << JWReport::lastError().text;
+    }
     std::vector<JWGeometry*> polygons;
     EXPECT_EQ(2, JWGeometryOverlay2::unionPolygons(features, polygons, 0));
     for (JWGeometry* polygon : polygons) delete polygon;
