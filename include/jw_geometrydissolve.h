@@ -73,10 +73,11 @@ struct JWDissolveOptions {
 /// a NaN), texts byte by byte, any other type by content.
 ///
 /// Layer operations return the number of features written (2,147,483,647 for more), or −1 a layer
-/// is missing, the output is not open for writing, a field index is out of range, a layer cannot be
-/// read to its end or the run was stopped (`JWReport::lastError` says which); −3 the output has
-/// fields already; −2 the spatial references of input and output differ. They are checked in the
-/// order −1, −3, −2.
+/// is missing, the output is not open for writing or is the input, a field index is out of range, a
+/// layer cannot be read to its end or the run was stopped (`JWReport::lastError` says which); −3
+/// the output has fields already; −2 the spatial references of input and output differ. The layers
+/// are looked at in the order −1, −3, −2, and the field indexes after them; a count of fields
+/// beyond the list comes before all.
 ///
 /// - The first `fieldCount` of `fieldIndexes` are used; a count beyond the list is an error (−1). A
 ///   count below 1 means no field. The output gets just these fields, in the input's order, with
@@ -116,8 +117,7 @@ class JW_API JWGeometryDissolve {
     /// \param tolerance smallest absolute ring area kept, square layer units, once the whole group
     ///     is united
     /// \param blockSize has no effect: features are read some hundred at a time, and all of them
-    /// stay
-    ///     in memory until their group is written
+    ///     stay in memory until their group is written
     /// \return see above
     ///
     /// Prints the running count of features read, "%d\n" each, and for each cluster the positions

@@ -119,9 +119,9 @@ class JW_API JWGeometryOverlay2 {
     /// writing and have no fields yet. Layers are borrowed and stay open.
     ///
     /// Return values: the number of features written (2,147,483,647 for more), or −1 a layer is
-    /// missing, the output cannot be written, a layer cannot be read to its end, or the run was
-    /// stopped (`JWReport::lastError` says which); −2 the spatial references of A and B differ; −3
-    /// the output has fields already.
+    /// missing, the output cannot be written or is one of the operands, a layer cannot be read to
+    /// its end, or the run was stopped (`JWReport::lastError` says which); −2 the spatial
+    /// references of A and B differ; −3 the output has fields already.
     ///
     /// - Operands may have overlaps of their own, rings that cross themselves, and several parts;
     ///   each feature is read by the even-odd rule. What features of one layer have in common
@@ -135,9 +135,8 @@ class JW_API JWGeometryOverlay2 {
     ///   them.
     /// - `tolerance` is the smallest absolute ring area kept, square layer units.
     /// - `multipart`: a result of several parts stays one feature; otherwise each part is one.
-    /// - `blockSize` features of an operand are held at a time; 0 or less means all. Of the
-    /// features
-    ///   around them the layer's cache (`JWFeatureLayer::setCacheLimit`) keeps what fits.
+    /// - `blockSize` features of an operand are held at a time, all for 0 and less. Of those around
+    ///   them the layer's cache (`JWFeatureLayer::setCacheLimit`) keeps what fits.
     /// - Results come in the order of A, for each feature of A in the order of B, and where B has
     ///   results of its own these follow in the order of B: the same bit for bit for any block size
     ///   and any number of threads. They are written in one transaction: after a failure the output

@@ -57,11 +57,11 @@ class LayerInput : public FeatureInput {
 
 class ClassInput : public FeatureInput {
   public:
-    ClassInput(const char* name, const JWFeatureClass& features)
-        : m_name(name != nullptr ? name : ""), m_features(features) {}
+    ClassInput(const char* name, const char* title, const JWFeatureClass& features)
+        : m_name(name != nullptr ? name : ""), m_title(title), m_features(features) {}
 
     const char* name() const override { return m_name.c_str(); }
-    const char* source() const override { return ""; }
+    const char* source() const override { return m_title.c_str(); }
     enumJWWKBGeometryType geometryType() const override { return m_features.getGeometryType(); }
     std::int64_t count() override { return m_features.getFeatureCount(); }
 
@@ -101,6 +101,7 @@ class ClassInput : public FeatureInput {
     }
 
     std::string m_name;
+    std::string m_title;
     const JWFeatureClass& m_features;
 };
 
@@ -229,8 +230,9 @@ std::unique_ptr<FeatureInput> inputFrom(JWFeatureLayer& layer) {
     return std::make_unique<LayerInput>(layer);
 }
 
-std::unique_ptr<FeatureInput> inputFrom(const char* name, const JWFeatureClass& features) {
-    return std::make_unique<ClassInput>(name, features);
+std::unique_ptr<FeatureInput> inputFrom(const char* name, const char* title,
+                                        const JWFeatureClass& features) {
+    return std::make_unique<ClassInput>(name, title, features);
 }
 
 std::unique_ptr<FeatureInput> joinedInput(FeatureInput& a, FeatureInput& b) {

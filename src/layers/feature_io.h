@@ -47,7 +47,7 @@ class FeatureInput {
     virtual ~FeatureInput() = default;
     virtual FeatureOrigin originOf(std::int64_t /*position*/) { return {this, false}; }
     virtual const char* name() const = 0;
-    /// Name of the data source; empty for features in memory.
+    /// Name of the data source; for features in memory what stands for one.
     virtual const char* source() const = 0;
     virtual std::int64_t count() = 0;
     virtual enumJWWKBGeometryType geometryType() const = 0;
@@ -113,8 +113,10 @@ class FeatureOutput {
 };
 
 std::unique_ptr<FeatureInput> inputFrom(JWFeatureLayer& layer);
-/// `name` stands for the layer's name; `features` must outlive the input.
-std::unique_ptr<FeatureInput> inputFrom(const char* name, const JWFeatureClass& features);
+/// `name`, null for none, stands for the layer's name, `title` for its file; `features` must
+/// outlive the input.
+std::unique_ptr<FeatureInput> inputFrom(const char* name, const char* title,
+                                        const JWFeatureClass& features);
 /// The features of `a`, then those of `b`, as one operand; both must outlive it.
 std::unique_ptr<FeatureInput> joinedInput(FeatureInput& a, FeatureInput& b);
 std::unique_ptr<FeatureOutput> outputTo(JWFeatureLayer& layer);

@@ -64,7 +64,8 @@ int checkOverlayLayers(const JWFeatureLayer* a, const JWFeatureLayer* b,
 void reportRejected(const std::vector<JWRejectedFeature>& rejected) {
     if (rejected.empty()) return JWReport::clearError();
     const JWRejectedFeature& first = rejected.front();
-    std::string text = (first.source.empty() ? "" : first.source + ", ") + "layer " + first.layer;
+    std::string text = first.source;
+    if (!first.layer.empty()) text += (text.empty() ? "layer " : ", layer ") + first.layer;
     if (first.fid >= 0) text += ", feature " + std::to_string(first.fid);
     text += ": " + first.reason;
     if (rejected.size() > 1) text += "; and " + std::to_string(rejected.size() - 1) + " more";

@@ -97,7 +97,7 @@ int overlayClasses(const LayerOperation& operation, const NamedClass& a, const N
                    JWFeatureClass& output, const JWOverlayOptions& options) {
     return guarded(operation.name, -1, [&] {
         JWReport::clearError();
-        if (a.features != &output && b.features != &output) output.clearAll();
+        if (a.features != &output && b.features != &output) output = JWFeatureClass();
         if (!checkClass(operation, a, "A", output) || !checkClass(operation, b, "B", output)) {
             return -1;
         }
@@ -106,9 +106,10 @@ int overlayClasses(const LayerOperation& operation, const NamedClass& a, const N
             return -2;
         }
         output.setSpatialReference(a.features->getSpatialReference());
-        const std::unique_ptr<FeatureInput> inputA = inputFrom(a.name, *a.features);
+        const std::unique_ptr<FeatureInput> inputA =
+            inputFrom(a.name, "feature class A", *a.features);
         const std::unique_ptr<FeatureInput> inputB =
-            operation.withinLayer ? nullptr : inputFrom(b.name, *b.features);
+            operation.withinLayer ? nullptr : inputFrom(b.name, "feature class B", *b.features);
         return accounted(operation.name, nullptr, [&](JWLayerReport& account) {
             return runJob(operation, *inputA, inputB ? *inputB : *inputA, *outputTo(output),
                           options, account);

@@ -804,13 +804,23 @@ TEST_F(LayerOperations, FeatureClassesGiveWhatLayersGiveOnAThreadTeamToo) {
         EXPECT_EQ(written, symdiff.getFeatureCount());
         EXPECT_EQ(contentOfClass(symdiff), run("symdiff", *a, *b));
     }
+    symdiff.setGeometryType(JWWKBPolygon);
     EXPECT_EQ(O::symmetricalDifferencePolygons(&classA, nullptr, symdiff, true, 0), -1);
     EXPECT_EQ(symdiff.getFeatureCount(), 0);
+    EXPECT_EQ(symdiff.getGeometryType(), JWWKBUnknown);
+    EXPECT_FALSE(symdiff.getEnvelop().isValid());
     EXPECT_EQ(O::symmetricalDifferencePolygons(&classA, &classB, classB, true, 0), -1);
     EXPECT_EQ(classB.getFeatureCount(), 30);
     EXPECT_NE(JWReport::lastError().text.find("feature class B: is input and result"),
               std::string::npos);
     EXPECT_EQ(O::polygonsErasePolygons(nullptr, &classB, true, 0), nullptr);
+    JWFeature point(*classB.getFeatureAt(0));
+    point.setFID(7);
+    point.setGeometry(fromWkt("POINT(1 1)").get());
+    classB.addFeature(new JWFeature(point));
+    delete O::polygonsErasePolygons(&classA, &classB, true, 0);
+    EXPECT_EQ(JWReport::lastError().text.find("feature class B, feature 7: "), 0u)
+        << JWReport::lastError().text;
 }
 
 }  // namespace
