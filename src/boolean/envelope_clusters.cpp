@@ -17,6 +17,8 @@
 #include <numeric>
 #include <utility>
 
+#include "foundation/pulse.h"
+
 namespace jws::detail {
 namespace {
 
@@ -65,6 +67,7 @@ class ContactTree {
     std::vector<int> m_order;
     std::vector<int> m_parents;  ///< of places
     std::vector<Level> m_levels;
+    StepCounter m_pace;
 };
 
 ContactTree::ContactTree(const std::vector<JWEnvelop>& envelops) {
@@ -156,6 +159,7 @@ void ContactTree::joinWithin(std::size_t level, std::size_t node) {
 }
 
 void ContactTree::joinBetween(std::size_t level, std::size_t a, std::size_t b) {
+    m_pace.step();
     if (m_levels[level][a].box.isDisjoin(m_levels[level][b].box) || isDone(level, a, b)) return;
     if (level == 0) {
         const int first = clusterAt(0, a), second = clusterAt(0, b);

@@ -113,6 +113,7 @@ PositionLists DissolveRun::clusters() const {
 }
 
 void DissolveRun::group() {
+    const Pulse pulse([this] { beat(); });
     m_groups = groupByValue(clusters(), m_keys);
     m_keys = {};
 }

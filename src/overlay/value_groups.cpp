@@ -6,6 +6,8 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "foundation/pulse.h"
+
 namespace jws::detail {
 namespace {
 
@@ -62,9 +64,11 @@ PositionLists groupByValue(const PositionLists& lists, const std::vector<std::st
     groups.positions.reserve(lists.positions.size());
     std::unordered_map<std::string_view, std::size_t> numbers;
     std::vector<std::vector<int>> members;
+    StepCounter pace;
     for (std::size_t list = 0; list < lists.count(); ++list) {
         const int* begin = lists.begin(list);
         const int* end = lists.end(list);
+        pace.step(static_cast<std::size_t>(end - begin));
         if (end - begin == 1) {  // most of a layer of islands
             groups.positions.push_back(*begin);
             groups.ends.push_back(groups.positions.size());
