@@ -77,6 +77,9 @@ class JW_API JWFeatureLayer : public JWLayer {
     enumJWDataDriverType getDriverType() const;
     /// True when the layer can be written.
     bool isUpdateMode() const;
+    /// True when both objects are on one layer of one opened source: what is written to one of them
+    /// is read from the other.
+    bool isOnLayerOf(const JWFeatureLayer& other) const;
     /// Declared geometry type; Z and M variants count as their plain type.
     enumJWWKBGeometryType getGeometryType() const;
     /// Declares the geometry type of an output layer. Takes effect where the format can still

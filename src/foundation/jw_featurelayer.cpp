@@ -102,6 +102,10 @@ enumJWDataDriverType JWFeatureLayer::getDriverType() const {
 
 bool JWFeatureLayer::isUpdateMode() const { return m_impl->canWrite(); }
 
+bool JWFeatureLayer::isOnLayerOf(const JWFeatureLayer& other) const {
+    return &m_impl->layer == &other.m_impl->layer;
+}
+
 enumJWWKBGeometryType JWFeatureLayer::getGeometryType() const { return m_impl->geometryType(); }
 
 enumJWWKBGeometryType JWFeatureLayer::Impl::geometryType() const {

@@ -44,7 +44,7 @@ int checkOverlayLayers(const JWFeatureLayer* a, const JWFeatureLayer* b,
         const char* which = a == nullptr ? "input" : b == nullptr ? "overlay" : "result";
         return fail(-1, JWErrorInvalidArgument, std::string("the ") + which + " layer is missing");
     }
-    if (output == a || output == b) {
+    if (output->isOnLayerOf(*a) || output->isOnLayerOf(*b)) {
         return fail(-1, JWErrorInvalidArgument, titleOf(*output) + ": is input and result at once");
     }
     if (!output->isUpdateMode()) {

@@ -73,6 +73,17 @@ TEST_F(LayerIntersect, ChecksInTheOrderMissingThenFieldsThenReferences) {
     LayerPtr leaked(rows[6].b);
 }
 
+TEST_F(LayerIntersect, ASecondObjectOnAnOperandIsNoResult) {
+    const SourcePtr source(JWDataSource::createInMemory());
+    const LayerPtr a(source->createLayer("a", JWWKBPolygon, nullptr));
+    const LayerPtr again(source->openLayer("a")), other(source->openLayer("a"));
+    LayerPtr b = layerOf("b", {{-1, square, "x"}});
+    EXPECT_EQ(plainForm()(a.get(), b.get(), again.get(), 0, 0, 10), -1);
+    EXPECT_EQ(plainForm()(b.get(), a.get(), again.get(), 0, 0, 10), -1);
+    EXPECT_EQ(JWReport::lastError().text, "memory, layer a: is input and result at once");
+    EXPECT_EQ(a->getFieldsDefnPtr()->getFieldCount(), 0);
+}
+
 TEST_F(LayerIntersect, AttributeModesLayOutTheFields) {
     LayerPtr a = layerOf("towns", {{7, square, "A7"}});
     LayerPtr b = layerOf("zones", {{3, right, "B3"}, {9, beside, "B9"}}, "NAME");
