@@ -149,6 +149,34 @@ TEST_F(LayerCommands, DissolveTakesPointsAndLines) {
         EXPECT_EQ(2, layer("out.gpkg", "out").features);
         EXPECT_EQ(row.type, layer("out.gpkg", "out").geometryType);
         EXPECT_EQ(2, run({"dissolve", "in.geojson", "none.gpkg"}).status);
+        for (const std::vector<std::string>& more : {std::vector<std::string>{"--multipart"},
+                                                     {"--across"},
+                                                     {"--tolerance", "1"},
+                                                     {"--area-field", "a"}}) {
+            Arguments all{"dissolve", "in.geojson", "none.gpkg", "--by", "k"};
+            all.insert(all.end(), more.begin(), more.end());
+            EXPECT_EQ(2, run(all).status) << more[0];
+        }
+        // Of no declared type: the first geometry decides.
+        write("mixed.geojson", text + R"(,{"type":"Feature","properties":{"k":"a"},"geometry":)"
+                                      R"({"type":"Polygon","coordinates":)"
+                                      R"([[[0,0],[1,0],[1,1],[0,0]]]}}]})");
+        EXPECT_EQ(
+            4, run({"dissolve", "mixed.geojson", "out.gpkg", "--by", "k", "--overwrite"}).status);
+        EXPECT_EQ(2, layer("out.gpkg", "out").features);
+        EXPECT_EQ(row.type, layer("out.gpkg", "out").geometryType);
+    }
+}
+
+TEST_F(LayerCommands, AttributesOfTwoAreRefusedWhereOneDecides) {
+    for (const Arguments& own :
+         {Arguments{"self-union", "self.geojson", "o.gpkg", "--merge"},
+          Arguments{"self-intersect", "self.geojson", "o.gpkg", "--per-feature"}}) {
+        for (const char* option : {"--attributes", "--prefix-a", "--prefix-b"}) {
+            Arguments all = own;
+            all.insert(all.end(), {option, "both"});
+            EXPECT_EQ(2, run(all).status) << own[0] << option;
+        }
     }
 }
 

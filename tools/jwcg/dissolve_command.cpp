@@ -54,9 +54,35 @@ struct Request {
     JWDissolveOptions options;
 };
 
+/// The kind of the layer as declared or, where no type is, that of its first geometry.
+enumJWWKBGeometryType kindOf(InputLayer& input) {
+    if (input.kind() != JWWKBUnknown) return input.kind();
+    JWReport::clearError();
+    std::shared_ptr<const JWFeature> feature;
+    for (std::int64_t i = 0; input.layer().getNextSharedFeature(i, feature); ++i) {
+        if (feature->isGeometryEmpty()) continue;
+        return singleType(feature->getGeometryPtr()->getGeometryWKBType());
+    }
+    if (JWReport::lastError().kind != JWErrorNone) throw libraryFailure(input.path());
+    return JWWKBUnknown;
+}
+
+/// Refuses what means nothing to points and lines.
+void requireForParts(const Settings& settings, const InputLayer& input) {
+    const std::string layer = input.path() + ": layer " + input.layerName() + " holds no polygons ";
+    if (settings.dissolveFields.empty()) throw CommandFailure(ExitUsage, layer + "and needs --by");
+    const char* meaningless = settings.multipart            ? "--multipart"
+                              : settings.acrossClusters     ? "--across"
+                              : settings.tolerance != 0     ? "--tolerance"
+                              : !settings.areaField.empty() ? "--area-field"
+                                                            : nullptr;
+    if (meaningless == nullptr) return;
+    throw CommandFailure(ExitUsage, layer + "for " + meaningless);
+}
+
 /// Chooses by the kind of the layer.
-void chooseForm(const Settings& settings, const InputLayer& input, Request& request) {
-    switch (input.kind()) {
+void chooseForm(const Settings& settings, InputLayer& input, Request& request) {
+    switch (kindOf(input)) {
         case JWWKBPoint:
             request.form = &JWGeometryDissolve::dissolvePointLayerByAttributes;
             request.type = JWWKBMultiPoint;
@@ -70,10 +96,7 @@ void chooseForm(const Settings& settings, const InputLayer& input, Request& requ
             request.form = &JWGeometryDissolve::dissolvePolygonLayer;
             return;
     }
-    if (settings.dissolveFields.empty()) {
-        throw CommandFailure(ExitUsage, input.path() + ": layer " + input.layerName() +
-                                            " holds no polygons and needs --by");
-    }
+    requireForParts(settings, input);
 }
 
 Request requestFor(const Settings& settings, InputLayer& input) {
@@ -135,7 +158,8 @@ Command dissolveCommand() {
             "Unites the polygons of a layer that have equal values in the fields of --by and lie "
             "together: whose envelopes meet, directly or through other polygons. The result has "
             "these fields and the statistics asked for. Points and lines are gathered to "
-            "multi-points and multi-lines, wherever they lie. Values that are missing are equal.",
+            "multi-points and multi-lines, wherever they lie. A layer of no declared type is taken "
+            "for what its first geometry is. Values that are missing are equal.",
             "jwcg dissolve counties.gpkg states.gpkg --by state --across --stat count,first:name",
             setupDissolve,
             runDissolve};

@@ -98,8 +98,10 @@ void setupTwoJoining(CLI::App& app, Settings& settings) { setupJoining(app, sett
 
 void setupUpdate(CLI::App& app, Settings& settings) {
     setupTwoJoining(app, settings);
-    app.add_flag("--no-borders", settings.noBorders,
-                 "Let each feature of OVERLAY take in the features of INPUT that it overlaps");
+    app.add_flag(
+        "--no-borders", settings.noBorders,
+        "Let the features of OVERLAY take in what they overlap: each feature of INPUT goes "
+        "to the first of them");
 }
 
 void setupSpatialJoin(CLI::App& app, Settings& settings) {
@@ -111,16 +113,27 @@ void setupSpatialJoin(CLI::App& app, Settings& settings) {
                  "feature of INPUT, with the attributes of the first");
 }
 
+/// With this flag a result carries the attributes of one feature.
+void excludeJoining(CLI::App& app, CLI::Option& flag) {
+    for (const char* name : {"--attributes", "--prefix-a", "--prefix-b"}) {
+        flag.excludes(app.get_option(name));
+    }
+}
+
 void setupSelfUnion(CLI::App& app, Settings& settings) {
     setupJoining(app, settings, false);
-    app.add_flag("--merge", settings.merge,
-                 "Grow features that overlap together instead, with the attributes of the first");
+    excludeJoining(
+        app, *app.add_flag(
+                 "--merge", settings.merge,
+                 "Grow features that overlap together instead, with the attributes of the first"));
 }
 
 void setupSelfIntersect(CLI::App& app, Settings& settings) {
     setupJoining(app, settings, false);
-    app.add_flag("--per-feature", settings.perFeature,
-                 "Write for each feature what it shares with later ones, all in one, instead");
+    excludeJoining(
+        app, *app.add_flag(
+                 "--per-feature", settings.perFeature,
+                 "Write for each feature what it shares with later ones, all in one, instead"));
 }
 
 }  // namespace
