@@ -46,15 +46,20 @@ struct UniteClusters {
             out.emitCopy(self, firsts[0].get(), firsts[1].get());
             return;
         }
-        AreaUnion united(everywhere(), check);
-        side.forEach(members, [&](const OverlayFeature& member) {
-            united.add(member.area);
-            auto& first = firsts[side.input().originOf(member.position).second ? 1 : 0];
-            if (!first) first = member.feature;
-        });
-        const ClippedContours contours = united.contours();
-        out.emit(buildArea(contours, tolerance), firsts[0].get(), firsts[1].get());
-        out.addMismatch(united.mismatch());
+        try {
+            AreaUnion united(everywhere(), check);
+            side.forEach(members, [&](const OverlayFeature& member) {
+                united.add(member.area);
+                auto& first = firsts[side.input().originOf(member.position).second ? 1 : 0];
+                if (!first) first = member.feature;
+            });
+            const ClippedContours contours = united.contours();
+            out.emit(buildArea(contours, tolerance), firsts[0].get(), firsts[1].get());
+            out.addMismatch(united.mismatch());
+        } catch (const ClipFailure& failure) {
+            side.forEach(members,
+                         [&](const OverlayFeature& member) { out.lose(member, failure.what()); });
+        }
     }
 };
 

@@ -186,6 +186,10 @@ void OverlayRun::writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i)
     if (!side.isRead()) countRead(side, chunk, i);
     const FeatureOrigin origin = side.input().originOf(position);
     for (const std::string& reason : slot.failures) reject(origin, feature.getFID64(), reason);
+    for (const LostFeature& lost : slot.lost) {
+        m_report.rejected.push_back(
+            {lost.input->source(), lost.input->name(), lost.fid, lost.reason});
+    }
     if (isOneSided() && slot.pairs > 0) --slot.pairs;  // a feature meets itself
     if (m_countsPairs) m_report.pairs += static_cast<std::int64_t>(slot.pairs);
     m_report.areaDropped += slot.dropped;

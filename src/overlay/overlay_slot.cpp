@@ -46,6 +46,10 @@ void Emitter::addResult(std::unique_ptr<JWGeometry> geometry, const Values& valu
     m_slot.results.push_back(std::move(result));
 }
 
+void Emitter::lose(const OverlayFeature& other, const char* reason) {
+    m_slot.lost.push_back({m_others.originOf(other.position).input, other->getFID64(), reason});
+}
+
 void Emitter::noteCluster(const Hits& members) {
     if (!JWReport::messagesAreOn()) return;
     for (void* member : members) m_slot.cluster.push_back(positionOf(member));

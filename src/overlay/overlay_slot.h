@@ -18,6 +18,13 @@
 
 namespace jws::detail {
 
+/// A feature that was to take part in the result of another one, and why it did not.
+struct LostFeature {
+    const FeatureInput* input;
+    std::int64_t fid;
+    std::string reason;
+};
+
 struct Slot {
     AreaCheck check = AreaCheck::Usable;
     JWEnvelop envelop = JWEnvelop::invalid();
@@ -29,6 +36,7 @@ struct Slot {
     double dropped = 0;
     double mismatch = 0;
     std::vector<std::string> failures;
+    std::vector<LostFeature> lost;  ///< others that have no result because of this one
 };
 
 /// Takes what an operation makes of one feature, in order.
@@ -53,6 +61,8 @@ class Emitter {
     /// not be overlaid.
     void reject(const OverlayFeature& other, const char* reason);
     void reject(const char* reason) { m_slot.failures.emplace_back(reason); }
+    /// Puts a feature of the other operand on that list.
+    void lose(const OverlayFeature& other, const char* reason);
     /// Keeps for the console what was united with the feature at hand, itself first.
     void noteCluster(const Hits& members);
     /// Adds to what the areas of the results differ by from what they should be.

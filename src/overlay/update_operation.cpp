@@ -42,15 +42,33 @@ struct FindOwner {
     }
 };
 
-/// Features of B: each grows by the rests of the features that it owns.
+/// Features of B: each grows by the rests of the features that it owns. Where that fails it stays
+/// what it is, and they are listed.
 struct Absorb {
     std::shared_ptr<Owners> owners;
     JWOverlayOptions options;
 
     void operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const {
+        try {
+            absorb(self, around, out);
+        } catch (const ClipFailure& failure) {
+            around.restart();
+            while (const OverlayFeature* other = around.next()) {
+                if (owns(self, *other)) out.lose(*other, failure.what());
+            }
+            out.emitCopy(self, nullptr, self.get());
+        }
+    }
+
+    bool owns(const OverlayFeature& self, const OverlayFeature& other) const {
+        return (*owners)[static_cast<std::size_t>(other.position)] == self.position;
+    }
+
+    /// Emits last, when nothing can fail any more.
+    void absorb(const OverlayFeature& self, Surroundings& around, Emitter& out) const {
         AreaUnion grown(everywhere()), rests(everywhere());
         while (const OverlayFeature* other = around.next()) {
-            if ((*owners)[static_cast<std::size_t>(other->position)] != self.position) continue;
+            if (!owns(self, *other)) continue;
             auto rest = std::make_shared<const ClippedContours>(restOf(*other, around.own(), out));
             if (rest->count() == 0) continue;
             const Area area(rest->views(), rest);
@@ -60,11 +78,11 @@ struct Absorb {
         if (grown.isEmpty()) return out.emitCopy(self, nullptr, self.get());
         grown.add(self.area);
         const ClippedContours contours = grown.contours();
-        out.emit(buildArea(contours, options.tolerance), nullptr, self.get());
         if (options.checkAreas) {
             const double parts = resolvedArea(self.area) + areaOf(rests.contours());
             out.addMismatch(std::fabs(areaOf(contours) - parts));
         }
+        out.emit(buildArea(contours, options.tolerance), nullptr, self.get());
     }
 
     /// A feature of A outside of all of B.
