@@ -597,9 +597,9 @@ TEST_F(Dissolve, OneGroupByHand) {
     } refused[] = {{{1}, "no field 1 "}, {{-1}, "no field -1 "}, {{0, 1}, "2 dissolve fields"}};
     for (const auto& row : refused) {
         std::vector<JWFeature*> out;
-        const int count = static_cast<int>(row.fields.size());
+        const int listed = static_cast<int>(row.fields.size());
         EXPECT_EQ(0, JWGeometryDissolve::dissolvePolygonsWithSameAttributes(
-                         features, 3, schema, row.fields, count, out, true, 0));
+                         features, 3, schema, row.fields, listed, out, true, 0));
         EXPECT_TRUE(out.empty());
         EXPECT_NE(std::string::npos, JWReport::lastError().text.find(row.says))
             << JWReport::lastError().text;
