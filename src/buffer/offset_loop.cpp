@@ -119,17 +119,19 @@ void OffsetLoop::addArc(const Cap& in, const Cap& out, double turn) {
 }
 
 /// Where the line turns towards the side: the crossing of the sides, or the way by the corner.
-void OffsetLoop::addNotch(const Cap& in, const Cap& out) {
+void OffsetLoop::addNotch(const Cap& in, const Cap& out, Cut cut) {
     const JWRawPoint a = in.normal();
     const JWRawPoint b = {-out.normal().x, -out.normal().y};
     const double radius = in.capsule.radius;
     const double whole = 1 + dot(a, b);
-    const double back = radius * std::fabs(cross(a, b)) / whole;  // along either side
+    const double across = radius * std::fabs(cross(a, b));
+    const double least = cut == Cut::Anywhere ? across / whole : across;  // along either side
     const auto isLong = [&](const Capsule& capsule) {
         const JWRawPoint v = difference(capsule.to, capsule.from);
-        return back * back <= dot(v, v);
+        return least * least <= dot(v, v);
     };
-    if (whole > 1e-3 && isLong(in.capsule) && isLong(out.capsule)) {
+    const bool mayCut = cut == Cut::Anywhere ? whole > 1e-3 : cut != Cut::Never && whole >= 1;
+    if (mayCut && isLong(in.capsule) && isLong(out.capsule)) {
         return add(pointAlong(in.center(), {a.x + b.x, a.y + b.y}, radius / whole));
     }
     add(in.corner(0));
@@ -137,7 +139,7 @@ void OffsetLoop::addNotch(const Cap& in, const Cap& out) {
     add(out.corner(out.capsule.arcs.capCorners + 1));
 }
 
-void OffsetLoop::addCorner(const Cap& in, const Cap& out) {
+void OffsetLoop::addCorner(const Cap& in, const Cap& out, Cut cut) {
     const JWRawPoint a = in.normal();
     const JWRawPoint b = {-out.normal().x, -out.normal().y};
     const double side = cross(a, b);
@@ -145,17 +147,17 @@ void OffsetLoop::addCorner(const Cap& in, const Cap& out) {
     const bool isOuter = side < 0 || (side == 0 && dot(a, b) < 0 && in.isAtEnd);
     const double turn = isOuter ? turnBetween(in, out) : 0;
     if (turn > kSameCorner) return addArc(in, out, turn);
-    addNotch(in, out);
+    addNotch(in, out, cut);
 }
 
 void OffsetLoop::addAround(RingSet& rings) {
     const std::size_t n = m_capsules.size();
     for (std::size_t i = 0; i + 1 < n; ++i) {
-        addCorner(m_capsules[i].capAtEnd(), m_capsules[i + 1].capAtStart());
+        addCorner(m_capsules[i].capAtEnd(), m_capsules[i + 1].capAtStart(), Cut::Anywhere);
     }
     addCap(m_capsules.back().capAtEnd());
     for (std::size_t i = n; i-- > 1;) {
-        addCorner(m_capsules[i].capAtStart(), m_capsules[i - 1].capAtEnd());
+        addCorner(m_capsules[i].capAtStart(), m_capsules[i - 1].capAtEnd(), Cut::Anywhere);
     }
     addCap(m_capsules.front().capAtStart());
     endRing(rings);
@@ -166,10 +168,11 @@ void OffsetLoop::addSide(bool left, RingSet& rings) {
     for (std::size_t i = 0; i < n; ++i) {
         const Capsule &here = m_capsules[left ? i : n - 1 - i],
                       &next = m_capsules[left ? (i + 1) % n : (2 * n - 2 - i) % n];
+        const Cut cut = i > 0 ? Cut::WithinStrips : Cut::Never;
         if (left) {
-            addCorner(here.capAtEnd(), next.capAtStart());
+            addCorner(here.capAtEnd(), next.capAtStart(), cut);
         } else {
-            addCorner(here.capAtStart(), next.capAtEnd());
+            addCorner(here.capAtStart(), next.capAtEnd(), cut);
         }
     }
     endRing(rings);

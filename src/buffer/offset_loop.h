@@ -10,6 +10,11 @@
 // if they are too short for that, the boundary runs back to the line's corner and out again, which
 // winds around nothing that is not covered anyway.
 //
+// One side of a closed line counts the strips beside the segments, less what is cut off at the
+// corners. That stays positive as long as the pieces cut off over a place lie in both their strips
+// and do not go all the way around: one corner at least runs by the line, where a small ring would
+// turn inside out.
+//
 // All of that holds for segments that are not much shorter than what an arc's edge spans: then each
 // half circle lies in the next capsule but for the arc that both have. Corners are those of the
 // capsules, bit for bit; crossings are rounded.
@@ -45,9 +50,12 @@ class OffsetLoop {
 
     void add(const JWRawPoint& p);
     void addCap(const Cap& cap);
-    void addCorner(const Cap& in, const Cap& out);
+    /// Where the two sides of a notch may be cut at their crossing: wherever they reach it, only
+    /// where what that cuts off lies in both strips, or never.
+    enum class Cut { Anywhere, WithinStrips, Never };
+    void addCorner(const Cap& in, const Cap& out, Cut cut);
     void addArc(const Cap& in, const Cap& out, double turn);
-    void addNotch(const Cap& in, const Cap& out);
+    void addNotch(const Cap& in, const Cap& out, Cut cut);
     void endRing(RingSet& rings);
 
     std::vector<Capsule> m_capsules;

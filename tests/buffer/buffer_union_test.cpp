@@ -129,6 +129,23 @@ TEST(BufferUnion, TeamPolygonsAgainstGeos) {
     }
 }
 
+TEST(BufferUnion, TeamHolesThatFillUpAgainstGeos) {
+    const Line around = {{-9, -9}, {9, -9}, {9, 9}, {-9, 9}};
+    for (const int corners : {3, 4, 5, 6, 8, 12}) {
+        for (const double distance : {0.7, 0.95, 1.01, 1.3, 2.4}) {
+            SCOPED_TRACE(testing::Message() << corners << " corners, distance " << distance);
+            Line hole;
+            for (int i = 0; i < corners; ++i) {
+                const double angle = 0.1 + 6.283185307179586 * i / corners;
+                hole.push_back({std::cos(angle), std::sin(angle)});
+            }
+            expectFace({around, hole}, distance);
+            std::reverse(hole.begin(), hole.end());
+            expectFace({around, hole}, distance);
+        }
+    }
+}
+
 TEST(BufferUnion, TeamThinPolygonsAgainstGeos) {
     // Slits, blades, spikes and steps, from far thinner than an arc's edge is deep to wider than
     // the distance; as outer rings in either direction and as holes.
