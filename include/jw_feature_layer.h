@@ -176,7 +176,9 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// what is asked by condition or rectangle is asked of them. The source is not changed. May be
     /// repeated. Sources with an index keep 8 bytes for each feature that is left, others test each
     /// one while they read. Returns false with the last error set when the condition is not
-    /// understood, the rectangle is not valid or reading failed. Cost: one pass.
+    /// understood, the rectangle is not valid or reading failed, and for a condition on a database
+    /// view whose rows have no identifier, or share one. Features written afterwards may or may not
+    /// be seen: it is for layers that are read. Cost: one pass.
     bool restrictTo(const char* where, const JWEnvelop* rectangle = nullptr);
     /// Builds the layer's spatial index over positions, in memory; the source is not changed.
     /// Rectangle queries use it until the layer is written to. Cost: one pass without attributes.

@@ -121,6 +121,10 @@ JWEnvelop JWFeatureLayer::getLayerEnvelop() const {
     Impl& impl = *m_impl;
     if (impl.envelopKnown || impl.source->isWriteOnly(impl.layer)) return impl.envelop;
     return impl.run("getLayerEnvelop", JWEnvelop::invalid(), [&] {
+        if (impl.reader.isRestricted()) {
+            const_cast<JWFeatureLayer*>(this)->updateEnvelop();
+            return impl.envelop;
+        }
         detail::GdalErrors errors;
         if (impl.layer.TestCapability(OLCFastGetExtent) == 0) impl.reader.loseCursor();
         OGREnvelope extent;

@@ -176,7 +176,8 @@ bool meets(OGRFeature& feature, const JWEnvelop& rectangle) {
     const JWEnvelop envelop = envelopOf(feature);
     if (!envelop.isValid() || envelop.isDisjoin(rectangle)) return false;
     const std::unique_ptr<JWGeometry> geometry = detail::geometryFromOgr(*feature.GetGeometryRef());
-    return geometry != nullptr && detail::hasRelation(*geometry, rectangle, JWRelationOverlap);
+    // What cannot be read is let pass: reading it says why.
+    return geometry == nullptr || detail::hasRelation(*geometry, rectangle, JWRelationOverlap);
 }
 
 }  // namespace
@@ -194,8 +195,8 @@ bool JWFeatureLayer::restrictTo(const char* where, const JWEnvelop* rectangle) {
         impl.cache.clear();
         impl.index.reset();
         GdalErrors errors;
-        return impl.reader.isKeyed() ? impl.chooseFeatures(where, rectangle, errors)
-                                     : impl.filterFeatures(where, rectangle, errors);
+        return impl.reader.isKeyed(errors) ? impl.chooseFeatures(where, rectangle, errors)
+                                           : impl.filterFeatures(where, rectangle, errors);
     });
 }
 
@@ -222,17 +223,31 @@ bool JWFeatureLayer::Impl::chooseFeatures(const char* where, const JWEnvelop* re
 bool JWFeatureLayer::Impl::filterFeatures(const char* where, const JWEnvelop* rectangle,
                                           GdalErrors& errors) {
     const auto condition = std::make_shared<LayerCondition>(*source, layer, where, true);
+    if (source->isDatabase() && !condition->text().empty()) {
+        // Evaluated here it would mean something else than in the database's own dialect.
+        errors.report(JWErrorInvalidArgument,
+                      title() +
+                          ": a condition cannot restrict a view whose rows have no "
+                          "identifiers of their own; make a table of it",
+                      "");
+        return false;
+    }
     if (!condition->isUnderstood()) return notUnderstood(*condition, errors);
     const std::optional<JWEnvelop> box =
         rectangle != nullptr ? std::optional<JWEnvelop>(*rectangle) : std::nullopt;
-    reader.restrictTo([condition, box](OGRFeature& feature) {
-        return condition->holds(feature) && (!box || meets(feature, *box));
+    detail::LayerReader::Test before = reader.test();
+    reader.restrictTo([condition, box, before](OGRFeature& feature) {
+        return (!before || before(feature)) && condition->holds(feature) &&
+               (!box || meets(feature, *box));
     });
     JWEnvelop whole = JWEnvelop::invalid();
     const auto grow = [&whole](std::int64_t, OGRFeature& feature) {
         whole.inflates_to_contain(envelopOf(feature));
     };
-    if (!reader.visitAll(true, grow, errors)) return false;
+    if (!reader.visitAll(true, grow, errors)) {
+        reader.restrictTo(std::move(before));
+        return false;
+    }
     envelop = whole;
     envelopKnown = true;
     return true;

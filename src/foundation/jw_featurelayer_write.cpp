@@ -290,7 +290,10 @@ bool JWFeatureLayer::clearAll() {
         ++impl.source->state(impl.layer).changes;
         impl.envelopKnown = false;
         impl.envelop.setInvalid();
-        if (deleted && !errors.failed()) return impl.source->commit();
+        if (deleted && !errors.failed()) {
+            if (impl.reader.isChosen()) impl.reader.choose({});
+            return impl.source->commit();
+        }
         errors.report(JWErrorOutputUnwritable, impl.title() + ": features cannot be deleted", "");
         impl.source->rollback();
         return false;

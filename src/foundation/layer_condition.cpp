@@ -85,7 +85,7 @@ LayerCondition::LayerCondition(const JWSourceHandle& source, OGRLayer& layer, co
     }
     const bool asksFid =
         (attribute >= 0 || source.isDatabase() || here) && replaceWord(m_text, "fid", "fid");
-    if (asksFid || here) m_own = std::make_unique<Own>(layer, attribute, m_text);
+    if (asksFid || here) m_own = std::make_unique<Own>(layer, asksFid ? attribute : -1, m_text);
 }
 
 LayerCondition::~LayerCondition() = default;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace jws::detail {
 namespace {
@@ -102,6 +103,20 @@ void LayerReader::noticeChanges() {
     m_count = -1;
 }
 
+/// A view may give one identifier to several rows, or none to some; fetching would then yield
+/// another row than the one that was chosen.
+bool LayerReader::isKeyed(const GdalErrors& errors) {
+    if (!m_source->ordersByIndex() || !m_randomAccess) return false;
+    if (!m_source->isDatabase()) return true;
+    const std::string column = quotedName(m_layer.GetFIDColumn());
+    const std::int64_t doubled =
+        firstNumber("SELECT 1 AS answer FROM " + quotedName(m_layer.GetName()) + " GROUP BY " +
+                        column + " HAVING COUNT(*) > 1 OR " + column + " IS NULL LIMIT 1",
+                    errors);
+    m_randomAccess = doubled < 0 && !errors.failed();
+    return m_randomAccess;
+}
+
 void LayerReader::choose(std::vector<std::int64_t> fids) {
     loseCursor();
     std::sort(fids.begin(), fids.end());
@@ -110,19 +125,13 @@ void LayerReader::choose(std::vector<std::int64_t> fids) {
     m_complete = m_increasing = m_chosen = true;
 }
 
-void LayerReader::restrictTo(std::function<bool(OGRFeature&)> holds) {
+LayerReader::Test LayerReader::restrictTo(Test holds) {
     loseCursor();
     m_fids.clear();
     m_complete = false;
     m_increasing = true;
     m_count = -1;
-    if (!m_holds) {
-        m_holds = std::move(holds);
-        return;
-    }
-    m_holds = [first = std::move(m_holds), then = std::move(holds)](OGRFeature& feature) {
-        return first(feature) && then(feature);
-    };
+    return std::exchange(m_holds, std::move(holds));
 }
 
 bool LayerReader::sees(OGRFeature& feature) const {
@@ -133,6 +142,7 @@ bool LayerReader::sees(OGRFeature& feature) const {
 void LayerReader::readDriversNext(OGRFeatureUniquePtr& feature, const GdalErrors& errors) {
     do {
         feature.reset(m_layer.GetNextFeature());
+        if (feature) ++m_handedOut;
     } while (feature && !errors.failed() && m_holds && !m_holds(*feature));
 }
 
@@ -140,14 +150,15 @@ void LayerReader::rewind() {
     m_layer.ResetReading();
     m_source->cursorOwner(m_layer) = this;
     m_cursor = 0;
+    m_handedOut = 0;
 }
 
 std::int64_t LayerReader::count(GdalErrors& errors) {
     noticeChanges();
     if (m_count >= 0) return m_count;
     if (m_complete) return static_cast<std::int64_t>(m_fids.size());
-    if (m_source->isDatabase()) {
-        const std::int64_t answer = askDatabase("COUNT", errors);
+    if (!m_holds && m_source->isDatabase()) {
+        const std::int64_t answer = askDatabase("COUNT(*)", errors);
         if (answer >= 0) return m_count = answer;
         errors.clear();
     }
@@ -176,13 +187,16 @@ bool LayerReader::mustBeReadToCount() const {
            m_changesSeen == 0;
 }
 
-/// MAX(identifier) or COUNT(*) by the database itself; −1 when there is none or it cannot tell.
-std::int64_t LayerReader::askDatabase(const char* function, GdalErrors& errors) {
-    if (!m_source->isDatabase() || m_source->isUpdate() || *m_layer.GetFIDColumn() == '\0')
-        return -1;
-    const std::string what = std::string(function) + "(" + quotedName(m_layer.GetFIDColumn()) + ")";
-    const std::string sql = "SELECT " + what + " AS answer FROM " + quotedName(m_layer.GetName());
-    OGRLayer* rows = m_source->dataset().ExecuteSQL(sql.c_str(), nullptr, nullptr);
+/// A number by the database itself; −1 when there is no database or it cannot tell.
+std::int64_t LayerReader::askDatabase(const std::string& expression, GdalErrors& errors) {
+    if (!m_source->isDatabase() || m_source->isUpdate()) return -1;
+    return firstNumber("SELECT " + expression + " AS answer FROM " + quotedName(m_layer.GetName()),
+                       errors);
+}
+
+/// The first number that a statement answers; −1 for none, or when it fails.
+std::int64_t LayerReader::firstNumber(const std::string& statement, const GdalErrors& errors) {
+    OGRLayer* rows = m_source->dataset().ExecuteSQL(statement.c_str(), nullptr, nullptr);
     std::int64_t answer = -1;
     if (rows != nullptr) {
         const OGRFeatureUniquePtr row(rows->GetNextFeature());
@@ -197,7 +211,9 @@ std::int64_t LayerReader::askDatabase(const char* function, GdalErrors& errors) 
 std::int64_t LayerReader::maximumFID(GdalErrors& errors) {
     noticeChanges();
     if (!m_complete) {
-        const std::int64_t answer = askDatabase("MAX", errors);
+        const char* column = m_layer.GetFIDColumn();
+        const std::int64_t answer =
+            *column != '\0' ? askDatabase("MAX(" + quotedName(column) + ")", errors) : -1;
         if (answer >= 0) return answer;
         errors.clear();
         if (m_fids.empty() && !m_source->isDatabase()) {
@@ -251,18 +267,16 @@ void LayerReader::finishTable() {
 
 /// The cursor found no more features: compares with the number that the source states.
 bool LayerReader::endIsGenuine(GdalErrors& errors) {
-    const auto met = static_cast<std::int64_t>(m_fids.size());
-    m_count = met;
-    if (m_holds || m_source->isDriver("ESRI Shapefile") ||
-        m_layer.TestCapability(OLCFastFeatureCount) == 0) {
+    m_count = static_cast<std::int64_t>(m_fids.size());
+    if (m_source->isDriver("ESRI Shapefile") || m_layer.TestCapability(OLCFastFeatureCount) == 0) {
         return true;
     }
     std::int64_t stated = m_layer.GetFeatureCount(FALSE);
-    if (stated > met && m_source->isDatabase()) stated = askDatabase("COUNT", errors);
-    if (stated <= met && !errors.failed()) return true;
+    if (stated > m_handedOut && m_source->isDatabase()) stated = askDatabase("COUNT(*)", errors);
+    if (stated <= m_handedOut && !errors.failed()) return true;
     m_count = -1;
-    fail(errors, "is cut short: it has " + std::to_string(met) + " of " + std::to_string(stated) +
-                     " features");
+    fail(errors, "is cut short: it has " + std::to_string(m_handedOut) + " of " +
+                     std::to_string(stated) + " features");
     return false;
 }
 

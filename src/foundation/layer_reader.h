@@ -56,13 +56,20 @@ class LayerReader {
     /// Reads what the layer's current filter lets pass; ends the walk.
     bool visitFiltered(const std::function<bool(OGRFeature&)>& visit, GdalErrors& errors);
 
-    /// The source has an index that tells the features of a filter, and reads them by identifier.
-    bool isKeyed() const { return m_source->ordersByIndex() && m_randomAccess; }
+    /// The source has an index that tells the features of a filter, and reads them by identifier,
+    /// each its own.
+    bool isKeyed(const GdalErrors& errors);
     /// Has this reader see, of the features it saw, only those of these identifiers, in ascending
     /// order. For keyed sources.
     void choose(std::vector<std::int64_t> fids);
-    /// Has this reader see, of the features it saw, only those that pass a test.
-    void restrictTo(std::function<bool(OGRFeature&)> holds);
+    using Test = std::function<bool(OGRFeature&)>;
+    /// Has this reader see only the features that pass a test, all for an empty one; returns the
+    /// test before.
+    Test restrictTo(Test holds);
+    const Test& test() const { return m_holds; }
+    bool isChosen() const { return m_chosen; }
+    /// There is a choice or a test.
+    bool isRestricted() const { return m_chosen || m_holds; }
 
     /// Forgets the cursor: something else is about to move it.
     void loseCursor();
@@ -91,7 +98,8 @@ class LayerReader {
     bool completeTable(GdalErrors& errors);
     bool mustBeReadToCount() const;
     bool endIsGenuine(GdalErrors& errors);
-    std::int64_t askDatabase(const char* function, GdalErrors& errors);
+    std::int64_t askDatabase(const std::string& expression, GdalErrors& errors);
+    std::int64_t firstNumber(const std::string& statement, const GdalErrors& errors);
     Outcome fail(const GdalErrors& errors, const std::string& what, std::int64_t fid = -1);
     /// Fails because `feature`, or the one that should have come after `previous`, is unreadable.
     Outcome failAt(const GdalErrors& errors, const OGRFeature* feature, std::int64_t previous);
@@ -102,9 +110,10 @@ class LayerReader {
     bool m_complete = false;           ///< the table holds every feature
     bool m_increasing = true;          ///< each identifier in it is larger than the one before
     bool m_chosen = false;             ///< the table is all that this reader sees
-    std::function<bool(OGRFeature&)> m_holds;  ///< what it sees, empty for everything
+    Test m_holds;                      ///< what it sees, empty for everything
     std::int64_t m_count = -1;
-    std::int64_t m_cursor = -1;  ///< position that the driver's cursor yields next, −1 unknown
+    std::int64_t m_handedOut = 0;  ///< by the driver since its cursor stood at the start
+    std::int64_t m_cursor = -1;    ///< position that the driver's cursor yields next, −1 unknown
     std::uint64_t m_changesSeen = 0;
     bool m_randomAccess;
 };
