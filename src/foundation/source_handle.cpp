@@ -7,6 +7,8 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include <algorithm>
+
 #include "foundation/api_guard.h"
 #include "foundation/source_check.h"
 
@@ -25,7 +27,9 @@ bool isOneOf(const std::string& name, const char* const (&names)[Count]) {
 /// were deleted by copying it, at the latest when it is closed, and crashes where the copy cannot
 /// be written.
 bool hasRoomForCopy(GDALDataset& dataset, const std::string& path) {
-    const std::string directory = CPLGetPath(path.c_str());
+    VSIStatBufL place;
+    const bool isDirectory = VSIStatL(path.c_str(), &place) == 0 && VSI_ISDIR(place.st_mode);
+    const std::string directory = isDirectory ? path : CPLGetPath(path.c_str());
     const GIntBig room = VSIGetDiskFreeSpace(directory.empty() ? "." : directory.c_str());
     GIntBig needed = 0;
     char** files = dataset.GetFileList();
@@ -34,7 +38,7 @@ bool hasRoomForCopy(GDALDataset& dataset, const std::string& path) {
         if (VSIStatL(files[i], &stat) == 0) needed += static_cast<GIntBig>(stat.st_size);
     }
     CSLDestroy(files);
-    return room > needed;
+    return room < 0 || room > needed;  // below 0 where the file system does not tell
 }
 
 }  // namespace
@@ -73,6 +77,12 @@ bool JWSourceHandle::fail(const GdalErrors& errors, const char* what) const {
 
 void JWSourceHandle::forgetCursors() {
     for (auto& entry : m_states) entry.second.cursorOwner = nullptr;
+}
+
+void JWSourceHandle::forget(const OGRLayer& layer) {
+    m_states.erase(&layer);
+    const auto isOfIt = [&](const auto& write) { return write.first == &layer; };
+    m_undo.erase(std::remove_if(m_undo.begin(), m_undo.end(), isOfIt), m_undo.end());
 }
 
 bool JWSourceHandle::begin() {

@@ -62,7 +62,7 @@ struct JWSourceHandle {
 
     LayerState& state(const OGRLayer& layer) { return m_states[&layer]; }
     /// A layer is about to be deleted.
-    void forget(const OGRLayer& layer) { m_states.erase(&layer); }
+    void forget(const OGRLayer& layer);
     /// Owner of the reading cursor of a layer; drivers that read one layer at a time have one for
     /// all.
     const void*& cursorOwner(const OGRLayer& layer);
