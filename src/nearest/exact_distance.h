@@ -8,6 +8,7 @@
 #include "foundation/edge_tree.h"
 #include "foundation/orientation.h"
 #include "foundation/ring_math.h"
+#include "foundation/segment_crossing.h"
 #include "jw_geometry.h"
 #include "nearest/segment_lists.h"
 
@@ -20,9 +21,7 @@ inline bool findCommonPoint(const Segment& s, const Segment& t, JWRawPoint& comm
     const int a = orientationSign(t.a, t.b, s.a), b = orientationSign(t.a, t.b, s.b);
     const int c = orientationSign(s.a, s.b, t.a), d = orientationSign(s.a, s.b, t.b);
     if (a * b < 0 && c * d < 0) {
-        const JWRawPoint u = difference(s.b, s.a), v = difference(t.b, t.a);
-        const double along = cross(v, difference(s.a, t.a)) / cross(u, v);
-        common = pointAlong(s.a, u, std::min(std::max(along, 0.0), 1.0));
+        common = crossingOf(s.a, s.b, t.a, t.b);
         return true;
     }
     for (const JWRawPoint* end : {&s.a, &s.b}) {

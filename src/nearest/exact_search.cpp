@@ -21,6 +21,7 @@
 #include "nearest/exact_search.h"
 
 #include <algorithm>
+#include <climits>
 #include <limits>
 #include <mutex>
 
@@ -108,9 +109,11 @@ class BestTargets {
                 places.push_back(entry.place);
     }
 
-    bool isAtZero(int target) const {
+    /// The target is at distance 0 by a piece no later than this one.
+    bool isAtZero(int target, int number = INT_MAX) const {
         const int index = m_entryOf[at(target)];
-        return index >= 0 && m_entries[at(index)].connection.length == 0;
+        return index >= 0 && m_entries[at(index)].connection.length == 0 &&
+               m_entries[at(index)].number.first <= number;
     }
 
     void appendTo(ShortestRecords& connections) const {
@@ -267,9 +270,9 @@ void ExactSearch::takeEnclosed(const Source& source, BestTargets& best) const {
 /// Measures one piece of a target, unless the target does not count or cannot come nearer.
 void ExactSearch::takePiece(int place, const Source& source, BestTargets& best) const {
     const int target = m_owners[static_cast<std::size_t>(place)];
-    if (isLeftOut(target, source) || best.isAtZero(target)) return;
-    const Segment piece = m_pieces.piece(place);
     const int number = m_pieces.number(place);
+    if (isLeftOut(target, source) || best.isAtZero(target, number)) return;
+    const Segment piece = m_pieces.piece(place);
     if (source.tree) {
         const LastLeast least =
             nearestPiece(*source.tree, boxOf(piece), best.limit(), OfEqual::First,

@@ -191,6 +191,40 @@ TEST(ExactSearchClasses, RandomFeaturesEqualAllPairs) {
     }
 }
 
+/// A line that goes up and down across y, or with `upright` to and fro across x.
+std::string zigzag(double x, double y, bool upright) {
+    std::string wkt = "LINESTRING (";
+    for (int i = 0; i < 12; ++i) {
+        const double along = 0.3 * i, across = i % 2;
+        wkt += (i > 0 ? ", " : "") + std::to_string(x + (upright ? across : along)) + " " +
+               std::to_string(y + (upright ? along : across));
+    }
+    return wkt + ")";
+}
+
+// Of the crossings of two lines one is written, whatever was found for the source before.
+TEST(ExactSearchLayers, CrossingsDoNotDependOnTeamsOrBlocks) {
+    std::vector<Row> a, b;
+    for (int i = 0; i < 200; ++i) {
+        const double x = 1.7 * (i % 14), y = 1.9 * (i / 14);
+        a.push_back({i, zigzag(x, y, false), ""});
+        b.push_back({i, zigzag(x + 0.4, y - 0.8, true), ""});
+    }
+    LayerPtr source = layerOf("a", a), target = layerOf("b", b);
+    std::vector<std::string> first;
+    for (const auto& [threads, blockSize] : {std::pair(1, 0), {1, 1}, {1, 7}, {3, 0}, {8, 16}}) {
+        JWNearestOptions options;
+        options.count = 2;
+        options.threads = threads;
+        options.blockSize = blockSize;
+        LayerPtr out = emptyLayer("out");
+        EXPECT_GT(Nearest::nearestFeatures(source.get(), target.get(), out.get(), options, nullptr),
+                  200);
+        if (first.empty()) first = contentOf(*out);
+        EXPECT_EQ(contentOf(*out), first) << threads << " " << blockSize;
+    }
+}
+
 TEST(ExactSearchLayers, FieldsRanksAndTeams) {
     std::mt19937 random(6);
     std::vector<Row> a, b;
