@@ -315,10 +315,12 @@ class BentRing {
     template <class MayTurnBack>
     void add(int vertex, bool isInserted, const MayTurnBack& mayTurnBack) {
         const std::size_t n = m_vertices.size();
-        if (isInserted && n >= 2 && m_isInserted[n - 2] != 0 && m_vertices[n - 2] == vertex &&
+        // One of the two is inserted: what the ring turns back to by itself it keeps.
+        if (n >= 2 && m_vertices[n - 2] == vertex && (isInserted || m_isInserted[n - 2] != 0) &&
             !mayTurnBack(vertex, m_vertices[n - 1])) {
             m_vertices.pop_back();
             m_isInserted.pop_back();
+            if (!isInserted) m_isInserted.back() = 0;
             return;
         }
         m_vertices.push_back(vertex);
@@ -329,7 +331,7 @@ class BentRing {
     void moveTo(std::vector<int>& vertices, const MayTurnBack& mayTurnBack) {
         std::size_t first = 0, end = m_vertices.size();
         while (end - first > 2 && m_vertices[first + 1] == m_vertices[end - 1] &&
-               m_isInserted[first + 1] != 0 && m_isInserted[end - 1] != 0 &&
+               (m_isInserted[first + 1] != 0 || m_isInserted[end - 1] != 0) &&
                !mayTurnBack(m_vertices[end - 1], m_vertices[first])) {
             ++first;
             --end;

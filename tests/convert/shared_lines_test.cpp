@@ -107,6 +107,10 @@ INSTANTIATE_TEST_SUITE_P(
     Cases, SharedLinesOf,
     testing::Values(
         Case{"nothing", {}, 0, ""},
+        Case{"a corner gives way in both polygons",
+             {"(0 0,100 0,0 30,0 0)", "(0 0,0 -50,150 -50,150 50,0 50,0 30,100 0,98.5 0.3,0 0)"},
+             1,
+             "0 0,98.5 0.3,0 30 0/1; 0 30,0 0 0/-; 0 0,0 -50,150 -50,150 50,0 50,0 30 1/-"},
         Case{"one square", {"(0 0,1 0,1 1,0 1,0 0)"}, 0, "0 0,1 0,1 1,0 1,0 0 0/-"},
         Case{"clockwise", {"(0 0,0 1,1 1,1 0,0 0)"}, 0, "0 0,0 1,1 1,1 0,0 0 -/0"},
         Case{"two squares",
