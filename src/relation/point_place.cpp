@@ -28,6 +28,9 @@ class PointWalk {
             return;
         }
         if (m_p == a || m_p == b) {
+            const JWRawPoint& end = m_p == a ? b : a;
+            m_isTip |= m_touched == 1 && isOneDirection(m_end, end);
+            m_end = end;
             ++m_touched;
             return;
         }
@@ -46,12 +49,22 @@ class PointWalk {
     bool odd() const { return m_odd; }
     /// Twice the edges through the point, an edge that ends there once.
     int touched() const { return m_touched; }
+    /// The edges of a spike end there.
+    bool isTip() const { return m_isTip; }
 
   private:
+    bool isOneDirection(const JWRawPoint& u, const JWRawPoint& v) const {
+        return orientationSign(m_p, u, v) == 0 && (u.x > m_p.x) == (v.x > m_p.x) &&
+               (u.x < m_p.x) == (v.x < m_p.x) && (u.y > m_p.y) == (v.y > m_p.y) &&
+               (u.y < m_p.y) == (v.y < m_p.y);
+    }
+
     JWRawPoint m_p;
+    JWRawPoint m_end;  ///< the other end of the last edge that ends in the point
     double m_probe = 0;
     bool m_odd = false;
     bool m_unsure = false;
+    bool m_isTip = false;
     int m_touched = 0;
 };
 
@@ -96,7 +109,7 @@ PointPlace placeInPolygon(const JWRawPoint& p, const JWPolygon& polygon) {
         if (i == 0) onExteriorRing = walk.touched() > 0;
     }
     if (!walk.isFinite()) return {};
-    if (walk.isUnsure() || walk.touched() > 2)
+    if (walk.isUnsure() || walk.isTip() || walk.touched() > 2)
         return {placeByOperand(p, polygon).location, onExteriorRing};
     if (walk.touched() > 0) return {kBoundary, onExteriorRing};
     return {walk.odd() || isPointRing ? kInterior : kExterior, false};

@@ -250,6 +250,10 @@ TEST(SpatialRelation, OddRingsForFewPointsAndMany) {
         const auto on = fromWktAs<JWMultiPoint>(points);
         EXPECT_TRUE(kRelation.isMulPointsPolygonCross(&on, &spiked)) << points;
     }
+    for (const char* points : {"MULTIPOINT ((5 5))", "MULTIPOINT ((5 5), (5 5), (5 5), (5 5))"}) {
+        const auto tip = fromWktAs<JWMultiPoint>(points);
+        EXPECT_FALSE(kRelation.isMultiPointPolygonTouch(&tip, &spiked)) << points;
+    }
     for (const char* points : {"MULTIPOINT ((3 3))", "MULTIPOINT ((3 3), (3 3), (3 3), (3 3))"}) {
         const auto at = fromWktAs<JWMultiPoint>(points);
         EXPECT_FALSE(kRelation.isMultiPointPolygonTouch(&at, &place)) << points;
