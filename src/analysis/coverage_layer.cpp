@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "analysis/coverage_layer.h"
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 
@@ -83,15 +84,21 @@ class RingExchange {
 /// Reads the layer and simplifies it as a whole. Throws LayerFailure when that is stopped.
 CoverageSimplifier simplifiedRings(FeatureInput& input, const JWSimplifyOptions& options,
                                    std::vector<std::size_t>& firstOf, JWLayerReport& report) {
+    std::atomic<bool> stopped{false};  // beats come from all workers
     const Pulse pulse([&] {
         if (JWReport::progress(0, input.count())) return;
-        report.cancelled = true;
+        stopped = true;
         JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
         throw LayerFailure();
     });
-    LayerRings rings = readRings(input);
-    firstOf = std::move(rings.firstOf);
-    return CoverageSimplifier(rings.views, rings.owners, options);
+    try {
+        LayerRings rings = readRings(input);
+        firstOf = std::move(rings.firstOf);
+        return CoverageSimplifier(rings.views, rings.owners, options);
+    } catch (...) {
+        report.cancelled = stopped;
+        throw;
+    }
 }
 
 std::int64_t run(FeatureInput& input, FeatureOutput& output, const JWSimplifyOptions& options,
