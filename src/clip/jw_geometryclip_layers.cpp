@@ -21,6 +21,15 @@ using namespace detail;
 
 namespace {
 
+/// A geometry as it is, the members of a multi-geometry one by one.
+void addMembers(const JWGeometry& geometry, MapResults& made) {
+    const auto* collection = dynamic_cast<const JWGeometryCollection*>(&geometry);
+    if (collection == nullptr) return made.add(std::unique_ptr<JWGeometry>(geometry.clone()));
+    for (int i = 0; i < collection->getGeometryCount(); ++i) {
+        made.add(std::unique_ptr<JWGeometry>(collection->getGeometryPtrAt(i)->clone()));
+    }
+}
+
 /// A line may come in several pieces, an area in several parts.
 enumJWWKBGeometryType resultType(enumJWWKBGeometryType input) {
     switch (input) {
@@ -139,7 +148,7 @@ std::int64_t cutLayer(JWFeatureLayer& in, JWFeatureLayer& cutters, JWFeatureLaye
     job.schema.addFieldsOf(job.input);
     job.map = [&](const JWFeature& feature, MapResults& made) {
         const JWGeometry& geometry = *feature.getGeometryPtr();
-        if (!canCut) return made.add(std::unique_ptr<JWGeometry>(geometry.clone()));
+        if (!canCut) return addMembers(geometry, made);
         std::string reason;
         attempt(reason, [&] {
             for (MarkedPiece<JWGeometry>& piece : clipGeometry(geometry, cutter, false, Team(1)))
