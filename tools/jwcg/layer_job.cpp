@@ -68,13 +68,12 @@ OutputRequest outputOf(const Settings& settings, const LayerJob& job) {
     return request;
 }
 
-void restrictInputs(const Settings& settings, InputLayer& a, InputLayer* b) {
+void restrictInput(const Settings& settings, InputLayer& a) {
     std::optional<JWEnvelop> window;
     if (!settings.bbox.empty()) {
         window.emplace(settings.bbox[0], settings.bbox[1], settings.bbox[2], settings.bbox[3]);
     }
     a.restrictTo(settings.where, window ? &*window : nullptr);
-    if (b != nullptr) b->restrictTo(settings.overlayWhere, nullptr);
 }
 
 void throwInterrupt(const JWLayerReport& report) {
@@ -107,6 +106,7 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
     OutputFile output(outputOf(settings, job));
     InputLayer a(settings.input, settings.inputLayer);
     std::optional<InputLayer> b;
+    restrictInput(settings, a);  // what is left may decide how the rest is done
     const enumJWWKBGeometryType type = job.prepare(a);
     if (job.takesOverlay) {
         b.emplace(settings.overlay, settings.overlayLayer);
@@ -115,7 +115,7 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
         output.checkInputLayer(b->path(), b->layerName());
     }
     output.checkInputLayer(a.path(), a.layerName());
-    restrictInputs(settings, a, b ? &*b : nullptr);
+    if (b) b->restrictTo(settings.overlayWhere, nullptr);
     JWFeatureLayer& result = output.createLayer(type, a.reference());
     const double opening = watch.lap();
 
@@ -188,7 +188,8 @@ RunSummary runReadJob(const Settings& settings, const ReadJob& job) {
     InputLayer a(settings.input, settings.inputLayer);
     InputLayer b(settings.overlay, settings.overlayLayer);
     requireSameReference(a, b);
-    restrictInputs(settings, a, &b);
+    restrictInput(settings, a);
+    b.restrictTo(settings.overlayWhere, nullptr);
     summary.seconds.emplace_back("open", watch.lap());
 
     bar.startPhase(job.phase);
