@@ -12,7 +12,7 @@
 namespace jws::detail {
 
 /// Counts the edges that a ray towards positive x meets, as CrossingCounter does, but by the exact
-/// side of each edge; an edge owns its upper end and not its lower one, so that a vertex counts
+/// side of each edge; an edge owns its lower end and not its upper one, so that a vertex counts
 /// once.
 class ExactCrossings {
   public:
