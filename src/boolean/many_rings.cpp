@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Union, erasure and partition of many ring sets by the engine's own entries: all sets in one
+// Union and partition of many ring sets by the engine's own entries: all sets in one
 // arrangement, where every two boundaries are compared once, however many sets there are.
 #include <cstddef>
 
@@ -48,17 +48,6 @@ ClippedContours uniteRings(const std::vector<RingViews>& sets) {
     const auto& polygons = operands.polygons();
     ::gpc_polygon result = {};
     const int failure = gpc::uniteAll(polygons.data(), polygons.size(), result);
-    return {result, failure};
-}
-
-ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews>& sets) {
-    EngineSets operands;
-    operands.add(subject);
-    for (const RingViews& rings : sets) operands.add(rings);
-    const auto& polygons = operands.polygons();
-    ::gpc_polygon result = {};
-    const int failure =
-        gpc::eraseAll(*polygons.front(), polygons.data() + 1, polygons.size() - 1, result);
     return {result, failure};
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Union, erasure and partition of many ring sets by the calls that GPC publishes, for a build with
+// Union and partition of many ring sets by the calls that GPC publishes, for a build with
 // an installed GPC: sets are united in pairs of neighbours, and these in pairs again, so that a
 // point takes part in as many unions as the number of sets has binary digits.
 #include <algorithm>
@@ -51,17 +51,6 @@ ClippedContours uniteRings(const std::vector<RingViews>& sets) {
         if (level.size() % 2 == 1) std::swap(level[level.size() / 2], level.back());
     }
     return level.empty() ? ClippedContours() : std::move(level.front());
-}
-
-ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews>& sets) {
-    if (!areFinite(sets)) return {};
-    JWEnvelop whole, other;
-    isFinite(subject, whole);
-    std::vector<RingViews> near;
-    for (const RingViews& rings : sets) {
-        if (isFinite(rings, other) && other.intersected(whole)) near.push_back(rings);
-    }
-    return clipRings(subject, uniteRings(near).views(), JWBooleanDifference);
 }
 
 // Each set in turn cuts every part so far in two.

@@ -58,10 +58,6 @@ ClippedContours clipRings(const RingViews& a, const RingViews& b, enumJWBooleanT
 /// as of `clipRings`. Sets that lie close together should stand close together.
 ClippedContours uniteRings(const std::vector<RingViews>& sets);
 
-/// Takes any number of ring sets out of `subject`: what lies in it and in none of them. Errors as
-/// of `clipRings`. Sets that miss the subject's rectangle cost next to nothing.
-ClippedContours eraseRings(const RingViews& subject, const std::vector<RingViews>& sets);
-
 /// What lies in a subject, in the ring sets whose bits are set, and in no other.
 struct PartOfSets {
     std::uint32_t sets;

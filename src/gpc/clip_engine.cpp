@@ -10,7 +10,7 @@
 //
 // A union of many polygons first resolves each for itself, so that its contours run with the
 // inside on their left; then one arrangement of all of them counts how many polygons cover each
-// area; what is to be erased from a subject counts in the same way beside it. Every pair of
+// area. Every pair of
 // boundaries is compared once, where unions two by two would compare the growing result again and
 // again.
 //
@@ -76,7 +76,6 @@ struct Frame {
 struct Engine {
     ContourSet set;
     ContourSet resolved;
-    Buffer<std::size_t> near;     // polygons that reach the subject
     Buffer<std::int32_t> labels;  // of a partition
     Noder noder;
     Arrangement arrangement;
@@ -182,14 +181,13 @@ int clipInto(gpc_op op, const Operand& a, const Operand& b, gpc_polygon& result)
 }
 
 /// Reads a polygon as a set of contours with its inside on their left and appends them to
-/// `Engine::resolved`, each to count as `weight`.
-void resolve(Engine& e, const gpc_polygon& polygon, int weight, const Frame& frame,
-             const Box* window) {
+/// `Engine::resolved`.
+void resolve(Engine& e, const gpc_polygon& polygon, const Frame& frame) {
     e.set.clear();
-    e.set.add(polygon, 1, frame.to, window);
+    e.set.add(polygon, 1, frame.to, nullptr);
     if (e.set.contours.empty()) return;
     e.arrange(e.set, frame, false);
-    e.builder.append(e.arrangement, {Rule::kUnion}, e.resolved, weight);
+    e.builder.append(e.arrangement, {Rule::kUnion}, e.resolved, 1);
 }
 
 int uniteInto(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon& result) {
@@ -203,37 +201,10 @@ int uniteInto(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon
     const Trim trim;
     e.resolved.clear();
     for (std::size_t i = 0; i < count; ++i) {
-        if (polygons[i]) resolve(e, *polygons[i], 1, frame, nullptr);
+        if (polygons[i]) resolve(e, *polygons[i], frame);
     }
     e.arrange(e.resolved, frame, true);
     e.builder.build(e.arrangement, {Rule::kCovered}, frame.from, result);
-    return 0;
-}
-
-int eraseInto(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
-              gpc_polygon& result) {
-    Box box;
-    if (!boundsOf(subject, box)) return EDOM;
-    Engine& e = engine();
-    const Trim trim;
-    Box all = box;
-    e.near.clear();
-    for (std::size_t i = 0; i < count; ++i) {
-        Box own;
-        if (!polygons[i]) continue;
-        if (!boundsOf(*polygons[i], own)) return EDOM;
-        if (!own.overlaps(box)) continue;
-        all.include(own);
-        e.near.push(i);
-    }
-    if (isEmpty(box)) return 0;
-    const Frame frame(all);
-    const Box window = frame.to(box);
-    e.resolved.clear();
-    resolve(e, subject, Rule::kSubject, frame, nullptr);
-    for (const std::size_t i : e.near) resolve(e, *polygons[i], 1, frame, &window);
-    e.arrange(e.resolved, frame, true);
-    e.builder.build(e.arrangement, {Rule::kErased}, frame.from, result);
     return 0;
 }
 
@@ -359,11 +330,6 @@ int clip(gpc_op op, const Operand& subject, const Operand& other, gpc_polygon& r
 
 int uniteAll(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon& result) noexcept {
     return guarded(result, [&] { return uniteInto(polygons, count, result); });
-}
-
-int eraseAll(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
-             gpc_polygon& result) noexcept {
-    return guarded(result, [&] { return eraseInto(subject, polygons, count, result); });
 }
 
 int partition(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,

@@ -52,11 +52,6 @@ int clip(gpc_op op, const Operand& subject, const Operand& other, gpc_polygon& r
 /// The result is as from `gpc_polygon_clip`, errors as from `clip`. Null entries are skipped.
 int uniteAll(const gpc_polygon* const* polygons, std::size_t count, gpc_polygon& result) noexcept;
 
-/// Computes what lies in `subject` and in none of the other polygons, in one go; otherwise as
-/// `uniteAll`. Polygons whose boxes miss the subject's are only read through.
-int eraseAll(const gpc_polygon& subject, const gpc_polygon* const* polygons, std::size_t count,
-             gpc_polygon& result) noexcept;
-
 /// The polygons that one call of `partition` takes beside its subject.
 constexpr std::size_t kMostSets = 30;
 

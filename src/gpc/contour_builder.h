@@ -10,10 +10,7 @@ namespace jws::gpc {
 
 /// Tells whether an area whose label is `state` belongs to the result.
 struct Rule {
-    /// What the subject's contours count as where depths are added up.
-    static constexpr std::int32_t kSubject = 1 << 24;
-
-    enum Kind { kDifference, kIntersection, kXor, kUnion, kCovered, kErased, kExactly } kind;
+    enum Kind { kDifference, kIntersection, kXor, kUnion, kCovered, kExactly } kind;
     std::int32_t label = 0;  ///< of kExactly
     bool holds(std::int32_t state) const {
         switch (kind) {
@@ -27,8 +24,6 @@ struct Rule {
                 return state != 0;
             case kCovered:
                 return state > 0;
-            case kErased:  // what only the subject covers
-                return state == kSubject;
             default:  // kExactly
                 return state == label;
         }
