@@ -191,16 +191,17 @@ std::int64_t WholeLayer::write() {
         reject(-1, std::string("the layer as a whole: ") + reason);
         return 0;
     }
-    std::vector<PendingResult> made;
+    PendingResults made;
+    const Growth heldAnyway = [](std::size_t) {};
     std::vector<std::string> failures;
     const JWFeature none;
-    MapResults results(m_schema, none, -1, made, failures);
+    MapResults results(m_schema, none, -1, made, failures, heldAnyway);
     results.add(std::make_unique<JWPolygon>(std::move(ring)));
     results.set(m_count, m_gathered);
     m_fields.fill(measures, results);
     m_output.begin();
     try {
-        writeResult(m_output, made.front(), m_input, -1, m_report);
+        writeResult(m_output, made.last(), m_input, -1, m_report);
         m_output.commit();
     } catch (...) {
         m_output.rollback();

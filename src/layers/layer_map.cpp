@@ -23,7 +23,7 @@ void MapResults::add(std::unique_ptr<JWGeometry> geometry) {
     }
     result.feature = m_schema.makeFeature(std::move(geometry), {&m_source, nullptr, 0, result.area},
                                           result.lostField);
-    m_results.push_back(std::move(result));
+    m_results.add(std::move(result), m_grew);
 }
 
 namespace {
@@ -33,7 +33,7 @@ struct MapSlot {
     GeometryCheck check = GeometryCheck::Usable;
     double inputArea = 0;
     std::int64_t inputVertices = 0;
-    std::vector<PendingResult> results;
+    PendingResults results;
     std::vector<std::string> failures;
 };
 
@@ -50,8 +50,9 @@ class MapRun {
                   [this](Chunk& chunk, std::size_t i) { write(chunk, i); },
                   [this] { return keepOn(); },
                   [this](Chunk& chunk, std::size_t i) {
-                      return prepareResults(m_job.output, chunk.slots[i].results);
-                  }}) {}
+                      return chunk.slots[i].results.prepare(m_job.output);
+                  },
+                  32, [this](Chunk& chunk, std::size_t i) { writePart(chunk, i); }}) {}
 
     void run();
     bool isStopped() const { return m_stopped; }
@@ -61,7 +62,9 @@ class MapRun {
 
     void mapBlock(std::int64_t block);
     void mapChunk(Chunk& chunk);
-    void mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i) const;
+    void mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i, const Growth& grew) const;
+    void writeResults(Chunk& chunk, std::size_t i);
+    void writePart(Chunk& chunk, std::size_t i);
     void write(Chunk& chunk, std::size_t i);
     bool keepOn() const { return JWReport::progress(m_done, m_total); }
     /// Ends the run because the progress callback asked to.
@@ -92,17 +95,20 @@ void MapRun::mapChunk(Chunk& chunk) {
         if (m_stopped || !keepOn()) stop();
     });
     const FeatureMap map = m_job.makeMap ? m_job.makeMap() : m_job.map;
-    for (std::size_t i = 0; i < chunk.size(); ++i) {
+    std::size_t atHand = 0;
+    const Growth grew = [&](std::size_t bytes) { m_walk.grew(chunk, atHand, bytes); };
+    for (; atHand < chunk.size(); ++atHand) {
         Pulse::tick();
-        mapFeature(map, chunk, i);
+        mapFeature(map, chunk, atHand, grew);
     }
 }
 
-void MapRun::mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i) const {
+void MapRun::mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i,
+                        const Growth& grew) const {
     const JWFeature& feature = *chunk.feature(i);
     MapSlot& slot = chunk.slots[i];
     slot.check = checkGeometry(feature, m_job.kinds);
-    MapResults results(m_job.schema, feature, chunk.position(i), slot.results, slot.failures);
+    MapResults results(m_job.schema, feature, chunk.position(i), slot.results, slot.failures, grew);
     if (slot.check == GeometryCheck::Usable) {
         slot.inputArea = areaOf(*feature.getGeometryPtr());
         slot.inputVertices = vertexCount(*feature.getGeometryPtr());
@@ -110,6 +116,16 @@ void MapRun::mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i) cons
     } else if (slot.check == GeometryCheck::Empty && m_job.keepsEmpty) {
         results.add(nullptr);
     }
+}
+
+void MapRun::writeResults(Chunk& chunk, std::size_t i) {
+    chunk.slots[i].results.write(m_job.output, m_job.input, chunk.feature(i)->getFID64(), m_report);
+}
+
+/// Those before it in the chunk are written.
+void MapRun::writePart(Chunk& chunk, std::size_t i) {
+    writeResults(chunk, i);
+    for (std::size_t k = 0; k <= i; ++k) chunk.slots[k].results.letGo();
 }
 
 void MapRun::write(Chunk& chunk, std::size_t i) {
@@ -122,9 +138,8 @@ void MapRun::write(Chunk& chunk, std::size_t i) {
     const std::string reason = reasonOf(slot.check, feature, m_job.kinds);
     if (!reason.empty()) reject(feature, reason);
     for (const std::string& failure : slot.failures) reject(feature, failure);
-    for (PendingResult& result : slot.results) {
-        writeResult(m_job.output, result, m_job.input, feature.getFID64(), m_report);
-    }
+    writeResults(chunk, i);
+    slot.results.reportRefusals(m_report);
 }
 
 void MapRun::mapBlock(std::int64_t block) {

@@ -13,7 +13,8 @@
 // and any block size. The layer is read and results are written by one thread at a time. Writing is
 // one transaction: a run that fails or is stopped leaves nothing behind.
 //
-// Cost. One pass over the layer; memory for one block and its results.
+// Cost. One pass over the layer; memory for what waits to be written (ordered_work.h), however many
+// results a feature has.
 //
 // A whole public function, points at the centres of polygons with all attributes:
 //
@@ -47,12 +48,13 @@ namespace jws::detail {
 class MapResults {
   public:
     MapResults(const ResultSchema& schema, const JWFeature& source, std::int64_t position,
-               std::vector<PendingResult>& results, std::vector<std::string>& failures)
+               PendingResults& results, std::vector<std::string>& failures, const Growth& grew)
         : m_schema(schema),
           m_source(source),
           m_position(position),
           m_results(results),
-          m_failures(failures) {}
+          m_failures(failures),
+          m_grew(grew) {}
 
     /// The position of the feature at hand in its layer, from 0.
     std::int64_t position() const { return m_position; }
@@ -64,7 +66,7 @@ class MapResults {
     /// field cannot hold puts the feature on the list of those not processed in full.
     template <class Value>
     void set(int field, const Value& value) {
-        PendingResult& last = m_results.back();
+        PendingResult& last = m_results.last();
         if (!last.feature->setFieldValue(field, value)) last.lostField = m_schema.nameOf(field);
     }
     /// Puts the feature at hand on the list of those that were not processed in full.
@@ -74,8 +76,9 @@ class MapResults {
     const ResultSchema& m_schema;
     const JWFeature& m_source;
     std::int64_t m_position;
-    std::vector<PendingResult>& m_results;
+    PendingResults& m_results;
     std::vector<std::string>& m_failures;
+    const Growth& m_grew;
 };
 
 /// What an operation does to one feature.

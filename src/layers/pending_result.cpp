@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "layers/pending_result.h"
 
+#include <iterator>
+
 namespace jws::detail {
+namespace {
 
-std::size_t prepareResults(const FeatureOutput& output, std::vector<PendingResult>& results) {
-    for (PendingResult& result : results) result.record = output.prepare(*result.feature);
-    return results.size();
-}
-
-void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
-                 std::int64_t fid, JWLayerReport& report) {
+/// Writes a result and accounts for it, but for refusals, which go to a list. False for one.
+bool write(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
+           std::int64_t fid, JWLayerReport& report, std::vector<JWRejectedFeature>& refusals) {
     const auto reject = [&](const std::string& reason) {
-        report.rejected.push_back({input.source(), input.name(), fid, reason});
+        refusals.push_back({input.source(), input.name(), fid, reason});
     };
     if (!result.lostField.empty()) {
         reject("the result cannot hold the value of field " + result.lostField);
     }
-    if (output.write(result.feature, result.record)) {
+    const bool written = output.write(result.feature, result.record);
+    if (written) {
         ++report.written;
         if (result.isEmpty) ++report.writtenEmpty;
         report.area += result.area;
@@ -27,6 +27,39 @@ void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInpu
         throw LayerFailure();
     }
     result.record.reset();
+    return written;
+}
+
+}  // namespace
+
+void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
+                 std::int64_t fid, JWLayerReport& report) {
+    write(output, result, input, fid, report, report.rejected);
+}
+
+void PendingResults::add(PendingResult&& result, const Growth& grew) {
+    if (!m_waiting.empty()) grew(m_waiting.back().feature->memorySize());
+    m_waiting.push_back(std::move(result));
+    ++m_count;
+}
+
+std::size_t PendingResults::prepare(const FeatureOutput& output) {
+    for (PendingResult& result : m_waiting) result.record = output.prepare(*result.feature);
+    return m_waiting.size();
+}
+
+void PendingResults::write(FeatureOutput& output, const FeatureInput& input, std::int64_t fid,
+                           JWLayerReport& report) {
+    for (PendingResult& result : m_waiting) {
+        const double area = result.area;
+        if (!detail::write(output, result, input, fid, report, m_refusals)) m_refusedArea += area;
+    }
+}
+
+void PendingResults::reportRefusals(JWLayerReport& report) {
+    report.rejected.insert(report.rejected.end(), std::make_move_iterator(m_refusals.begin()),
+                           std::make_move_iterator(m_refusals.end()));
+    m_refusals.clear();
 }
 
 }  // namespace jws::detail

@@ -5,8 +5,10 @@
 #define JW_LAYERS_PENDING_RESULT_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "layers/feature_io.h"
@@ -23,13 +25,44 @@ struct PendingResult {
     std::string lostField;  ///< name of a field whose value the result cannot hold
 };
 
-/// Has the output prepare results that are about to be written, and returns their number.
-std::size_t prepareResults(const FeatureOutput& output, std::vector<PendingResult>& results);
-
 /// Writes a result and accounts for it: area and vertices, a lost value, a refusal, under the
 /// feature `fid` of `input` that it comes from. Throws LayerFailure when the output cannot go on.
 void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
                  std::int64_t fid, JWLayerReport& report);
+
+/// Told the bytes of each result that waits.
+using Growth = std::function<void(std::size_t bytes)>;
+
+/// The results of one feature. They may be written in any number of parts: what the report says
+/// does not depend on it.
+class PendingResults {
+  public:
+    /// Adds a result. The one before it is complete now; `grew` is told its size, and may write
+    /// what is there.
+    void add(PendingResult&& result, const Growth& grew);
+    /// The result added last.
+    PendingResult& last() { return m_waiting.back(); }
+    /// Results added so far.
+    std::size_t count() const { return m_count; }
+
+    /// Has the output prepare those that wait, and returns their number.
+    std::size_t prepare(const FeatureOutput& output);
+    /// Writes those that wait, as `writeResult` does, but keeps refusals back.
+    void write(FeatureOutput& output, const FeatureInput& input, std::int64_t fid,
+               JWLayerReport& report);
+    /// Lets go those that were written, which is for the worker to do that made them.
+    void letGo() { m_waiting.clear(); }
+    /// Reports the refusals, all results being written.
+    void reportRefusals(JWLayerReport& report);
+    /// The area of results that were refused.
+    double refusedArea() const { return m_refusedArea; }
+
+  private:
+    std::vector<PendingResult> m_waiting;
+    std::size_t m_count = 0;
+    double m_refusedArea = 0;
+    std::vector<JWRejectedFeature> m_refusals;
+};
 
 }  // namespace jws::detail
 

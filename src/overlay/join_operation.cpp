@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // Spatial join: features of A, whole, with the attributes of the features of B that they overlap.
+//
+// Every row tells how many there are, so they are counted first; the matches are then met once
+// more, rather than held, since there may be very many.
+#include <algorithm>
 #include <utility>
 
 #include "overlay/area_union.h"
@@ -14,21 +18,31 @@ struct Join {
     JWOverlayOptions options;
 
     void operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const {
-        std::vector<std::shared_ptr<const JWFeature>> matches;  // one, unless each gets a row
-        std::int64_t count = 0;
+        std::vector<bool> matches;
         while (const OverlayFeature* other = around.next()) {
-            try {
-                if (!reaches(intersectAreas(self.area, other->area), options.tolerance)) continue;
-            } catch (const ClipFailure& failure) {
-                out.reject(*other, failure.what());
-                continue;
-            }
-            ++count;
-            if (matches.empty() || options.rowPerPair) matches.push_back(other->feature);
+            matches.push_back(match(self, *other, out));
         }
-        if (matches.empty() && options.keepUnmatched) matches.push_back(nullptr);
-        for (const auto& match : matches) {
-            out.emitCopy(self, self.get(), match.get(), count);
+        const std::int64_t count = std::count(matches.begin(), matches.end(), true);
+        if (count == 0) {
+            if (options.keepUnmatched) out.emitCopy(self, self.get(), nullptr);
+            return;
+        }
+        around.restart();
+        std::int64_t rows = options.rowPerPair ? count : 1;
+        for (std::size_t i = 0; rows > 0; ++i) {
+            const OverlayFeature* other = around.next();
+            if (!matches[i]) continue;
+            out.emitCopy(self, self.get(), other->get(), count);
+            --rows;
+        }
+    }
+
+    bool match(const OverlayFeature& self, const OverlayFeature& other, Emitter& out) const {
+        try {
+            return reaches(intersectAreas(self.area, other.area), options.tolerance);
+        } catch (const ClipFailure& failure) {
+            out.reject(other, failure.what());
+            return false;
         }
     }
 };

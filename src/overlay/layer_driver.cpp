@@ -70,9 +70,11 @@ class OverlayRun {
     void indexWhole(LayerSide& side);
     void walk(const OverlayPass& pass);
     void overlayBlock(const OverlayPass& pass, const Blocks& blocks, std::int64_t block);
-    void process(const OverlayPass& pass, Chunk& chunk);
+    void process(const OverlayPass& pass, OrderedWalk<Slot>& walk, Chunk& chunk);
     void overlay(const OverlayPass& pass, OverlayFeature& subject, Surroundings& surroundings,
-                 Slot& slot);
+                 Slot& slot, const Growth& grew);
+    void writeResults(const OverlayPass& pass, Chunk& chunk, std::size_t i);
+    void writePart(const OverlayPass& pass, Chunk& chunk, std::size_t i);
     void writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i);
     void countRead(LayerSide& side, const Chunk& chunk, std::size_t i);
     void reject(const FeatureOrigin& origin, std::int64_t fid, const std::string& reason) {
@@ -142,10 +144,12 @@ void OverlayRun::indexWhole(LayerSide& side) {
 }
 
 /// Overlays the features of a chunk, in runs of some thousand neighbours.
-void OverlayRun::process(const OverlayPass& pass, Chunk& chunk) {
+void OverlayRun::process(const OverlayPass& pass, OrderedWalk<Slot>& walk, Chunk& chunk) {
     constexpr std::size_t neighboursInARun = 4096;
     const Pulse pulse([this] { beat(); });
     Surroundings surroundings(walked(pass), others(pass));
+    std::size_t atHand = 0;
+    const Growth grew = [&](std::size_t bytes) { walk.grew(chunk, atHand, bytes); };
     for (std::size_t begin = 0; begin < chunk.size();) {
         surroundings.clear();
         std::size_t end = begin;
@@ -161,21 +165,34 @@ void OverlayRun::process(const OverlayPass& pass, Chunk& chunk) {
             const std::shared_ptr<const JWFeature>& feature = chunk.feature(begin);
             OverlayFeature subject = {chunk.position(begin), feature,
                                       Area(*feature->getGeometryPtr(), feature)};
-            overlay(pass, subject, surroundings, slot);
+            atHand = begin;
+            overlay(pass, subject, surroundings, slot, grew);
         }
     }
 }
 
 void OverlayRun::overlay(const OverlayPass& pass, OverlayFeature& subject,
-                         Surroundings& surroundings, Slot& slot) {
+                         Surroundings& surroundings, Slot& slot, const Growth& grew) {
     constexpr std::size_t preparedFor = 8;
     if (slot.pairs > preparedFor) subject.area.prepare();
-    Emitter emitter(m_job.schema, others(pass).input(), m_options.multipart, slot);
+    Emitter emitter(m_job.schema, others(pass).input(), m_options.multipart, slot, grew);
     try {
         pass.operation(subject, surroundings, emitter);
     } catch (const ClipFailure& failure) {
         emitter.reject(failure.what());
     }
+}
+
+void OverlayRun::writeResults(const OverlayPass& pass, Chunk& chunk, std::size_t i) {
+    const FeatureOrigin origin = walked(pass).input().originOf(chunk.position(i));
+    chunk.slots[i].results.write(m_job.output, *origin.input, chunk.feature(i)->getFID64(),
+                                 m_report);
+}
+
+/// Those before it in the chunk are written.
+void OverlayRun::writePart(const OverlayPass& pass, Chunk& chunk, std::size_t i) {
+    writeResults(pass, chunk, i);
+    for (std::size_t k = 0; k <= i; ++k) chunk.slots[k].results.letGo();
 }
 
 void OverlayRun::writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i) {
@@ -194,12 +211,9 @@ void OverlayRun::writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i)
     if (m_countsPairs) m_report.pairs += static_cast<std::int64_t>(slot.pairs);
     m_report.areaDropped += slot.dropped;
     m_report.residual += slot.mismatch;
-    for (PendingResult& result : slot.results) {
-        const std::int64_t written = m_report.written;
-        const double area = result.area;
-        writeResult(m_job.output, result, *origin.input, feature.getFID64(), m_report);
-        if (m_report.written == written) m_report.residual += area;
-    }
+    writeResults(pass, chunk, i);
+    m_report.residual += slot.results.refusedArea();
+    slot.results.reportRefusals(m_report);
     m_copied += slot.copies;
     if (pass.texts.feature != nullptr && m_texts.isOn()) {
         pass.texts.feature(m_texts,
@@ -218,12 +232,13 @@ void OverlayRun::overlayBlock(const OverlayPass& pass, const Blocks& blocks, std
     LayerSide& side = walked(pass);
     const std::int64_t writtenBefore = m_report.written;
     OrderedWalk<Slot> walk(m_team, side.input(),
-                           {[&](Chunk& chunk) { process(pass, chunk); },
+                           {[&](Chunk& chunk) { process(pass, walk, chunk); },
                             [&](Chunk& chunk, std::size_t i) { writeSlot(pass, chunk, i); },
                             [this] { return keepOn(); },
                             [this](Chunk& chunk, std::size_t i) {
-                                return prepareResults(m_job.output, chunk.slots[i].results);
-                            }});
+                                return chunk.slots[i].results.prepare(m_job.output);
+                            },
+                            32, [&](Chunk& chunk, std::size_t i) { writePart(pass, chunk, i); }});
     const std::int64_t first = blocks.first(block) - 1;
     m_blockFirst = first;
     m_inBlock = std::clamp<std::int64_t>(m_inLayer - first, 0, blocks.size());
@@ -277,7 +292,7 @@ void OverlayRun::run() {
 void announceFeature(TextBatch& texts, const FeatureCourse& course) {
     texts.print("NO.:%d in %d\n", course.place, course.inBlock);
     texts.print("i=%d search count:%d\n", course.position, course.slot.pairs);
-    texts.print("%d->%d in %d\n", course.position, course.slot.results.size(), course.inBlock);
+    texts.print("%d->%d in %d\n", course.position, course.slot.results.count(), course.inBlock);
 }
 
 std::int64_t runLayerOverlay(OverlayJob& job, const JWOverlayOptions& options,

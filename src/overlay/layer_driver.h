@@ -13,8 +13,8 @@
 // cannot be processed are listed in the report, never dropped in silence.
 //
 // Cost. One pass over A and over B, and one more of each operand that is walked a second time;
-// memory for one block and its results, the envelopes of the operands (32 bytes a feature, twice
-// while a tree is packed) and the layers' bounded caches of decoded features.
+// memory for what waits to be written (ordered_work.h), the envelopes of the operands (32 bytes a
+// feature, twice while a tree is packed) and the layers' bounded caches of decoded features.
 #ifndef JW_OVERLAY_LAYER_DRIVER_H
 #define JW_OVERLAY_LAYER_DRIVER_H
 

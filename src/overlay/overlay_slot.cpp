@@ -43,7 +43,7 @@ void Emitter::addResult(std::unique_ptr<JWGeometry> geometry, const Values& valu
     result.area = area;
     result.feature = m_schema.makeFeature(
         std::move(geometry), {values.a, values.b, values.joined, area}, result.lostField);
-    m_slot.results.push_back(std::move(result));
+    m_slot.results.add(std::move(result), m_grew);
 }
 
 void Emitter::lose(const OverlayFeature& other, const char* reason) {

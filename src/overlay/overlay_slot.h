@@ -30,7 +30,7 @@ struct Slot {
     JWEnvelop envelop = JWEnvelop::invalid();
     double inputArea = 0;
     std::size_t pairs = 0;
-    std::vector<PendingResult> results;
+    PendingResults results;
     int copies = 0;                     ///< results that are the feature as it is
     std::vector<std::int64_t> cluster;  ///< positions of what is united, the feature first
     double dropped = 0;
@@ -43,9 +43,10 @@ struct Slot {
 class Emitter {
   public:
     /// `others`: the operand that the feature is overlaid with. `multipart`: whether a result of
-    /// several parts stays one feature.
-    Emitter(const ResultSchema& schema, FeatureInput& others, bool multipart, Slot& slot)
-        : m_schema(schema), m_others(others), m_multipart(multipart), m_slot(slot) {}
+    /// several parts stays one feature. `grew`: told of the results; must outlive this object.
+    Emitter(const ResultSchema& schema, FeatureInput& others, bool multipart, Slot& slot,
+            const Growth& grew)
+        : m_schema(schema), m_others(others), m_multipart(multipart), m_slot(slot), m_grew(grew) {}
 
     /// Adds the feature at hand as it is, with the attributes of `a` and `b`, either of which may
     /// be null; `joined` goes into the count field, if there is one.
@@ -83,6 +84,7 @@ class Emitter {
     FeatureInput& m_others;
     bool m_multipart;
     Slot& m_slot;
+    const Growth& m_grew;
 };
 
 }  // namespace jws::detail

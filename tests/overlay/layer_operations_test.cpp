@@ -685,6 +685,32 @@ TEST_F(LayerOperations, EveryThreadCountAndBlockSizeGivesTheSameFeatures) {
     }
 }
 
+// A long text goes into so many results that these are written in parts while more are made.
+TEST_F(LayerOperations, ThreadsWriteTheResultsOfALongTextInParts) {
+    const std::string text(400000, 'x');
+    std::vector<Row> rows = randomRows(6, 33);
+    LayerPtr b = layerOf("b", randomRows(40, 34));
+    rows.insert(rows.begin() + 2, {-1, box(-1000, -1000, 1000, 1000), "short"});
+    LayerPtr a = layerOf("a", rows);
+    rows[2].label = text;
+    LayerPtr longA = layerOf("long", rows);
+    for (const char* name : {"intersect", "join"}) {
+        JWOverlayOptions options;
+        options.rowPerPair = true;
+        const auto expected = run(name, *a, *b, options);
+        ASSERT_LT(40u, expected.size()) << name;
+        for (const int threads : {1, 2, 8}) {
+            options.threads = threads;
+            auto made = run(name, *longA, *b, options);
+            for (std::string& line : made) {
+                const std::size_t at = line.find(text);
+                if (at != std::string::npos) line.replace(at, text.size(), "short");
+            }
+            EXPECT_TRUE(made == expected) << name << ", " << threads;
+        }
+    }
+}
+
 using L = JWFeatureLayer*;
 
 TEST_F(LayerOperations, EveryFormGivesTheSameFeaturesOnAThreadTeamToo) {

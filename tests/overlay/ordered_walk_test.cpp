@@ -193,4 +193,90 @@ TEST_F(OrderedWalkThreads, AStopOrAFailureEndsTheWalkInOrder) {
     }
 }
 
+/// A walk whose features make many results, ten bytes each; every so many are finished as a part.
+class OrderedWalkResultsThreads : public testing::Test {
+  protected:
+    struct Results {
+        std::vector<std::int64_t> waiting;
+    };
+    using Walk = OrderedWalk<Results>;
+    static constexpr std::size_t kBytes = 10, kPart = 200, kWaiting = 1000;
+
+    static std::int64_t resultsOf(std::int64_t position) {
+        return position == 0 ? 700 : position % 7 == 0 ? 90 : position % 5;
+    }
+
+    void work(Walk& walk, Walk::Chunk& chunk) {
+        for (std::size_t i = 0; i < chunk.size(); ++i) {
+            const std::int64_t position = chunk.position(i);
+            // The rest could be through with everything before the first feature is.
+            if (position == 0) std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            for (std::int64_t k = 0; k < resultsOf(position); ++k) {
+                chunk.slots[i].waiting.push_back(position * 1000 + k);
+                const std::size_t now = held += kBytes;
+                for (std::size_t most = mostHeld; now > most;) {
+                    if (mostHeld.compare_exchange_weak(most, now)) break;
+                }
+                walk.grew(chunk, i, kBytes);
+            }
+            if (position == failsAt) throw std::logic_error("work");
+        }
+    }
+    void write(Results& results) {
+        written.insert(written.end(), results.waiting.begin(), results.waiting.end());
+        held -= kBytes * results.waiting.size();
+        results.waiting.clear();
+    }
+    bool run(int threads) {
+        input.stated = input.actual = 2000;
+        input.rewindTo(0);
+        written.clear();
+        held = mostHeld = 0;
+        const Team team(threads);
+        Walk walk(team, input,
+                  {[&](Walk::Chunk& chunk) { work(walk, chunk); },
+                   [&](Walk::Chunk& chunk, std::size_t i) { write(chunk.slots[i]); },
+                   [&] { return static_cast<std::int64_t>(written.size()) < stopsAfter; },
+                   {},
+                   8,
+                   [&](Walk::Chunk& chunk, std::size_t i) { write(chunk.slots[i]); },
+                   {kWaiting, kPart}});
+        return walk.run(0, INT64_MAX / 2);
+    }
+
+    Numbers input;
+    std::vector<std::int64_t> written;
+    std::atomic<std::size_t> held{0}, mostHeld{0};
+    std::int64_t failsAt = -1;
+    std::int64_t stopsAfter = INT64_MAX;
+};
+
+TEST_F(OrderedWalkResultsThreads, ResultsComeInOrderAndWhatWaitsIsBounded) {
+    std::vector<std::int64_t> expected;
+    for (std::int64_t position = 0; position < 2000; ++position) {
+        for (std::int64_t k = 0; k < resultsOf(position); ++k) {
+            expected.push_back(position * 1000 + k);
+        }
+    }
+    for (const int threads : {1, 2, 8}) {
+        EXPECT_TRUE(run(threads));
+        EXPECT_EQ(expected, written) << threads;
+        // Each worker may be at a chunk that holds less than much.
+        const auto workers = static_cast<std::size_t>(workersOf(threads));
+        EXPECT_GE((threads == 1 ? 0 : kWaiting) + workers * (kPart + kBytes), mostHeld) << threads;
+    }
+}
+
+TEST_F(OrderedWalkResultsThreads, AFailureOrAStopAtTheFrontEndsThoseThatWait) {
+    for (const int threads : {1, 2, 8}) {
+        failsAt = 0;
+        stopsAfter = INT64_MAX;
+        EXPECT_THROW(run(threads), std::logic_error);
+        failsAt = -1;
+        stopsAfter = 50;
+        EXPECT_FALSE(run(threads));
+        EXPECT_GE(150u, written.size());
+    }
+}
+
 }  // namespace
