@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "boolean/plain_area.h"
 #include "overlay/geometry_overlay.h"
 #include "overlay/layer_side.h"
 
@@ -50,7 +51,18 @@ double mismatchOf(const Area& feature, double inside, double outside) {
 }  // namespace
 
 double resolvedArea(const Area& area) {
-    return areaOf(clipRings(area.rings(), {}, JWBooleanUnion));
+    thread_local PlainAreaTest test;
+    const RingViews& rings = area.rings();
+    const bool isTestable = std::all_of(rings.begin(), rings.end(),
+                                        [](const RingView& ring) { return ring.count >= 3; });
+    const PlainArea known = isTestable ? test.test(rings) : PlainArea();
+    if (!known.plain) return areaOf(clipRings(rings, {}, JWBooleanUnion));
+    double twice = 0;
+    for (std::size_t i = 0; i < rings.size(); ++i) {
+        const bool interiorIsLeft = (known.interiorLeft >> i & 1u) != 0;
+        twice += interiorIsLeft ? twiceArea(rings[i]) : -twiceArea(rings[i]);
+    }
+    return 0.5 * twice;
 }
 
 double mismatchOfCut(const Area& feature, AreaUnion& cutters, double outside) {

@@ -23,22 +23,18 @@ double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/// The area of what rings enclose by the even-odd rule, however they cross.
-double resolvedArea(const JWGeometry& geometry) {
-    try {
-        return resolvedArea(Area(geometry));
-    } catch (const ClipFailure&) {
-        return areaOf(geometry);
-    }
-}
-
 /// Fills in what the driver has to know of a feature before the operation sees it.
 void measure(const JWFeature& feature, bool resolve, Slot& slot) {
     slot.check = checkArea(feature);
     if (slot.check != AreaCheck::Usable) return;
     const JWGeometry& geometry = *feature.getGeometryPtr();
     slot.envelop = envelopOf(geometry);
-    slot.inputArea = resolve ? resolvedArea(geometry) : areaOf(geometry);
+    try {
+        slot.inputArea = resolve ? resolvedArea(Area(geometry)) : areaOf(geometry);
+    } catch (const ClipFailure&) {
+        slot.inputArea = areaOf(geometry);
+        slot.isUnresolved = true;
+    }
 }
 
 class OverlayRun {
@@ -48,6 +44,7 @@ class OverlayRun {
           m_options(options),
           m_report(report),
           m_team(options.threads),
+          m_resolves(options.checkAreas || !options.multipart || !options.areaField.empty()),
           m_sideA(job.a),
           m_sideB(job.b) {
         for (const OverlayPass& pass : job.passes) m_total += walked(pass).input().count();
@@ -93,6 +90,7 @@ class OverlayRun {
     const JWOverlayOptions& m_options;
     JWLayerReport& m_report;
     Team m_team;
+    bool m_resolves;  ///< areas of features are needed as the even-odd rule has them
     LayerSide m_sideA;
     LayerSide m_sideB;
     std::int64_t m_total = 0;  ///< features to walk over in all passes
@@ -124,6 +122,10 @@ void OverlayRun::countRead(LayerSide& side, const Chunk& chunk, std::size_t i) {
     if (const char* reason = reasonOf(slot.check)) {
         reject(origin, chunk.feature(i)->getFID64(), reason);
     }
+    if (slot.isUnresolved) {
+        reject(origin, chunk.feature(i)->getFID64(),
+               "its area could not be resolved: the clipping engine gave up");
+    }
     side.enter(chunk.position(i), chunk.feature(i), slot.envelop);
 }
 
@@ -133,7 +135,7 @@ void OverlayRun::indexWhole(LayerSide& side) {
     const auto measureAll = [this](Chunk& chunk) {
         const Pulse pulse([this] { beat(); });
         for (std::size_t i = 0; i < chunk.size(); ++i) {
-            measure(*chunk.feature(i), m_options.checkAreas, chunk.slots[i]);
+            measure(*chunk.feature(i), m_resolves, chunk.slots[i]);
         }
     };
     const auto enter = [this, &side](Chunk& chunk, std::size_t i) { countRead(side, chunk, i); };
@@ -155,7 +157,7 @@ void OverlayRun::process(const OverlayPass& pass, OrderedWalk<Slot>& walk, Chunk
         std::size_t end = begin;
         for (; end < chunk.size() && surroundings.size() < neighboursInARun; ++end) {
             Slot& slot = chunk.slots[end];
-            measure(*chunk.feature(end), m_options.checkAreas, slot);
+            measure(*chunk.feature(end), m_resolves, slot);
             if (slot.check == AreaCheck::Usable) slot.pairs = surroundings.add(slot.envelop);
         }
         for (; begin < end; ++begin) {

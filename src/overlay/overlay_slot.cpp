@@ -5,25 +5,42 @@
 #include <utility>
 
 namespace jws::detail {
+namespace {
+
+int partsOf(const JWGeometry& geometry) {
+    if (geometry.getGeometryType() != JWGeometryMultiPolygon) return 1;
+    return static_cast<const JWMultiPolygon&>(geometry).getPolygonCount();
+}
+
+}  // namespace
 
 void Emitter::emitCopy(const OverlayFeature& self, const JWFeature* a, const JWFeature* b,
                        std::int64_t joined) {
     ++m_slot.copies;
+    // Parts that overlap, or lie in one another, are not what the feature encloses.
+    if (!m_multipart && partsOf(self.geometry()) > 1) {
+        return emitBuilt(buildArea(clipRings(self.area.rings(), {}, JWBooleanUnion), 0),
+                         {a, b, joined});
+    }
     add(std::unique_ptr<JWGeometry>(self.geometry().clone()), {a, b, joined}, m_slot.inputArea);
 }
 
 void Emitter::emit(BuiltArea&& built, const JWFeature* a, const JWFeature* b) {
+    emitBuilt(std::move(built), {a, b, 0});
+}
+
+void Emitter::emitBuilt(BuiltArea&& built, const Values& values) {
     m_slot.dropped += built.dropped;
     double added = 0;
     if (built.geometry) {
         const double area = areaOf(*built.geometry);
-        added = add(std::move(built.geometry), {a, b, 0}, area);
+        added = add(std::move(built.geometry), values, area);
     }
     m_slot.mismatch += std::fabs(built.area - built.dropped - added);
 }
 
 double Emitter::add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area) {
-    if (m_multipart || geometry->getGeometryType() != JWGeometryMultiPolygon) {
+    if (m_multipart || partsOf(*geometry) == 1) {
         addResult(std::move(geometry), values, area);
         return area;
     }

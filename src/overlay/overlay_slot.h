@@ -29,6 +29,7 @@ struct Slot {
     AreaCheck check = AreaCheck::Usable;
     JWEnvelop envelop = JWEnvelop::invalid();
     double inputArea = 0;
+    bool isUnresolved = false;  ///< that area is of the rings as they stand: the engine gave up
     std::size_t pairs = 0;
     PendingResults results;
     int copies = 0;                     ///< results that are the feature as it is
@@ -49,7 +50,8 @@ class Emitter {
         : m_schema(schema), m_others(others), m_multipart(multipart), m_slot(slot), m_grew(grew) {}
 
     /// Adds the feature at hand as it is, with the attributes of `a` and `b`, either of which may
-    /// be null; `joined` goes into the count field, if there is one.
+    /// be null; `joined` goes into the count field, if there is one. Where its parts become
+    /// features of their own, they are those of what it encloses by the even-odd rule.
     void emitCopy(const OverlayFeature& self, const JWFeature* a, const JWFeature* b,
                   std::int64_t joined = 0);
     /// The area that the feature at hand encloses.
@@ -76,6 +78,7 @@ class Emitter {
         const JWFeature* b;
         std::int64_t joined;
     };
+    void emitBuilt(BuiltArea&& built, const Values& values);
     /// Adds a geometry of a known area, in parts if need be; returns the area of what it added.
     double add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);
     void addResult(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);

@@ -312,6 +312,32 @@ TEST_F(LayerOperations, PartsBecomeFeaturesOfTheirOwn) {
     EXPECT_DOUBLE_EQ(report.areaDropped, 1);
 }
 
+// What nobody meets is copied: parts of what it encloses, with its area, checked or not.
+TEST_F(LayerOperations, PartsAndAreasOfCopiesAreThoseOfTheEvenOddRule) {
+    const std::string overlapping =
+        "MULTIPOLYGON(((0 0,10 0,10 10,0 10,0 0)),((5 0,15 0,15 10,5 10,5 0)))";
+    LayerPtr a =
+        layerOf("a", {{1, overlapping, "A"}, {2, "POLYGON((20 0,30 10,30 0,20 10,20 0))", "X"}});
+    LayerPtr b = layerOf("b", {{1, box(100, 0, 101, 1), "B"}});
+    JWOverlayOptions options;
+    options.areaField = "size";
+    for (const char* operation : {"erase", "identity", "union", "symdiff", "update", "grow", "join",
+                                  "grow within", "partition within"}) {
+        for (const bool multipart : {true, false}) {
+            options.multipart = multipart;
+            const Rows checked = run(operation, *a, *b, options);
+            ASSERT_GE(checked.size(), multipart ? 2u : 3u) << operation;
+            for (std::size_t i = 0; i < (multipart ? 2u : 3u); ++i) {
+                const std::string size = checked[i].substr(checked[i].rfind('|'));
+                EXPECT_EQ(size, multipart && i == 0 ? "|100" : "|50") << operation;
+            }
+            LayerPtr unchecked = emptyLayer("unchecked");
+            operations.at(operation)(a.get(), b.get(), unchecked.get(), options, &report);
+            EXPECT_EQ(contentOf(*unchecked), checked) << operation;
+        }
+    }
+}
+
 TEST_F(LayerOperations, ChecksInTheOrderMissingThenFieldsThenReferences) {
     LayerPtr a = layerOf("a", {}, "name", "EPSG:4326"), b = layerOf("b", {}, "name", "EPSG:32633");
     LayerPtr withFields = layerOf("out", {}), empty = emptyLayer("out");
