@@ -45,13 +45,20 @@ bool Nearness::holds(const Point& p, Point a, Point b) const {
         const bool alongX = isAlongX(a, b);
         if (!(alongX ? p.x > a.x && p.x < b.x : p.y > low && p.y < high)) return false;
         if (beyond * 8 > (alongX ? (b.x - a.x) * aspect : high - low)) return false;
+        if (!alongX && (isAlongXBy(a, p, b) || isAlongXBy(b, p, a))) return false;
     } else if (p == a || p == b) {
         return false;
     }
     return holdsOnLine(p, a, b);
 }
 
-bool Nearness::holdsOnLine(const Point& p, const Point& a, const Point& b) const {
+// Tells whether the edge ap is measured along x and holds b.
+bool Nearness::isAlongXBy(const Point& a, const Point& p, const Point& b) const {
+    return isAlongX(a, p) && holds(b, a, p);
+}
+
+bool Nearness::holdsOnLine(const Point& p, Point a, Point b) const {
+    if (b < a) std::swap(a, b);
     const long double dx = static_cast<long double>(b.x) - a.x;
     const long double dy = static_cast<long double>(b.y) - a.y;
     const long double cross =

@@ -57,11 +57,14 @@ struct Nearness {
         return std::fabs(b.x - a.x) * aspect >= std::fabs(b.y - a.y);
     }
     /// Tells whether `p` lies beside the edge ab, between its ends, within the reach of it. The
-    /// direction of the edge does not matter.
+    /// direction of the edge does not matter, nor does it below.
     bool holds(const Point& p, Point a, Point b) const;
     /// Tells whether the line ab passes `p` within the reach.
-    bool holdsOnLine(const Point& p, const Point& a, const Point& b) const;
+    bool holdsOnLine(const Point& p, Point a, Point b) const;
     Nearness within(double other) const { return {other, aspect}; }
+
+  private:
+    bool isAlongXBy(const Point& a, const Point& p, const Point& b) const;
 };
 
 /// A grid that crossing points are rounded to: the multiples of a power of two.
