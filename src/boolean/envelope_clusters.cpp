@@ -9,7 +9,12 @@
 //
 // The tree is packed: rectangles sorted by their middles into strips and tiles
 // (sort-tile-recursive, Leutenegger, Lopez and Edgington 1997), eight to a leaf, and eight nodes to
-// a node above.
+// a node above. Tiles get the shape that the rectangles have on average: in square tiles, long thin
+// rectangles that lie side by side would all overlap one another's.
+//
+// On a team, the strips are sorted and the subtrees below some level joined at the same time;
+// subtrees are stretches of places, which have nothing in common. What is between them is joined
+// afterwards.
 #include "boolean/envelope_clusters.h"
 
 #include <algorithm>
@@ -24,11 +29,13 @@ namespace {
 
 constexpr std::size_t kFanBits = 3;
 constexpr std::size_t kFan = std::size_t{1} << kFanBits;
+constexpr std::size_t kSharedFrom = 4096;  // rectangles that a team shares
+constexpr std::size_t kParts = 8;          // at least, where it does
 
 class ContactTree {
   public:
     /// Unites those of the valid envelopes that meet.
-    explicit ContactTree(const std::vector<JWEnvelop>& envelops);
+    ContactTree(const Team& team, const std::vector<JWEnvelop>& envelops);
 
     /// Positions of the valid envelopes, in the order of the tree.
     const std::vector<int>& order() const { return m_order; }
@@ -44,7 +51,7 @@ class ContactTree {
     /// Level 0 are the rectangles themselves, in the order of the tree.
     using Level = std::vector<Node>;
 
-    void sortIntoTiles(const std::vector<JWEnvelop>& envelops);
+    void sortIntoTiles(const Team& team, const std::vector<JWEnvelop>& envelops);
     void buildLevels(const std::vector<JWEnvelop>& envelops);
     std::size_t endOf(std::size_t level, std::size_t node) const {
         return std::min((node + 1) * kFan, m_levels[level - 1].size());
@@ -60,29 +67,48 @@ class ContactTree {
         return m_levels[level][a].whole && m_levels[level][b].whole &&
                clusterAt(level, a) == clusterAt(level, b);
     }
-    void joinWithin(std::size_t level, std::size_t node);
-    void joinBetween(std::size_t level, std::size_t a, std::size_t b);
+    void joinAll(const Team& team);
+    /// Nodes of the level `joined` are joined within already.
+    void joinWithin(std::size_t level, std::size_t node, std::size_t joined, StepCounter& pace);
+    void joinBetween(std::size_t level, std::size_t a, std::size_t b, StepCounter& pace);
     void updateWhole(std::size_t level, std::size_t node);
 
     std::vector<int> m_order;
     std::vector<int> m_parents;  ///< of places
     std::vector<Level> m_levels;
-    StepCounter m_pace;
 };
 
-ContactTree::ContactTree(const std::vector<JWEnvelop>& envelops) {
+/// The number of strips for which a rectangle meets the fewest tiles on average.
+std::size_t stripsFor(const std::vector<JWEnvelop>& envelops, double leaves) {
+    JWEnvelop all = JWEnvelop::invalid();
+    for (const JWEnvelop& e : envelops) {
+        if (e.isValid()) all.inflates_to_contain(e);
+    }
+    // Of the whole, by turns so that nothing overflows; a rectangle without extent has some.
+    const double width = 0.5 * all.maxX - 0.5 * all.minX, height = 0.5 * all.maxY - 0.5 * all.minY;
+    double across = 1, along = 1;
+    for (const JWEnvelop& e : envelops) {
+        if (!e.isValid()) continue;
+        if (width > 0) across += (0.5 * e.maxX - 0.5 * e.minX) / width;
+        if (height > 0) along += (0.5 * e.maxY - 0.5 * e.minY) / height;
+    }
+    const double strips = std::ceil(std::sqrt(leaves * (along / across)));
+    return static_cast<std::size_t>(std::clamp(strips, 1.0, leaves));
+}
+
+ContactTree::ContactTree(const Team& team, const std::vector<JWEnvelop>& envelops) {
     for (std::size_t i = 0; i < envelops.size(); ++i) {
         if (envelops[i].isValid()) m_order.push_back(static_cast<int>(i));
     }
     if (m_order.empty()) return;
-    sortIntoTiles(envelops);
+    sortIntoTiles(team, envelops);
     buildLevels(envelops);
     m_parents.resize(m_order.size());
     std::iota(m_parents.begin(), m_parents.end(), 0);
-    joinWithin(m_levels.size() - 1, 0);
+    joinAll(team);
 }
 
-void ContactTree::sortIntoTiles(const std::vector<JWEnvelop>& envelops) {
+void ContactTree::sortIntoTiles(const Team& team, const std::vector<JWEnvelop>& envelops) {
     struct Middle {
         double x, y;
         int position;
@@ -93,20 +119,31 @@ void ContactTree::sortIntoTiles(const std::vector<JWEnvelop>& envelops) {
         middles.push_back({0.5 * e.minX + 0.5 * e.maxX, 0.5 * e.minY + 0.5 * e.maxY, i});
     }
     const std::size_t count = middles.size();
-    std::sort(middles.begin(), middles.end(), [](const Middle& a, const Middle& b) {
-        return a.x != b.x ? a.x < b.x : a.position < b.position;
-    });
-    const double leaves = std::ceil(static_cast<double>(count) / kFan);
-    const auto strips = static_cast<std::size_t>(std::ceil(std::sqrt(leaves)));
+    const std::size_t strips = stripsFor(envelops, std::ceil(static_cast<double>(count) / kFan));
     const std::size_t perStrip = (count + strips - 1) / strips;
-    for (std::size_t first = 0; first < count; first += perStrip) {
-        const std::size_t end = std::min(first + perStrip, count);
-        std::sort(middles.begin() + static_cast<std::ptrdiff_t>(first),
-                  middles.begin() + static_cast<std::ptrdiff_t>(end),
-                  [](const Middle& a, const Middle& b) {
-                      return a.y != b.y ? a.y < b.y : a.position < b.position;
-                  });
+    const auto place = [&](std::size_t i) {
+        return middles.begin() + static_cast<std::ptrdiff_t>(std::min(i, count));
+    };
+    const auto leftOf = [](const Middle& a, const Middle& b) {
+        return a.x != b.x ? a.x < b.x : a.position < b.position;
+    };
+    const auto below = [](const Middle& a, const Middle& b) {
+        return a.y != b.y ? a.y < b.y : a.position < b.position;
+    };
+    // Each strip has to have its own; in which order is for the second step.
+    const std::size_t parts = m_order.size() > kSharedFrom ? kParts : 1;
+    const std::size_t perPart = (strips + parts - 1) / parts * perStrip;
+    for (std::size_t i = perPart; i < count; i += perPart) {
+        std::nth_element(place(i - perPart), place(i), middles.end(), leftOf);
     }
+    parallelChunks(team, static_cast<std::int64_t>(parts), 1, [&](std::int64_t part, std::int64_t) {
+        const std::size_t first = static_cast<std::size_t>(part) * perPart;
+        std::sort(place(first), place(first + perPart), leftOf);
+        for (std::size_t i = first; i < first + perPart; i += perStrip) {
+            std::sort(place(i), place(i + perStrip), below);
+        }
+        return true;
+    });
     for (std::size_t i = 0; i < count; ++i) m_order[i] = middles[i].position;
 }
 
@@ -148,18 +185,35 @@ void ContactTree::updateWhole(std::size_t level, std::size_t node) {
     self.whole = true;
 }
 
-void ContactTree::joinWithin(std::size_t level, std::size_t node) {
-    if (level == 0) return;
+void ContactTree::joinAll(const Team& team) {
+    const std::size_t top = m_levels.size() - 1;
+    std::size_t shared = m_order.size() > kSharedFrom ? top : 0;
+    while (shared > 0 && m_levels[shared].size() < kParts) --shared;
+    if (shared > 0) {
+        parallelChunks(team, static_cast<std::int64_t>(m_levels[shared].size()), 1,
+                       [&](std::int64_t node, std::int64_t) {
+                           StepCounter pace;
+                           joinWithin(shared, static_cast<std::size_t>(node), 0, pace);
+                           return true;
+                       });
+    }
+    StepCounter pace;
+    joinWithin(top, 0, shared, pace);
+}
+
+void ContactTree::joinWithin(std::size_t level, std::size_t node, std::size_t joined,
+                             StepCounter& pace) {
+    if (level == joined) return;
     const std::size_t end = endOf(level, node);
     for (std::size_t i = node * kFan; i < end; ++i) {
-        joinWithin(level - 1, i);
-        for (std::size_t k = node * kFan; k < i; ++k) joinBetween(level - 1, k, i);
+        joinWithin(level - 1, i, joined, pace);
+        for (std::size_t k = node * kFan; k < i; ++k) joinBetween(level - 1, k, i, pace);
     }
     updateWhole(level, node);
 }
 
-void ContactTree::joinBetween(std::size_t level, std::size_t a, std::size_t b) {
-    m_pace.step();
+void ContactTree::joinBetween(std::size_t level, std::size_t a, std::size_t b, StepCounter& pace) {
+    pace.step();
     if (m_levels[level][a].box.isDisjoin(m_levels[level][b].box) || isDone(level, a, b)) return;
     if (level == 0) {
         const int first = clusterAt(0, a), second = clusterAt(0, b);
@@ -169,7 +223,7 @@ void ContactTree::joinBetween(std::size_t level, std::size_t a, std::size_t b) {
     const Level& below = m_levels[level - 1];
     for (std::size_t i = a * kFan; i < endOf(level, a); ++i) {
         if (below[i].box.isDisjoin(m_levels[level][b].box)) continue;
-        for (std::size_t k = b * kFan; k < endOf(level, b); ++k) joinBetween(level - 1, i, k);
+        for (std::size_t k = b * kFan; k < endOf(level, b); ++k) joinBetween(level - 1, i, k, pace);
     }
     updateWhole(level, a);
     updateWhole(level, b);
@@ -178,8 +232,8 @@ void ContactTree::joinBetween(std::size_t level, std::size_t a, std::size_t b) {
 }  // namespace
 
 /// Clusters in the order of their first positions.
-PositionLists clusterByContact(const std::vector<JWEnvelop>& envelops) {
-    ContactTree tree(envelops);
+PositionLists clusterByContact(const Team& team, const std::vector<JWEnvelop>& envelops) {
+    ContactTree tree(team, envelops);
     std::vector<int> clusterOf(envelops.size(), -1);  // by position: the tree's number
     const auto count = static_cast<int>(tree.order().size());
     for (int place = 0; place < count; ++place) {
@@ -211,6 +265,10 @@ PositionLists clusterByContact(const std::vector<JWEnvelop>& envelops) {
         clusters.positions[next[static_cast<std::size_t>(clusterOf[i])]++] = static_cast<int>(i);
     }
     return clusters;
+}
+
+PositionLists clusterByContact(const std::vector<JWEnvelop>& envelops) {
+    return clusterByContact(Team(1), envelops);
 }
 
 }  // namespace jws::detail

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "foundation/parallel.h"
 #include "jw_envelop.h"
 
 namespace jws::detail {
@@ -23,6 +24,8 @@ struct PositionLists {
 /// joined by a chain of rectangles that meet. Invalid ones are in none. Clusters come in the order
 /// of their first members, members in ascending order.
 PositionLists clusterByContact(const std::vector<JWEnvelop>& envelops);
+/// The same by a team, whose size does not matter for the result.
+PositionLists clusterByContact(const Team& team, const std::vector<JWEnvelop>& envelops);
 
 }  // namespace jws::detail
 

@@ -39,7 +39,7 @@ void DissolveRun::read() {
         if (m_kind == DissolveKind::Areas) texts.print("%d\n", m_report.readA);
     };
     OrderedWalk<NoSlot> walk(m_team, m_input,
-                             {examineAll, count, [this] { return keepOn(); }, {}, 256});
+                             {examineAll, count, [this] { return keepOn(); }, {}, 64});
     std::int64_t end = 0;
     do {
         end += std::max<std::int64_t>(m_total - end, 0) + kBeyond;
@@ -96,7 +96,7 @@ PositionLists DissolveRun::clusters() const {
         std::vector<JWEnvelop> envelops;
         envelops.reserve(m_items.size());
         for (const DissolveItem& item : m_items) envelops.push_back(item.envelop);
-        PositionLists made = clusterByContact(envelops);
+        PositionLists made = clusterByContact(m_team, envelops);
         TextBatch texts;
         for (std::size_t c = 0; c < made.count(); ++c) {
             for (const int* p = made.begin(c); p != made.end(c); ++p) texts.print("%d,", *p);

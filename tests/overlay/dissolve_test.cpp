@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <map>
 #include <numeric>
@@ -30,14 +31,6 @@ constexpr const char* left = "POLYGON((0 0,10 0,10 10,0 10,0 0))";
 constexpr const char* right = "POLYGON((10 0,20 0,20 10,10 10,10 0))";
 constexpr const char* over = "POLYGON((5 5,15 5,15 8,5 8,5 5))";
 constexpr const char* far = "POLYGON((90 0,99 0,99 9,90 9,90 0))";
-
-std::string box(double x, double y, double side) {
-    const auto corner = [](double a, double b) {
-        return std::to_string(a) + " " + std::to_string(b);
-    };
-    return "POLYGON((" + corner(x, y) + "," + corner(x + side, y) + "," +
-           corner(x + side, y + side) + "," + corner(x, y + side) + "," + corner(x, y) + "))";
-}
 
 /// All features of a layer, their geometries in normal form.
 Strings normalContent(JWFeatureLayer& layer) {
@@ -133,7 +126,7 @@ TEST_F(Dissolve, WhatBecomesOfGroups) {
          0,
          {both + "|a"}},
         {"the tolerance is applied once, to the union",
-         {{-1, box(0, 0, 1), "a"}, {-1, box(1, 0, 1), "a"}, {-1, box(1.5, 1, 1), "a"}},
+         {{-1, box(0, 0, 1, 1), "a"}, {-1, box(1, 0, 2, 1), "a"}, {-1, box(1.5, 1, 2.5, 2), "a"}},
          true,
          2.5,
          {normalizedWkt("POLYGON((0 0,1 0,2 0,2 1,2.5 1,2.5 2,1.5 2,1.5 1,1 1,0 1,0 0))") + "|a"}},
@@ -165,7 +158,7 @@ TEST_F(Dissolve, AreasBeyondAllNumbersAreUnitedToo) {
         LayerPtr output = emptyLayer("out");
         JWDissolveOptions options;
         options.multipart = true;
-        LayerPtr input = layerOf("in", {{-1, huge, "a"}, {-1, box(1, 0, 2.5), "a"}});
+        LayerPtr input = layerOf("in", {{-1, huge, "a"}, {-1, box(1, 0, 3.5, 2.5), "a"}});
         ASSERT_EQ(1, JWGeometryDissolve::dissolvePolygonLayer(input.get(), output.get(), {0},
                                                               options, &report));
         EXPECT_TRUE(report.rejected.empty());
@@ -397,6 +390,40 @@ TEST_F(Dissolve, AnyTeamAndAnyBlockGiveTheSame) {
     EXPECT_EQ(one, two);
 }
 
+// So many that a team shares the search for those that meet.
+TEST_F(Dissolve, ClustersOfManyRectanglesOnATeamToo) {
+    const struct {
+        const char* what;
+        std::function<std::string(int i)> at;
+        int clusters;
+    } rows[] = {
+        {"bars", [](int i) { return box(0, 2 * i, 9999, 2 * i + 1); }, 5000},
+        {"standing bars", [](int i) { return box(2 * i, 0, 2 * i + 1, 9999); }, 5000},
+        {"pairs of bars",
+         [](int i) { return box(0, 3 * (i / 2) + i % 2, 1, 3 * (i / 2) + 1 + i % 2); }, 2500},
+        {"fours",
+         [](int i) {
+             const int x = i % 100 + i % 100 / 2, y = i / 100 + i / 200;
+             return box(x, y, x + 1, y + 1);
+         },
+         1250},
+        {"stairs", [](int i) { return box(i, i, i + 1, i + 1); }, 1},
+        {"bars across a bar",
+         [](int i) { return i == 4321 ? box(5, 0, 6, 9999) : box(0, 2 * i, 9999, 2 * i + 1); }, 1}};
+    for (const auto& row : rows) {
+        std::vector<Row> features;
+        for (int i = 0; i < 5000; ++i) features.push_back({-1, row.at(i), "a"});
+        LayerPtr input = layerOf("in", features);
+        for (const int threads : {1, 8}) {
+            JWDissolveOptions options;
+            options.multipart = true;
+            options.threads = threads;
+            run(*input, {0}, options);
+            EXPECT_EQ(row.clusters, count) << row.what << ", " << threads;
+        }
+    }
+}
+
 /// A polygon of rings that cross themselves, by the even-odd rule: the triangles from the first
 /// corner of each ring to its edges, added with exclusive or.
 GeosPtr evenOdd(const JWGeometry& geometry) {
@@ -475,7 +502,7 @@ TEST_F(Dissolve, CleanCoverageLeavesItsOutline) {
     std::vector<Row> rows;
     for (int i = 0; i < 3600; ++i) {
         const int x = i % 60, y = i / 60;
-        rows.push_back({-1, box(x, y, 1), std::to_string(x / 30 + 2 * (y / 30))});
+        rows.push_back({-1, box(x, y, x + 1, y + 1), std::to_string(x / 30 + 2 * (y / 30))});
     }
     for (const Row& row : {rows[0], rows[59], rows[3540], rows[3599]}) rows.push_back(row);
     const Strings content = run(rows);

@@ -50,14 +50,6 @@ const std::map<std::string, Operation> operations = {
     {"overlaps within", one<&O::intersectPolygonsInSameLayer2>()},
 };
 
-std::string box(double x, double y, double right, double top) {
-    const auto corner = [](double cx, double cy) {
-        return std::to_string(cx) + " " + std::to_string(cy);
-    };
-    return "POLYGON((" + corner(x, y) + "," + corner(right, y) + "," + corner(right, top) + "," +
-           corner(x, top) + "," + corner(x, y) + "))";
-}
-
 class LayerOperations : public testing::Test {
   protected:
     /// Runs an operation with its areas checked; returns what it wrote.

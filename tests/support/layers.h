@@ -38,6 +38,15 @@ struct Row {
     std::string label;
 };
 
+/// A rectangle as a WKT polygon.
+inline std::string box(double x, double y, double right, double top) {
+    const auto corner = [](double cx, double cy) {
+        return std::to_string(cx) + " " + std::to_string(cy);
+    };
+    return "POLYGON((" + corner(x, y) + "," + corner(right, y) + "," + corner(right, top) + "," +
+           corner(x, top) + "," + corner(x, y) + "))";
+}
+
 /// An empty memory layer of polygons without fields.
 inline LayerPtr emptyLayer(const char* name, const char* reference = nullptr) {
     SourcePtr source(jws::JWDataSource::createInMemory());
