@@ -31,48 +31,48 @@ bool startsBefore(const AreaSum::Edge& a, const AreaSum::Edge& b) {
     return a.from != b.from ? a.from < b.from : a.to < b.to;
 }
 
-/// Strings directed edges together to loops. Each place is left as often as it is reached.
+/// Strings directed edges together to loops. Each place is left as often as it is reached. A value
+/// to keep for many calls.
 class LoopTracer {
   public:
     /// `edges` are sorted by their start.
-    explicit LoopTracer(const AreaSum::Edges& edges) : m_edges(edges), m_cursor(edges.size()) {
+    void trace(const AreaSum::Edges& edges, RingSet& loops) {
+        emptyKept(m_left);
+        emptyKept(m_cursor);
         m_left.reserve(edges.size());
+        m_cursor.reserve(edges.size());
         for (std::size_t i = 0; i < edges.size(); ++i) {
             m_left.push_back(edges[i].times);
-            m_cursor[i] = i;
+            m_cursor.push_back(i);
         }
-    }
-
-    void trace(RingSet& loops) {
         StepCounter pace;
-        for (std::size_t i = 0; i < m_edges.size(); ++i) {
+        for (std::size_t i = 0; i < edges.size(); ++i) {
             pace.step();
-            while (m_left[i] > 0) follow(i, loops);
+            while (m_left[i] > 0) follow(edges, i, loops);
         }
     }
 
   private:
-    void follow(std::size_t first, RingSet& loops) {
-        for (std::size_t i = first; i < m_edges.size(); i = leaving(m_edges[i].to)) {
+    void follow(const AreaSum::Edges& edges, std::size_t first, RingSet& loops) {
+        for (std::size_t i = first; i < edges.size(); i = leaving(edges, edges[i].to)) {
             --m_left[i];
-            loops.addPoint(m_edges[i].from);
-            if (m_edges[i].to == m_edges[first].from) break;
+            loops.addPoint(edges[i].from);
+            if (edges[i].to == edges[first].from) break;
         }
         loops.endRing(0);
     }
 
     /// An edge that starts at `p` and is still there.
-    std::size_t leaving(const JWRawPoint& p) {
+    std::size_t leaving(const AreaSum::Edges& edges, const JWRawPoint& p) {
         const auto found = std::lower_bound(
-            m_edges.begin(), m_edges.end(), p,
+            edges.begin(), edges.end(), p,
             [](const AreaSum::Edge& edge, const JWRawPoint& q) { return edge.from < q; });
-        if (found == m_edges.end()) return m_edges.size();
-        std::size_t& i = m_cursor[static_cast<std::size_t>(found - m_edges.begin())];
-        while (i < m_edges.size() && m_left[i] == 0) ++i;
+        if (found == edges.end()) return edges.size();
+        std::size_t& i = m_cursor[static_cast<std::size_t>(found - edges.begin())];
+        while (i < edges.size() && m_left[i] == 0) ++i;
         return i;
     }
 
-    const AreaSum::Edges& m_edges;
     std::vector<std::size_t> m_cursor;  ///< at the first edge of each start: the next one to take
     std::vector<int> m_left;
 };
@@ -188,18 +188,28 @@ void AreaSum::add(const Edges& edges) {
 
 AreaSum::Edges AreaSum::rest() const {
     Edges left;
+    rest(left);
+    return left;
+}
+
+void AreaSum::rest(Edges& left) const {
+    emptyKept(left);
+    left.reserve(static_cast<std::size_t>(
+        std::count_if(m_edges.begin(), m_edges.end(), [](const Edge& e) { return e.times != 0; })));
     for (const Edge& edge : m_edges) {
         if (edge.times > 0) left.push_back(edge);
         if (edge.times < 0) left.push_back({edge.to, edge.from, -edge.times});
     }
-    return left;
 }
 
 ClippedContours AreaSum::unite(Edges& edges, double& overlap) {
+    thread_local LoopTracer tracer;
+    thread_local RingSet loops;
+    thread_local RingViews views;
     std::sort(edges.begin(), edges.end(), startsBefore);
-    RingSet loops;
-    LoopTracer(edges).trace(loops);
-    RingViews views;
+    loops.clear();
+    tracer.trace(edges, loops);
+    emptyKept(views);
     views.reserve(static_cast<std::size_t>(loops.count()));
     for (int i = 0; i < loops.count(); ++i) views.push_back(loops.view(i));
     return uniteDirected(views, overlap);

@@ -51,6 +51,8 @@ class AreaSum {
     void add(const Edges& edges);
     /// What is left, in an order that depends on what was added and in which order.
     Edges rest() const;
+    /// The same into a list that is kept.
+    void rest(Edges& left) const;
 
     /// Computes the union of all that a sum left; `edges` is sorted on the way. `overlap` is that
     /// of `uniteDirected`. Throws ClipFailure and std::bad_alloc.

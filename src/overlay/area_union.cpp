@@ -48,7 +48,8 @@ ClippedContours uniteAtOnce(const std::vector<Area>& areas, const JWEnvelop& win
         extract.take(area, window);
         parts += sum.add(extract.rings);
     }
-    AreaSum::Edges edges = sum.rest();
+    thread_local AreaSum::Edges edges;
+    sum.rest(edges);
     double overlap = 0;
     ClippedContours united = AreaSum::unite(edges, overlap);
     surplus = parts - overlap - areaOf(united);

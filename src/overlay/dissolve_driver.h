@@ -5,8 +5,8 @@
 // differ in what they examine and in how a group's geometry is made.
 //
 // Reading is one thread's work at a time; while one reads, the others examine what was read before.
-// Groups are dealt out to the team in windows of some ten thousand features and written, window by
-// window, in their order, so that results and the features that they were made of do not pile up.
+// Groups are dealt out to the team and written in their order beside the work, so that results and
+// the features that they were made of do not pile up.
 #ifndef JW_OVERLAY_DISSOLVE_DRIVER_H
 #define JW_OVERLAY_DISSOLVE_DRIVER_H
 

@@ -2,7 +2,7 @@
 //
 // A dissolve while it runs: the schema, then three steps. `read` decodes all features and finds out
 // which take part, with what values; `group` makes clusters of them, and groups of equal values in
-// each; `write` unites the groups, some thousand features at a time, and writes them in order.
+// each; `write` unites the groups and writes them in order.
 #ifndef JW_OVERLAY_DISSOLVE_RUN_H
 #define JW_OVERLAY_DISSOLVE_RUN_H
 
@@ -16,6 +16,7 @@
 #include "boolean/envelope_clusters.h"
 #include "foundation/parallel.h"
 #include "layers/ordered_walk.h"
+#include "layers/pending_result.h"
 #include "overlay/dissolve_driver.h"
 #include "overlay/group_union.h"
 
@@ -27,14 +28,10 @@ struct Examination {
     const char* reason = nullptr;
 };
 
-/// A group's results, made by one worker and written by one.
+/// What becomes of a group until its turn to be written comes.
 struct GroupResult {
-    struct Piece {
-        std::unique_ptr<JWFeature> feature;
-        double area;
-        std::shared_ptr<JWFeatureRecord> record;
-    };
-    std::vector<Piece> pieces;
+    PendingResults pieces;
+    double areaMade = 0;
     double areaBefore = 0;
     double overlap = 0;
     double dropped = 0;
@@ -66,18 +63,26 @@ class DissolveRun {
   private:
     struct NoSlot {};
     using Chunk = FeatureChunk<NoSlot>;
+    /// Neighbouring groups.
+    struct Groups : WorkChunk {
+        std::size_t first = 0;
+        std::vector<GroupResult> results;
+        std::size_t size() const { return results.size(); }
+    };
 
     void examine(std::size_t position);
     Examination examineGeometry(DissolveItem& item);
     void keepAccount();
     PositionLists clusters() const;
-    bool uniteWindow(std::size_t first, std::size_t end, std::vector<GroupResult>& results);
-    GroupResult makeResult(std::size_t group, std::size_t inWindow);
-    std::vector<std::unique_ptr<JWGeometry>> geometriesOf(std::size_t group, std::size_t inWindow,
-                                                          GroupResult& result);
+    bool take(Groups& groups);
+    void unite(OrderedWork<Groups>& work, Groups& groups);
+    void makeResult(std::size_t group, GroupResult& result, const Growth& grew);
+    std::vector<std::unique_ptr<JWGeometry>> geometriesOf(std::size_t group, GroupResult& result);
     void makeFeatures(std::size_t group, std::vector<std::unique_ptr<JWGeometry>> geometries,
-                      GroupResult& result);
-    void writeResult(GroupResult& result);
+                      GroupResult& result, const Growth& grew);
+    void writePieces(Groups& groups, std::size_t i);
+    void writePart(Groups& groups, std::size_t i);
+    void writeResult(Groups& groups, std::size_t i);
     void reject(std::int64_t fid, const std::string& reason) {
         m_report.rejected.push_back({m_input.source(), m_input.name(), fid, reason});
     }
@@ -108,6 +113,7 @@ class DissolveRun {
     std::vector<Examination> m_examined;
     std::vector<std::string> m_keys;
     PositionLists m_groups;
+    std::size_t m_next = 0;  ///< the group to be taken next
     GroupUnions m_unions;
 };
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The last step of a dissolve: groups are united by the team, a window of them at a time, and the
-// results written in order.
+// The last step of a dissolve: the boundaries of large groups are summed by the team, patch by
+// patch (group_union.h); then all groups are united by the team and written in order
+// (ordered_work.h).
 #include <algorithm>
 #include <cmath>
 
@@ -14,63 +15,66 @@
 namespace jws::detail {
 namespace {
 
-constexpr std::size_t kWindow = 32768;  // features whose groups are written together
+constexpr std::size_t kMostTogether = 1024;  // features whose groups are a chunk
 
 }  // namespace
 
 void DissolveRun::write() {
     m_done = m_total;
-    for (std::size_t first = 0, end = 0; first < m_groups.count(); first = end) {
-        std::size_t members = 0;
-        for (end = first; end < m_groups.count() && members < kWindow; ++end) {
-            members += static_cast<std::size_t>(m_groups.end(end) - m_groups.begin(end));
-        }
-        std::vector<GroupResult> results(end - first);
-        if (!uniteWindow(first, end, results)) stop();
-        for (std::size_t i = 0; i < results.size(); ++i) {
-            writeResult(results[i]);
-            if (i % 256 == 0) beat();
-        }
-        m_done += static_cast<std::int64_t>(members);
-        beat();
-    }
-}
-
-bool DissolveRun::uniteWindow(std::size_t first, std::size_t end,
-                              std::vector<GroupResult>& results) {
     if (m_kind == DissolveKind::Areas) {
         std::vector<std::pair<const int*, const int*>> groups;
-        for (std::size_t g = first; g < end; ++g) {
+        for (std::size_t g = 0; g < m_groups.count(); ++g) {
             groups.emplace_back(m_groups.begin(g), m_groups.end(g));
         }
         m_unions.prepare(m_team, std::move(groups), [this] { beat(); });
     }
-    const auto count = static_cast<std::int64_t>(end - first);
-    const std::int64_t chunk =
-        std::clamp<std::int64_t>(count / (std::int64_t{8} * m_team.size()), 1, 64);
-    return parallelChunks(m_team, count, chunk, [&](std::int64_t from, std::int64_t to) {
-        const Pulse pulse([this] { beat(); });
-        for (auto i = static_cast<std::size_t>(from); i < static_cast<std::size_t>(to); ++i) {
-            results[i] = makeResult(first + i, i);
-        }
-        return keepOn();
-    });
+    OrderedWork<Groups> work(m_team,
+                             {[this](Groups& groups) { return take(groups); },
+                              [&](Groups& groups) { unite(work, groups); },
+                              [this](Groups& groups, std::size_t i) { writeResult(groups, i); },
+                              [this] { return keepOn(); },
+                              [this](Groups& groups, std::size_t i) {
+                                  return groups.results[i].pieces.prepare(m_output);
+                              },
+                              [this](Groups& groups, std::size_t i) { writePart(groups, i); }});
+    if (!work.run(m_groups.count())) stop();
 }
 
-GroupResult DissolveRun::makeResult(std::size_t group, std::size_t inWindow) {
-    GroupResult result;
+/// As many groups as make a good piece of work.
+bool DissolveRun::take(Groups& groups) {
+    if (m_next == m_groups.count()) return false;
+    const std::size_t wanted = std::clamp<std::size_t>(
+        m_groups.positions.size() / (16 * static_cast<std::size_t>(m_team.size())), 1,
+        kMostTogether);
+    groups.first = m_next;
+    for (std::size_t members = 0; m_next < m_groups.count() && members < wanted; ++m_next) {
+        members += static_cast<std::size_t>(m_groups.end(m_next) - m_groups.begin(m_next));
+    }
+    groups.results.resize(m_next - groups.first);
+    return true;
+}
+
+void DissolveRun::unite(OrderedWork<Groups>& work, Groups& groups) {
+    const Pulse pulse([this] { beat(); });
+    std::size_t atHand = 0;
+    const Growth grew = [&](std::size_t bytes) { work.grew(groups, atHand, bytes); };
+    for (; atHand < groups.size(); ++atHand) {
+        Pulse::tick();
+        makeResult(groups.first + atHand, groups.results[atHand], grew);
+    }
+}
+
+void DissolveRun::makeResult(std::size_t group, GroupResult& result, const Growth& grew) {
     const int* begin = m_groups.begin(group);
     const int* end = m_groups.end(group);
     result.firstFid = m_items[static_cast<std::size_t>(*begin)].feature->getFID64();
-    makeFeatures(group, geometriesOf(group, inWindow, result), result);
+    makeFeatures(group, geometriesOf(group, result), result, grew);
     for (const int* p = begin; p != end; ++p) {
         m_items[static_cast<std::size_t>(*p)].feature.reset();
     }
-    return result;
 }
 
 std::vector<std::unique_ptr<JWGeometry>> DissolveRun::geometriesOf(std::size_t group,
-                                                                   std::size_t inWindow,
                                                                    GroupResult& result) {
     std::vector<std::unique_ptr<JWGeometry>> geometries;
     if (m_kind != DissolveKind::Areas) {
@@ -85,7 +89,7 @@ std::vector<std::unique_ptr<JWGeometry>> DissolveRun::geometriesOf(std::size_t g
         }
         return geometries;
     }
-    GroupUnion united = m_unions.unite(inWindow);
+    GroupUnion united = m_unions.unite(group);
     result.areaBefore = united.areaBefore;
     result.overlap = united.overlap;
     result.dropped = united.dropped;
@@ -111,7 +115,7 @@ std::vector<std::unique_ptr<JWGeometry>> DissolveRun::geometriesOf(std::size_t g
 
 void DissolveRun::makeFeatures(std::size_t group,
                                std::vector<std::unique_ptr<JWGeometry>> geometries,
-                               GroupResult& result) {
+                               GroupResult& result, const Growth& grew) {
     if (geometries.empty()) return;
     std::vector<const JWFeature*> members;
     for (const int* p = m_groups.begin(group); p != m_groups.end(group); ++p) {
@@ -134,35 +138,41 @@ void DissolveRun::makeFeatures(std::size_t group,
         check(fillStatistic(statistic, members, static_cast<int>(target), values));
     }
     for (std::unique_ptr<JWGeometry>& geometry : geometries) {
-        GroupResult::Piece piece{std::make_unique<JWFeature>(values), areaOf(*geometry), nullptr};
+        PendingResult piece;
+        piece.area = areaOf(*geometry);
+        piece.feature = std::make_unique<JWFeature>(values);
         if (target < m_names.size()) {
             piece.feature->setFieldValue(static_cast<int>(target), piece.area);
         }
         piece.feature->setGeometryDirectly(geometry.release());
-        if (m_team.size() > 1) piece.record = m_output.prepare(*piece.feature);
-        result.pieces.push_back(std::move(piece));
+        result.areaMade += piece.area;
+        result.pieces.add(std::move(piece), grew);
     }
 }
 
-void DissolveRun::writeResult(GroupResult& result) {
+void DissolveRun::writePieces(Groups& groups, std::size_t i) {
+    GroupResult& result = groups.results[i];
+    result.pieces.write(m_output, m_input, result.firstFid, m_report);
+}
+
+/// Those before it in the chunk are written.
+void DissolveRun::writePart(Groups& groups, std::size_t i) {
+    writePieces(groups, i);
+    for (std::size_t k = 0; k <= i; ++k) groups.results[k].pieces.letGo();
+}
+
+void DissolveRun::writeResult(Groups& groups, std::size_t i) {
+    GroupResult& result = groups.results[i];
     for (const auto& [fid, reason] : result.failures) reject(fid, reason);
-    double after = 0;
-    for (GroupResult::Piece& piece : result.pieces) {
-        if (m_output.write(piece.feature, piece.record)) {
-            after += piece.area;
-            ++m_report.written;
-            m_report.area += piece.area;
-        } else if (isRefusal(JWReport::lastError().kind)) {
-            reject(result.firstFid, JWReport::lastError().text);
-        } else {
-            throw LayerFailure();
-        }
-        piece.feature.reset();
-    }
+    writePieces(groups, i);
+    result.pieces.reportRefusals(m_report);
     m_report.areaA += result.areaBefore;
     m_report.areaOverlap += result.overlap;
     m_report.areaDropped += result.dropped;
+    const double after = result.areaMade - result.pieces.refusedArea();
     m_report.residual += std::fabs(result.areaBefore - result.overlap - result.dropped - after);
+    const std::size_t group = groups.first + i;
+    m_done += static_cast<std::int64_t>(m_groups.end(group) - m_groups.begin(group));
 }
 
 }  // namespace jws::detail

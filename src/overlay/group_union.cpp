@@ -138,7 +138,8 @@ ClippedContours GroupUnions::uniteDirected(const Group& group, GroupUnion& resul
     }
     result.areaBefore = account.area;
     result.failures = std::move(account.failures);
-    AreaSum::Edges edges = total.rest();
+    thread_local AreaSum::Edges edges;
+    total.rest(edges);
     return AreaSum::unite(edges, result.overlap);
 }
 
