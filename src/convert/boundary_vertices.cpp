@@ -16,20 +16,22 @@
 // Both are then bent through it, and the ring would run from it to the corner and straight back:
 // the corner gives way to the vertex, unless it is so sharp that it reaches far beyond.
 //
-// A team shares out the comparison of edges with vertices, which takes most of the time.
+// A team shares out the comparison of edges with vertices, which takes most of the time, and makes
+// the tree beside the list of edges.
 //
 // Cost: O(n log n) for n vertices, as long as edges have few vertices beside them.
 #include "convert/boundary_vertices.h"
 
 #include <climits>
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
 #include "convert/edge_list.h"
 #include "convert/vertex_numbers.h"
 #include "convert/vertex_search.h"
-#include "foundation/parallel.h"
+#include "foundation/pulse.h"
 
 namespace jws::detail {
 namespace {
@@ -38,13 +40,14 @@ namespace {
 /// some neighbouring vertices at a time, and a list for what it finds beside their edges.
 class Insertions {
   public:
-    Insertions(const EdgeList& edges, const VertexSearch& search, double tolerance, int threads)
+    Insertions(const EdgeList& edges, const VertexSearch& search, double tolerance,
+               const Team& team)
         : m_ranges(edges.placeCount()) {
         constexpr std::int64_t chunk = 2048;
         const std::vector<int>& order = search.inOrder();
         const auto count = static_cast<std::int64_t>(order.size());
         m_lists.resize(static_cast<std::size_t>((count + chunk - 1) / chunk));
-        parallelChunks(Team(threads), count, chunk, [&](std::int64_t begin, std::int64_t end) {
+        parallelChunks(team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
             std::vector<int>& found = m_lists[static_cast<std::size_t>(begin / chunk)];
             std::vector<VertexSearch::Along> beside;
             for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i)
@@ -54,6 +57,7 @@ class Insertions {
                     m_ranges[p] = {static_cast<int>(begin / chunk), static_cast<int>(before),
                                    static_cast<int>(found.size())};
                 }
+            Pulse::tick();
             return true;
         });
     }
@@ -128,7 +132,9 @@ void insertVertices(const EdgeList& edges, const Insertions& found, double toler
     vertices.reserve(rings.vertices.size() + found.count());
     std::vector<std::size_t> ends;
     BentRing ring;
+    StepCounter steps;
     for (std::size_t r = 0; r < rings.ringCount(); ++r) {
+        steps.step(static_cast<std::size_t>(rings.end(r) - rings.begin(r)));
         const int* end = rings.end(r);
         for (const int* v = rings.begin(r); v != end; ++v) {
             const int next = v + 1 != end ? v[1] : *rings.begin(r);
@@ -151,21 +157,31 @@ void insertVertices(const EdgeList& edges, const Insertions& found, double toler
 }
 
 /// Puts vertices into the edges that they lie beside.
-void splitEdges(const VertexSearch& search, double tolerance, int threads,
-                BoundaryVertices& rings) {
-    const EdgeList edges(rings);
-    const Insertions found(edges, search, tolerance, threads);
+void splitEdges(const EdgeList& edges, const VertexSearch& search, double tolerance,
+                const Team& team, BoundaryVertices& rings) {
+    const Insertions found(edges, search, tolerance, team);
     if (found.count() > 0) insertVertices(edges, found, tolerance, rings);
 }
 
 }  // namespace
 
-BoundaryVertices findBoundaryVertices(const RingViews& rings, double tolerance, int threads) {
+BoundaryVertices findBoundaryVertices(const RingViews& rings, double tolerance, const Team& team) {
     tolerance = usableTolerance(rings, tolerance);
     BoundaryVertices result = numberVertices(rings, tolerance);
-    const VertexSearch search(result.points);
-    if (tolerance > 0) splitEdges(search, tolerance, threads, result);
-    splitEdges(search, 0, threads, result);
+    std::optional<EdgeList> edges;
+    std::optional<VertexSearch> search;
+    const auto prepare = [&](std::int64_t which, std::int64_t) {
+        if (which == 0) search.emplace(result.points);
+        if (which == 1) edges.emplace(result);
+        Pulse::tick();
+        return true;
+    };
+    parallelChunks(team, 2, 1, prepare);
+    if (tolerance > 0) {
+        splitEdges(*edges, *search, tolerance, team, result);
+        edges.emplace(result);
+    }
+    splitEdges(*edges, *search, 0, team, result);
     return result;
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "boolean/ring_set.h"
+#include "foundation/parallel.h"
 
 namespace jws::detail {
 
@@ -25,8 +26,9 @@ struct BoundaryVertices {
 
 /// Numbers the vertices of rings and puts in those that lie on an edge of another ring, or within
 /// `tolerance` of one. Rings of one place alone and rings with a coordinate that is not finite have
-/// no vertices. Throws std::length_error for more points than an `int` counts, std::bad_alloc.
-BoundaryVertices findBoundaryVertices(const RingViews& rings, double tolerance, int threads = 1);
+/// no vertices. Throws std::length_error for more points than an `int` counts, std::bad_alloc,
+/// and what a pulse throws.
+BoundaryVertices findBoundaryVertices(const RingViews& rings, double tolerance, const Team& team);
 
 }  // namespace jws::detail
 

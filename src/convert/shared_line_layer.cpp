@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: MIT
 //
 // A layer of the lines between the polygons of another: the layer is read as a whole, its rings are
-// taken apart into lines, and the lines are written in their order. A team decodes the polygons and
-// compares their boundaries; features of the lines are made by the thread that writes them, since
-// handing them over between threads costs more than making them.
+// taken apart into lines, and the lines are written in their order. A team decodes the polygons,
+// compares their boundaries, and makes the features of lines while others are written.
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 
 #include "convert/conversion_run.h"
 #include "convert/layer_conversion.h"
 #include "convert/shared_lines.h"
+#include "foundation/pulse.h"
 #include "layers/block_filter.h"
 #include "layers/ordered_walk.h"
+#include "layers/ordered_work.h"
 #include "layers/pending_result.h"
 
 namespace jws::detail {
@@ -27,6 +29,14 @@ struct Neighbours {
     bool areTwo() const { return left >= 0 && right >= 0; }
 };
 
+/// Neighbouring lines that are about to be written.
+struct LineChunk : WorkChunk {
+    std::vector<std::size_t> lines;
+    std::vector<PendingResult> results;
+
+    std::size_t size() const { return lines.size(); }
+};
+
 class SharedLineRun {
   public:
     SharedLineRun(FeatureInput& input, FeatureOutput& output, bool namesNeighbours,
@@ -38,17 +48,26 @@ class SharedLineRun {
           m_report(report),
           m_team(options.threads) {}
 
+    void run();
+    bool isStopped() const { return m_stopped; }
+
+  private:
+    static constexpr std::size_t kLinesInChunk = 128;
+
     void createSchema();
     void read();
     void findLines();
     void writeLines();
-
-  private:
+    void write();
     void take(const std::shared_ptr<const JWFeature>& feature, GeometryCheck check);
     bool keepOn() { return JWReport::progress(m_report.readA + m_linesDone, m_total); }
+    /// Ends the run because the progress callback asked to; on any thread.
     [[noreturn]] void stop();
     Neighbours besideOf(std::size_t line) const;
-    PendingResult makeResult(std::size_t line, const Neighbours& beside) const;
+    bool takeLines(LineChunk& chunk);
+    void makeResults(LineChunk& chunk) const;
+    PendingResult makeResult(std::size_t line) const;
+    void writeLine(LineChunk& chunk, std::size_t i);
 
     FeatureInput& m_input;
     FeatureOutput& m_output;
@@ -59,11 +78,13 @@ class SharedLineRun {
     ResultSchema m_schema;
     std::int64_t m_total = 0;
     std::int64_t m_linesDone = 0;
+    std::atomic<bool> m_stopped{false};
 
     std::vector<std::shared_ptr<const JWFeature>> m_polygons;
     RingViews m_rings;
     std::vector<int> m_owners;
     SharedLines m_lines;
+    std::size_t m_next = 0;  ///< line to be taken
 };
 
 void SharedLineRun::createSchema() {
@@ -79,7 +100,7 @@ void SharedLineRun::createSchema() {
 }
 
 void SharedLineRun::stop() {
-    m_report.cancelled = true;
+    m_stopped = true;
     JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
     throw LayerFailure();
 }
@@ -95,7 +116,8 @@ void SharedLineRun::read() {
     const auto finish = [this](Chunk& chunk, std::size_t i) {
         take(chunk.feature(i), chunk.slots[i]);
     };
-    OrderedWalk<GeometryCheck> walk(m_team, m_input, {check, finish, [this] { return keepOn(); }});
+    OrderedWalk<GeometryCheck> walk(m_team, m_input,
+                                    {check, finish, [this] { return keepOn(); }, {}, 128});
     const Blocks blocks(count, m_options.blockSize);
     for (std::int64_t i = 0; i < blocks.number(); ++i)
         if (!walk.run(blocks.first(i) - 1, blocks.size())) stop();
@@ -116,6 +138,9 @@ void SharedLineRun::take(const std::shared_ptr<const JWFeature>& feature, Geomet
 }
 
 void SharedLineRun::findLines() {
+    const Pulse pulse([this] {
+        if (!keepOn()) stop();
+    });
     try {
         m_lines = findSharedLines(m_rings, m_owners, m_options.tolerance, m_options.threads);
     } catch (const std::bad_alloc&) {
@@ -133,8 +158,23 @@ Neighbours SharedLineRun::besideOf(std::size_t line) const {
     return {left.size() == 0 ? -1 : left[0], right.size() == 0 ? -1 : right[0]};
 }
 
-PendingResult SharedLineRun::makeResult(std::size_t line, const Neighbours& beside) const {
+/// The next lines that are wanted.
+bool SharedLineRun::takeLines(LineChunk& chunk) {
+    for (; m_next < m_lines.lines.count() && chunk.size() < kLinesInChunk; ++m_next)
+        if (!m_options.dropOuterBoundary || besideOf(m_next).areTwo())
+            chunk.lines.push_back(m_next);
+    return chunk.size() > 0;
+}
+
+void SharedLineRun::makeResults(LineChunk& chunk) const {
+    for (const std::size_t line : chunk.lines) chunk.results.push_back(makeResult(line));
+    if (m_team.size() == 1) return;
+    for (PendingResult& result : chunk.results) result.record = m_output.prepare(*result.feature);
+}
+
+PendingResult SharedLineRun::makeResult(std::size_t line) const {
     const ListView<JWRawPoint> points = m_lines.lines[line];
+    const Neighbours beside = besideOf(line);
     const auto fid = [&](int polygon) {
         return polygon < 0 ? std::int64_t{-1}
                            : m_polygons[static_cast<std::size_t>(polygon)]->getFID64();
@@ -152,40 +192,52 @@ PendingResult SharedLineRun::makeResult(std::size_t line, const Neighbours& besi
     return result;
 }
 
+void SharedLineRun::writeLine(LineChunk& chunk, std::size_t i) {
+    const auto first = static_cast<std::size_t>(besideOf(chunk.lines[i]).first());
+    writeResult(m_output, chunk.results[i], m_input, m_polygons[first]->getFID64(), m_report);
+    m_linesDone = static_cast<std::int64_t>(chunk.lines[i]) + 1;
+}
+
 void SharedLineRun::writeLines() {
-    constexpr std::size_t often = 256;
-    m_total = m_report.readA + static_cast<std::int64_t>(m_lines.lines.count());
-    for (std::size_t line = 0; line < m_lines.lines.count(); ++line) {
-        const Neighbours beside = besideOf(line);
-        if (m_options.dropOuterBoundary && !beside.areTwo()) continue;
-        PendingResult result = makeResult(line, beside);
-        const auto first = static_cast<std::size_t>(beside.first());
-        writeResult(m_output, result, m_input, m_polygons[first]->getFID64(), m_report);
-        m_linesDone = static_cast<std::int64_t>(line);
-        if (line % often == 0 && !keepOn()) stop();
+    const std::size_t count = m_lines.lines.count();
+    m_total = m_report.readA + static_cast<std::int64_t>(count);
+    const auto sizeOf = [](const LineChunk& chunk) {
+        std::size_t bytes = 0;
+        for (const PendingResult& result : chunk.results) bytes += result.feature->memorySize();
+        return bytes;
+    };
+    OrderedWork<LineChunk> work(m_team,
+                                {[this](LineChunk& chunk) { return takeLines(chunk); },
+                                 [this](LineChunk& chunk) { makeResults(chunk); },
+                                 [this](LineChunk& chunk, std::size_t i) { writeLine(chunk, i); },
+                                 [this] { return keepOn(); },
+                                 {},
+                                 {},
+                                 sizeOf});
+    if (!work.run((count + kLinesInChunk - 1) / kLinesInChunk)) stop();
+}
+
+void SharedLineRun::write() {
+    m_output.begin();
+    try {
+        writeLines();
+        m_output.commit();
+    } catch (...) {
+        m_output.rollback();
+        m_report.written = 0;
+        throw;
     }
 }
 
-std::int64_t convert(FeatureInput& input, FeatureOutput& output, bool namesNeighbours,
-                     const JWConvertOptions& options, JWLayerReport& report) {
-    SharedLineRun run(input, output, namesNeighbours, options, report);
+void SharedLineRun::run() {
     const Clock::time_point start = Clock::now();
-    run.read();
-    run.findLines();
-    run.createSchema();
+    read();
+    findLines();
+    createSchema();
     const Clock::time_point found = Clock::now();
-    output.begin();
-    try {
-        run.writeLines();
-        output.commit();
-    } catch (...) {
-        output.rollback();
-        report.written = 0;
-        throw;
-    }
-    report.secondsIndex = std::chrono::duration<double>(found - start).count();
-    report.secondsOverlay = std::chrono::duration<double>(Clock::now() - found).count();
-    return report.written;
+    write();
+    m_report.secondsIndex = std::chrono::duration<double>(found - start).count();
+    m_report.secondsOverlay = std::chrono::duration<double>(Clock::now() - found).count();
 }
 
 }  // namespace
@@ -195,7 +247,14 @@ int convertToSharedLines(const char* function, JWFeatureLayer* in, JWFeatureLaye
                          JWLayerReport* report) {
     return convertLayers(function, in, out, report,
                          [&](FeatureInput& input, FeatureOutput& output, JWLayerReport& account) {
-                             return convert(input, output, namesNeighbours, options, account);
+                             SharedLineRun run(input, output, namesNeighbours, options, account);
+                             try {
+                                 run.run();
+                             } catch (...) {
+                                 account.cancelled = run.isStopped();
+                                 throw;
+                             }
+                             return account.written;
                          });
 }
 

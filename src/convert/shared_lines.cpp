@@ -18,6 +18,8 @@
 #include "convert/boundary_vertices.h"
 #include "convert/number_table.h"
 #include "foundation/orientation.h"
+#include "foundation/parallel.h"
+#include "foundation/pulse.h"
 
 namespace jws::detail {
 namespace {
@@ -78,7 +80,9 @@ class LineMaker {
           m_loops(rings.ringCount()) {}
 
     void makeLines() {
+        StepCounter steps;
         for (std::size_t r = 0; r < m_rings.ringCount(); ++r) {
+            steps.step(static_cast<std::size_t>(m_rings.end(r) - m_rings.begin(r)));
             const int* begin = m_rings.begin(r);
             const int* end = m_rings.end(r);
             const int* node = std::find_if(begin, end, [&](int v) { return m_isNode[at(v)] != 0; });
@@ -177,50 +181,65 @@ class LineMaker {
 
 /// A ring's run along a line: which polygon it bounds, and whether that lies on the line's left.
 struct Side {
-    int line;
-    int place;  ///< in the order of the rings
     int owner;
     bool isLeft;
 };
 
-std::vector<Side> sidesOf(const RingViews& rings, const std::vector<int>& owners,
-                          const SharedLines& result) {
-    std::vector<Side> sides;
-    sides.reserve(result.rings.members.size());
-    for (std::size_t r = 0; r < rings.size(); ++r) {
-        if (result.rings[r].size() == 0) continue;
-        const bool interiorLeft = runsCounterClockwise(rings[r]) == (rings[r].hole == 0);
+/// For each ring whether its polygon lies on its left.
+std::vector<char> findInteriors(const RingViews& rings, const SharedLines& result,
+                                const Team& team) {
+    constexpr std::int64_t chunk = 256;
+    std::vector<char> isLeft(rings.size(), 0);
+    const auto find = [&](std::int64_t begin, std::int64_t end) {
+        for (auto r = static_cast<std::size_t>(begin); r < static_cast<std::size_t>(end); ++r) {
+            if (result.rings[r].size() == 0) continue;
+            isLeft[r] = runsCounterClockwise(rings[r]) == (rings[r].hole == 0) ? 1 : 0;
+        }
+        Pulse::tick();
+        return true;
+    };
+    parallelChunks(team, static_cast<std::int64_t>(rings.size()), chunk, find);
+    return isLeft;
+}
+
+/// The runs along each line, in the order of the rings.
+ListOfLists<Side> findRuns(const RingViews& rings, const std::vector<int>& owners,
+                           const SharedLines& result, const Team& team) {
+    const std::vector<char> isLeft = findInteriors(rings, result, team);
+    ListOfLists<Side> runs;
+    std::vector<std::size_t> next(result.lines.count() + 1, 0);
+    for (const LineStep& step : result.rings.members) ++next[at(step.line) + 1];
+    for (std::size_t i = 1; i < next.size(); ++i) next[i] += next[i - 1];
+    runs.ends.assign(next.begin() + 1, next.end());
+    runs.members.resize(result.rings.members.size());
+    for (std::size_t r = 0; r < rings.size(); ++r)
         for (const LineStep& step : result.rings[r])
-            sides.push_back({step.line, static_cast<int>(sides.size()), owners[r],
-                             interiorLeft == step.forward});
-    }
-    std::sort(sides.begin(), sides.end(), [](const Side& a, const Side& b) {
-        return a.line != b.line ? a.line < b.line : a.place < b.place;
-    });
-    return sides;
+            runs.members[next[at(step.line)]++] = {owners[r], (isLeft[r] != 0) == step.forward};
+    return runs;
 }
 
 /// Names the polygons beside each line. A polygon that runs along it to and fro stands on the side
 /// that prevails; where neither does, on both, but only if there is nobody else.
-void findSides(const RingViews& rings, const std::vector<int>& owners, SharedLines& result) {
-    const std::vector<Side> sides = sidesOf(rings, owners, result);
-    auto side = sides.begin();
+void findSides(const RingViews& rings, const std::vector<int>& owners, const Team& team,
+               SharedLines& result) {
+    const ListOfLists<Side> runs = findRuns(rings, owners, result, team);
+    StepCounter steps;
     for (std::size_t line = 0; line < result.lines.count(); ++line) {
-        const auto first = side;
-        while (side != sides.end() && side->line == static_cast<int>(line)) ++side;
+        const ListView<Side> along = runs[line];
+        steps.step(along.size());
         const std::size_t left = result.left.members.size(), right = result.right.members.size();
-        for (auto own = first; own != side; ++own) {
-            const auto isSame = [&](const Side& other) { return other.owner == own->owner; };
-            if (std::find_if(first, own, isSame) != own) continue;
+        for (const Side& own : along) {
+            const auto isSame = [&](const Side& other) { return other.owner == own.owner; };
+            if (std::find_if(along.begin(), along.end(), isSame) != &own) continue;
             int balance = 0;
-            for (auto other = own; other != side; ++other)
-                if (isSame(*other)) balance += other->isLeft ? 1 : -1;
-            if (balance > 0) result.left.members.push_back(own->owner);
-            if (balance < 0) result.right.members.push_back(own->owner);
+            for (const Side& other : along)
+                if (isSame(other)) balance += other.isLeft ? 1 : -1;
+            if (balance > 0) result.left.members.push_back(own.owner);
+            if (balance < 0) result.right.members.push_back(own.owner);
         }
         if (result.left.members.size() == left && result.right.members.size() == right) {
-            result.left.members.push_back(first->owner);
-            result.right.members.push_back(first->owner);
+            result.left.members.push_back(along[0].owner);
+            result.right.members.push_back(along[0].owner);
         }
         result.left.endList();
         result.right.endList();
@@ -232,9 +251,10 @@ void findSides(const RingViews& rings, const std::vector<int>& owners, SharedLin
 SharedLines findSharedLines(const RingViews& rings, const std::vector<int>& owners,
                             double tolerance, int threads) {
     SharedLines result;
-    const BoundaryVertices vertices = findBoundaryVertices(rings, tolerance, threads);
+    const Team team(threads);
+    const BoundaryVertices vertices = findBoundaryVertices(rings, tolerance, team);
     LineMaker(vertices, result).makeLines();
-    findSides(rings, owners, result);
+    findSides(rings, owners, team, result);
     return result;
 }
 

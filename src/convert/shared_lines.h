@@ -78,7 +78,8 @@ struct SharedLines {
 ///     of the coordinates mean exact.
 /// \param threads    of the team that shares the search out; the result is the same for any
 ///
-/// Throws std::length_error for more points than an `int` counts, std::bad_alloc. Cost: O(n log n).
+/// Throws std::length_error for more points than an `int` counts, std::bad_alloc, and what a pulse
+/// throws. Cost: O(n log n).
 SharedLines findSharedLines(const RingViews& rings, const std::vector<int>& owners,
                             double tolerance, int threads = 1);
 

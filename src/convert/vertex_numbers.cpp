@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "convert/number_table.h"
+#include "foundation/pulse.h"
 #include "foundation/segment_math.h"
 
 namespace jws::detail {
@@ -99,8 +100,10 @@ class NearNumbers {
 
 template <class Numbers>
 void numberRings(const RingViews& rings, Numbers&& numbers, BoundaryVertices& result) {
+    StepCounter steps;
     for (const RingView& ring : rings) {
         const std::size_t first = result.vertices.size();
+        steps.step(static_cast<std::size_t>(std::max(ring.count, 0)));
         if (isFinite(ring)) {
             for (int i = 0; i < ring.count; ++i) {
                 const int number = numbers.numberOf(ring.points[i]);
