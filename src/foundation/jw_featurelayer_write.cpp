@@ -228,8 +228,8 @@ bool JWFeatureLayer::Impl::createFeature(const JWFeature& feature, bool keepFID,
     }
     if (keepFID && number >= 0) record.SetFID(number);
     const OGRErr code = layer.CreateFeature(&record);
-    const bool numbered = source->isDatabase() || source->isMemory();
-    if (code == OGRERR_NONE && keepFID && number >= 0 && numbered && record.GetFID() != number) {
+    const bool isNumbered = source->isDatabase() || source->isMemory();
+    if (code == OGRERR_NONE && keepFID && number >= 0 && isNumbered && record.GetFID() != number) {
         if (layer.DeleteFeature(record.GetFID()) == OGRERR_NONE) {
             return refuse(JWErrorFeatureRejected, "the identifier is taken");
         }

@@ -41,6 +41,11 @@ bool hasRoomForCopy(GDALDataset& dataset, const std::string& path) {
     return room < 0 || room > needed;  // below 0 where the file system does not tell
 }
 
+bool isDatabaseDriver(const std::string& name) {
+    static const char* const names[] = {"GPKG", "SQLite", "PostgreSQL", "MySQL", "MSSQLSpatial"};
+    return isOneOf(name, names);
+}
+
 }  // namespace
 
 using detail::GdalErrors;
@@ -49,17 +54,14 @@ JWSourceHandle::JWSourceHandle(GDALDataset* dataset, std::string name, bool upda
     : m_dataset(dataset),
       m_name(std::move(name)),
       m_driver(dataset->GetDriverName()),
+      m_isDatabase(isDatabaseDriver(m_driver)),
+      m_isMemory(m_driver == "Memory"),
       m_update(update),
       m_created(created),
       m_transactions(dataset->TestCapability(ODsCTransactions) != 0) {}
 
 JWSourceHandle::~JWSourceHandle() {
     detail::guarded("JWSourceHandle", false, [this] { return close(); });
-}
-
-bool JWSourceHandle::isDatabase() const {
-    static const char* const names[] = {"GPKG", "SQLite", "PostgreSQL", "MySQL", "MSSQLSpatial"};
-    return isOneOf(m_driver, names);
 }
 
 const void*& JWSourceHandle::cursorOwner(const OGRLayer& layer) {
@@ -169,8 +171,12 @@ bool JWSourceHandle::beforeWrite() {
 }
 
 void JWSourceHandle::afterWrite(OGRLayer& layer, std::int64_t fid) {
-    ++state(layer).changes;
-    if (m_created) ++m_written[layer.GetName()];
+    LayerState& layers = state(layer);
+    ++layers.changes;
+    if (m_created) {
+        ++layers.written;
+        ++m_written;
+    }
     if (m_depth > 0 && !m_transactions) m_undo.emplace_back(&layer, fid);
 }
 
@@ -179,8 +185,8 @@ bool JWSourceHandle::isWriteOnly(OGRLayer& layer) const {
 }
 
 std::int64_t JWSourceHandle::writtenTo(OGRLayer& layer) const {
-    const auto found = m_written.find(layer.GetName());
-    return found == m_written.end() ? 0 : found->second;
+    const auto found = m_states.find(&layer);
+    return found == m_states.end() ? 0 : found->second.written;
 }
 
 bool JWSourceHandle::flush() {
@@ -212,9 +218,7 @@ bool JWSourceHandle::close() {
     m_dataset = nullptr;
     if (!complete) return false;
     if (errors.failed()) return fail(errors, "data could not be written when closing");
-    std::int64_t written = 0;
-    for (const auto& layer : m_written) written += layer.second;
-    if (written == 0 || isMemory()) return true;
+    if (m_written == 0 || isMemory()) return true;
     const std::string damage = detail::damageOfWrittenFile(m_name, m_driver);
     if (damage.empty()) return true;
     errors.clear();

@@ -43,6 +43,7 @@ struct JWSourceHandle {
         const void* cursorOwner = nullptr;
         std::uint64_t changes = 0;
         std::int64_t offered = 0;  ///< features that the program wanted written
+        std::int64_t written = 0;  ///< of these, to a source created here
         /// That of a layer created here: its coordinates are in it, even if the format does not
         /// tell it before the file is closed, or not at all, or converts them to another one.
         std::optional<JWSpatialReference> reference;
@@ -53,10 +54,10 @@ struct JWSourceHandle {
     const std::string& driver() const { return m_driver; }
     bool isDriver(const char* name) const { return m_driver == name; }
     /// Drivers that hand filters and statements on to a database.
-    bool isDatabase() const;
+    bool isDatabase() const { return m_isDatabase; }
     /// Drivers that hand out what a rectangle filter lets pass in the order of their spatial index.
     bool ordersByIndex() const { return isDatabase() || isDriver("OpenFileGDB"); }
-    bool isMemory() const { return isDriver("Memory"); }
+    bool isMemory() const { return m_isMemory; }
     bool isUpdate() const { return m_update; }
     bool isCreated() const { return m_created; }
 
@@ -101,13 +102,15 @@ struct JWSourceHandle {
     GDALDataset* m_dataset;
     std::string m_name;
     std::string m_driver;
+    bool m_isDatabase;
+    bool m_isMemory;
     bool m_update;
     bool m_created;
     bool m_transactions;
     bool m_implicit = false;
     int m_depth = 0;
     std::map<const void*, LayerState> m_states;
-    std::map<std::string, std::int64_t> m_written;
+    std::int64_t m_written = 0;  ///< to all layers of a created source
     std::vector<std::pair<OGRLayer*, std::int64_t>> m_undo;
 };
 
