@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "boolean/edge_pairs.h"
 #include "boolean/ring_set.h"
 
 namespace jws::detail {
@@ -16,6 +17,8 @@ struct PlainArea {
     bool plain = false;
     /// Bit i, when plain: ring i runs so that the area, read by the even-odd rule, is on its left.
     std::uint32_t interiorLeft = 0;
+    /// Bit i, when plain: ring i lies within an odd number of the others, as holes do.
+    std::uint32_t holes = 0;
 };
 
 /// Finds out, without rounding, whether the rings of an area are plain. Keeps its working memory
@@ -28,36 +31,22 @@ class PlainAreaTest {
     PlainArea test(const RingViews& rings);
 
   private:
-    struct Box {
-        double minX, minY, maxX, maxY;
-    };
-    /// Neighbouring edges that all go one way along an axis, so that they cannot meet one another.
-    struct Run {
-        int first;
-        int end;
-        Box box;
-    };
     struct Ring {
         int first;  ///< of its points, which are distinct from their neighbours and closed
         int edges;
-        Box box;
+        EdgeBox box;
     };
 
     bool takeRing(const RingView& ring);
     bool isSimple(const Ring& ring);
-    bool hasShortRunsOnly(const Ring& ring);
-    bool runsMeet(const Ring& ring, const Run& a, const Run& b);
     bool edgesMeet(const Ring& ring, int i, int j) const;
     bool ringsMeet(const Ring& a, const Ring& b);
-    void collect(int first, int end, const Box& window, std::vector<int>& edges) const;
     bool isOutside(const Ring& outer, const JWRawPoint& p);
     bool isCounterClockwise(const Ring& ring);
-    static bool overlap(const Box& a, const Box& b);
-    static Box common(const Box& a, const Box& b);
 
     std::vector<JWRawPoint> m_points;
     std::vector<Ring> m_rings;
-    std::vector<Run> m_runs;
+    EdgePairs m_pairs;
     std::vector<int> m_edgesA;
     std::vector<int> m_edgesB;
     bool m_doubt = false;  ///< an orientation that must be left or right was neither

@@ -94,6 +94,9 @@ class RingSet {
         emptyKept(holes_);
     }
     void addPoint(const JWRawPoint& p) { points_.push_back(p); }
+    void addPoints(const JWRawPoint* first, int count) {
+        points_.insert(points_.end(), first, first + count);
+    }
     /// Ends the ring of the points added since the last one.
     void endRing(int hole) {
         ends_.push_back(points_.size());

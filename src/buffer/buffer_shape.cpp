@@ -41,7 +41,7 @@ void writeCircle(const JWRawPoint& center, double radius, const ArcStyle& arcs,
 }  // namespace
 
 ArcStyle::ArcStyle(double circle, int corners, double step)
-    : circleStep(circle), capCorners(corners), capStep(step) {
+    : circleStep(circle), capCorners(corners), capStep(step), capTangent(std::tan(0.5 * step)) {
     for (int k = 0; k <= corners; ++k) capTurns[k] = {std::cos(k * step), std::sin(k * step)};
 }
 
@@ -64,14 +64,17 @@ double Capsule::Cap::startAngle() const {
     return isAtEnd ? capsule.leftAngle : capsule.leftAngle - 2 * kHalfPi;
 }
 
-JWRawPoint Capsule::Cap::corner(int k) const {
-    const JWRawPoint& c = center();
-    const double r = capsule.radius;
+JWRawPoint Capsule::Cap::unit(int k) const {
     const JWRawPoint n = normal();
-    if (k == 0) return {c.x + r * n.x, c.y + r * n.y};
-    if (k > capsule.arcs.capCorners) return {c.x - r * n.x, c.y - r * n.y};
+    if (k == 0) return n;
+    if (k > capsule.arcs.capCorners) return {-n.x, -n.y};
     const JWRawPoint& turn = capsule.arcs.capTurns[k];
-    return {c.x + r * (n.x * turn.x + n.y * turn.y), c.y + r * (n.y * turn.x - n.x * turn.y)};
+    return {n.x * turn.x + n.y * turn.y, n.y * turn.x - n.x * turn.y};
+}
+
+JWRawPoint Capsule::Cap::corner(int k) const {
+    const JWRawPoint &c = center(), u = unit(k);
+    return {c.x + capsule.radius * u.x, c.y + capsule.radius * u.y};
 }
 
 void writeCorners(const Shape& piece, double distance, const ArcStyle& arcs, JWRawPoint* corners) {

@@ -20,6 +20,7 @@ struct ArcStyle {
     double circleStep;  ///< radians; 0 for k × 10 degrees converted one by one
     int capCorners;     ///< of a half circle, its ends not counted
     double capStep;     ///< radians
+    double capTangent;  ///< of half a step
     /// Unit vectors at the angles k × `capStep`, by which the sides' normals are turned to the
     /// corners of half circles.
     JWRawPoint capTurns[kMostCapCorners + 1];
@@ -78,6 +79,8 @@ struct Capsule {
         JWRawPoint normal() const;
         /// The angle of corner 0.
         double startAngle() const;
+        /// The unit vector to corner k.
+        JWRawPoint unit(int k) const;
         /// Corner 0 ends one side, corner `capCorners` + 1 begins the other.
         JWRawPoint corner(int k) const;
     };

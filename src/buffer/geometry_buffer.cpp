@@ -132,7 +132,7 @@ Outline faceOf(const JWPolygon& polygon, const BufferPlan& plan) {
         if (r > 0 && ring.getPointCount() <= 3) continue;
         const RingSide side = r == 0 ? RingSide::Outer : RingSide::Inner;
         const Shapes pieces = piecesOf(ring, plan);
-        if (growRing(ring, pieces, side, face)) continue;
+        if (growRing(pieces, side, face)) continue;
         addBandRings(ring, side, unitedPieces(pieces, plan.team), face);
     }
     return face;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "foundation/segment_math.h"
 
@@ -33,29 +34,6 @@ double turnBetween(const Capsule::Cap& in, const Capsule::Cap& out) {
     return once > 0.75 * kFullTurn ? 0 : once;
 }
 
-/// Goes along a half circle, corner by corner.
-class ArcWalk {
-  public:
-    /// `place`: how far the half circle begins behind the start of the turn, in radians.
-    ArcWalk(const Capsule::Cap& cap, double place)
-        : m_cap(cap), m_end(cap.capsule.arcs.capCorners + 1), m_start(place) {}
-
-    /// The place of the corner that comes next.
-    double place() const {
-        return m_start + (m_next < m_end ? m_next * m_cap.capsule.arcs.capStep : 0.5 * kFullTurn);
-    }
-    bool isAtEnd() const { return m_next == m_end; }
-    JWRawPoint last() const { return m_cap.corner(m_next - 1); }
-    JWRawPoint next() const { return m_cap.corner(m_next); }
-    void pass() { ++m_next; }
-
-  private:
-    const Capsule::Cap& m_cap;
-    int m_end;
-    double m_start;
-    int m_next = 1;
-};
-
 }  // namespace
 
 bool isLongForLoop(const Shape& piece, double distance) {
@@ -69,53 +47,56 @@ void OffsetLoop::take(const Shape* pieces, std::size_t count, double distance,
     emptyKept(m_capsules);
     m_capsules.reserve(count);
     for (std::size_t i = 0; i < count; ++i) m_capsules.emplace_back(pieces[i], distance, arcs);
-    emptyKept(m_ring);
 }
 
 void OffsetLoop::add(const JWRawPoint& p) {
     if (m_ring.empty() || m_ring.back() != p) m_ring.push_back(p);
 }
 
-void OffsetLoop::endRing(RingSet& rings) {
+RingView OffsetLoop::ring() {
     while (m_ring.size() > 1 && m_ring.back() == m_ring.front()) m_ring.pop_back();
-    for (const JWRawPoint& p : m_ring) rings.addPoint(p);
-    rings.endRing(0);
-    m_ring.clear();
+    return {m_ring.data(), static_cast<int>(m_ring.size()), 0};
 }
 
 void OffsetLoop::addCap(const Cap& cap) {
     for (int k = 0; k <= cap.capsule.arcs.capCorners + 1; ++k) add(cap.corner(k));
 }
 
-/// The corners of both half circles in their order around the turn, a crossing wherever the other
-/// one becomes the outer one.
+/// The corners of both half circles take turns, with a crossing between any two. All steps being
+/// equal but for the last one, the crossing of two edges lies in the direction of the sum of the
+/// unit vectors to the corners beside it, always by the same share of it.
 void OffsetLoop::addArc(const Cap& in, const Cap& out, double turn) {
-    ArcWalk a(in, 0), b(out, turn - 0.5 * kFullTurn);
-    const auto addCrossing = [&] { add(crossing(a.last(), a.next(), b.last(), b.next())); };
-    while (b.place() < -kSameCorner) b.pass();
-    enum { OnA, OnB, OnBoth } on = OnA;
-    if (!b.isAtEnd() && b.place() < kSameCorner) {
-        on = OnBoth;
-        b.pass();
+    const ArcStyle& arcs = in.capsule.arcs;
+    const int last = arcs.capCorners + 1;
+    const double lead = 0.5 * kFullTurn - turn;  // by which the second half circle begins earlier
+    int k = std::clamp(static_cast<int>(std::ceil(lead / arcs.capStep)), 0, last);
+    const double first = k < last ? k * arcs.capStep - lead : turn;
+    add(in.corner(0));
+    if (first < kSameCorner || first > arcs.capStep - kSameCorner) {
+        if (first < kSameCorner) ++k;
+        for (; k <= last; ++k) add(out.corner(k));
+        return;
     }
-    add(a.last());
-    for (;;) {
-        const double ahead = a.place() - b.place();
-        const bool same = std::fabs(ahead) <= kSameCorner;
-        if (ahead < 0 && !same) {
-            if (on == OnB) addCrossing();
-            add(a.next());
-            a.pass();
-            on = OnA;
-            continue;
+    const JWRawPoint center = in.center();
+    const double radius = in.capsule.radius;
+    JWRawPoint a = in.unit(0), b = out.unit(k);
+    const double share = radius / (1 + dot(a, b) + std::fabs(cross(a, b)) * arcs.capTangent);
+    const auto addBetween = [&] { add(pointAlong(center, {a.x + b.x, a.y + b.y}, share)); };
+    int i = 0;
+    for (; k < last; ++i, ++k) {
+        b = out.unit(k);
+        addBetween();
+        add(pointAlong(center, b, radius));
+        a = in.unit(i + 1);
+        if (k + 1 < last) {
+            addBetween();
+        } else {
+            add(crossing(out.corner(k), out.corner(last), in.corner(i), in.corner(i + 1)));
         }
-        if (on == OnA && !same) addCrossing();
-        add(b.next());
-        if (b.isAtEnd()) return;
-        b.pass();
-        if (same) a.pass();
-        on = same ? OnBoth : OnB;
+        add(pointAlong(center, a, radius));
     }
+    add(crossing(in.corner(i), in.corner(i + 1), out.corner(last - 1), out.corner(last)));
+    add(out.corner(last));
 }
 
 /// Where the line turns towards the side: the crossing of the sides, or the way by the corner.
@@ -140,17 +121,13 @@ void OffsetLoop::addNotch(const Cap& in, const Cap& out, Cut cut) {
 }
 
 void OffsetLoop::addCorner(const Cap& in, const Cap& out, Cut cut) {
-    const JWRawPoint a = in.normal();
-    const JWRawPoint b = {-out.normal().x, -out.normal().y};
-    const double side = cross(a, b);
-    // A line that turns right back has its arc on the left side.
-    const bool isOuter = side < 0 || (side == 0 && dot(a, b) < 0 && in.isAtEnd);
-    const double turn = isOuter ? turnBetween(in, out) : 0;
+    const double turn = isOuter(in, out) ? turnBetween(in, out) : 0;
     if (turn > kSameCorner) return addArc(in, out, turn);
     addNotch(in, out, cut);
 }
 
-void OffsetLoop::addAround(RingSet& rings) {
+RingView OffsetLoop::around() {
+    emptyKept(m_ring);
     const std::size_t n = m_capsules.size();
     for (std::size_t i = 0; i + 1 < n; ++i) {
         addCorner(m_capsules[i].capAtEnd(), m_capsules[i + 1].capAtStart(), Cut::Anywhere);
@@ -160,22 +137,37 @@ void OffsetLoop::addAround(RingSet& rings) {
         addCorner(m_capsules[i].capAtStart(), m_capsules[i - 1].capAtEnd(), Cut::Anywhere);
     }
     addCap(m_capsules.front().capAtStart());
-    endRing(rings);
+    return ring();
 }
 
-void OffsetLoop::addSide(bool left, RingSet& rings) {
+/// Whether the line turns away from the side between two capsules.
+bool OffsetLoop::isOuter(const Cap& in, const Cap& out) {
+    const JWRawPoint a = in.normal();
+    const JWRawPoint b = {-out.normal().x, -out.normal().y};
+    const double side = cross(a, b);
+    // A line that turns right back has its arc on the left side.
+    return side < 0 || (side == 0 && dot(a, b) < 0 && in.isAtEnd);
+}
+
+RingView OffsetLoop::side(bool left) {
+    emptyKept(m_ring);
     const std::size_t n = m_capsules.size();
-    for (std::size_t i = 0; i < n; ++i) {
+    const auto corner = [&](std::size_t i) -> std::pair<Cap, Cap> {
         const Capsule &here = m_capsules[left ? i : n - 1 - i],
                       &next = m_capsules[left ? (i + 1) % n : (2 * n - 2 - i) % n];
-        const Cut cut = i > 0 ? Cut::WithinStrips : Cut::Never;
-        if (left) {
-            addCorner(here.capAtEnd(), next.capAtStart(), cut);
-        } else {
-            addCorner(here.capAtStart(), next.capAtEnd(), cut);
-        }
+        if (left) return {here.capAtEnd(), next.capAtStart()};
+        return {here.capAtStart(), next.capAtEnd()};
+    };
+    bool isAnyOuter = false;
+    for (std::size_t i = 0; i < n && !isAnyOuter; ++i) {
+        const auto [in, out] = corner(i);
+        isAnyOuter = isOuter(in, out);
     }
-    endRing(rings);
+    for (std::size_t i = 0; i < n; ++i) {
+        const auto [in, out] = corner(i);
+        addCorner(in, out, isAnyOuter || i > 0 ? Cut::WithinStrips : Cut::Never);
+    }
+    return ring();
 }
 
 }  // namespace jws::detail

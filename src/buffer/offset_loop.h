@@ -12,12 +12,13 @@
 //
 // One side of a closed line counts the strips beside the segments, less what is cut off at the
 // corners. That stays positive as long as the pieces cut off over a place lie in both their strips
-// and do not go all the way around: one corner at least runs by the line, where a small ring would
-// turn inside out.
+// and do not go all the way around: where a small ring would turn inside out, since there is no
+// arc, one corner runs by the line.
 //
-// All of that holds for segments that are not much shorter than what an arc's edge spans: then each
-// half circle lies in the next capsule but for the arc that both have. Corners are those of the
-// capsules, bit for bit; crossings are rounded.
+// So the line never winds around anything that is not covered, nor against the clock. That it winds
+// around everything holds for segments that are not much shorter than what an arc's edge spans:
+// then each half circle lies in the next capsule but for the arc that both have. Corners are those
+// of the capsules, bit for bit; crossings are rounded.
 #ifndef JW_BUFFER_OFFSET_LOOP_H
 #define JW_BUFFER_OFFSET_LOOP_H
 
@@ -29,7 +30,7 @@
 
 namespace jws::detail {
 
-/// Whether a segment is long enough to have its capsule in a loop. All capsules of a loop must be.
+/// Whether a segment is long enough for a loop to stand for its capsule and its neighbours'.
 bool isLongForLoop(const Shape& piece, double distance);
 
 /// Makes loops. A value to keep for many of them; one thread at a time.
@@ -38,12 +39,12 @@ class OffsetLoop {
     /// Starts anew with the capsules of segments each of which begins where the last one ends.
     void take(const Shape* pieces, std::size_t count, double distance, const ArcStyle& arcs);
 
-    /// Appends a ring, clockwise, that winds at least once around what the capsules cover and not
-    /// around anything else.
-    void addAround(RingSet& rings);
-    /// Appends the left or the right side of a line that ends where it begins, the capsules on the
+    /// Gives a ring, clockwise, that winds at least once around what the capsules cover, where all
+    /// are long enough, and not around anything else. Rings are valid until the next call.
+    RingView around();
+    /// Gives the left or the right side of a line that ends where it begins, the capsules on the
     /// ring's right-hand side. `left` false goes against the line's direction.
-    void addSide(bool left, RingSet& rings);
+    RingView side(bool left);
 
   private:
     using Cap = Capsule::Cap;
@@ -53,10 +54,11 @@ class OffsetLoop {
     /// Where the two sides of a notch may be cut at their crossing: wherever they reach it, only
     /// where what that cuts off lies in both strips, or never.
     enum class Cut { Anywhere, WithinStrips, Never };
+    static bool isOuter(const Cap& in, const Cap& out);
     void addCorner(const Cap& in, const Cap& out, Cut cut);
     void addArc(const Cap& in, const Cap& out, double turn);
     void addNotch(const Cap& in, const Cap& out, Cut cut);
-    void endRing(RingSet& rings);
+    RingView ring();
 
     std::vector<Capsule> m_capsules;
     std::vector<JWRawPoint> m_ring;

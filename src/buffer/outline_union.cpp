@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "boolean/envelope_clusters.h"
-#include "boolean/plain_area.h"
+#include "buffer/loop_levels.h"
 #include "foundation/hilbert_order.h"
 
 namespace jws::detail {
@@ -16,14 +16,6 @@ namespace {
 Outline covered(const Outline& rings) {
     double overlap = 0;
     return outlineOf(uniteDirected(viewsOf(rings), overlap));
-}
-
-/// Whether there is one ring only, which runs clockwise and does not meet itself.
-bool isPlainRing(const Outline& rings) {
-    thread_local PlainAreaTest test;
-    if (rings.count() != 1 || rings.view(0).count < 3) return false;
-    const PlainArea known = test.test(viewsOf(rings));
-    return known.plain && known.interiorLeft == 0;
 }
 
 /// The one call of the engine that unites areas. Its interiors are on the left.
@@ -97,17 +89,26 @@ Outline outlineOf(const ClippedContours& contours) {
 
 /// The engine starts holes where they touch no other ring.
 void addRing(const RingView& ring, bool reversed, int hole, Outline& outline) {
-    for (int i = 0; i < ring.count; ++i) {
-        outline.addPoint(ring.points[reversed && i > 0 ? ring.count - i : i]);
+    if (reversed) {
+        for (int i = 0; i < ring.count; ++i) {
+            outline.addPoint(ring.points[i > 0 ? ring.count - i : 0]);
+        }
+    } else {
+        outline.addPoints(ring.points, ring.count);
     }
     outline.endRing(hole);
 }
 
-Outline uniteWinding(Outline loops) {
-    if (isPlainRing(loops)) return loops;
+void uniteWinding(const RingView& loop, const Outline& others, Outline& result) {
+    thread_local LoopLevels levels;
+    if (others.count() == 0 && levels.resolve(loop, result)) return;
     Outline turned;
-    for (int i = 0; i < loops.count(); ++i) addRing(loops.view(i), true, 0, turned);
-    return covered(turned);
+    addRing(loop, true, 0, turned);
+    for (int i = 0; i < others.count(); ++i) addRing(others.view(i), true, 0, turned);
+    const Outline united = covered(turned);
+    for (int i = 0; i < united.count(); ++i) {
+        addRing(united.view(i), false, united.view(i).hole, result);
+    }
 }
 
 RingViews viewsOf(const Outline& area) {
@@ -138,6 +139,7 @@ Outline uniteRingSets(const std::vector<RingViews>& sets, const Team& team) {
 }
 
 Outline uniteOutlines(std::vector<Outline> outlines, const Team& team) {
+    if (outlines.size() == 1) return std::move(outlines.front());
     std::vector<JWEnvelop> envelops;
     envelops.reserve(outlines.size());
     for (const Outline& area : outlines) envelops.push_back(envelopOf(area));

@@ -37,10 +37,10 @@ Outline outlineOf(const ClippedContours& contours);
 /// Appends a ring that may run the other way; its first point stays.
 void addRing(const RingView& ring, bool reversed, int hole, Outline& outline);
 
-/// What closed lines, which may lie across themselves and one another, wind around clockwise at
-/// least once. A single line that does not meet itself is handed on as it is. Only where
-/// `canUniteDirected`. Throws ClipFailure and std::bad_alloc.
-Outline uniteWinding(Outline loops);
+/// Appends what a closed line, which may cross itself, winds around clockwise at least once. A line
+/// that does not meet itself is handed on as it is. `others` are areas that count as well. Only
+/// where `canUniteDirected`. Throws ClipFailure and std::bad_alloc.
+void uniteWinding(const RingView& loop, const Outline& others, Outline& result);
 
 /// Unites outer rings that may lie across one another, all at once. Throws ClipFailure and
 /// std::bad_alloc.

@@ -197,10 +197,10 @@ class Grouping {
 
 Outline uniteLoop(const Shapes& pieces, const Group& group) {
     thread_local OffsetLoop loop;
-    Outline around;
     loop.take(&pieces.list[group.begin], group.end - group.begin, pieces.distance, pieces.arcs);
-    loop.addAround(around);
-    return uniteWinding(std::move(around));
+    Outline united;
+    uniteWinding(loop.around(), {}, united);
+    return united;
 }
 
 }  // namespace

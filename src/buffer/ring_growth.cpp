@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "boolean/packed_tree.h"
-#include "boolean/plain_area.h"
 #include "buffer/offset_loop.h"
+#include "foundation/orientation.h"
 #include "foundation/segment_math.h"
 
 namespace jws::detail {
@@ -16,7 +16,8 @@ namespace {
 // from its middle.
 constexpr double kThin = 0.01;
 constexpr double kHalfEdge = 0.131;
-constexpr int kFew = 48;  // segments compared without a tree
+constexpr std::size_t kMostBesides = 2;  // of so many shapes, one that goes whole
+constexpr int kFew = 48;                 // segments compared without a tree
 
 double distanceBetween(const Shape& a, const Shape& b) {
     return std::min({segmentDistance(a.from, b.from, b.to), segmentDistance(a.to, b.from, b.to),
@@ -28,7 +29,12 @@ JWEnvelop boxAround(const Shape& piece, double reach) {
             std::max(piece.from.x, piece.to.x) + reach, std::max(piece.from.y, piece.to.y) + reach};
 }
 
-/// The segments of a ring that does not meet itself.
+bool doCross(const Shape& a, const Shape& b) {
+    return orientationSign(a.from, a.to, b.from) * orientationSign(a.from, a.to, b.to) < 0 &&
+           orientationSign(b.from, b.to, a.from) * orientationSign(b.from, b.to, a.to) < 0;
+}
+
+/// The segments of a ring.
 class BoundaryWidth {
   public:
     BoundaryWidth(const std::vector<Shape>& pieces, double distance)
@@ -38,7 +44,8 @@ class BoundaryWidth {
         for (const Shape& piece : pieces) m_boxes.push_back(boxAround(piece, reach));
     }
 
-    /// Whether two segments come too close together, or neighbours fold back.
+    /// Whether two segments meet or come too close together, or neighbours fold back. A ring that
+    /// is not thin is simple.
     bool isThin() const {
         const int count = static_cast<int>(m_pieces.size());
         const PackedTree tree = count > kFew ? PackedTree(m_boxes, true) : PackedTree();
@@ -67,8 +74,8 @@ class BoundaryWidth {
     }
     bool isClose(int i, int j) const {
         const bool areNeighbours = i == 0 && at(j + 1) == m_pieces.size();
-        return !areNeighbours &&
-               distanceBetween(m_pieces[at(i)], m_pieces[at(j)]) < kThin * m_distance;
+        const Shape &a = m_pieces[at(i)], &b = m_pieces[at(j)];
+        return !areNeighbours && (distanceBetween(a, b) < kThin * m_distance || doCross(a, b));
     }
 
     const std::vector<Shape>& m_pieces;
@@ -76,17 +83,37 @@ class BoundaryWidth {
     std::vector<JWEnvelop> m_boxes;
 };
 
-/// What is known of the ring by itself; interior on its left or not.
-bool isPlain(const JWRing& ring, bool& interiorLeft) {
-    thread_local PlainAreaTest test;
-    const PlainArea known = test.test({viewOf(ring, 0)});
-    interiorLeft = known.interiorLeft != 0;
-    return known.plain;
+/// Of a simple ring: by the turn at its lowest corner.
+bool isInteriorLeft(const std::vector<Shape>& ring) {
+    const auto isLower = [](const Shape& a, const Shape& b) {
+        return a.from.y != b.from.y ? a.from.y < b.from.y : a.from.x < b.from.x;
+    };
+    const auto lowest = std::min_element(ring.begin(), ring.end(), isLower);
+    const Shape& before = lowest == ring.begin() ? ring.back() : *(lowest - 1);
+    return orientationSign(before.from, lowest->from, lowest->to) > 0;
 }
 
-bool hasLongSegments(const Shapes& run) {
-    return std::all_of(run.list.begin(), run.list.end(),
-                       [&](const Shape& piece) { return isLongForLoop(piece, run.distance); });
+/// Appends the shapes that no loop stands for, those of short segments and of their neighbours.
+/// False when there are more than `most` or a point among them.
+bool addShapesBeside(const Shapes& run, std::size_t most, Outline& shapes) {
+    const std::size_t n = run.list.size();
+    const auto isShort = [&](std::size_t i) {
+        return !isLongForLoop(run.list[i % n], run.distance);
+    };
+    JWRawPoint corners[2 * kMostCapCorners + 4];
+    bool before = isShort(n - 1), here = isShort(0);
+    for (std::size_t i = 0; i < n; ++i) {
+        const bool next = isShort(i + 1);
+        if (before || here || next) {
+            if (most-- == 0 || run.list[i].isCircle()) return false;
+            writeCorners(run.list[i], run.distance, run.arcs, corners);
+            shapes.addPoints(corners, run.arcs.capsuleCorners());
+            shapes.endRing(0);
+        }
+        before = here;
+        here = next;
+    }
+    return true;
 }
 
 bool isClosedRun(const std::vector<Shape>& list) {
@@ -95,27 +122,27 @@ bool isClosedRun(const std::vector<Shape>& list) {
 
 }  // namespace
 
-bool growRing(const JWRing& ring, const Shapes& run, RingSide side, Outline& result) {
-    bool interiorLeft = false;
-    if (!canUniteDirected || !isClosedRun(run.list) || !hasLongSegments(run) || !isAmple(run) ||
-        !isPlain(ring, interiorLeft) || BoundaryWidth(run.list, run.distance).isThin()) {
+bool growRing(const Shapes& run, RingSide side, Outline& result) {
+    if (!canUniteDirected || !isClosedRun(run.list) || !isAmple(run)) return false;
+    const bool outer = side == RingSide::Outer;
+    Outline others;
+    if (!addShapesBeside(run, outer ? run.list.size() / kMostBesides : 0, others) ||
+        BoundaryWidth(run.list, run.distance).isThin()) {
         return false;
     }
     thread_local OffsetLoop loop;
-    Outline sides;
     loop.take(run.list.data(), run.list.size(), run.distance, run.arcs);
-    const bool outer = side == RingSide::Outer;
-    loop.addSide(outer != interiorLeft, sides);
+    const RingView far = loop.side(outer != isInteriorLeft(run.list));
     if (outer) {
-        sides = uniteWinding(std::move(sides));
-    } else {
-        Outline turned;
-        addRing(sides.view(0), true, 0, turned);
-        sides = uniteWinding(std::move(turned));
+        uniteWinding(far, others, result);
+        return true;
     }
-    for (int i = 0; i < sides.count(); ++i) {
-        const RingView made = sides.view(i);
-        addRing(made, !outer, outer ? made.hole : 1 - made.hole, result);
+    Outline turned, left;
+    addRing(far, true, 0, turned);
+    uniteWinding(turned.view(0), {}, left);
+    for (int i = 0; i < left.count(); ++i) {
+        const RingView made = left.view(i);
+        addRing(made, true, 1 - made.hole, result);
     }
     return true;
 }

@@ -10,7 +10,8 @@
 // only the capsules' far sides hold of it: there is nothing of the kind where segments are not very
 // short and no two pieces of the boundary lie closer together, with their half circles' edges
 // bulging less than a true arc, than the arc's edge is deep. The same line on the other side winds
-// around what the band leaves of the interior.
+// around what the band leaves of the interior. Where few segments are very short, their capsules
+// and their neighbours' are united with what the line winds around.
 //
 // So neither the inner half of the band nor what is inside the ring is ever computed. Rings that
 // meet themselves, and those of which the above is not certain, are not treated so.
@@ -29,7 +30,7 @@ enum class RingSide {
 
 /// Appends to `result`, unless the ring is one of those that the band has to be computed of: false.
 /// `run` are the shapes along the ring, as one run. Throws ClipFailure and std::bad_alloc.
-bool growRing(const JWRing& ring, const Shapes& run, RingSide side, Outline& result);
+bool growRing(const Shapes& run, RingSide side, Outline& result);
 
 }  // namespace jws::detail
 

@@ -146,6 +146,87 @@ TEST(BufferUnion, TeamHolesThatFillUpAgainstGeos) {
     }
 }
 
+/// A spiral of segments of length `step`, `pitch` from turn to turn.
+Line spiral(int points, double step, double pitch) {
+    Line line;
+    double angle = 6;
+    for (int i = 0; i < points; ++i) {
+        const double radius = pitch * angle / (2 * M_PI);
+        line.emplace_back(radius * std::cos(angle), radius * std::sin(angle));
+        angle += step / radius;
+    }
+    return line;
+}
+
+/// Both sides of a line, so far apart: a long bent area with two ends.
+Line strip(const Line& middle, double width) {
+    Line left, right;
+    for (std::size_t i = 0; i + 1 < middle.size(); ++i) {
+        const JWRawPoint &a = middle[i], &b = middle[i + 1];
+        const double length = std::hypot(b.x - a.x, b.y - a.y);
+        const double x = (a.y - b.y) / length * width / 2, y = (b.x - a.x) / length * width / 2;
+        left.emplace_back(a.x + x, a.y + y);
+        right.emplace_back(a.x - x, a.y - y);
+    }
+    left.insert(left.end(), right.rbegin(), right.rend());
+    return left;
+}
+
+/// Has corners put into edges of a ring, some of them very close together.
+Line withShortEdges(const Line& ring, RandomRings& random, double length) {
+    Line result;
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+        const JWRawPoint &a = ring[i], &b = ring[(i + 1) % ring.size()];
+        result.push_back(a);
+        if (random.integer(0, 3) > 0) continue;
+        const double whole = std::hypot(b.x - a.x, b.y - a.y);
+        const double at = random.uniform(0, 0.5), next = at + length / whole;
+        const double bend = random.integer(0, 1) * 0.3 * length / whole;
+        result.emplace_back(a.x + at * (b.x - a.x), a.y + at * (b.y - a.y));
+        if (next > 0.9) continue;
+        result.emplace_back(a.x + next * (b.x - a.x) - bend * (b.y - a.y),
+                            a.y + next * (b.y - a.y) + bend * (b.x - a.x));
+    }
+    return result;
+}
+
+TEST(BufferUnion, TeamRingsThatCloseInAgainstGeos) {
+    // Necks and turns of a spiral nearly as far apart as the band reaches, just as far and farther;
+    // distances from far below the edges' lengths to far above the whole.
+    for (const double gap : {0.4, 1.9, 1.98, 2.0, 2.02, 2.6}) {
+        SCOPED_TRACE(testing::Message() << "gap " << gap);
+        const double w = gap / 2;
+        expectFace({{{-9, -6},
+                     {9, -6},
+                     {9, 6},
+                     {w, 6},
+                     {w + 0.1, 1},
+                     {5, -2},
+                     {-5, -2},
+                     {-w, 1},
+                     {-w, 6},
+                     {-9, 6}}},
+                   1);
+        for (const double step : {0.1, 0.4, 1.3}) {
+            const Line line = spiral(static_cast<int>(30 / step), step, 0.5 + gap);
+            expectFace({strip(line, 0.5)}, 1);
+            expectUnion(lineOf(line), geosUnion(piecesAlong(line, 1)).get(), 1);
+        }
+    }
+}
+
+TEST(BufferUnion, TeamRoughRingsAgainstGeos) {
+    RandomRings random(78);
+    for (int i = 0; i < 60; ++i) {
+        const double distance = std::pow(10, random.uniform(-2, 1.5));
+        SCOPED_TRACE(testing::Message() << i << ", distance " << distance);
+        const Line star = random.star(4 + i, {0, 0}, 10);
+        const Line rough = withShortEdges(star, random, distance * random.uniform(0.005, 0.4));
+        expectFace({rough}, distance);
+        expectFace({random.star(6, {0, 0}, 40), rough}, distance);
+    }
+}
+
 TEST(BufferUnion, TeamThinPolygonsAgainstGeos) {
     // Slits, blades, spikes and steps, from far thinner than an arc's edge is deep to wider than
     // the distance; as outer rings in either direction and as holes.
