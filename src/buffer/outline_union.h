@@ -3,10 +3,10 @@
 // The union of many areas that may lie anywhere.
 //
 // Areas whose rectangles do not meet those of others are left as they are. Of the others those are
-// united that lie close together, sixteen at a time, then the results, and so on: what is swallowed
-// by its neighbours is gone before anything farther off is looked at. So a tangle of shapes that
-// all overlap costs about as much as its parts, and never all pairs of edges. How areas are grouped
-// depends on them alone, never on the team, so that the result does not either.
+// united that lie close together, thirty-two at a time, then the results, and so on: what is
+// swallowed by its neighbours is gone before anything farther off is looked at. So a tangle of
+// shapes that all overlap costs about as much as its parts, and never all pairs of edges. How areas
+// are grouped depends on them alone, never on the team, so that the result does not either.
 #ifndef JW_BUFFER_OUTLINE_UNION_H
 #define JW_BUFFER_OUTLINE_UNION_H
 
@@ -23,7 +23,7 @@ namespace jws::detail {
 /// holes counter-clockwise), with flags. All functions here keep to that.
 using Outline = RingSet;
 
-constexpr int kOutlinesAtOnce = 16;  // united in one go
+constexpr int kOutlinesAtOnce = 32;  // united in one go
 
 /// The team, or just the caller for fewer tasks than it is worth to wake the others for.
 inline const Team& teamFor(std::size_t tasks, std::size_t fewest, const Team& team) {

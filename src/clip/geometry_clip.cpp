@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <utility>
 
 #include "clip/area_cut.h"
@@ -44,16 +45,14 @@ bool isWeird(const JWGeometry& geometry) {
     }
 }
 
-MarkedPieces<JWLineString> cutLine(const JWLineString& line, const Cutter& cutter,
-                                   const Team& team) {
-    MarkedPieces<JWLineString> pieces;
+void cutLine(const JWLineString& line, const Cutter& cutter, const Team& team,
+             MarkedPieces<JWLineString>& pieces) {
     cutter.split(line, AreaCut::EveryMeeting, team,
                  [&](std::vector<JWRawPoint>& points, bool inside) {
                      auto piece = std::make_unique<JWLineString>(std::move(points));
                      piece->updateEnvelop();
                      pieces.push_back({std::move(piece), inside ? 1u : 0u});
                  });
-    return pieces;
 }
 
 bool isLine(enumJWGeometryType type) {
@@ -99,22 +98,29 @@ const LineIndex& PreparedCutter::lines() {
 
 MarkedPieces<JWLineString> cutLines(const JWGeometry& lines, const Cutter& cutter,
                                     const Team& team) {
-    if (lines.getGeometryType() == JWGeometryLineString)
-        return cutLine(static_cast<const JWLineString&>(lines), cutter, team);
+    MarkedPieces<JWLineString> all;
+    if (lines.getGeometryType() == JWGeometryLineString) {
+        cutLine(static_cast<const JWLineString&>(lines), cutter, team, all);
+        return all;
+    }
     const auto& members = static_cast<const JWMultiLineString&>(lines).getMemberList();
-    std::vector<MarkedPieces<JWLineString>> ofMembers(members.size());
     const Team alone(1);
     const auto count = static_cast<std::int64_t>(members.size());
     const bool isFew = count < 4 * team.size();  // each is then cut by the whole team
     const std::int64_t chunk = std::clamp<std::int64_t>(count / (8 * team.size()), 1, 64);
+    std::vector<MarkedPieces<JWLineString>> ofChunks(
+        static_cast<std::size_t>((count + chunk - 1) / chunk));
     parallelChunks(isFew ? alone : team, count, chunk, [&](std::int64_t begin, std::int64_t end) {
+        MarkedPieces<JWLineString>& pieces = ofChunks[static_cast<std::size_t>(begin / chunk)];
         for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i)
-            ofMembers[i] = cutLine(members[i], cutter, isFew ? team : alone);
+            cutLine(members[i], cutter, isFew ? team : alone, pieces);
         return true;
     });
-    MarkedPieces<JWLineString> all;
-    for (MarkedPieces<JWLineString>& pieces : ofMembers)
-        for (MarkedPiece<JWLineString>& piece : pieces) all.push_back(std::move(piece));
+    std::size_t total = 0;
+    for (const MarkedPieces<JWLineString>& pieces : ofChunks) total += pieces.size();
+    all.reserve(total);
+    for (MarkedPieces<JWLineString>& pieces : ofChunks)
+        std::move(pieces.begin(), pieces.end(), std::back_inserter(all));
     return all;
 }
 

@@ -76,32 +76,50 @@ bool areFar(const Pieces& pieces, const EdgeIndex& edges, int i, int end) {
 class Batch {
   public:
     Batch(const Pieces& pieces, const EdgeIndex& edges, const Team& team, int first, int end)
-        : m_first(first), m_found(static_cast<std::size_t>(end - first)) {
+        : m_first(first) {
         const int strides = (end - first + kStride - 1) / kStride;
-        m_isFar.resize(static_cast<std::size_t>(strides));
-        parallelChunks(team, strides, 16, [&](std::int64_t from, std::int64_t to) {
+        m_isFar.resize(at(strides));
+        m_found.resize(at((strides + kStrides - 1) / kStrides));
+        parallelChunks(team, strides, kStrides, [&](std::int64_t from, std::int64_t to) {
             SegmentMeetings meetings(edges);
+            std::vector<Found>& found = m_found[at(static_cast<int>(from) / kStrides)];
             for (auto stride = static_cast<int>(from); stride < static_cast<int>(to); ++stride) {
                 const int i = first + stride * kStride, next = std::min(i + kStride, end);
                 m_isFar[at(stride)] = areFar(pieces, edges, i, next);
                 for (int k = i; k < next && !m_isFar[at(stride)]; ++k) {
                     if (pieces.vertex(k) == pieces.vertex(k + 1)) continue;
                     meetings.find(pieces.vertex(k), pieces.vertex(k + 1));
-                    m_found[at(k - first)] = meetings.take();
+                    if (!meetings.isEmpty()) found.push_back({k, meetings.take()});
                 }
             }
             return true;
         });
     }
     bool isFar(int i) const { return m_isFar[at((i - m_first) / kStride)] != 0; }
-    Meetings take(int i) { return std::move(m_found[at(i - m_first)]); }
+    /// What meets a segment behind those asked for before.
+    Meetings take(int i) {
+        const std::size_t chunk = at((i - m_first) / (kStride * kStrides));
+        if (chunk != m_chunk) m_next = 0;
+        m_chunk = chunk;
+        std::vector<Found>& found = m_found[chunk];
+        while (m_next < found.size() && found[m_next].segment < i) ++m_next;
+        if (m_next == found.size() || found[m_next].segment != i) return {};
+        return std::move(found[m_next].meetings);
+    }
 
   private:
+    static constexpr int kStrides = 16;  // that a worker takes at a time
+    struct Found {
+        int segment;
+        Meetings meetings;
+    };
     static std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
     int m_first;
-    std::vector<Meetings> m_found;
+    std::vector<std::vector<Found>> m_found;  ///< by chunks of strides
     std::vector<char> m_isFar;
+    std::size_t m_chunk = 0;
+    std::size_t m_next = 0;
 };
 
 /// Calls `visit(i, meetings)` for the segments of a line that have a length, from vertex i to the

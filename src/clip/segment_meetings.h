@@ -67,6 +67,7 @@ class SegmentMeetings {
     void find(const JWRawPoint& a, const JWRawPoint& b);
     /// Takes what was found before; `take` hands it out.
     void find(const JWRawPoint& a, const JWRawPoint& b, Meetings&& found);
+    bool isEmpty() const { return m_between.empty() && m_atStart.isEmpty(); }
     Meetings take() { return {std::move(m_between), std::move(m_atStart)}; }
 
     const std::vector<Meeting>& between() const { return m_between; }
