@@ -68,8 +68,9 @@ int JWFeatureLayer::getFeaturesByAttributeFilter(const char* where, JWFeatureCla
 
 bool JWFeatureLayer::Impl::notUnderstood(const LayerCondition& condition,
                                          const GdalErrors& errors) const {
+    const std::string fault = condition.fault().empty() ? "" : ": " + condition.fault();
     errors.report(JWErrorInvalidArgument,
-                  title() + ": condition '" + condition.text() + "' is not understood", "");
+                  title() + ": condition '" + condition.text() + "' is not understood" + fault, "");
     return false;
 }
 

@@ -46,52 +46,60 @@ bool replaceWord(std::string& text, const char* word, const std::string& by) {
     return replaced;
 }
 
-}  // namespace
-
-/// A condition evaluated here, in which "fid" means the identifier, also where an attribute has the
-/// name (`fieldNamedFid`, −1 for none).
-class LayerCondition::Own {
-  public:
-    Own(OGRLayer& layer, int fieldNamedFid, const std::string& text)
-        : m_definition(layer.GetLayerDefn()->Clone()) {
-        m_definition->Reference();
-        if (fieldNamedFid >= 0) {
-            m_definition->GetFieldDefn(fieldNamedFid)->SetName("__attribute_fid__");
+/// Why a database would not take `text` for one condition but obey what stands behind it, or leave
+/// it out, without a word; empty when it is one condition.
+std::string faultAsOneCondition(const std::string& text) {
+    int depth = 0;
+    for (std::size_t i = 0; i < text.size() && depth >= 0; ++i) {
+        const char c = text[i];
+        if (c == '\'' || c == '"' || c == '`') {
+            i = text.find(c, i + 1);
+            if (i == std::string::npos) return "a quote is not closed";
+        } else if (c == ';') {
+            return "it has a ';'";
+        } else if (text.compare(i, 2, "--") == 0 || text.compare(i, 2, "/*") == 0) {
+            return "it has a comment";
+        } else if (c == '(' || c == ')') {
+            depth += c == '(' ? 1 : -1;
         }
-        m_understood = m_query.Compile(m_definition, text.c_str()) == OGRERR_NONE;
     }
-    ~Own() { m_definition->Release(); }
-    Own(const Own&) = delete;
-    Own& operator=(const Own&) = delete;
+    return depth == 0 ? "" : "its parentheses do not match";
+}
 
-    bool understood() const { return m_understood; }
-    bool holds(OGRFeature& feature) { return m_query.Evaluate(&feature) != 0; }
-
-  private:
-    OGRFeatureDefn* m_definition;
-    OGRFeatureQuery m_query;
-    bool m_understood;
-};
+}  // namespace
 
 LayerCondition::LayerCondition(const JWSourceHandle& source, OGRLayer& layer, const char* where,
                                bool here)
     : m_text(trimmed(where)) {
     if (m_text.empty()) return;
+    std::string text = m_text;
     const char* column = layer.GetFIDColumn();
     const int attribute = layer.GetLayerDefn()->GetFieldIndex("fid");
-    if (!here && source.isDatabase() && *column != '\0') {
-        if (!sameName(column, "fid")) replaceWord(m_text, "fid", "\"" + std::string(column) + "\"");
+    const bool isStatement = !here && source.isDatabase();
+    const bool hasColumn = isStatement && *column != '\0';
+    if (hasColumn && !sameName(column, "fid")) {
+        replaceWord(text, "fid", "\"" + std::string(column) + "\"");
+    }
+    const bool asksFid = !hasColumn && (attribute >= 0 || source.isDatabase() || here) &&
+                         replaceWord(text, "fid", "fid");
+    if (isStatement && !asksFid) {
+        m_fault = faultAsOneCondition(m_text);
+        m_forDriver = "(" + text + ")";
         return;
     }
-    const bool asksFid =
-        (attribute >= 0 || source.isDatabase() || here) && replaceWord(m_text, "fid", "fid");
-    if (asksFid || here) m_own = std::make_unique<Own>(layer, asksFid ? attribute : -1, m_text);
+    m_own = std::make_unique<ConditionQuery>(layer, asksFid ? attribute : -1, text);
+    m_fault = m_own->fault();
+    if (!asksFid && !here && !m_own->comparesDates()) m_forDriver = text;
 }
 
 LayerCondition::~LayerCondition() = default;
 
-bool LayerCondition::isUnderstood() const { return !m_own || m_own->understood(); }
+bool LayerCondition::isUnderstood() const {
+    return m_fault.empty() && (!m_own || m_own->isUnderstood());
+}
 
-bool LayerCondition::holds(OGRFeature& feature) const { return !m_own || m_own->holds(feature); }
+bool LayerCondition::holds(OGRFeature& feature) const {
+    return forDriver() != nullptr || !m_own || m_own->holds(feature);
+}
 
 }  // namespace jws::detail

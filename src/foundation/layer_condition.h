@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// Conditions on the features of a layer. A condition goes to the driver as it is, so that a
-// database uses its indexes; only the word "fid" is seen to. In OGR's own dialect it names the
-// identifier, unless an attribute has that name: the condition is then evaluated here, against a
-// definition in which that attribute is called otherwise. In a database the word is replaced by the
-// name of its identifier column; views without one are treated like other sources.
+// Conditions on the features of a layer. A database takes a condition as it is, so that it uses its
+// indexes, in parentheses, so that nothing but a condition is understood; the word "fid" is
+// replaced by the name of its identifier column. Views without one are treated like other sources.
+// There a condition is in OGR's own dialect, in which "fid" names the identifier unless an
+// attribute has that name. It goes to the driver too, but for "fid" beside such an attribute and
+// for dates, which are seen to here.
 #ifndef JW_FOUNDATION_LAYER_CONDITION_H
 #define JW_FOUNDATION_LAYER_CONDITION_H
 
@@ -13,6 +14,7 @@
 #include <memory>
 #include <string>
 
+#include "foundation/condition_query.h"
 #include "foundation/source_handle.h"
 
 namespace jws::detail {
@@ -23,18 +25,21 @@ class LayerCondition {
     LayerCondition(const JWSourceHandle& source, OGRLayer& layer, const char* where, bool here);
     ~LayerCondition();
 
-    /// False when what is evaluated here makes no sense; the driver says so of the rest itself.
+    /// False when it makes no sense here; a driver says so of what it is handed itself.
     bool isUnderstood() const;
+    /// Why, where GDAL has no message for it.
+    const std::string& fault() const { return m_fault; }
     const std::string& text() const { return m_text; }
     /// What the driver is to filter by, null for nothing.
-    const char* forDriver() const { return m_own || m_text.empty() ? nullptr : m_text.c_str(); }
+    const char* forDriver() const { return m_forDriver.empty() ? nullptr : m_forDriver.c_str(); }
     /// Decides about a feature that the driver lets pass.
     bool holds(OGRFeature& feature) const;
 
   private:
-    class Own;
     std::string m_text;
-    std::unique_ptr<Own> m_own;  ///< null when the driver decides
+    std::string m_forDriver;
+    std::string m_fault;
+    std::unique_ptr<ConditionQuery> m_own;  ///< null for a database's own dialect
 };
 
 /// Takes the driver's filters off at the end of a scope.
