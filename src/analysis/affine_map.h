@@ -16,8 +16,8 @@ namespace jws::detail {
 struct Matrix {
     double m[6];
 
-    void operator()(JWRawPoint& p) const {
-        p.set(m[0] + m[1] * p.x + m[2] * p.y, m[3] + m[4] * p.x + m[5] * p.y);
+    JWRawPoint operator()(const JWRawPoint& p) const {
+        return {m[0] + m[1] * p.x + m[2] * p.y, m[3] + m[4] * p.x + m[5] * p.y};
     }
 };
 
@@ -38,17 +38,16 @@ Matrix inverseOf(const double* matrix);
 /// True for the kinds that `mapVertices` takes, and bags of these.
 bool hasVertices(const JWGeometry& geometry);
 
-/// Applies a map, `void map(JWRawPoint&)`, to every vertex of a geometry with vertices. Envelopes
-/// become stale.
+/// Applies a map, `JWRawPoint map(const JWRawPoint&)`, to every vertex of a geometry with vertices.
+/// Envelopes become stale.
 template <class Map>
 void mapVertices(JWGeometry& geometry, const Map& map) {
     const auto mapPoint = [&](JWPoint& point) {
-        JWRawPoint p = point.getRawPoint();
-        map(p);
+        const JWRawPoint p = map(point.getRawPoint());
         point.setXY(p.x, p.y);
     };
     const auto mapList = [&](JWPointSequence& sequence) {
-        for (JWRawPoint& p : sequence.getPointList()) map(p);
+        for (JWRawPoint& p : sequence.getPointList()) p = map(p);
     };
     switch (geometry.getGeometryType()) {
         case JWGeometryPoint:

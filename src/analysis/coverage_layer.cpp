@@ -35,6 +35,7 @@ LayerRings readRings(FeatureInput& input) {
         Pulse::tick();
         input.readBlock(first, block, features);
         for (std::shared_ptr<const JWFeature>& feature : features) {
+            input.keep(static_cast<std::int64_t>(rings.firstOf.size()), feature);
             rings.firstOf.push_back(rings.views.size());
             if (checkGeometry(*feature, AreaKind) != GeometryCheck::Usable) continue;
             appendRings(*feature->getGeometryPtr(), rings.views);

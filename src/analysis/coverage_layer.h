@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// `JWGeometrySimplicify::simplifyLayer` of a coverage: the layer is read twice, once for its
-// borders, and once to write its features with them.
+// `JWGeometrySimplicify::simplifyLayer` of a coverage: two walks over the layer, one for its
+// borders, and one to write its features with them. The second finds in the layer's cache what that
+// holds.
 #ifndef JW_ANALYSIS_COVERAGE_LAYER_H
 #define JW_ANALYSIS_COVERAGE_LAYER_H
 

@@ -45,12 +45,12 @@ void CoverageSimplifier::simplifyLines(const JWSimplifyOptions& options) {
                    [&](std::int64_t begin, std::int64_t end) {
                        Pulse::tick();
                        LineSimplifier simplifier(options);
-                       std::vector<JWRawPoint> line;
+                       std::vector<JWRawPoint> line, left;
                        for (auto i = static_cast<std::size_t>(begin);
                             i < static_cast<std::size_t>(end); ++i) {
                            const ListView<JWRawPoint> whole = m_shared.lines[i];
                            line.assign(whole.begin(), whole.end());
-                           if (simplifier.edit(line)) keepOnly(i, line);
+                           if (simplifier.edit(line, left)) keepOnly(i, left);
                        }
                        return true;
                    });

@@ -39,8 +39,10 @@ int appendTo(const char* function, const JWLineString* line, JWLineString* out,
              const JWSimplifyOptions& options) {
     if (line == nullptr) return 0;
     return guarded(function, line->getPointCount(), [&] {
-        std::vector<JWRawPoint> points = line->getPointList();
-        if (out == nullptr || !LineSimplifier(options).edit(points)) return line->getPointCount();
+        std::vector<JWRawPoint> points;
+        if (out == nullptr || !LineSimplifier(options).edit(line->getPointList(), points)) {
+            return line->getPointCount();
+        }
         out->addPoints(points);
         out->updateEnvelop();
         return static_cast<int>(points.size());

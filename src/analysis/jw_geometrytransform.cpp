@@ -10,6 +10,7 @@
 
 #include "analysis/affine_map.h"
 #include "analysis/unpack.h"
+#include "foundation/plane_map.h"
 #include "foundation/vertex_lists.h"
 #include "layers/layer_map.h"
 
@@ -31,32 +32,25 @@ bool isPlace(const JWRawPoint* center) {
 // Each map keeps its own copy of the centre, which may be a vertex that is about to move.
 
 auto moveMap(double dx, double dy) {
-    const auto map = [=](JWRawPoint& p) { p.move(dx, dy); };
+    const auto map = [=](const JWRawPoint& p) { return JWRawPoint(p.x + dx, p.y + dy); };
     return allFinite(dx, dy) ? std::optional(map) : std::nullopt;
 }
 
-auto rotateMap(const JWRawPoint* center, double angle) {
-    const JWRawPoint c = center != nullptr ? *center : JWRawPoint(0, 0);
-    const double radians = angle * 0.0174532925199433;
-    const double cosine = std::cos(radians), sine = std::sin(radians);
-    const auto map = [=](JWRawPoint& p) {
-        const double dx = p.x - c.x, dy = p.y - c.y;
-        p.set(dx * cosine - dy * sine + c.x, dy * cosine + dx * sine + c.y);
-    };
-    return isPlace(center) && allFinite(angle) ? std::optional(map) : std::nullopt;
+std::optional<Rotation> rotateMap(const JWRawPoint* center, double angle) {
+    if (!isPlace(center) || !allFinite(angle)) return std::nullopt;
+    return Rotation(*center, angle * 0.0174532925199433);
 }
 
-auto scaleMap(const JWRawPoint* center, double sx, double sy) {
-    const JWRawPoint c = center != nullptr ? *center : JWRawPoint(0, 0);
-    const auto map = [=](JWRawPoint& p) { p.set((p.x - c.x) * sx + c.x, (p.y - c.y) * sy + c.y); };
-    return isPlace(center) && allFinite(sx, sy) ? std::optional(map) : std::nullopt;
+std::optional<Scaling> scaleMap(const JWRawPoint* center, double sx, double sy) {
+    if (!isPlace(center) || !allFinite(sx, sy)) return std::nullopt;
+    return Scaling(*center, sx, sy);
 }
 
-auto reflectMap(const JWRawPoint* center) { return scaleMap(center, -1, -1); }
+std::optional<Scaling> reflectMap(const JWRawPoint* center) { return scaleMap(center, -1, -1); }
 
 auto shearMap(double k, bool alongX) {
-    const auto map = [=](JWRawPoint& p) {
-        alongX ? p.set(p.x + k * p.y, p.y) : p.set(p.x, p.y + k * p.x);
+    const auto map = [=](const JWRawPoint& p) {
+        return alongX ? JWRawPoint(p.x + k * p.y, p.y) : JWRawPoint(p.x, p.y + k * p.x);
     };
     return allFinite(k) ? std::optional(map) : std::nullopt;
 }
@@ -69,7 +63,7 @@ std::optional<Matrix> matrixMap(const double* m) {
 template <class Map>
 bool applyMap(JWRawPoint* point, const std::optional<Map>& map) {
     if (point == nullptr || !map) return false;
-    (*map)(*point);
+    *point = (*map)(*point);
     return true;
 }
 

@@ -3,8 +3,9 @@
 // Editing every line and ring of a geometry, and of every feature: the walk that simplification and
 // smoothing share. What is done to one list of points is the editor's.
 //
-// An editor has `bool edit(std::vector<JWRawPoint>&)`, which changes a list or answers false and
-// leaves it of no use; it may throw TooManyPoints. It works on a copy.
+// An editor has `bool edit(const std::vector<JWRawPoint>& points, std::vector<JWRawPoint>&
+// result)`, which fills the result or answers false and leaves it of no use; it may throw
+// TooManyPoints.
 #ifndef JW_ANALYSIS_LINE_EDIT_H
 #define JW_ANALYSIS_LINE_EDIT_H
 
@@ -90,11 +91,10 @@ class LineWalk {
         std::vector<JWRawPoint>& points = line.getPointList();
         return editList(points, std::min<std::size_t>(points.size(), 2));
     }
-    /// Edits a copy, and takes it over if it is long enough and finite.
+    /// Takes the result over if it is long enough and finite.
     bool editList(std::vector<JWRawPoint>& points, std::size_t least) {
-        scratch_ = points;
         try {
-            if (!editor_.edit(scratch_) || scratch_.size() < least) return false;
+            if (!editor_.edit(points, scratch_) || scratch_.size() < least) return false;
         } catch (const TooManyPoints& e) {
             problem_ = e.what();
             return false;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Kept points move to the front of their list in order. The place where one goes is never behind
-// the place where it was, and the algorithms that look back hold on to copies of what they need, so
-// one list is enough. Each returns how many points it kept.
+// Each method appends the points that it keeps, in order, to a list that has the first.
 #include "analysis/line_simplifier.h"
 
 #include <algorithm>
@@ -46,72 +44,73 @@ bool LineSimplifier::isUsable() const {
     return false;
 }
 
-bool LineSimplifier::edit(std::vector<JWRawPoint>& points) {
+bool LineSimplifier::edit(const Points& points, Points& left) {
     const std::size_t least = options_.method == JWSimplifyDouglasPeucker ? 4
                               : options_.method == JWSimplifyOpheim       ? 0
                                                                           : 3;
     if (!isUsable() || points.size() < least || !allFinite(points)) return false;
-    if (points.size() < 3) return true;
+    if (points.size() < 3) {
+        left = points;
+        return true;
+    }
+    left.assign(1, points[0]);
     switch (options_.method) {
         case JWSimplifyDouglasPeucker:
-            points.resize(douglasPeucker(points));
+            douglasPeucker(points, left);
             break;
         case JWSimplifyReumannWitkam:
-            points.resize(reumannWitkam(points));
+            reumannWitkam(points, left);
             break;
         case JWSimplifyLang:
-            points.resize(lang(points));
+            lang(points, left);
             break;
         case JWSimplifyVertexReduction:
-            points.resize(vertexReduction(points));
+            vertexReduction(points, left);
             break;
         case JWSimplifyOpheim:
-            points.resize(opheim(points));
+            opheim(points, left);
             break;
         case JWSimplifyNthPoint:
-            points.resize(nthPoint(points));
+            nthPoint(points, left);
             break;
         case JWSimplifyPerpendicularDistance:
-            points.resize(perpendicularDistance(points));
+            perpendicularDistance(points, left);
             break;
     }
     return true;
 }
 
-std::size_t LineSimplifier::douglasPeucker(std::vector<JWRawPoint>& points) {
+void LineSimplifier::douglasPeucker(const Points& points, Points& left) {
     farthest_.setLine(points.data(), points.size());
     farthest_.keep(options_.tolerance, kept_);
-    for (std::size_t i = 0; i < kept_.size(); ++i) points[i] = points[kept_[i]];
-    return kept_.size();
+    for (std::size_t i = 1; i < kept_.size(); ++i) left.push_back(points[kept_[i]]);
 }
 
-std::size_t LineSimplifier::reumannWitkam(std::vector<JWRawPoint>& points) const {
+void LineSimplifier::reumannWitkam(const Points& points, Points& left) const {
     const double limit = options_.tolerance * options_.tolerance;
     const std::size_t n = points.size();
     JWRawPoint start = points[0], previous = points[1];
     JWRawPoint direction = difference(previous, start);
-    std::size_t kept = 1;
     for (std::size_t i = 2; i < n; ++i) {
         const JWRawPoint p = points[i];
         if (squaredLineDistance(p, start, direction) > limit) {
             start = previous;
             direction = difference(p, start);
-            if (i + 1 < n) points[kept++] = p;
+            if (i + 1 < n) left.push_back(p);
         }
         previous = p;
     }
-    points[kept++] = previous;
-    return kept;
+    left.push_back(previous);
 }
 
-std::size_t LineSimplifier::lang(std::vector<JWRawPoint>& points) const {
+void LineSimplifier::lang(const Points& points, Points& left) const {
     const std::size_t n = points.size();
     const auto look = static_cast<std::size_t>(options_.count);
     const auto isFar = [&](std::size_t i, const JWRawPoint& a, std::size_t to) {
         return segmentDistance(points[i], a, points[to]) > options_.tolerance;
     };
     JWRawPoint start = points[0];
-    std::size_t kept = 1, from = 0, lastFar = 0;
+    std::size_t from = 0, lastFar = 0;
     while (from < n - 1) {
         std::size_t to = std::min(look, n - 1 - from) + from;
         // The point that was too far from the last segment is likely to be so from the next.
@@ -123,31 +122,27 @@ std::size_t LineSimplifier::lang(std::vector<JWRawPoint>& points) const {
             lastFar = i;
         }
         start = points[to];
-        points[kept++] = start;
+        left.push_back(start);
         from = to;
     }
-    return kept;
 }
 
-std::size_t LineSimplifier::vertexReduction(std::vector<JWRawPoint>& points) const {
+void LineSimplifier::vertexReduction(const Points& points, Points& left) const {
     const double limit = options_.tolerance * options_.tolerance;
     const std::size_t n = points.size();
-    std::size_t kept = 1;
     for (std::size_t i = 1; i + 1 < n; ++i) {
-        if (squaredLength(difference(points[i], points[kept - 1])) > limit) {
-            points[kept++] = points[i];
+        if (squaredLength(difference(points[i], left.back())) > limit) {
+            left.push_back(points[i]);
         }
     }
-    points[kept++] = points[n - 1];
-    return kept;
+    left.push_back(points[n - 1]);
 }
 
-std::size_t LineSimplifier::opheim(std::vector<JWRawPoint>& points) const {
+void LineSimplifier::opheim(const Points& points, Points& left) const {
     const double minimum = options_.tolerance, maximum = options_.maximumTolerance;
     const std::size_t n = points.size();
     JWRawPoint key = points[0], previous = points[1], through = key;
     bool hasRay = false;
-    std::size_t kept = 1;
     for (std::size_t i = 2; i < n; ++i) {
         const JWRawPoint p = points[i];
         const double square = squaredLength(difference(p, key));
@@ -159,45 +154,40 @@ std::size_t LineSimplifier::opheim(std::vector<JWRawPoint>& points) const {
             const double distance = rayDistance(p, key, through);
             if (square >= maximum * maximum || distance * distance >= minimum) {
                 key = previous;
-                points[kept++] = key;
+                left.push_back(key);
                 hasRay = false;
             }
         }
         previous = p;
     }
-    points[kept++] = previous;
-    return kept;
+    left.push_back(previous);
 }
 
-std::size_t LineSimplifier::nthPoint(std::vector<JWRawPoint>& points) const {
+void LineSimplifier::nthPoint(const Points& points, Points& left) const {
     const std::size_t n = points.size();
     const auto step = static_cast<std::size_t>(options_.count);
-    std::size_t kept = 1;
-    for (std::size_t i = step; i + 1 < n; i += step) points[kept++] = points[i];
-    points[kept++] = points[n - 1];
-    return kept;
+    for (std::size_t i = step; i + 1 < n; i += step) left.push_back(points[i]);
+    left.push_back(points[n - 1]);
 }
 
-std::size_t LineSimplifier::perpendicularDistance(std::vector<JWRawPoint>& points) const {
+void LineSimplifier::perpendicularDistance(const Points& points, Points& left) const {
     const std::size_t n = points.size();
     JWRawPoint previous = points[0];
-    std::size_t kept = 1;
     std::size_t i = 1;
     while (i + 1 < n) {
         const JWRawPoint p = points[i];
         if (segmentDistance(p, previous, points[i + 1]) <= options_.tolerance) {
             // The next one is kept untested, unless it is the last, which the end writes.
             previous = points[i + 1];
-            if (i + 2 < n) points[kept++] = previous;
+            if (i + 2 < n) left.push_back(previous);
             i += 2;
         } else {
-            points[kept++] = p;
+            left.push_back(p);
             previous = p;
             ++i;
         }
     }
-    points[kept++] = points[n - 1];
-    return kept;
+    left.push_back(points[n - 1]);
 }
 
 }  // namespace jws::detail

@@ -14,22 +14,24 @@ namespace jws::detail {
 /// One method with its parameters and scratch memory; a thread uses its own.
 class LineSimplifier {
   public:
+    using Points = std::vector<JWRawPoint>;
+
     explicit LineSimplifier(const JWSimplifyOptions& options) : options_(options) {}
 
     /// The parameters are in range for the method.
     bool isUsable() const;
-    /// Drops points in place. False, and nothing changed, when parameters are out of range, the
-    /// method wants more points, or a coordinate is not finite.
-    bool edit(std::vector<JWRawPoint>& points);
+    /// Puts the points that stay into `left`, another list. False when parameters are out of range,
+    /// the method wants more points, or a coordinate is not finite.
+    bool edit(const Points& points, Points& left);
 
   private:
-    std::size_t douglasPeucker(std::vector<JWRawPoint>& points);
-    std::size_t reumannWitkam(std::vector<JWRawPoint>& points) const;
-    std::size_t lang(std::vector<JWRawPoint>& points) const;
-    std::size_t vertexReduction(std::vector<JWRawPoint>& points) const;
-    std::size_t opheim(std::vector<JWRawPoint>& points) const;
-    std::size_t nthPoint(std::vector<JWRawPoint>& points) const;
-    std::size_t perpendicularDistance(std::vector<JWRawPoint>& points) const;
+    void douglasPeucker(const Points& points, Points& left);
+    void reumannWitkam(const Points& points, Points& left) const;
+    void lang(const Points& points, Points& left) const;
+    void vertexReduction(const Points& points, Points& left) const;
+    void opheim(const Points& points, Points& left) const;
+    void nthPoint(const Points& points, Points& left) const;
+    void perpendicularDistance(const Points& points, Points& left) const;
 
     JWSimplifyOptions options_;
     FarthestPoint farthest_;

@@ -46,47 +46,49 @@ bool LineSmoother::isUsable() const {
     return false;
 }
 
-bool LineSmoother::edit(std::vector<JWRawPoint>& points) {
+bool LineSmoother::edit(const Points& points, Points& smooth) const {
     if (!isUsable() || points.size() < 2 || !allFinite(points)) return false;
-    const auto smooth = [&] {
+    const auto isSmoothed = [&] {
         switch (options_.method) {
             case JWSmoothBoyle:
-                return boyle(points);
+                return boyle(points, smooth);
             case JWSmoothSlidingAveraging:
-                return slidingAveraging(points);
+                return slidingAveraging(points, smooth);
             case JWSmoothDistanceWeighting:
-                return distanceWeighting(points);
+                return distanceWeighting(points, smooth);
             case JWSmoothChaiken:
-                return chaiken(points);
+                return chaiken(points, smooth);
             case JWSmoothBezier:
-                return bezier(points);
+                return bezier(points, smooth);
             case JWSmoothHermite:
-                return hermite(points);
+                return hermite(points, smooth);
         }
         return false;
     };
-    if (!smooth()) return false;
+    if (!isSmoothed()) return false;
     if (options_.dropRepeated) {
-        points.erase(std::unique(points.begin(), points.end()), points.end());
+        smooth.erase(std::unique(smooth.begin(), smooth.end()), smooth.end());
     }
     return true;
 }
 
-bool LineSmoother::boyle(std::vector<JWRawPoint>& points) const {
+bool LineSmoother::boyle(const Points& points, Points& smooth) const {
     const std::size_t n = points.size();
     const auto look = static_cast<std::size_t>(options_.lookAhead);
     if (look > n) return false;
     const double c2 = static_cast<double>(look - 2) / static_cast<double>(look - 1);
     JWRawPoint previous = points[0];
+    smooth.assign(1, previous);
     for (std::size_t i = 0; i + 2 < n; ++i) {
         const JWRawPoint& ahead = points[std::min(i + look, n - 1)];
         previous = pointAlong(ahead, difference(previous, ahead), c2);
-        points[i + 1] = previous;
+        smooth.push_back(previous);
     }
+    smooth.push_back(points[n - 1]);
     return true;
 }
 
-bool LineSmoother::slidingAveraging(std::vector<JWRawPoint>& points) {
+bool LineSmoother::slidingAveraging(const Points& points, Points& smooth) const {
     const std::size_t n = points.size();
     const auto look = static_cast<std::size_t>(options_.lookAhead);
     if (look >= n) return false;
@@ -98,23 +100,24 @@ bool LineSmoother::slidingAveraging(std::vector<JWRawPoint>& points) {
         sum.move(sign * (p.x - origin.x), sign * (p.y - origin.y));
     };
     for (std::size_t i = 0; i < look; ++i) add(points[i], 1);
-    result_.clear();
+    smooth.assign(points.begin(), points.begin() + half);
     for (std::size_t i = half; i + half < n; ++i) {
         const JWRawPoint p = difference(points[i], origin);
-        result_.emplace_back(origin.x + (1 - options_.slide) * p.x + weight * sum.x,
-                             origin.y + (1 - options_.slide) * p.y + weight * sum.y);
+        smooth.emplace_back(origin.x + (1 - options_.slide) * p.x + weight * sum.x,
+                            origin.y + (1 - options_.slide) * p.y + weight * sum.y);
         if (i + 1 + half >= n) break;
         add(points[i - half], -1);
         add(points[i + 1 + half], 1);
     }
-    std::copy(result_.begin(), result_.end(), points.begin() + static_cast<std::ptrdiff_t>(half));
+    smooth.insert(smooth.end(), points.end() - half, points.end());
     return true;
 }
 
-bool LineSmoother::distanceWeighting(std::vector<JWRawPoint>& points) {
+bool LineSmoother::distanceWeighting(const Points& points, Points& smooth) const {
     const std::size_t n = points.size();
     const std::size_t half = static_cast<std::size_t>(options_.lookAhead) / 2;
-    result_.clear();
+    if (n <= 2 * half) return false;
+    smooth.assign(points.begin(), points.begin() + half);
     for (std::size_t i = half; i + half < n; ++i) {
         const JWRawPoint& p = points[i];
         JWRawPoint sum(0, 0);
@@ -127,28 +130,27 @@ bool LineSmoother::distanceWeighting(std::vector<JWRawPoint>& points) {
             sum.move(v.x / d, v.y / d);
         }
         const double factor = weights > 0 ? options_.slide / weights : 0;
-        result_.emplace_back(p.x + factor * sum.x, p.y + factor * sum.y);
+        smooth.emplace_back(p.x + factor * sum.x, p.y + factor * sum.y);
     }
-    if (result_.empty()) return false;
-    std::copy(result_.begin(), result_.end(), points.begin() + static_cast<std::ptrdiff_t>(half));
+    smooth.insert(smooth.end(), points.end() - half, points.end());
     return true;
 }
 
 /// Each step adds its points in front of those it added before, so that the coarsest, which the
 /// next step starts from, comes last.
-bool LineSmoother::chaiken(std::vector<JWRawPoint>& points) {
+bool LineSmoother::chaiken(const Points& points, Points& smooth) const {
     const std::size_t n = points.size();
     if (n < 3) return false;
     const double limit = options_.tolerance * options_.tolerance;
-    result_.assign(1, points[0]);
+    smooth.assign(1, points[0]);
     JWRawPoint anchor = points[0];
     for (std::size_t i = 2; i <= n; ++i) {
-        const auto stepBegin = static_cast<std::ptrdiff_t>(result_.size());
+        const auto stepBegin = static_cast<std::ptrdiff_t>(smooth.size());
         JWRawPoint p1 = points[i - 1], p2 = points[std::min(i, n - 1)];
         JWRawPoint m = middle(p1, p2);
         for (;;) {
-            requireRoomFor(static_cast<double>(result_.size()) + 2);
-            result_.push_back(m);
+            requireRoomFor(static_cast<double>(smooth.size()) + 2);
+            smooth.push_back(m);
             if (!areFinite(&m, 1)) break;
             const JWRawPoint v = difference(anchor, m);
             if (dot(v, v) <= limit) break;
@@ -159,15 +161,14 @@ bool LineSmoother::chaiken(std::vector<JWRawPoint>& points) {
             // Below the resolution of coordinates nothing moves any more.
             if (m == before) break;
         }
-        std::reverse(result_.begin() + stepBegin, result_.end());
-        anchor = result_.back();
+        std::reverse(smooth.begin() + stepBegin, smooth.end());
+        anchor = smooth.back();
     }
-    result_.push_back(points[n - 1]);
-    points.swap(result_);
+    smooth.push_back(points[n - 1]);
     return true;
 }
 
-bool LineSmoother::hermite(std::vector<JWRawPoint>& points) {
+bool LineSmoother::hermite(const Points& points, Points& smooth) const {
     const std::size_t n = points.size();
     if (n < 3) return false;
     const auto tangent = [&](std::size_t k) {
@@ -178,7 +179,7 @@ bool LineSmoother::hermite(std::vector<JWRawPoint>& points) {
     double total = 0;
     for (std::size_t k = 0; k + 1 < n; ++k) total += pointDistance(points[k], points[k + 1]);
     requireRoomFor(total / options_.step + 2);
-    result_.assign(1, points[0]);
+    smooth.assign(1, points[0]);
     double begin = 0;
     double count = 1;
     for (std::size_t k = 0; k + 1 < n; ++k) {
@@ -195,22 +196,21 @@ bool LineSmoother::hermite(std::vector<JWRawPoint>& points) {
                 const double c = isFirstHalf ? 3 * u2 - 2 * u3 : 2 * u3 - 3 * u2 + 1;
                 const JWRawPoint& near = isFirstHalf ? p : q;
                 const JWRawPoint v = difference(isFirstHalf ? q : p, near);
-                result_.emplace_back(near.x + (c * v.x + b * s.x + d * t.x),
-                                     near.y + (c * v.y + b * s.y + d * t.y));
+                smooth.emplace_back(near.x + (c * v.x + b * s.x + d * t.x),
+                                    near.y + (c * v.y + b * s.y + d * t.y));
             }
         }
         begin = end;
     }
-    result_.push_back(points[n - 1]);
-    points.swap(result_);
+    smooth.push_back(points[n - 1]);
     return true;
 }
 
-bool LineSmoother::bezier(std::vector<JWRawPoint>& points) {
+bool LineSmoother::bezier(const Points& points, Points& smooth) const {
     const std::size_t degree = std::min(options_.degree, JWBezierCurve::kMaxDegree);
     const std::size_t curves = (points.size() + degree - 2) / degree;
     requireRoomFor(static_cast<double>(curves) * options_.points + 1);
-    return JWBezierCurve().smoothPoints(points, options_.degree, options_.points, points);
+    return JWBezierCurve().smoothPoints(points, options_.degree, options_.points, smooth);
 }
 
 }  // namespace jws::detail

@@ -10,28 +10,29 @@
 
 namespace jws::detail {
 
-/// One method with its parameters and scratch memory; a thread uses its own.
+/// One method with its parameters; any number of threads may use it.
 class LineSmoother {
   public:
+    using Points = std::vector<JWRawPoint>;
+
     explicit LineSmoother(const JWSmoothOptions& options) : options_(options) {}
 
     /// The parameters are in range for some line.
     bool isUsable() const;
-    /// Smooths points in place; huge ones may come out infinite or NaN. False, and nothing changed,
-    /// when parameters are out of range for them, they are too few or a coordinate is not finite.
-    /// Throws TooManyPoints, and changes nothing, when the result would be too long.
-    bool edit(std::vector<JWRawPoint>& points);
+    /// Puts the smoothed line into `smooth`, another list; huge coordinates may come out infinite
+    /// or NaN. False when parameters are out of range for the points, they are too few or a
+    /// coordinate is not finite. Throws TooManyPoints when the result would be too long.
+    bool edit(const Points& points, Points& smooth) const;
 
   private:
-    bool boyle(std::vector<JWRawPoint>& points) const;
-    bool slidingAveraging(std::vector<JWRawPoint>& points);
-    bool distanceWeighting(std::vector<JWRawPoint>& points);
-    bool chaiken(std::vector<JWRawPoint>& points);
-    bool hermite(std::vector<JWRawPoint>& points);
-    bool bezier(std::vector<JWRawPoint>& points);
+    bool boyle(const Points& points, Points& smooth) const;
+    bool slidingAveraging(const Points& points, Points& smooth) const;
+    bool distanceWeighting(const Points& points, Points& smooth) const;
+    bool chaiken(const Points& points, Points& smooth) const;
+    bool hermite(const Points& points, Points& smooth) const;
+    bool bezier(const Points& points, Points& smooth) const;
 
     JWSmoothOptions options_;
-    std::vector<JWRawPoint> result_;
 };
 
 }  // namespace jws::detail
