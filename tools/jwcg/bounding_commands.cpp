@@ -13,14 +13,14 @@ namespace {
 
 void setupShape(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, false);
-    app.add_flag("--all", settings.wholeLayer,
+    app.add_flag("--all", settings.bounding.wholeLayer,
                  "Draw one shape around the whole layer; default: one around each feature");
     addThreadOptions(app, settings);
 }
 
 void setupMeasuredShape(CLI::App& app, Settings& settings, const char* fields) {
     setupShape(app, settings);
-    app.add_flag("--measures", settings.measures, std::string("Add fields ") + fields);
+    app.add_flag("--measures", settings.bounding.measures, std::string("Add fields ") + fields);
 }
 
 void setupCircle(CLI::App& app, Settings& settings) {
@@ -28,7 +28,7 @@ void setupCircle(CLI::App& app, Settings& settings) {
 }
 
 void setupRectangle(CLI::App& app, Settings& settings) {
-    addChoice(app, "--smallest", settings.smallest, {"area", "width"},
+    addChoice(app, "--smallest", settings.bounding.smallest, {"area", "width"},
               "What of the rectangle is to be as small as can be");
     setupMeasuredShape(app, settings,
                        "length, width and angle (degrees, counter-clockwise from the x axis to the "
@@ -39,12 +39,12 @@ int runShape(const Settings& settings, const char* command, enumJWBounding kind,
              Json parameters = Json::object()) {
     JWBoundingOptions options;
     options.kind = kind;
-    options.wholeLayer = settings.wholeLayer;
-    options.measures = settings.measures;
+    options.wholeLayer = settings.bounding.wholeLayer;
+    options.measures = settings.bounding.measures;
     options.blockSize = settings.blockSize;
     options.threads = settings.threads;
-    parameters["all"] = settings.wholeLayer;
-    parameters["measures"] = settings.measures;
+    parameters["all"] = settings.bounding.wholeLayer;
+    parameters["measures"] = settings.bounding.measures;
     LayerJob job = {command,
                     "bounding",
                     false,
@@ -68,10 +68,10 @@ int runCircle(const Settings& settings) {
 }
 
 int runRectangle(const Settings& settings) {
-    const bool isWidth = settings.smallest == "width";
+    const bool isWidth = settings.bounding.smallest == "width";
     return runShape(settings, "minrect",
                     isWidth ? JWBoundingMinimumWidthRect : JWBoundingMinimumAreaRect,
-                    {{"smallest", settings.smallest}});
+                    {{"smallest", settings.bounding.smallest}});
 }
 
 int runEnvelope(const Settings& settings) {

@@ -12,29 +12,31 @@ namespace {
 
 void setupBuffer(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, false);
-    addNumbers(app, "--distance", {1}, "NUMBER",
-               "Distance in layer units (degrees for longitude and latitude), above 0",
-               [&settings](const std::vector<double>& numbers) { settings.distance = numbers; });
-    addText(app, "--distance-field", settings.distanceField, "NAME",
+    addNumbers(
+        app, "--distance", {1}, "NUMBER",
+        "Distance in layer units (degrees for longitude and latitude), above 0",
+        [&settings](const std::vector<double>& numbers) { settings.buffer.distance = numbers; });
+    addText(app, "--distance-field", settings.buffer.distanceField, "NAME",
             "Field with the distance of each feature; --distance serves where it is null");
-    app.add_flag("--edge", settings.edge, "Leave the polygons themselves out of their buffers");
-    app.add_flag("--dissolve", settings.dissolve,
+    app.add_flag("--edge", settings.buffer.edge,
+                 "Leave the polygons themselves out of their buffers");
+    app.add_flag("--dissolve", settings.buffer.dissolve,
                  "Unite all buffers to one feature, without attributes");
     addThreadOptions(app, settings);
 }
 
 int runBuffer(const Settings& settings) {
-    if (settings.distance.empty() && settings.distanceField.empty()) {
+    if (settings.buffer.distance.empty() && settings.buffer.distanceField.empty()) {
         throw CommandFailure(ExitUsage, "buffer: --distance or --distance-field is needed");
     }
     JWBufferOptions options;
-    if (!settings.distance.empty()) options.distance = settings.distance.front();
-    if (!settings.distance.empty() && !(options.distance > 0)) {
+    if (!settings.buffer.distance.empty()) options.distance = settings.buffer.distance.front();
+    if (!settings.buffer.distance.empty() && !(options.distance > 0)) {
         throw CommandFailure(ExitUsage, "buffer: the distance must be greater than 0");
     }
-    options.distanceField = settings.distanceField;
-    options.type = settings.edge ? JWBufferEdge : JWBufferFace;
-    options.dissolve = settings.dissolve;
+    options.distanceField = settings.buffer.distanceField;
+    options.type = settings.buffer.edge ? JWBufferEdge : JWBufferFace;
+    options.dissolve = settings.buffer.dissolve;
     options.blockSize = settings.blockSize;
     options.threads = settings.threads;
     const auto prepare = [&](InputLayer& input) {
@@ -52,11 +54,12 @@ int runBuffer(const Settings& settings) {
                                              &report);
     };
     Json parameters = {
-        {"distance", settings.distance.empty() ? Json(nullptr) : Json(options.distance)},
-        {"distance_field",
-         settings.distanceField.empty() ? Json(nullptr) : Json(settings.distanceField)},
-        {"edge", settings.edge},
-        {"dissolve", settings.dissolve}};
+        {"distance", settings.buffer.distance.empty() ? Json(nullptr) : Json(options.distance)},
+        {"distance_field", settings.buffer.distanceField.empty()
+                               ? Json(nullptr)
+                               : Json(settings.buffer.distanceField)},
+        {"edge", settings.buffer.edge},
+        {"dissolve", settings.buffer.dissolve}};
     return runLayerJob(settings, {"buffer", "buffering", false, std::move(parameters), prepare,
                                   buffer, AccountOfNothing});
 }

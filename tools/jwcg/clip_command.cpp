@@ -19,9 +19,9 @@ void setupClip(CLI::App& app, Settings& settings) {
         ->required();
     app.add_option("OUTPUT", settings.output, "File that receives the result")->type_name("");
     addFileOptions(app, settings, "CUTTER");
-    addRectangle(app, "--bbox", settings.clipBox,
+    addRectangle(app, "--bbox", settings.clip.box,
                  "Clip by a rectangle, in the coordinates of INPUT, in the place of CUTTER");
-    app.add_flag("--outside", settings.outside, "Keep what lies outside instead");
+    app.add_flag("--outside", settings.clip.outside, "Keep what lies outside instead");
     addOutputOptions(app, settings);
     addThreadOptions(app, settings);
 }
@@ -29,7 +29,7 @@ void setupClip(CLI::App& app, Settings& settings) {
 /// With --bbox the second file is the output.
 Settings withFilesInPlace(const Settings& given) {
     Settings settings = given;
-    const bool byBox = !given.clipBox.empty();
+    const bool byBox = !given.clip.box.empty();
     if (byBox != given.output.empty()) {
         throw CommandFailure(ExitUsage, byBox ? "clip: with --bbox there is no CUTTER"
                                               : "clip: CUTTER or --bbox is needed");
@@ -44,10 +44,11 @@ Settings withFilesInPlace(const Settings& given) {
 
 /// Whether the cutters are lines. A layer that declares no type has areas.
 bool cutsAlongLines(const Settings& settings) {
-    if (!settings.clipBox.empty()) return false;
+    if (!settings.clip.box.empty()) return false;
     const InputLayer cutter(settings.overlay, settings.overlayLayer);
     if (cutter.kind() != JWWKBLineString) return false;
-    if (settings.outside) throw CommandFailure(ExitUsage, "clip: lines have no outside to keep");
+    if (settings.clip.outside)
+        throw CommandFailure(ExitUsage, "clip: lines have no outside to keep");
     return true;
 }
 
@@ -73,10 +74,10 @@ enumJWWKBGeometryType resultType(InputLayer& input) {
 int runClip(const Settings& given) {
     const Settings settings = withFilesInPlace(given);
     JWClipOptions options;
-    options.outside = settings.outside;
+    options.outside = settings.clip.outside;
     options.blockSize = settings.blockSize;
     options.threads = settings.threads;
-    const std::vector<double>& box = settings.clipBox;
+    const std::vector<double>& box = settings.clip.box;
     const bool alongLines = cutsAlongLines(settings);
     const auto clip = [&](const JobLayers& layers, JWLayerReport& report) {
         JWFeatureLayer* input = &layers.input.layer();
@@ -95,7 +96,7 @@ int runClip(const Settings& given) {
                                   "clipping",
                                   box.empty(),
                                   {{"bbox", box.empty() ? Json(nullptr) : Json(box)},
-                                   {"outside", settings.outside}},
+                                   {"outside", settings.clip.outside}},
                                   alongLines ? pieceType : resultType,
                                   clip,
                                   AccountOfNothing,

@@ -5,98 +5,17 @@
 #ifndef JWCG_COMMAND_TABLE_H
 #define JWCG_COMMAND_TABLE_H
 
-#include <cmath>
 #include <functional>
-#include <map>
 #include <string>
 #include <vector>
+
+#include "settings.h"
 
 namespace CLI {
 class App;
 }
 
 namespace jws::cli {
-
-/// One step of a transformation, in the order of the command line.
-struct TransformStep {
-    std::string name;             ///< of the option, "--move"
-    std::vector<double> numbers;  ///< none for control points
-    std::string file;             ///< with the control points
-};
-
-/// What the command line asks for. Each command declares the options that it takes.
-struct Settings {
-    std::string input;
-    std::string overlay;
-    std::string output;
-    std::string inputLayer;
-    std::string overlayLayer;
-    std::string outputLayer;
-    std::string outputFormat;
-    std::string attributes = "all";
-    std::string areaField;
-    std::string where;
-    std::string overlayWhere;
-    std::vector<double> bbox;  ///< empty, or minimum x and y, maximum x and y
-    std::string prefixA;
-    std::string prefixB;
-    std::vector<std::string> dissolveFields;
-    std::vector<std::string> statistics;
-    // Bounding geometries.
-    bool wholeLayer = false;
-    bool measures = false;
-    std::string smallest = "area";
-    // Simplification and smoothing.
-    std::string simplifyMethod = "douglas-peucker";
-    std::string smoothMethod = "chaiken";
-    std::map<std::string, double> parameters;  ///< those given, by the name of the option
-    bool coverage = false;
-    double snap = 0;
-    // Clips and buffers.
-    std::vector<double> clipBox;  ///< empty, or as `bbox`
-    bool outside = false;
-    std::vector<double> distance;  ///< empty, or the one
-    std::string distanceField;
-    bool edge = false;
-    bool dissolve = false;
-    // Transformation.
-    std::vector<TransformStep> steps;
-    std::vector<double> origin;  ///< empty for the centre of the layer
-    bool inverse = false;
-    // Conversions.
-    bool shared = false;
-    bool innerOnly = false;
-    bool placeInside = false;
-    bool placeVertices = false;
-    int everyNth = 1;
-    double spacing = 0;
-    // Nearest features.
-    bool exact = false;
-    bool toBoundary = false;
-    bool skipSame = false;
-    int nearestCount = 1;
-    double maxDistance = HUGE_VAL;
-    bool multipart = false;
-    bool acrossClusters = false;
-    bool singleParts = false;
-    bool noBorders = false;
-    bool dropUnmatched = false;
-    bool rowPerPair = false;
-    bool merge = false;
-    bool perFeature = false;
-    bool noCheck = false;
-    double tolerance = 0;
-    int blockSize = 4096;
-    int threads = 0;
-    bool overwrite = false;
-    bool append = false;
-    bool scan = false;
-    std::string predicate = "any";
-    std::string pattern;
-    bool json = false;
-    bool quiet = false;
-    bool verbose = false;
-};
 
 /// One command.
 struct Command {

@@ -15,9 +15,9 @@ JWConvertOptions optionsOf(const Settings& settings) {
     JWConvertOptions options;
     options.keepAttributes = true;
     options.tolerance = settings.tolerance;
-    options.dropOuterBoundary = settings.innerOnly;
-    options.everyNth = settings.everyNth;
-    options.leastSpacing = settings.spacing;
+    options.dropOuterBoundary = settings.convert.innerOnly;
+    options.everyNth = settings.convert.everyNth;
+    options.leastSpacing = settings.convert.spacing;
     options.blockSize = settings.blockSize;
     options.threads = settings.threads;
     return options;
@@ -26,9 +26,9 @@ JWConvertOptions optionsOf(const Settings& settings) {
 void setupToLines(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, false);
     CLI::Option* shared = app.add_flag(
-        "--shared", settings.shared,
+        "--shared", settings.convert.shared,
         "Write each stretch of boundary once, with the polygons on its left and right");
-    app.add_flag("--inner", settings.innerOnly,
+    app.add_flag("--inner", settings.convert.innerOnly,
                  "Leave out lines with a polygon on one side only (with --shared)")
         ->needs(shared);
     addNonNegative(app, "--snap", settings.tolerance,
@@ -37,14 +37,14 @@ void setupToLines(CLI::App& app, Settings& settings) {
 }
 
 int runToLines(const Settings& settings) {
-    if (settings.tolerance > 0 && !settings.shared)
+    if (settings.tolerance > 0 && !settings.convert.shared)
         throw CommandFailure(ExitUsage, "--snap works with --shared only");
-    const bool shared = settings.shared;
+    const bool shared = settings.convert.shared;
     LayerJob job = {
         "to-lines",
         "converting",
         false,
-        {{"shared", shared}, {"inner", settings.innerOnly}, {"snap", settings.tolerance}},
+        {{"shared", shared}, {"inner", settings.convert.innerOnly}, {"snap", settings.tolerance}},
         [=](InputLayer& input) {
             input.requirePolygons();
             return shared ? JWWKBLineString : JWWKBMultiLineString;
@@ -63,41 +63,43 @@ void setupToPoints(CLI::App& app, Settings& settings) {
         app.add_flag("--centroid",
                      "One point each: the centre of mass (default); it may lie beside the feature");
     CLI::Option* inside = app.add_flag(
-        "--inside", settings.placeInside,
+        "--inside", settings.convert.placeInside,
         "One point each that belongs to the feature: half way along lines, within polygons");
-    CLI::Option* vertices = app.add_flag("--vertices", settings.placeVertices,
+    CLI::Option* vertices = app.add_flag("--vertices", settings.convert.placeVertices,
                                          "Every vertex, with its order from 0 in a field vertex");
     inside->excludes(centroid);
     vertices->excludes(centroid)->excludes(inside);
-    addInteger(app, "--every", settings.everyNth, 1, INT_MAX,
+    addInteger(app, "--every", settings.convert.everyNth, 1, INT_MAX,
                "With --vertices: every n-th vertex of each line or ring, from the first on");
-    addNonNegative(app, "--spacing", settings.spacing,
+    addNonNegative(app, "--spacing", settings.convert.spacing,
                    "With --vertices: the least distance from the vertex before, layer units");
     addThreadOptions(app, settings);
 }
 
 int runToPoints(const Settings& settings) {
-    const enumJWPointPlace place = settings.placeVertices ? JWPointVertices
-                                   : settings.placeInside ? JWPointInside
-                                                          : JWPointCentroid;
-    if (place != JWPointVertices && (settings.everyNth > 1 || settings.spacing > 0))
+    const enumJWPointPlace place = settings.convert.placeVertices ? JWPointVertices
+                                   : settings.convert.placeInside ? JWPointInside
+                                                                  : JWPointCentroid;
+    if (place != JWPointVertices && (settings.convert.everyNth > 1 || settings.convert.spacing > 0))
         throw CommandFailure(ExitUsage, "--every and --spacing work with --vertices only");
     const char* const names[] = {"centroid", "inside", "vertices"};
-    LayerJob job = {
-        "to-points",
-        "converting",
-        false,
-        {{"place", names[place]}, {"every", settings.everyNth}, {"spacing", settings.spacing}},
-        [](InputLayer& input) {
-            input.require({JWWKBPoint, JWWKBLineString, JWWKBPolygon},
-                          "points, lines or polygons are needed");
-            return JWWKBPoint;
-        },
-        [&, place](const JobLayers& layers, JWLayerReport& report) {
-            return JWGeometryConvert::convertLayerToPointLayer(
-                &layers.input.layer(), &layers.output, place, optionsOf(settings), &report);
-        },
-        AccountOfNothing};
+    LayerJob job = {"to-points",
+                    "converting",
+                    false,
+                    {{"place", names[place]},
+                     {"every", settings.convert.everyNth},
+                     {"spacing", settings.convert.spacing}},
+                    [](InputLayer& input) {
+                        input.require({JWWKBPoint, JWWKBLineString, JWWKBPolygon},
+                                      "points, lines or polygons are needed");
+                        return JWWKBPoint;
+                    },
+                    [&, place](const JobLayers& layers, JWLayerReport& report) {
+                        return JWGeometryConvert::convertLayerToPointLayer(
+                            &layers.input.layer(), &layers.output, place, optionsOf(settings),
+                            &report);
+                    },
+                    AccountOfNothing};
     return runLayerJob(settings, job);
 }
 

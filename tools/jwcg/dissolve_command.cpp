@@ -70,12 +70,12 @@ enumJWWKBGeometryType kindOf(InputLayer& input) {
 /// Refuses what means nothing to points and lines.
 void requireForParts(const Settings& settings, const InputLayer& input) {
     const std::string layer = input.path() + ": layer " + input.layerName() + " holds no polygons ";
-    if (settings.dissolveFields.empty()) throw CommandFailure(ExitUsage, layer + "and needs --by");
-    const char* meaningless = settings.multipart            ? "--multipart"
-                              : settings.acrossClusters     ? "--across"
-                              : settings.tolerance != 0     ? "--tolerance"
-                              : !settings.areaField.empty() ? "--area-field"
-                                                            : nullptr;
+    if (settings.dissolve.fields.empty()) throw CommandFailure(ExitUsage, layer + "and needs --by");
+    const char* meaningless = settings.dissolve.multipart        ? "--multipart"
+                              : settings.dissolve.acrossClusters ? "--across"
+                              : settings.tolerance != 0          ? "--tolerance"
+                              : !settings.areaField.empty()      ? "--area-field"
+                                                                 : nullptr;
     if (meaningless == nullptr) return;
     throw CommandFailure(ExitUsage, layer + "for " + meaningless);
 }
@@ -103,16 +103,16 @@ Request requestFor(const Settings& settings, InputLayer& input) {
     Request request;
     chooseForm(settings, input, request);
     const JWFields& fields = *input.layer().getFieldsDefnPtr();
-    for (const std::string& name : settings.dissolveFields) {
+    for (const std::string& name : settings.dissolve.fields) {
         request.fields.push_back(fieldOf(input, fields, name));
     }
-    request.options.multipart = settings.multipart || settings.acrossClusters;
-    request.options.acrossClusters = settings.acrossClusters;
+    request.options.multipart = settings.dissolve.multipart || settings.dissolve.acrossClusters;
+    request.options.acrossClusters = settings.dissolve.acrossClusters;
     request.options.tolerance = settings.tolerance;
     request.options.blockSize = settings.blockSize;
     request.options.threads = settings.threads;
     request.options.areaField = settings.areaField;
-    for (const std::string& text : settings.statistics) {
+    for (const std::string& text : settings.dissolve.statistics) {
         request.options.statistics.push_back(statisticOf(input, fields, text));
     }
     return request;
@@ -120,13 +120,13 @@ Request requestFor(const Settings& settings, InputLayer& input) {
 
 void setupDissolve(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, false);
-    addList(app, "--by", settings.dissolveFields, "FIELD[,FIELD]",
+    addList(app, "--by", settings.dissolve.fields, "FIELD[,FIELD]",
             "Fields whose values must be equal; none: all that lies together");
-    app.add_flag("--multipart", settings.multipart,
+    app.add_flag("--multipart", settings.dissolve.multipart,
                  "Write one feature per group; default: one per polygon");
-    app.add_flag("--across", settings.acrossClusters,
+    app.add_flag("--across", settings.dissolve.acrossClusters,
                  "Write one feature per set of values, wherever its polygons lie");
-    addList(app, "--stat", settings.statistics, "STATISTIC[:FIELD]",
+    addList(app, "--stat", settings.dissolve.statistics, "STATISTIC[:FIELD]",
             "Statistics over the features of a group: sum, mean, min, max, first or count of a "
             "field, or count alone");
     addRunOptions(app, settings);
@@ -134,10 +134,11 @@ void setupDissolve(CLI::App& app, Settings& settings) {
 
 int runDissolve(const Settings& settings) {
     Request request;
-    Json parameters = {{"by", settings.dissolveFields},
-                       {"multipart", settings.multipart || settings.acrossClusters},
-                       {"across", settings.acrossClusters},
-                       {"stat", settings.statistics}};
+    Json parameters = {
+        {"by", settings.dissolve.fields},
+        {"multipart", settings.dissolve.multipart || settings.dissolve.acrossClusters},
+        {"across", settings.dissolve.acrossClusters},
+        {"stat", settings.dissolve.statistics}};
     return runLayerJob(settings, {"dissolve", "dissolving", false,
                                   withAreaParameters(settings, std::move(parameters)),
                                   [&](InputLayer& input) {

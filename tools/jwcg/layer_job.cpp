@@ -82,32 +82,21 @@ void throwInterrupt(const JWLayerReport& report) {
     }
 }
 
-/// Runs the library's operation into the output layer. Throws CommandFailure when it fails.
-void operate(const LayerJob& job, const JobLayers& layers, const OutputFile& output,
-             JWLayerReport& report) {
-    JWReport::clearError();
-    if (job.operation(layers, report) >= 0) return;
-    throwInterrupt(report);
-    // The text names the input.
-    const enumJWErrorKind kind = JWReport::lastError().kind;
-    if (kind == JWErrorInputUnreadable || kind == JWErrorInvalidArgument) throw libraryFailure("");
-    CommandFailure failure = output.writeFailure();
-    // The place was fine when the output was started.
-    if (kind == JWErrorOutputUnwritable && failure.code() == ExitUsage) {
-        throw CommandFailure(ExitInternal, failure.what());
-    }
-    throw failure;
-}
+/// The files of a job, checked and open.
+struct JobFiles {
+    JobFiles(const Settings& settings, const LayerJob& job);
 
-RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& bar) {
-    Stopwatch watch;
-    RunSummary summary;
-    bar.startPhase("opening");
-    OutputFile output(outputOf(settings, job));
-    InputLayer a(settings.input, settings.inputLayer);
+    OutputFile output;
+    InputLayer a;
     std::optional<InputLayer> b;
+    enumJWWKBGeometryType type;
+    JWFeatureLayer* result;
+};
+
+JobFiles::JobFiles(const Settings& settings, const LayerJob& job)
+    : output(outputOf(settings, job)), a(settings.input, settings.inputLayer) {
     restrictInput(settings, a);  // what is left may decide how the rest is done
-    const enumJWWKBGeometryType type = job.prepare(a);
+    type = job.prepare(a);
     if (job.takesOverlay) {
         b.emplace(settings.overlay, settings.overlayLayer);
         if (!job.anyOverlay) b->requirePolygons();
@@ -116,47 +105,89 @@ RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& ba
     }
     output.checkInputLayer(a.path(), a.layerName());
     if (b) b->restrictTo(settings.overlayWhere, nullptr);
-    JWFeatureLayer& result = output.createLayer(type, a.reference());
-    const double opening = watch.lap();
+    result = &output.createLayer(type, a.reference());
+}
 
-    bar.startPhase(job.phase);
-    JWLayerReport& report = summary.report;
-    operate(job, {a, b ? &*b : nullptr, result}, output, report);
-    if (!report.rejected.empty() && output.isOutOfSpace()) {
-        throw CommandFailure(ExitOutOfSpace, settings.output + ": out of disk space");
+/// Why the operation failed.
+CommandFailure operationFailure(const OutputFile& output) {
+    // The text names the input.
+    const enumJWErrorKind kind = JWReport::lastError().kind;
+    if (kind == JWErrorInputUnreadable || kind == JWErrorInvalidArgument) return libraryFailure("");
+    CommandFailure failure = output.writeFailure();
+    // The place was fine when the output was started.
+    if (kind == JWErrorOutputUnwritable && failure.code() == ExitUsage) {
+        return CommandFailure(ExitInternal, failure.what());
+    }
+    return failure;
+}
+
+/// Runs the library's operation into the output layer. Throws CommandFailure when it fails.
+void operate(const LayerJob& job, JobFiles& files, JWLayerReport& report) {
+    JWReport::clearError();
+    if (job.operation({files.a, files.b ? &*files.b : nullptr, *files.result}, report) < 0) {
+        throwInterrupt(report);
+        throw operationFailure(files.output);
+    }
+    if (!report.rejected.empty() && files.output.isOutOfSpace()) {
+        throw CommandFailure(ExitOutOfSpace, files.output.path() + ": out of disk space");
     }
     for (JWRejectedFeature& rejected : report.rejected) {
-        rejected.reason = output.withFinalPath(rejected.reason);
+        rejected.reason = files.output.withFinalPath(rejected.reason);
     }
-    const double running = watch.lap();
+}
 
-    bar.startPhase("finishing");
+/// Moves the output into place, and lists what its format lost.
+void complete(OutputFile& output, JWLayerReport& report) {
     for (JWRejectedFeature& lost : output.commit(report.written, report.writtenEmpty)) {
-        lost.source = settings.output;
+        lost.source = output.path();
         report.rejected.push_back(std::move(lost));
     }
-    bar.clear();
+}
 
+/// Fills in what is known of a job that is done, but for the seconds.
+void summarise(const Settings& settings, const LayerJob& job, const JobFiles& files,
+               RunSummary& summary) {
+    const InputLayer& a = files.a;
+    const JWLayerReport& report = summary.report;
     summary.command = job.command;
     summary.parameters = parametersOf(settings, job);
     summary.input = {a.path(), a.layerName(), report.readA, report.emptyA};
-    if (b) summary.overlay = LayerSummary{b->path(), b->layerName(), report.readB, report.emptyB};
-    summary.output = {settings.output, output.layerName(), report.written, 0};
-    summary.format = output.format();
+    if (const auto& b = files.b) {
+        summary.overlay = LayerSummary{b->path(), b->layerName(), report.readB, report.emptyB};
+    }
+    summary.output = {settings.output, files.output.layerName(), report.written, 0};
+    summary.format = files.output.format();
     summary.reference = describe(a.reference());
     summary.areaUnit = areaUnit(a.reference());
     summary.account = job.account;
-    summary.hasAreas = isAreal(type) && std::isfinite(report.area);
-    const double writing = std::max(0.0, running - report.secondsIndex - report.secondsOverlay);
-    summary.seconds.emplace_back("open", opening);
-    if (report.secondsIndex > 0 || job.account == AccountOfAreas) {
-        summary.seconds.emplace_back("index", report.secondsIndex);
-    }
-    summary.seconds.emplace_back(job.account == AccountOfAreas ? "overlay" : "run",
-                                 report.secondsOverlay);
-    summary.seconds.emplace_back("finish", writing + watch.lap());
+    summary.hasAreas = isAreal(files.type) && std::isfinite(report.area);
     if (job.describe) job.describe(summary);
     if (!report.rejected.empty()) summary.exitCode = ExitFeaturesRejected;
+}
+
+RunSummary runJob(const Settings& settings, const LayerJob& job, ProgressBar& bar) {
+    Stopwatch watch;
+    RunSummary summary;
+    JWLayerReport& report = summary.report;
+    bar.startPhase("opening");
+    JobFiles files(settings, job);
+    summary.seconds.emplace_back("open", watch.lap());
+
+    bar.startPhase(job.phase);
+    operate(job, files, report);
+    const double running = watch.lap();
+
+    bar.startPhase("finishing");
+    complete(files.output, report);
+    bar.clear();
+    const bool isOverlay = job.account == AccountOfAreas;
+    if (report.secondsIndex > 0 || isOverlay) {
+        summary.seconds.emplace_back("index", report.secondsIndex);
+    }
+    summary.seconds.emplace_back(isOverlay ? "overlay" : "run", report.secondsOverlay);
+    const double writing = std::max(0.0, running - report.secondsIndex - report.secondsOverlay);
+    summary.seconds.emplace_back("finish", writing + watch.lap());
+    summarise(settings, job, files, summary);
     return summary;
 }
 

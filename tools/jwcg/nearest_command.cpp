@@ -15,17 +15,17 @@ namespace {
 
 void setupNearest(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, true);
-    CLI::Option* exact = app.add_flag("--true", settings.exact,
+    CLI::Option* exact = app.add_flag("--true", settings.nearest.exact,
                                       "Find what is really nearest, for features of any kind");
-    addInteger(app, "--k", settings.nearestCount, 1, INT_MAX,
+    addInteger(app, "--k", settings.nearest.count, 1, INT_MAX,
                "With --true: how many features for each of INPUT; ties are all kept");
-    addNonNegative(app, "--max-distance", settings.maxDistance,
+    addNonNegative(app, "--max-distance", settings.nearest.maxDistance,
                    "With --true: leave out what is farther, layer units; default: none");
-    app.add_flag("--others", settings.skipSame,
+    app.add_flag("--others", settings.nearest.skipSame,
                  "With --true: leave out the feature of OVERLAY with the same identifier, for a "
                  "layer against itself")
         ->needs(exact);
-    app.add_flag("--boundary", settings.toBoundary,
+    app.add_flag("--boundary", settings.nearest.toBoundary,
                  "Measure to the rings of polygons, not to their areas")
         ->excludes(exact);
     addThreadOptions(app, settings);
@@ -79,7 +79,7 @@ enumJWShortestOperation operationFor(const Settings& settings, InputLayer& sourc
         case JWWKBLineString:
             return fromLines ? JWShortestLinesToLines : JWShortestPointsToLines;
         case JWWKBPolygon:
-            if (settings.toBoundary)
+            if (settings.nearest.toBoundary)
                 return fromLines ? JWShortestLinesToRings : JWShortestPointsToRings;
             return fromLines ? JWShortestLinesToPolygons : JWShortestPointsToPolygons;
         default:
@@ -90,33 +90,33 @@ enumJWShortestOperation operationFor(const Settings& settings, InputLayer& sourc
 int findNearest(const Settings& settings, const JobLayers& layers, JWLayerReport& report) {
     JWFeatureLayer* source = &layers.input.layer();
     JWFeatureLayer* target = &layers.overlay->layer();
-    if (!settings.exact) {
+    if (!settings.nearest.exact) {
         return JWGeometryNearest::shortestFeatures(
             operationFor(settings, layers.input, *layers.overlay), source, target, &layers.output,
             settings.threads, &report, settings.blockSize);
     }
     JWNearestOptions options;
     options.blockSize = settings.blockSize;
-    options.count = settings.nearestCount;
-    options.maxDistance = settings.maxDistance;
-    options.skipSameIdentifier = settings.skipSame;
+    options.count = settings.nearest.count;
+    options.maxDistance = settings.nearest.maxDistance;
+    options.skipSameIdentifier = settings.nearest.skipSame;
     options.threads = settings.threads;
     return JWGeometryNearest::nearestFeatures(source, target, &layers.output, options, &report);
 }
 
 int runNearest(const Settings& settings) {
-    const bool limited = std::isfinite(settings.maxDistance);
-    if (!settings.exact && (settings.nearestCount > 1 || limited))
+    const bool limited = std::isfinite(settings.nearest.maxDistance);
+    if (!settings.nearest.exact && (settings.nearest.count > 1 || limited))
         throw CommandFailure(ExitUsage, "--k and --max-distance work with --true only");
     bool isGeographic = false;
     LayerJob job = {"nearest",
                     "searching",
                     true,
-                    {{"true", settings.exact},
-                     {"k", settings.nearestCount},
-                     {"max_distance", limited ? Json(settings.maxDistance) : Json(nullptr)},
-                     {"others", settings.skipSame},
-                     {"boundary", settings.toBoundary}},
+                    {{"true", settings.nearest.exact},
+                     {"k", settings.nearest.count},
+                     {"max_distance", limited ? Json(settings.nearest.maxDistance) : Json(nullptr)},
+                     {"others", settings.nearest.skipSame},
+                     {"boundary", settings.nearest.toBoundary}},
                     [&](InputLayer& input) {
                         const JWSpatialReference* reference = input.reference();
                         isGeographic = reference != nullptr && reference->isGeographic() != 0;

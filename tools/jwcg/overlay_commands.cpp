@@ -24,28 +24,28 @@ int attributeMode(const std::string& attributes) {
 
 JWOverlayOptions optionsOf(const Settings& settings) {
     JWOverlayOptions options;
-    options.attributeMode = attributeMode(settings.attributes);
+    options.attributeMode = attributeMode(settings.overlays.attributes);
     options.tolerance = settings.tolerance;
     options.blockSize = settings.blockSize;
     options.threads = settings.threads;
-    options.multipart = !settings.singleParts;
-    options.keepBorders = !settings.noBorders;
-    options.keepUnmatched = !settings.dropUnmatched;
-    options.rowPerPair = settings.rowPerPair;
-    options.checkAreas = !settings.noCheck;
+    options.multipart = !settings.overlays.singleParts;
+    options.keepBorders = !settings.overlays.noBorders;
+    options.keepUnmatched = !settings.overlays.dropUnmatched;
+    options.rowPerPair = settings.overlays.rowPerPair;
+    options.checkAreas = !settings.overlays.noCheck;
     options.promoteToMulti = true;
     options.areaField = settings.areaField;
-    options.prefixA = settings.prefixA;
-    options.prefixB = settings.prefixB;
+    options.prefixA = settings.overlays.prefixA;
+    options.prefixB = settings.overlays.prefixB;
     return options;
 }
 
 Json parametersOf(const Settings& settings) {
-    return withAreaParameters(settings, {{"attributes", settings.attributes},
-                                         {"prefix_a", settings.prefixA},
-                                         {"prefix_b", settings.prefixB},
-                                         {"single_parts", settings.singleParts},
-                                         {"check", !settings.noCheck}});
+    return withAreaParameters(settings, {{"attributes", settings.overlays.attributes},
+                                         {"prefix_a", settings.overlays.prefixA},
+                                         {"prefix_b", settings.overlays.prefixB},
+                                         {"single_parts", settings.overlays.singleParts},
+                                         {"check", !settings.overlays.noCheck}});
 }
 
 int runTwo(const Settings& settings, const char* command, TwoLayers operation,
@@ -75,21 +75,21 @@ int runOne(const Settings& settings, const char* command, OneLayer operation, co
 void setupPlain(CLI::App& app, Settings& settings, bool takesOverlay) {
     addLayerOptions(app, settings, takesOverlay);
     addRunOptions(app, settings);
-    app.add_flag("--single-parts", settings.singleParts,
+    app.add_flag("--single-parts", settings.overlays.singleParts,
                  "Make each part of a result a feature of its own");
-    app.add_flag("--no-check", settings.noCheck,
+    app.add_flag("--no-check", settings.overlays.noCheck,
                  "Do not check that the areas add up, which costs up to as much as the operation");
 }
 
 /// What those take whose results carry attributes of two features.
 void setupJoining(CLI::App& app, Settings& settings, bool takesOverlay) {
     setupPlain(app, settings, takesOverlay);
-    addChoice(app, "--attributes", settings.attributes, {"all", "fid", "both"},
+    addChoice(app, "--attributes", settings.overlays.attributes, {"all", "fid", "both"},
               "Attributes of the result: those of both source features, their two identifiers, or "
               "both");
-    addText(app, "--prefix-a", settings.prefixA, "TEXT",
+    addText(app, "--prefix-a", settings.overlays.prefixA, "TEXT",
             "Put in front of the first feature's fields whose names collide");
-    addText(app, "--prefix-b", settings.prefixB, "TEXT",
+    addText(app, "--prefix-b", settings.overlays.prefixB, "TEXT",
             "Put in front of the second feature's fields whose names collide");
 }
 
@@ -99,16 +99,16 @@ void setupTwoJoining(CLI::App& app, Settings& settings) { setupJoining(app, sett
 void setupUpdate(CLI::App& app, Settings& settings) {
     setupTwoJoining(app, settings);
     app.add_flag(
-        "--no-borders", settings.noBorders,
+        "--no-borders", settings.overlays.noBorders,
         "Let the features of OVERLAY take in what they overlap: each feature of INPUT goes "
         "to the first of them");
 }
 
 void setupSpatialJoin(CLI::App& app, Settings& settings) {
     setupTwoJoining(app, settings);
-    app.add_flag("--drop-unmatched", settings.dropUnmatched,
+    app.add_flag("--drop-unmatched", settings.overlays.dropUnmatched,
                  "Leave out features of INPUT that meet none of OVERLAY");
-    app.add_flag("--row-per-pair", settings.rowPerPair,
+    app.add_flag("--row-per-pair", settings.overlays.rowPerPair,
                  "Write a row for every feature of OVERLAY that is met; default: one row for each "
                  "feature of INPUT, with the attributes of the first");
 }
@@ -124,7 +124,7 @@ void setupSelfUnion(CLI::App& app, Settings& settings) {
     setupJoining(app, settings, false);
     excludeJoining(
         app, *app.add_flag(
-                 "--merge", settings.merge,
+                 "--merge", settings.overlays.merge,
                  "Grow features that overlap together instead, with the attributes of the first"));
 }
 
@@ -132,7 +132,7 @@ void setupSelfIntersect(CLI::App& app, Settings& settings) {
     setupJoining(app, settings, false);
     excludeJoining(
         app, *app.add_flag(
-                 "--per-feature", settings.perFeature,
+                 "--per-feature", settings.overlays.perFeature,
                  "Write for each feature what it shares with later ones, all in one, instead"));
 }
 
@@ -221,7 +221,7 @@ Command updateCommand() {
             setupUpdate,
             [](const Settings& settings) {
                 return runTwo(settings, "update", &Overlay::updatePolygonLayer,
-                              {{"borders", !settings.noBorders}});
+                              {{"borders", !settings.overlays.noBorders}});
             }};
 }
 
@@ -234,8 +234,8 @@ Command spatialJoinCommand() {
             setupSpatialJoin,
             [](const Settings& settings) {
                 return runTwo(settings, "spatial-join", &Overlay::spatialJoinPolygonLayers,
-                              {{"drop_unmatched", settings.dropUnmatched},
-                               {"row_per_pair", settings.rowPerPair}});
+                              {{"drop_unmatched", settings.overlays.dropUnmatched},
+                               {"row_per_pair", settings.overlays.rowPerPair}});
             }};
 }
 
@@ -249,9 +249,10 @@ Command selfUnionCommand() {
             setupSelfUnion,
             [](const Settings& settings) {
                 return runOne(settings, "self-union",
-                              settings.merge ? OneLayer(&Overlay::unionPolygonsInSameLayer)
-                                             : OneLayer(&Overlay::unionPolygonsInSameLayer2),
-                              {{"merge", settings.merge}});
+                              settings.overlays.merge
+                                  ? OneLayer(&Overlay::unionPolygonsInSameLayer)
+                                  : OneLayer(&Overlay::unionPolygonsInSameLayer2),
+                              {{"merge", settings.overlays.merge}});
             }};
 }
 
@@ -264,10 +265,10 @@ Command selfIntersectCommand() {
             setupSelfIntersect,
             [](const Settings& settings) {
                 return runOne(settings, "self-intersect",
-                              settings.perFeature
+                              settings.overlays.perFeature
                                   ? OneLayer(&Overlay::intersectPolygonsInSameLayer)
                                   : OneLayer(&Overlay::intersectPolygonsInSameLayer2),
-                              {{"per_feature", settings.perFeature}});
+                              {{"per_feature", settings.overlays.perFeature}});
             }};
 }
 

@@ -19,16 +19,17 @@ namespace {
 
 JWLayerRelationOptions optionsOf(const Settings& settings) {
     JWLayerRelationOptions options;
-    options.predicate = settings.predicate == "any" ? "" : settings.predicate;
-    options.pattern = settings.pattern;
+    options.predicate = settings.relate.predicate == "any" ? "" : settings.relate.predicate;
+    options.pattern = settings.relate.pattern;
     options.blockSize = settings.blockSize;
     options.threads = settings.threads;
     return options;
 }
 
 Json parametersOf(const Settings& settings) {
-    return {{"predicate", settings.predicate},
-            {"pattern", settings.pattern.empty() ? Json(nullptr) : Json(settings.pattern)}};
+    return {{"predicate", settings.relate.predicate},
+            {"pattern",
+             settings.relate.pattern.empty() ? Json(nullptr) : Json(settings.relate.pattern)}};
 }
 
 Json pairAsJson(const JWRelatedPair& pair) {
@@ -117,10 +118,10 @@ std::vector<std::string> predicateChoices() {
 
 void setupRelate(CLI::App& app, Settings& settings) {
     addLayerOptions(app, settings, true, true);
-    addChoice(app, "--predicate", settings.predicate, predicateChoices(),
+    addChoice(app, "--predicate", settings.relate.predicate, predicateChoices(),
               "Only pairs for which this holds of the feature of INPUT to that of OVERLAY; "
               "disjoint names those whose envelopes meet all the same");
-    addText(app, "--pattern", settings.pattern, "MATRIX",
+    addText(app, "--pattern", settings.relate.pattern, "MATRIX",
             "Only pairs whose matrix fits nine characters: T for something, F for nothing, 0 to 2 "
             "for a dimension, * for either, as in 'T*F**F***'");
     addThreadOptions(app, settings);

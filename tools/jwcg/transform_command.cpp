@@ -68,7 +68,8 @@ struct Transformation {
 
 /// The origin asked for, or the centre of the layer's extent, which costs a pass.
 JWRawPoint originFor(const Settings& settings, JWFeatureLayer& layer) {
-    if (!settings.origin.empty()) return JWRawPoint(settings.origin[0], settings.origin[1]);
+    if (!settings.transform.origin.empty())
+        return JWRawPoint(settings.transform.origin[0], settings.transform.origin[1]);
     if (!layer.updateEnvelop()) throw libraryFailure(settings.input);
     const JWEnvelop extent = layer.getLayerEnvelop();
     if (!extent.isValid()) return JWRawPoint(0, 0);
@@ -77,7 +78,7 @@ JWRawPoint originFor(const Settings& settings, JWFeatureLayer& layer) {
 }
 
 void compose(const Settings& settings, JWFeatureLayer& layer, Transformation& made) {
-    for (const TransformStep& step : settings.steps) {
+    for (const TransformStep& step : settings.transform.steps) {
         if (needsOrigin(step) && !made.origin) made.origin = originFor(settings, layer);
         made.map = composed(made.map,
                             mapOf(step, made.origin ? *made.origin : JWRawPoint(0, 0), made.fit));
@@ -86,7 +87,7 @@ void compose(const Settings& settings, JWFeatureLayer& layer, Transformation& ma
     if (!std::all_of(m, m + 6, [](double number) { return std::isfinite(number); })) {
         throw CommandFailure(ExitUsage, "the transformation grows beyond all numbers");
     }
-    if (!settings.inverse) return;
+    if (!settings.transform.inverse) return;
     Affine inverse;
     if (!JWGeometryTransform::invertMatrix(made.map.m, inverse.m)) {
         throw CommandFailure(ExitUsage,
@@ -112,11 +113,11 @@ void describe(const Transformation& made, RunSummary& summary) {
 
 Json parametersOf(const Settings& settings) {
     Json steps = Json::array();
-    for (const TransformStep& step : settings.steps) {
+    for (const TransformStep& step : settings.transform.steps) {
         steps.push_back({{"step", step.name.substr(2)},
                          {"value", step.file.empty() ? Json(step.numbers) : Json(step.file)}});
     }
-    return {{"steps", std::move(steps)}, {"inverse", settings.inverse}};
+    return {{"steps", std::move(steps)}, {"inverse", settings.transform.inverse}};
 }
 
 void setupTransform(CLI::App& app, Settings& settings) {
@@ -124,7 +125,7 @@ void setupTransform(CLI::App& app, Settings& settings) {
     const auto addStep = [&](const std::string& name, const std::vector<std::size_t>& counts,
                              const std::string& type, const std::string& help) {
         addNumbers(app, name, counts, type, help, [&settings, name](const auto& numbers) {
-            settings.steps.push_back({name, numbers, ""});
+            settings.transform.steps.push_back({name, numbers, ""});
         });
     };
     addStep("--move", {2}, "DX,DY", "Move, in layer units");
@@ -138,7 +139,7 @@ void setupTransform(CLI::App& app, Settings& settings) {
     app.add_option_function<std::string>(
            "--gcp",
            [&settings](const std::string& path) {
-               settings.steps.push_back({"--gcp", {}, path});
+               settings.transform.steps.push_back({"--gcp", {}, path});
            },
            "Fit to control points: lines of target x, target y, source x, source y; prints what "
            "is left over at each")
@@ -146,19 +147,19 @@ void setupTransform(CLI::App& app, Settings& settings) {
         ->trigger_on_parse();
     addNumbers(app, "--origin", {2}, "X,Y",
                "Fixed point of --rotate, --scale and --shear; default: the centre of the layer",
-               [&settings](const auto& numbers) { settings.origin = numbers; });
-    app.add_flag("--inverse", settings.inverse, "Do the reverse of all that");
+               [&settings](const auto& numbers) { settings.transform.origin = numbers; });
+    app.add_flag("--inverse", settings.transform.inverse, "Do the reverse of all that");
     addThreadOptions(app, settings);
 }
 
 int runTransform(const Settings& settings) {
-    if (settings.steps.empty()) {
+    if (settings.transform.steps.empty()) {
         throw CommandFailure(ExitUsage,
                              "nothing to do: give one or more of --move, --rotate, "
                              "--scale, --shear, --matrix and --gcp");
     }
     Transformation made;
-    for (const TransformStep& step : settings.steps) {
+    for (const TransformStep& step : settings.transform.steps) {
         if (step.name != "--gcp") continue;
         if (made.fit) throw CommandFailure(ExitUsage, "--gcp may be given once");
         made.fit = fitControlPoints(step.file);
