@@ -123,8 +123,9 @@ class JW_API JWPolyCurve : public JWCurve {
     /// within `tolerance` of the segment that replaces it. End points stay; a ring that would fall
     /// below 4 stored points stays as it is, and so does each such ring of a polygon. A point whose
     /// distance is not a number stays. The envelope is up to date afterwards when something
-    /// changed. \param tolerance  layer units; zero, negative or NaN changes nothing \return true
-    /// when a point was dropped Cost: O(n log n) as a rule, O(n²) at worst; no recursion.
+    /// changed. Cost: O(n log n) as a rule, O(n²) at worst; no recursion.
+    /// \param tolerance  layer units; zero, negative or NaN changes nothing
+    /// \return true when a point was dropped
     virtual bool generalizeByDouglasPoiker(double tolerance) = 0;
     /// Replaces the points by Bézier curves over them, as `JWBezierCurve::makeBezierCurve`; rings
     /// are smoothed as the closed list that they store, and one that would fall below 4 stored

@@ -32,11 +32,11 @@ struct JWClipOptions {
 ///
 /// Conventions:
 /// - The answer is the number of pieces (of areas cut by lines, of their rings; of features and
-///   layers, 1) for success and 0 for: a null argument, an empty geometry, a coordinate that
-///   is not finite, a cutter that has no edge (rings of fewer than four points, lines of no
-///   length), operands that `checkWeird` rejects, an empty result, and a failure. Nothing is added
-///   then, and `JWReport::lastError` tells why. Nothing throws, and nothing
-///   is printed but what a team has to say about its threads.
+///   layers, 1) for success and 0 for: a null argument, an empty geometry, a coordinate that is not
+///   finite, a cutter that has no edge (rings of fewer than four points, lines of no length),
+///   operands that `checkWeird` rejects, an empty result, and a failure. Nothing is added then, and
+///   `JWReport::lastError` tells why. Nothing throws, and nothing is printed but what a team has to
+///   say about its threads.
 /// - Pieces are new objects and belong to the caller. They are appended; what the lists held
 ///   before stays. Their envelopes are up to date. Vertices keep their bits, only points where
 ///   boundaries cross are rounded; pieces that follow one another share their end point bit for
@@ -86,8 +86,8 @@ class JW_API JWGeometryClip {
     /// Cut a line wherever it meets the boundary: where it goes in or out, and where it touches,
     /// from inside or outside; where it runs along, at both ends of that stretch and not at the
     /// ring's vertices in between. The line's own ends are not cut. Pieces are in the order of the
-    /// line, each marked by where it lies. A line that the area does not reach is one piece
-    /// outside. \param inside  receives for each piece 1 when it lies inside, 0 outside
+    /// line; `inside` receives for each of them 1 when it lies inside, 0 outside. A line that the
+    /// area does not reach is one piece outside.
     ///
     /// `LINESTRING (-5 5, 15 5)` by the square from 0 to 10: three pieces, marked 0, 1, 0;
     /// `LINESTRING (-5 5, 5 -5)`, through a corner from outside: two pieces, marked 0, 0.

@@ -164,8 +164,7 @@ TEST(ConvertGeometry, PolygonToLines) {
     EXPECT_EQ(Convert::convertPolygonToLines(nullptr, lines), 0);
 }
 
-// --- layers
-// ---------------------------------------------------------------------------------------
+// --- layers --------------------------------------------------------------------------------------
 
 /// Numbers with gaps, two squares with a border in common, one that lies apart.
 const std::vector<Row> kPolygons = {{7, "POLYGON((0 0,2 0,2 2,0 2,0 0))", "a"},

@@ -192,8 +192,7 @@ TEST(Distances, PlainPointsAndNulls) {
     EXPECT_EQ(Nearest::shortestLineStringToLineString(&line, &bad, &P, &Q), -1);
 }
 
-// --- against all pairs
-// ----------------------------------------------------------------------------
+// --- against all pairs ---------------------------------------------------------------------------
 
 /// Points on a coarse grid, so that ties and touches are common; `far` shifts them.
 stated::Line randomLine(std::mt19937& random, int n, double grid, double far) {

@@ -146,8 +146,7 @@ TEST(SquareSearchLayers, OutputsWithFields) {
     EXPECT_FALSE(Nearest::shortestPointsToPoints(source.get(), out.get(), out.get()));
 }
 
-// --- against the stated loop
-// ----------------------------------------------------------------------
+// --- against the stated loop ---------------------------------------------------------------------
 
 struct Record {
     JWRawPoint from{0, 0}, to{0, 0};
