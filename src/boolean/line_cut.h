@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+//
+// Areas cut along lines: the engine arranges the outline and the lines together, and the faces of
+// that which lie in the area are the pieces. The engine reads all points where they lie.
 #ifndef JW_BOOLEAN_LINE_CUT_H
 #define JW_BOOLEAN_LINE_CUT_H
 

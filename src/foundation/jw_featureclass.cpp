@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+//
+// JWFeatureClass, features in memory: it owns them and copies of it are deep. The envelope is that
+// of the last call that worked it out.
 #include <utility>
 
 #include "jw_feature.h"
