@@ -71,7 +71,6 @@ struct JWSourceHandle {
     bool begin();
     bool commit();
     bool rollback();
-    bool inTransaction() const { return m_depth > 0; }
     /// Commits the implicit transaction, if any.
     bool commitImplicit();
     /// Opens the implicit transaction unless there is one of either kind.
