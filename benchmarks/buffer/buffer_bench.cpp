@@ -3,19 +3,16 @@
 // Buffers beside GEOS and Clipper: answers are compared before times. The three draw their arcs
 // differently (our circles and half circles have 36 and 24 corners to a full turn, theirs 24), and
 // GEOS simplifies its input a little, so that areas agree to about a hundredth only.
-#include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <random>
 #include <stdexcept>
-#include <string>
+#include <utility>
 
 #include "buffer/buffer_rival.h"
 #include "jw_datasource.h"
 #include "jw_feature.h"
-#include "support/run_main.h"
-#include "support/stats.h"
+#include "support/contest.h"
+#include "support/run_cases.h"
 
 namespace bench {
 namespace {
@@ -79,62 +76,31 @@ const Case kCases[] = {
     {"counties", 0, 0, 0.02, true},
 };
 
-struct Entry {
-    const char* name;
-    std::unique_ptr<BufferRival> rival;
-};
-
 /// Returns false when a rival's answer is not ours.
 bool measure(const Case& chosen, int rounds) {
     const Geometries input = chosen.lines == 0 ? counties() : walks(chosen.lines, chosen.points);
+    std::vector<std::unique_ptr<BufferRival>> rivals;
     std::vector<Entry> entries;
-    entries.push_back({"jwcg", makeOursBuffer(false)});
-    entries.push_back({"jwcg_mp", makeOursBuffer(true)});
-    if (chosen.rivals) {
-        entries.push_back({"geos", makeGeosBuffer()});
-        entries.push_back({"clipper", makeClipperBuffer()});
-    }
-    std::vector<Contender> contenders;
-    std::vector<double> areas;
-    for (Entry& entry : entries) {
-        BufferRival* rival = entry.rival.get();
+    const auto enter = [&](const char* name, std::unique_ptr<BufferRival> made) {
+        BufferRival* rival = rivals.emplace_back(std::move(made)).get();
         rival->load(input);
-        rival->run(chosen.distance);
-        areas.push_back(rival->area());
-        rival->clear();
-        contenders.push_back({[=] { rival->run(chosen.distance); }, [=] { rival->clear(); }});
+        entries.push_back({name, [=] { rival->run(chosen.distance); },
+                           [=] { return rival->area(); }, [=] { rival->clear(); }});
+    };
+    enter("jwcg", makeOursBuffer(false));
+    enter("jwcg_mp", makeOursBuffer(true));
+    if (chosen.rivals) {
+        enter("geos", makeGeosBuffer());
+        enter("clipper", makeClipperBuffer());
     }
-    const auto times = interleave(contenders, rounds);
-    bool same = true;
-    std::printf("%s\n", chosen.name);
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const bool equal = std::fabs(areas[i] / areas[0] - 1) < kAreaTolerance;
-        same = same && equal;
-        std::printf("  %-8s %10.1f ms  ratio %6.2f  area %.10g%s\n", entries[i].name,
-                    median(times[i]), medianRatio(times[i], times[0]), areas[i],
-                    equal ? "" : "  DIFFERS");
-    }
-    return same;
-}
-
-int run(int argc, char** argv) {
-    CLI::App app("Buffers beside GEOS and Clipper; areas are compared first.");
-    std::vector<std::string> names;
-    int rounds = 3;
-    app.add_option("cases", names, "cases by name; all without");
-    app.add_option("--rounds", rounds, "rounds in which the contenders run in turn");
-    CLI11_PARSE(app, argc, argv);
-    bool same = true;
-    for (const Case& one : kCases) {
-        if (!names.empty() && std::find(names.begin(), names.end(), one.name) == names.end()) {
-            continue;
-        }
-        same = measure(one, rounds) && same;
-    }
-    return same ? 0 : 1;
+    return contest(chosen.name, entries, kAreaTolerance, rounds);
 }
 
 }  // namespace
 }  // namespace bench
 
-int main(int argc, char** argv) { return bench::runMain("buffer_bench", bench::run, argc, argv); }
+int main(int argc, char** argv) {
+    return bench::runCases("buffer_bench",
+                           "Buffers beside GEOS and Clipper; areas are compared first.",
+                           bench::kCases, bench::measure, argc, argv);
+}

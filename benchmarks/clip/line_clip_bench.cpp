@@ -2,15 +2,13 @@
 //
 // Lines clipped by an area, and an area cut along lines, beside GEOS with prepared geometries.
 // Lengths and numbers of faces are compared before times.
-#include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <string>
+#include <utility>
 
 #include "clip/line_clip_rival.h"
+#include "support/contest.h"
 #include "support/random_rings.h"
-#include "support/stats.h"
+#include "support/run_cases.h"
 
 namespace bench {
 namespace {
@@ -71,56 +69,26 @@ const Case kCases[] = {
 bool measure(const Case& one, int rounds) {
     const jws::JWPolygon area = areaOf(10000, one.spiky);
     const jws::JWMultiLineString lines = linesOf(one.lines, one.points, one.step);
-    struct Entry {
-        const char* name;
-        std::unique_ptr<LineClipRival> rival;
-    } entries[] = {{"jwcg", makeOursLineClip(false)},
-                   {"jwcg_mp", makeOursLineClip(true)},
-                   {"geos", makeGeosLineClip()}};
-    std::vector<Contender> contenders;
-    std::vector<double> measures;
-    for (Entry& entry : entries) {
-        LineClipRival* rival = entry.rival.get();
-        const auto run = [rival, &one] { one.cutsArea ? rival->cut() : rival->clip(); };
+    std::vector<std::unique_ptr<LineClipRival>> rivals;
+    std::vector<Entry> entries;
+    const auto enter = [&](const char* name, std::unique_ptr<LineClipRival> made) {
+        LineClipRival* rival = rivals.emplace_back(std::move(made)).get();
         rival->load(lines, area);
-        run();
-        measures.push_back(rival->measure());
-        rival->clear();
-        contenders.push_back({run, [rival] { rival->clear(); }});
-    }
-    const auto times = interleave(contenders, rounds);
-    bool same = true;
-    std::printf("%s\n", one.name);
-    for (std::size_t i = 0; i < measures.size(); ++i) {
-        const bool equal = std::fabs(measures[i] - measures[0]) <= 1e-9 * std::fabs(measures[0]);
-        same = same && equal;
-        std::printf("  %-8s %10.1f ms  ratio %6.2f  %s %.10g%s\n", entries[i].name,
-                    median(times[i]), medianRatio(times[i], times[0]),
-                    one.cutsArea ? "faces" : "length", measures[i], equal ? "" : "  DIFFERS");
-    }
-    std::fflush(stdout);
-    return same;
-}
-
-int run(int argc, char** argv) {
-    CLI::App app(
-        "Lines clipped by an area of 10,000 vertices and areas cut along lines, beside "
-        "GEOS; answers are compared first.");
-    std::vector<std::string> names;
-    int rounds = 3;
-    app.add_option("cases", names, "cases by name; all without");
-    app.add_option("--rounds", rounds, "rounds in which the contenders run in turn");
-    CLI11_PARSE(app, argc, argv);
-    bool same = true;
-    for (const Case& one : kCases) {
-        const bool chosen =
-            names.empty() || std::find(names.begin(), names.end(), one.name) != names.end();
-        if (chosen) same = measure(one, rounds) && same;
-    }
-    return same ? 0 : 1;
+        entries.push_back({name, [=] { one.cutsArea ? rival->cut() : rival->clip(); },
+                           [=] { return rival->measure(); }, [=] { rival->clear(); }});
+    };
+    enter("jwcg", makeOursLineClip(false));
+    enter("jwcg_mp", makeOursLineClip(true));
+    enter("geos", makeGeosLineClip());
+    return contest(one.name, entries, 1e-9, rounds);
 }
 
 }  // namespace
 }  // namespace bench
 
-int main(int argc, char** argv) { return bench::run(argc, argv); }
+int main(int argc, char** argv) {
+    return bench::runCases("line_clip_bench",
+                           "Lines clipped by an area of 10,000 vertices and areas cut along lines, "
+                           "beside GEOS; answers are compared first.",
+                           bench::kCases, bench::measure, argc, argv);
+}

@@ -4,7 +4,7 @@
 #include <boost/geometry/geometries/point_xy.hpp>
 #include <boost/geometry/geometries/polygon.hpp>
 
-#include "gpc/clip_rival.h"
+#include "gpc/pairwise_clip.h"
 
 namespace bench {
 namespace {
@@ -14,31 +14,8 @@ using Point = bg::model::d2::point_xy<double>;
 using Polygon = bg::model::polygon<Point, false, true>;  // counter-clockwise, closed
 using MultiPolygon = bg::model::multi_polygon<Polygon>;
 
-class BoostClip final : public ClipRival {
-  public:
-    void load(const std::vector<ClipOperands>& pairs) override {
-        for (const ClipOperands& pair : pairs) {
-            operands_.push_back(multiPolygon(pair.a));
-            operands_.push_back(multiPolygon(pair.b));
-        }
-    }
-
-    void run(ClipOp op) override {
-        for (std::size_t i = 0; i < operands_.size(); i += 2) {
-            clip(op, operands_[i], operands_[i + 1]);
-        }
-    }
-
-    double area(ClipOp op) override {
-        double sum = 0;
-        for (std::size_t i = 0; i < operands_.size(); i += 2) {
-            sum += bg::area(clip(op, operands_[i], operands_[i + 1]));
-        }
-        return sum;
-    }
-
-  private:
-    static MultiPolygon clip(ClipOp op, const MultiPolygon& a, const MultiPolygon& b) {
+class BoostClip final : public PairwiseClip<MultiPolygon> {
+    MultiPolygon clip(ClipOp op, const MultiPolygon& a, const MultiPolygon& b) const override {
         MultiPolygon result;
         switch (op) {
             case ClipOp::Intersection:
@@ -61,7 +38,7 @@ class BoostClip final : public ClipRival {
         for (const jws::JWRawPoint& p : from) to.emplace_back(p.x, p.y);
     }
 
-    static MultiPolygon multiPolygon(const ClipOperand& polygons) {
+    MultiPolygon operand(const ClipOperand& polygons) const override {
         MultiPolygon multi;
         for (const ClipPolygon& polygon : polygons) {
             Polygon one;
@@ -76,7 +53,7 @@ class BoostClip final : public ClipRival {
         return multi;
     }
 
-    std::vector<MultiPolygon> operands_;
+    double areaOf(const MultiPolygon& result) const override { return bg::area(result); }
 };
 
 }  // namespace

@@ -8,12 +8,12 @@
 #include <polyclipping/clipper.hpp>
 #include <stdexcept>
 
-#include "gpc/clip_rival.h"
+#include "gpc/pairwise_clip.h"
 
 namespace bench {
 namespace {
 
-class ClipperClip final : public ClipRival {
+class ClipperClip final : public PairwiseClip<ClipperLib::Paths> {
   public:
     void load(const std::vector<ClipOperands>& pairs) override {
         double reach = 0;
@@ -28,32 +28,13 @@ class ClipperClip final : public ClipRival {
         }
         int exponent = 0;
         std::frexp(reach, &exponent);
-        scale_ = std::ldexp(1.0, 29 - exponent);
-        for (const ClipOperands& pair : pairs) {
-            operands_.push_back(paths(pair.a));
-            operands_.push_back(paths(pair.b));
-        }
-    }
-
-    void run(ClipOp op) override {
-        for (std::size_t i = 0; i < operands_.size(); i += 2) {
-            clip(op, operands_[i], operands_[i + 1]);
-        }
-    }
-
-    double area(ClipOp op) override {
-        double sum = 0;
-        for (std::size_t i = 0; i < operands_.size(); i += 2) {
-            for (const ClipperLib::Path& path : clip(op, operands_[i], operands_[i + 1])) {
-                sum += ClipperLib::Area(path);
-            }
-        }
-        return sum / (scale_ * scale_);
+        m_scale = std::ldexp(1.0, 29 - exponent);
+        PairwiseClip::load(pairs);
     }
 
   private:
-    static ClipperLib::Paths clip(ClipOp op, const ClipperLib::Paths& a,
-                                  const ClipperLib::Paths& b) {
+    ClipperLib::Paths clip(ClipOp op, const ClipperLib::Paths& a,
+                           const ClipperLib::Paths& b) const override {
         constexpr ClipperLib::ClipType types[] = {ClipperLib::ctIntersection, ClipperLib::ctUnion,
                                                   ClipperLib::ctDifference, ClipperLib::ctXor};
         ClipperLib::Clipper clipper;
@@ -66,12 +47,12 @@ class ClipperClip final : public ClipRival {
         return result;
     }
 
-    ClipperLib::Paths paths(const ClipOperand& polygons) const {
+    ClipperLib::Paths operand(const ClipOperand& polygons) const override {
         ClipperLib::Paths list;
         const auto add = [&](const jwtest::Ring& ring) {
             ClipperLib::Path path;
             for (const jws::JWRawPoint& p : ring) {
-                path.emplace_back(std::llround(p.x * scale_), std::llround(p.y * scale_));
+                path.emplace_back(std::llround(p.x * m_scale), std::llround(p.y * m_scale));
             }
             list.push_back(std::move(path));
         };
@@ -82,8 +63,13 @@ class ClipperClip final : public ClipRival {
         return list;
     }
 
-    double scale_ = 1;
-    std::vector<ClipperLib::Paths> operands_;
+    double areaOf(const ClipperLib::Paths& result) const override {
+        double sum = 0;
+        for (const ClipperLib::Path& path : result) sum += ClipperLib::Area(path);
+        return sum / (m_scale * m_scale);
+    }
+
+    double m_scale = 1;
 };
 
 }  // namespace

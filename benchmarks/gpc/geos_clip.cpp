@@ -1,91 +1,61 @@
 // SPDX-License-Identifier: MIT
-#include <geos_c.h>
-
 #include <stdexcept>
 
-#include "gpc/clip_rival.h"
+#include "gpc/pairwise_clip.h"
+#include "support/geos_handles.h"
 
 namespace bench {
 namespace {
 
-class GeosClip final : public ClipRival {
-  public:
-    GeosClip() : context_(GEOS_init_r()) {}
-    ~GeosClip() override {
-        for (GEOSGeometry* g : operands_) GEOSGeom_destroy_r(context_, g);
-        GEOS_finish_r(context_);
-    }
-
-    void load(const std::vector<ClipOperands>& pairs) override {
-        for (const ClipOperands& pair : pairs) {
-            operands_.push_back(multiPolygon(pair.a));
-            operands_.push_back(multiPolygon(pair.b));
-        }
-    }
-
-    void run(ClipOp op) override {
-        for (std::size_t i = 0; i < operands_.size(); i += 2) {
-            GEOSGeom_destroy_r(context_, overlay(op, operands_[i], operands_[i + 1]));
-        }
-    }
-
-    double area(ClipOp op) override {
-        double sum = 0;
-        for (std::size_t i = 0; i < operands_.size(); i += 2) {
-            GEOSGeometry* result = overlay(op, operands_[i], operands_[i + 1]);
-            double one = 0;
-            GEOSArea_r(context_, result, &one);
-            GEOSGeom_destroy_r(context_, result);
-            sum += one;
-        }
-        return sum;
-    }
-
-  private:
-    GEOSGeometry* overlay(ClipOp op, const GEOSGeometry* a, const GEOSGeometry* b) {
+class GeosClip final : public PairwiseClip<GeosPtr> {
+    GeosPtr clip(ClipOp op, const GeosPtr& first, const GeosPtr& second) const override {
+        const GEOSGeometry *a = first.get(), *b = second.get();
         GEOSGeometry* result = nullptr;
         switch (op) {
             case ClipOp::Intersection:
-                result = GEOSIntersection_r(context_, a, b);
+                result = GEOSIntersection_r(geos(), a, b);
                 break;
             case ClipOp::Union:
-                result = GEOSUnion_r(context_, a, b);
+                result = GEOSUnion_r(geos(), a, b);
                 break;
             case ClipOp::Difference:
-                result = GEOSDifference_r(context_, a, b);
+                result = GEOSDifference_r(geos(), a, b);
                 break;
             case ClipOp::Xor:
-                result = GEOSSymDifference_r(context_, a, b);
+                result = GEOSSymDifference_r(geos(), a, b);
                 break;
         }
         if (!result) throw std::runtime_error("no result");
-        return result;
+        return GeosPtr(result);
     }
 
-    GEOSGeometry* ring(const jwtest::Ring& corners) {
+    double areaOf(const GeosPtr& result) const override {
+        double area = 0;
+        GEOSArea_r(geos(), result.get(), &area);
+        return area;
+    }
+
+    static GEOSGeometry* ring(const jwtest::Ring& corners) {
         const unsigned n = static_cast<unsigned>(corners.size());
-        GEOSCoordSequence* points = GEOSCoordSeq_create_r(context_, n + 1, 2);
+        GEOSCoordSequence* points = GEOSCoordSeq_create_r(geos(), n + 1, 2);
         for (unsigned i = 0; i <= n; ++i) {
-            GEOSCoordSeq_setXY_r(context_, points, i, corners[i % n].x, corners[i % n].y);
+            GEOSCoordSeq_setXY_r(geos(), points, i, corners[i % n].x, corners[i % n].y);
         }
-        return GEOSGeom_createLinearRing_r(context_, points);
+        return GEOSGeom_createLinearRing_r(geos(), points);
     }
 
-    GEOSGeometry* multiPolygon(const ClipOperand& polygons) {
+    GeosPtr operand(const ClipOperand& polygons) const override {
         std::vector<GEOSGeometry*> members;
         for (const ClipPolygon& polygon : polygons) {
             std::vector<GEOSGeometry*> holes;
             for (const jwtest::Ring& hole : polygon.holes) holes.push_back(ring(hole));
-            members.push_back(GEOSGeom_createPolygon_r(context_, ring(polygon.outer), holes.data(),
+            members.push_back(GEOSGeom_createPolygon_r(geos(), ring(polygon.outer), holes.data(),
                                                        static_cast<unsigned>(holes.size())));
         }
-        if (members.size() == 1) return members[0];
-        return GEOSGeom_createCollection_r(context_, GEOS_MULTIPOLYGON, members.data(),
-                                           static_cast<unsigned>(members.size()));
+        if (members.size() == 1) return GeosPtr(members[0]);
+        return GeosPtr(GEOSGeom_createCollection_r(geos(), GEOS_MULTIPOLYGON, members.data(),
+                                                   static_cast<unsigned>(members.size())));
     }
-
-    GEOSContextHandle_t context_;
-    std::vector<GEOSGeometry*> operands_;
 };
 
 }  // namespace
