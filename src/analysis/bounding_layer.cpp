@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "analysis/bounding_layer.h"
 
-#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -11,6 +10,7 @@
 #include "layers/block_filter.h"
 #include "layers/layer_checks.h"
 #include "layers/layer_map.h"
+#include "layers/layer_run.h"
 
 namespace jws::detail {
 namespace {
@@ -130,7 +130,8 @@ class WholeLayer {
           m_blocks(input.count(), options.blockSize),
           m_count(m_schema.addField(JWField("count", JWFieldInteger64))),
           m_fields(m_family, options.measures, m_schema),
-          m_report(report) {
+          m_report(report),
+          m_run(report, input.count()) {
         m_output.setGeometryType(JWWKBPolygon);
         m_schema.create(m_output);
     }
@@ -140,9 +141,6 @@ class WholeLayer {
 
   private:
     void take(const JWFeature& feature);
-    void reject(std::int64_t fid, const std::string& reason) {
-        m_report.rejected.push_back({m_input.source(), m_input.name(), fid, reason});
-    }
 
     FeatureInput& m_input;
     FeatureOutput& m_output;
@@ -152,16 +150,14 @@ class WholeLayer {
     int m_count;
     MeasureFields m_fields;
     JWLayerReport& m_report;
+    LayerRun m_run;
     GatheredPoints m_points;
     std::int64_t m_gathered = 0;
 };
 
 void WholeLayer::take(const JWFeature& feature) {
-    ++m_report.readA;
     const GeometryCheck check = checkGeometry(feature, kKinds);
-    if (check == GeometryCheck::Empty) ++m_report.emptyA;
-    const std::string reason = reasonOf(check, feature, kKinds);
-    if (!reason.empty()) reject(feature.getFID64(), reason);
+    m_run.countRead(m_input, feature, check, kKinds);
     if (check != GeometryCheck::Usable) return;
     const JWGeometry& geometry = *feature.getGeometryPtr();
     m_report.areaA += areaOf(geometry);
@@ -175,10 +171,8 @@ void WholeLayer::gather() {
     for (std::int64_t i = 0; i < m_blocks.number(); ++i) {
         m_input.readBlock(m_blocks.first(i) - 1, m_blocks.size(), block);
         for (const std::shared_ptr<const JWFeature>& feature : block) take(*feature);
-        if (JWReport::progress(m_report.readA, m_input.count())) continue;
-        m_report.cancelled = true;
-        JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
-        throw LayerFailure();
+        m_run.setDone(m_report.readA);
+        m_run.beat();
     }
 }
 
@@ -188,7 +182,7 @@ std::int64_t WholeLayer::write() {
     if (m_gathered == 0) return 0;
     m_points.reduce();
     if (const char* reason = m_family.make(m_points.runs(), ring, measures)) {
-        reject(-1, std::string("the layer as a whole: ") + reason);
+        m_run.reject(m_input, -1, std::string("the layer as a whole: ") + reason);
         return 0;
     }
     PendingResults made;
@@ -199,27 +193,16 @@ std::int64_t WholeLayer::write() {
     results.add(std::make_unique<JWPolygon>(std::move(ring)));
     results.set(m_count, m_gathered);
     m_fields.fill(measures, results);
-    m_output.begin();
-    try {
-        writeResult(m_output, made.last(), m_input, -1, m_report);
-        m_output.commit();
-    } catch (...) {
-        m_output.rollback();
-        m_report.written = 0;
-        throw;
-    }
-    return m_report.written;
+    return m_run.transact(m_output,
+                          [&] { writeResult(m_output, made.last(), m_input, -1, m_report); });
 }
 
 std::int64_t boundWhole(FeatureInput& input, FeatureOutput& output,
                         const JWBoundingOptions& options, JWLayerReport& report) {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point start = Clock::now();
+    const Stopwatch watch(report.secondsOverlay);
     WholeLayer whole(input, output, options, report);
     whole.gather();
-    const std::int64_t written = whole.write();
-    report.secondsOverlay = std::chrono::duration<double>(Clock::now() - start).count();
-    return written;
+    return whole.write();
 }
 
 }  // namespace

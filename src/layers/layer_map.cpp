@@ -2,14 +2,13 @@
 #include "layers/layer_map.h"
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 
 #include "foundation/parallel.h"
 #include "foundation/pulse.h"
 #include "foundation/vertex_lists.h"
 #include "layers/block_filter.h"
 #include "layers/layer_checks.h"
+#include "layers/layer_run.h"
 #include "layers/ordered_walk.h"
 
 namespace jws::detail {
@@ -44,56 +43,43 @@ class MapRun {
           m_report(report),
           m_team(options.threads),
           m_total(job.input.count()),
+          m_run(report, m_total),
           m_blocks(m_total, options.blockSize),
           m_walk(m_team, job.input,
                  {[this](Chunk& chunk) { mapChunk(chunk); },
                   [this](Chunk& chunk, std::size_t i) { write(chunk, i); },
-                  [this] { return keepOn(); },
+                  [this] { return m_run.keepOn(); },
                   [this](Chunk& chunk, std::size_t i) {
                       return chunk.slots[i].results.prepare(m_job.output);
                   },
                   32, [this](Chunk& chunk, std::size_t i) { writePart(chunk, i); }}) {}
 
-    void run();
-    bool isStopped() const { return m_stopped; }
+    std::int64_t run() {
+        return m_run.transact(m_job.output, [this] { mapAll(); });
+    }
 
   private:
     using Chunk = FeatureChunk<MapSlot>;
 
+    void mapAll();
     void mapBlock(std::int64_t block);
     void mapChunk(Chunk& chunk);
     void mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i, const Growth& grew) const;
     void writeResults(Chunk& chunk, std::size_t i);
     void writePart(Chunk& chunk, std::size_t i);
     void write(Chunk& chunk, std::size_t i);
-    bool keepOn() const { return JWReport::progress(m_done, m_total); }
-    /// Ends the run because the progress callback asked to.
-    [[noreturn]] void stop();
-    void reject(const JWFeature& feature, const std::string& reason) {
-        m_report.rejected.push_back(
-            {m_job.input.source(), m_job.input.name(), feature.getFID64(), reason});
-    }
 
     LayerMapJob& m_job;
     JWLayerReport& m_report;
     Team m_team;
     std::int64_t m_total;
+    LayerRun m_run;
     Blocks m_blocks;
     OrderedWalk<MapSlot> m_walk;
-    std::atomic<std::int64_t> m_done{0};
-    std::atomic<bool> m_stopped{false};
 };
 
-void MapRun::stop() {
-    m_stopped = true;
-    JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
-    throw LayerFailure();
-}
-
 void MapRun::mapChunk(Chunk& chunk) {
-    const Pulse pulse([this] {
-        if (m_stopped || !keepOn()) stop();
-    });
+    const Pulse pulse([this] { m_run.beat(); });
     const FeatureMap map = m_job.makeMap ? m_job.makeMap() : m_job.map;
     std::size_t atHand = 0;
     const Growth grew = [&](std::size_t bytes) { m_walk.grew(chunk, atHand, bytes); };
@@ -131,13 +117,13 @@ void MapRun::writePart(Chunk& chunk, std::size_t i) {
 void MapRun::write(Chunk& chunk, std::size_t i) {
     const JWFeature& feature = *chunk.feature(i);
     MapSlot& slot = chunk.slots[i];
-    m_done = ++m_report.readA;
+    m_run.addDone(1);
+    m_run.countRead(m_job.input, feature, slot.check, m_job.kinds);
     m_report.areaA += slot.inputArea;
     m_report.verticesA += slot.inputVertices;
-    if (slot.check == GeometryCheck::Empty) ++m_report.emptyA;
-    const std::string reason = reasonOf(slot.check, feature, m_job.kinds);
-    if (!reason.empty()) reject(feature, reason);
-    for (const std::string& failure : slot.failures) reject(feature, failure);
+    for (const std::string& failure : slot.failures) {
+        m_run.reject(m_job.input, feature.getFID64(), failure);
+    }
     writeResults(chunk, i);
     slot.results.reportRefusals(m_report);
 }
@@ -146,14 +132,12 @@ void MapRun::mapBlock(std::int64_t block) {
     const std::int64_t first = m_blocks.first(block) - 1;
     const std::int64_t count = std::min(m_blocks.size(), m_total - first);
     if (count > 0 && m_job.onBlock) m_job.onBlock(block, first, count);
-    if (!m_walk.run(first, m_blocks.size())) stop();
+    if (!m_walk.run(first, m_blocks.size())) m_run.stop();
 }
 
-void MapRun::run() {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point start = Clock::now();
+void MapRun::mapAll() {
+    const Stopwatch watch(m_report.secondsOverlay);
     for (std::int64_t block = 0; block < m_blocks.number(); ++block) mapBlock(block);
-    m_report.secondsOverlay = std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 }  // namespace
@@ -162,20 +146,7 @@ std::int64_t runLayerMap(LayerMapJob& job, const LayerMapOptions& options, JWLay
     report = JWLayerReport();
     job.output.setGeometryType(job.outputType);
     job.schema.create(job.output);
-    MapRun run(job, options, report);
-    job.output.begin();
-    try {
-        run.run();
-        job.output.commit();
-    } catch (...) {
-        job.output.rollback();
-        report.written = report.writtenEmpty = 0;
-        report.area = 0;
-        report.vertices = 0;
-        report.cancelled = run.isStopped();
-        throw;
-    }
-    return report.written;
+    return MapRun(job, options, report).run();
 }
 
 int mapLayer(const char* function, JWFeatureLayer* input, JWFeatureLayer* output,

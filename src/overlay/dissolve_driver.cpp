@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "overlay/dissolve_driver.h"
 
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -10,24 +9,9 @@
 #include "overlay/group_statistics.h"
 
 namespace jws::detail {
-namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-}  // namespace
-
 void DissolveRun::fail(enumJWErrorKind kind, const std::string& text) {
     JWReport::setError(kind, text);
     throw LayerFailure();
-}
-
-void DissolveRun::stop() {
-    m_stopped = true;
-    fail(JWErrorCancelled, "the run was stopped; nothing was written");
 }
 
 void DissolveRun::createSchema() {
@@ -61,29 +45,24 @@ void DissolveRun::createSchema() {
     m_schema = m_output.createFields(fields);
 }
 
+void DissolveRun::run() {
+    createSchema();
+    m_run.transact(m_output, [this] {
+        {
+            const Stopwatch watch(m_report.secondsIndex);
+            read();
+            group();
+        }
+        const Stopwatch watch(m_report.secondsOverlay);
+        write();
+    });
+}
+
 std::int64_t runDissolve(FeatureInput& input, FeatureOutput& output, DissolveKind kind,
                          const std::vector<int>& fields, const JWDissolveOptions& options,
                          JWLayerReport& report) {
     report = JWLayerReport();
-    DissolveRun run(input, output, kind, fields, options, report);
-    run.createSchema();
-    output.begin();
-    try {
-        const Clock::time_point readStart = Clock::now();
-        run.read();
-        run.group();
-        report.secondsIndex = secondsSince(readStart);
-        const Clock::time_point uniteStart = Clock::now();
-        run.write();
-        output.commit();
-        report.secondsOverlay = secondsSince(uniteStart);
-    } catch (...) {
-        output.rollback();
-        report.written = 0;
-        report.area = report.areaOverlap = report.areaDropped = report.residual = 0;
-        report.cancelled = run.isStopped();
-        throw;
-    }
+    DissolveRun(input, output, kind, fields, options, report).run();
     if (kind == DissolveKind::Areas) judge(report);
     return report.written;
 }

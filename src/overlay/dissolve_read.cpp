@@ -26,7 +26,7 @@ void DissolveRun::read() {
     }
     TextBatch texts;
     const auto examineAll = [this](Chunk& chunk) {
-        const Pulse pulse([this] { beat(); });
+        const Pulse pulse([this] { m_run.beat(); });
         for (std::size_t i = 0; i < chunk.size(); ++i) {
             const auto position = static_cast<std::size_t>(chunk.position(i));
             m_items[position].feature = std::move(chunk.read[i].feature);
@@ -35,11 +35,11 @@ void DissolveRun::read() {
         }
     };
     const auto count = [&](Chunk&, std::size_t) {
-        m_done = ++m_report.readA;
+        m_run.setDone(++m_report.readA);
         if (m_kind == DissolveKind::Areas) texts.print("%d\n", m_report.readA);
     };
     OrderedWalk<NoSlot> walk(m_team, m_input,
-                             {examineAll, count, [this] { return keepOn(); }, {}, 64});
+                             {examineAll, count, [this] { return m_run.keepOn(); }, {}, 64});
     std::int64_t end = 0;
     do {
         end += std::max<std::int64_t>(m_total - end, 0) + kBeyond;
@@ -47,7 +47,7 @@ void DissolveRun::read() {
         m_items.resize(places);
         m_examined.resize(places);
         m_keys.resize(places);
-        if (!walk.run(walk.position(), end - walk.position())) stop();
+        if (!walk.run(walk.position(), end - walk.position())) m_run.stop();
     } while (walk.position() == end);
     keepAccount();
 }
@@ -85,7 +85,7 @@ void DissolveRun::keepAccount() {
         if (!m_items[i].feature) continue;
         if (m_examined[i].empty) ++m_report.emptyA;
         if (m_examined[i].reason != nullptr) {
-            reject(m_items[i].feature->getFID64(), m_examined[i].reason);
+            m_run.reject(m_input, m_items[i].feature->getFID64(), m_examined[i].reason);
         }
     }
 }
@@ -113,7 +113,7 @@ PositionLists DissolveRun::clusters() const {
 }
 
 void DissolveRun::group() {
-    const Pulse pulse([this] { beat(); });
+    const Pulse pulse([this] { m_run.beat(); });
     m_groups = groupByValue(clusters(), m_keys);
     m_keys = {};
 }

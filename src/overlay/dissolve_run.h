@@ -6,7 +6,6 @@
 #ifndef JW_OVERLAY_DISSOLVE_RUN_H
 #define JW_OVERLAY_DISSOLVE_RUN_H
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -15,6 +14,7 @@
 
 #include "boolean/envelope_clusters.h"
 #include "foundation/parallel.h"
+#include "layers/layer_run.h"
 #include "layers/ordered_walk.h"
 #include "layers/pending_result.h"
 #include "overlay/dissolve_driver.h"
@@ -52,13 +52,10 @@ class DissolveRun {
           m_report(report),
           m_team(options.threads),
           m_total(input.count()),
+          m_run(report, 2 * m_total),
           m_unions(m_items, options.tolerance) {}
 
-    void createSchema();
-    void read();
-    void group();
-    void write();
-    bool isStopped() const { return m_stopped; }
+    void run();
 
   private:
     struct NoSlot {};
@@ -70,6 +67,10 @@ class DissolveRun {
         std::size_t size() const { return results.size(); }
     };
 
+    void createSchema();
+    void read();
+    void group();
+    void write();
     void examine(std::size_t position);
     Examination examineGeometry(DissolveItem& item);
     void keepAccount();
@@ -83,18 +84,7 @@ class DissolveRun {
     void writePieces(Groups& groups, std::size_t i);
     void writePart(Groups& groups, std::size_t i);
     void writeResult(Groups& groups, std::size_t i);
-    void reject(std::int64_t fid, const std::string& reason) {
-        m_report.rejected.push_back({m_input.source(), m_input.name(), fid, reason});
-    }
-    /// False when the progress callback asked to stop.
-    bool keepOn() { return JWReport::progress(m_done, 2 * m_total); }
-    /// Ends the run because of that.
-    [[noreturn]] void stop();
     [[noreturn]] static void fail(enumJWErrorKind kind, const std::string& text);
-    /// Asks in the midst of a long computation.
-    void beat() {
-        if (m_stopped || !keepOn()) stop();
-    }
 
     FeatureInput& m_input;
     FeatureOutput& m_output;
@@ -104,8 +94,7 @@ class DissolveRun {
     JWLayerReport& m_report;
     Team m_team;
     std::int64_t m_total;
-    std::atomic<std::int64_t> m_done{0};  ///< features read, and written on top of that
-    std::atomic<bool> m_stopped{false};
+    LayerRun m_run;  ///< features read, and written on top of that
 
     JWFields* m_schema = nullptr;
     std::vector<std::string> m_names;  ///< of the result fields, as asked for

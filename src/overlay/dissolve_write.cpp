@@ -20,24 +20,24 @@ constexpr std::size_t kMostTogether = 1024;  // features whose groups are a chun
 }  // namespace
 
 void DissolveRun::write() {
-    m_done = m_total;
+    m_run.setDone(m_total);
     if (m_kind == DissolveKind::Areas) {
         std::vector<std::pair<const int*, const int*>> groups;
         for (std::size_t g = 0; g < m_groups.count(); ++g) {
             groups.emplace_back(m_groups.begin(g), m_groups.end(g));
         }
-        m_unions.prepare(m_team, std::move(groups), [this] { beat(); });
+        m_unions.prepare(m_team, std::move(groups), [this] { m_run.beat(); });
     }
     OrderedWork<Groups> work(m_team,
                              {[this](Groups& groups) { return take(groups); },
                               [&](Groups& groups) { unite(work, groups); },
                               [this](Groups& groups, std::size_t i) { writeResult(groups, i); },
-                              [this] { return keepOn(); },
+                              [this] { return m_run.keepOn(); },
                               [this](Groups& groups, std::size_t i) {
                                   return groups.results[i].pieces.prepare(m_output);
                               },
                               [this](Groups& groups, std::size_t i) { writePart(groups, i); }});
-    if (!work.run(m_groups.count())) stop();
+    if (!work.run(m_groups.count())) m_run.stop();
 }
 
 /// As many groups as make a good piece of work.
@@ -55,7 +55,7 @@ bool DissolveRun::take(Groups& groups) {
 }
 
 void DissolveRun::unite(OrderedWork<Groups>& work, Groups& groups) {
-    const Pulse pulse([this] { beat(); });
+    const Pulse pulse([this] { m_run.beat(); });
     std::size_t atHand = 0;
     const Growth grew = [&](std::size_t bytes) { work.grew(groups, atHand, bytes); };
     for (; atHand < groups.size(); ++atHand) {
@@ -163,7 +163,7 @@ void DissolveRun::writePart(Groups& groups, std::size_t i) {
 
 void DissolveRun::writeResult(Groups& groups, std::size_t i) {
     GroupResult& result = groups.results[i];
-    for (const auto& [fid, reason] : result.failures) reject(fid, reason);
+    for (const auto& [fid, reason] : result.failures) m_run.reject(m_input, fid, reason);
     writePieces(groups, i);
     result.pieces.reportRefusals(m_report);
     m_report.areaA += result.areaBefore;
@@ -172,7 +172,7 @@ void DissolveRun::writeResult(Groups& groups, std::size_t i) {
     const double after = result.areaMade - result.pieces.refusedArea();
     m_report.residual += std::fabs(result.areaBefore - result.overlap - result.dropped - after);
     const std::size_t group = groups.first + i;
-    m_done += static_cast<std::int64_t>(m_groups.end(group) - m_groups.begin(group));
+    m_run.addDone(m_groups.end(group) - m_groups.begin(group));
 }
 
 }  // namespace jws::detail

@@ -6,22 +6,16 @@
 #include "overlay/layer_driver.h"
 
 #include <algorithm>
-#include <chrono>
 
 #include "foundation/parallel.h"
 #include "foundation/pulse.h"
 #include "layers/block_filter.h"
+#include "layers/layer_run.h"
 #include "layers/ordered_walk.h"
 #include "overlay/area_check.h"
 
 namespace jws::detail {
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 /// Fills in what the driver has to know of a feature before the operation sees it.
 void measure(const JWFeature& feature, bool resolve, Slot& slot) {
@@ -43,15 +37,19 @@ class OverlayRun {
         : m_job(job),
           m_options(options),
           m_report(report),
+          m_run(report),
           m_team(options.threads),
           m_resolves(options.checkAreas || !options.multipart || !options.areaField.empty()),
           m_sideA(job.a),
           m_sideB(job.b) {
-        for (const OverlayPass& pass : job.passes) m_total += walked(pass).input().count();
+        std::int64_t features = 0;
+        for (const OverlayPass& pass : job.passes) features += walked(pass).input().count();
+        m_run.setSteps(features);
     }
 
-    void run();
-    bool isStopped() const { return m_stopped; }
+    std::int64_t run() {
+        return m_run.transact(m_job.output, [this] { runPasses(); });
+    }
 
   private:
     bool isOneSided() const { return &m_job.a == &m_job.b; }
@@ -64,6 +62,7 @@ class OverlayRun {
 
     using Chunk = FeatureChunk<Slot>;
 
+    void runPasses();
     void indexWhole(LayerSide& side);
     void walk(const OverlayPass& pass);
     void overlayBlock(const OverlayPass& pass, const Blocks& blocks, std::int64_t block);
@@ -74,41 +73,21 @@ class OverlayRun {
     void writePart(const OverlayPass& pass, Chunk& chunk, std::size_t i);
     void writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i);
     void countRead(LayerSide& side, const Chunk& chunk, std::size_t i);
-    void reject(const FeatureOrigin& origin, std::int64_t fid, const std::string& reason) {
-        m_report.rejected.push_back({origin.input->source(), origin.input->name(), fid, reason});
-    }
-    /// False when the progress callback asked to stop.
-    bool keepOn() { return JWReport::progress(m_done, m_total); }
-    /// Ends the run because of that.
-    [[noreturn]] void stop();
-    /// Asks in the midst of a long computation.
-    void beat() {
-        if (m_stopped || !keepOn()) stop();
-    }
-
     OverlayJob& m_job;
     const JWOverlayOptions& m_options;
     JWLayerReport& m_report;
+    LayerRun m_run;
     Team m_team;
     bool m_resolves;  ///< areas of features are needed as the even-odd rule has them
     LayerSide m_sideA;
     LayerSide m_sideB;
-    std::int64_t m_total = 0;  ///< features to walk over in all passes
-    std::atomic<std::int64_t> m_done{0};
     bool m_countsPairs = true;  ///< in the first pass
-    std::atomic<bool> m_stopped{false};
     TextBatch m_texts;
     std::int64_t m_blockFirst = 0;  ///< position of the block's first feature
     std::int64_t m_inBlock = 0;
     std::int64_t m_inLayer = 0;
     std::int64_t m_copied = 0;  ///< features that came out of the pass as they were
 };
-
-void OverlayRun::stop() {
-    m_stopped = true;
-    JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
-    throw LayerFailure();
-}
 
 /// Counts a feature that is read for the first time, and enters it into its operand when somebody
 /// is going to search that.
@@ -120,11 +99,11 @@ void OverlayRun::countRead(LayerSide& side, const Chunk& chunk, std::size_t i) {
     (second ? m_report.areaB : m_report.areaA) += slot.inputArea;
     if (slot.check == AreaCheck::Empty) ++(second ? m_report.emptyB : m_report.emptyA);
     if (const char* reason = reasonOf(slot.check)) {
-        reject(origin, chunk.feature(i)->getFID64(), reason);
+        m_run.reject(*origin.input, chunk.feature(i)->getFID64(), reason);
     }
     if (slot.isUnresolved) {
-        reject(origin, chunk.feature(i)->getFID64(),
-               "its area could not be resolved: the clipping engine gave up");
+        m_run.reject(*origin.input, chunk.feature(i)->getFID64(),
+                     "its area could not be resolved: the clipping engine gave up");
     }
     side.enter(chunk.position(i), chunk.feature(i), slot.envelop);
 }
@@ -133,22 +112,22 @@ void OverlayRun::indexWhole(LayerSide& side) {
     JWReport::message("building spatial index...\n");
     side.startIndex();
     const auto measureAll = [this](Chunk& chunk) {
-        const Pulse pulse([this] { beat(); });
+        const Pulse pulse([this] { m_run.beat(); });
         for (std::size_t i = 0; i < chunk.size(); ++i) {
             measure(*chunk.feature(i), m_resolves, chunk.slots[i]);
         }
     };
     const auto enter = [this, &side](Chunk& chunk, std::size_t i) { countRead(side, chunk, i); };
     OrderedWalk<Slot> walk(m_team, side.input(),
-                           {measureAll, enter, [this] { return keepOn(); }, {}, 256});
-    if (!walk.run(0, INT64_MAX)) stop();
+                           {measureAll, enter, [this] { return m_run.keepOn(); }, {}, 256});
+    if (!walk.run(0, INT64_MAX)) m_run.stop();
     side.setRead();
 }
 
 /// Overlays the features of a chunk, in runs of some thousand neighbours.
 void OverlayRun::process(const OverlayPass& pass, OrderedWalk<Slot>& walk, Chunk& chunk) {
     constexpr std::size_t neighboursInARun = 4096;
-    const Pulse pulse([this] { beat(); });
+    const Pulse pulse([this] { m_run.beat(); });
     Surroundings surroundings(walked(pass), others(pass));
     std::size_t atHand = 0;
     const Growth grew = [&](std::size_t bytes) { walk.grew(chunk, atHand, bytes); };
@@ -204,11 +183,10 @@ void OverlayRun::writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i)
     Slot& slot = chunk.slots[i];
     if (!side.isRead()) countRead(side, chunk, i);
     const FeatureOrigin origin = side.input().originOf(position);
-    for (const std::string& reason : slot.failures) reject(origin, feature.getFID64(), reason);
-    for (const LostFeature& lost : slot.lost) {
-        m_report.rejected.push_back(
-            {lost.input->source(), lost.input->name(), lost.fid, lost.reason});
+    for (const std::string& reason : slot.failures) {
+        m_run.reject(*origin.input, feature.getFID64(), reason);
     }
+    for (const LostFeature& lost : slot.lost) m_run.reject(*lost.input, lost.fid, lost.reason);
     if (isOneSided() && slot.pairs > 0) --slot.pairs;  // a feature meets itself
     if (m_countsPairs) m_report.pairs += static_cast<std::int64_t>(slot.pairs);
     m_report.areaDropped += slot.dropped;
@@ -221,7 +199,7 @@ void OverlayRun::writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i)
         pass.texts.feature(m_texts,
                            {position, position - m_blockFirst + 1, m_inBlock, m_inLayer, slot});
     }
-    ++m_done;
+    m_run.addDone(1);
 }
 
 void OverlayRun::overlayBlock(const OverlayPass& pass, const Blocks& blocks, std::int64_t block) {
@@ -236,7 +214,7 @@ void OverlayRun::overlayBlock(const OverlayPass& pass, const Blocks& blocks, std
     OrderedWalk<Slot> walk(m_team, side.input(),
                            {[&](Chunk& chunk) { process(pass, walk, chunk); },
                             [&](Chunk& chunk, std::size_t i) { writeSlot(pass, chunk, i); },
-                            [this] { return keepOn(); },
+                            [this] { return m_run.keepOn(); },
                             [this](Chunk& chunk, std::size_t i) {
                                 return chunk.slots[i].results.prepare(m_job.output);
                             },
@@ -244,7 +222,7 @@ void OverlayRun::overlayBlock(const OverlayPass& pass, const Blocks& blocks, std
     const std::int64_t first = blocks.first(block) - 1;
     m_blockFirst = first;
     m_inBlock = std::clamp<std::int64_t>(m_inLayer - first, 0, blocks.size());
-    if (!walk.run(first, blocks.size())) stop();
+    if (!walk.run(first, blocks.size())) m_run.stop();
     m_texts.flush();
     const int written = shown(m_report.written - writtenBefore);
     if (pass.texts.end != nullptr) {
@@ -271,22 +249,21 @@ void OverlayRun::walk(const OverlayPass& pass) {
     }
 }
 
-void OverlayRun::run() {
-    const Clock::time_point indexStart = Clock::now();
-    indexWhole(others(m_job.passes.front()));
-    m_report.secondsIndex = secondsSince(indexStart);
-
-    const Clock::time_point overlayStart = Clock::now();
+void OverlayRun::runPasses() {
+    {
+        const Stopwatch watch(m_report.secondsIndex);
+        indexWhole(others(m_job.passes.front()));
+    }
+    const Stopwatch watch(m_report.secondsOverlay);
     // A tree over A, where a later pass searches it, is filled while the first pass reads A.
     if (!isOneSided() && m_job.passes.size() > 1) m_sideA.startIndex();
     for (const OverlayPass& pass : m_job.passes) {
         if (pass.prepare) {
-            const Pulse pulse([this] { beat(); });
+            const Pulse pulse([this] { m_run.beat(); });
             pass.prepare(walked(pass));
         }
         walk(pass);
     }
-    m_report.secondsOverlay = secondsSince(overlayStart);
 }
 
 }  // namespace
@@ -303,18 +280,7 @@ std::int64_t runLayerOverlay(OverlayJob& job, const JWOverlayOptions& options,
     job.schema.addArea(options.areaField);
     job.output.setGeometryType(options.promoteToMulti ? JWWKBMultiPolygon : job.a.geometryType());
     job.schema.create(job.output);
-    OverlayRun run(job, options, report);
-    job.output.begin();
-    try {
-        run.run();
-        job.output.commit();
-    } catch (...) {
-        job.output.rollback();
-        report.written = 0;
-        report.area = report.areaDropped = report.residual = 0;
-        report.cancelled = run.isStopped();
-        throw;
-    }
+    OverlayRun(job, options, report).run();
     JWReport::message("%d features wrote to result layer!\n", shown(report.written));
     return report.written;
 }
