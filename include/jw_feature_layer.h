@@ -80,6 +80,9 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// True when both objects are on one layer of one opened source: what is written to one of them
     /// is read from the other.
     bool isOnLayerOf(const JWFeatureLayer& other) const;
+    /// True when both stand on layers of the same opened source, which one thread at a time may
+    /// use.
+    bool isOfSourceOf(const JWFeatureLayer& other) const;
     /// Declared geometry type; Z and M variants count as their plain type.
     enumJWWKBGeometryType getGeometryType() const;
     /// Declares the geometry type of an output layer. Takes effect where the format can still

@@ -64,9 +64,9 @@ struct JWConvertOptions {
 ///   by the last error (kind `JWErrorFeatureRejected`).
 /// - The layer is read by position, each feature once, however the source numbers its features.
 ///   `blockSize` is the number of features worked on at a time, below 1 all, as in `_old` forms.
-/// - `_mp` forms work on a team of eight threads; for shared lines these decode the polygons and
-///   compare their boundaries, which is about half of the work, and one writes. Results are the
-///   same, bit for bit and in the same order, for any number of threads and any block size.
+/// - `_mp` forms work on a team of eight threads, of which one at a time reads and one writes.
+///   Results are the same, bit for bit and in the same order, for any number of threads and any
+///   block size.
 /// - Results are written in one transaction: after a failure the output holds none of them.
 /// - No state: different layers may be converted on different threads at once.
 class JW_API JWGeometryConvert {
@@ -88,7 +88,8 @@ class JW_API JWGeometryConvert {
     /// \param dropOuterBoundary leaves out lines with a polygon on one side only
     /// \param tolerance         layer units; vertices this near to one another become one (the
     ///     first of them), and edges are bent through vertices this near: boundaries that nearly
-    ///     meet become common. 0, less and NaN mean exact.
+    ///     meet become common. A corner sharper than the tolerance may draw back by up to twice of
+    ///     it. 0, less and NaN mean exact.
     ///
     /// Prints "spatial index initialize failed!" and returns 0 when memory does not suffice.
     ///

@@ -17,6 +17,7 @@ class FittingOutput : public FeatureOutput {
           m_output(outputTo(layer)),
           m_hasFields(layer.getFieldsDefnPtr()->getFieldCount() > 0) {}
 
+    const JWFeatureLayer* layer() const override { return &m_layer; }
     JWFields* createFields(const std::vector<JWField>& fields) override {
         if (!m_hasFields) return m_output->createFields(fields);
         const JWFields& there = *m_layer.getFieldsDefnPtr();

@@ -106,6 +106,10 @@ bool JWFeatureLayer::isOnLayerOf(const JWFeatureLayer& other) const {
     return &m_impl->layer == &other.m_impl->layer;
 }
 
+bool JWFeatureLayer::isOfSourceOf(const JWFeatureLayer& other) const {
+    return m_impl->source == other.m_impl->source;
+}
+
 enumJWWKBGeometryType JWFeatureLayer::getGeometryType() const { return m_impl->geometryType(); }
 
 enumJWWKBGeometryType JWFeatureLayer::Impl::geometryType() const {

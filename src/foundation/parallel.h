@@ -4,10 +4,9 @@
 //
 // A loop over n items is cut into chunks of neighbouring items, which workers take in order.
 // Workers write only into slots of their own items; whatever must happen one at a time (reading a
-// layer, writing results) goes through `exclusive`, the library's one critical section, which must
-// not be nested. What a loop computes therefore does not depend on the number of threads, nor on
-// who takes which chunk. An exception in a worker stops the loop and is thrown again by the
-// caller's thread.
+// layer, writing results) goes through `exclusive`, a critical section that must not be nested.
+// What a loop computes therefore does not depend on the number of threads, nor on who takes which
+// chunk. An exception in a worker stops the loop and is thrown again by the caller's thread.
 //
 // A team may be larger than the machine: no more of it are started than there are cores. Eight
 // threads taking turns on two cores would be a fifth slower than two, since again and again the one
@@ -76,19 +75,42 @@ class Team {
     int m_threadsBefore = 1;
 };
 
-/// Runs `body` inside the one critical section of the layer operations.
-template <class Body>
-void exclusive(Body&& body) {
-    std::exception_ptr thrown;
-#pragma omp critical(jw_layer_access)
-    {
+/// Keeps what a body throws while it is inside a critical section, which no exception may leave.
+class KeptException {
+  public:
+    template <class Body>
+    void call(Body&& body) {
         try {
             body();
         } catch (...) {
-            thrown = std::current_exception();
+            m_thrown = std::current_exception();
         }
     }
-    if (thrown) std::rethrow_exception(thrown);
+    void rethrow() const {
+        if (m_thrown) std::rethrow_exception(m_thrown);
+    }
+
+  private:
+    std::exception_ptr m_thrown;
+};
+
+/// Runs `body` inside the critical section of the layer operations.
+template <class Body>
+void exclusive(Body&& body) {
+    KeptException kept;
+#pragma omp critical(jw_layer_access)
+    kept.call(body);
+    kept.rethrow();
+}
+
+/// Runs `body` inside a critical section of its own: reading that needs not wait for writing. It
+/// spins for a while, as the other one does: a thread that went to sleep would be late.
+template <class Body>
+void exclusiveReading(Body&& body) {
+    KeptException kept;
+#pragma omp critical(jw_layer_reading)
+    kept.call(body);
+    kept.rethrow();
 }
 
 /// Calls `body()` on the workers of the team, `most` of them at most, at the same time. An

@@ -11,6 +11,7 @@ class LayerInput : public FeatureInput {
   public:
     explicit LayerInput(JWFeatureLayer& layer) : m_layer(layer) {}
 
+    const JWFeatureLayer* layer() const override { return &m_layer; }
     const char* name() const override { return m_layer.getLayerName(); }
     const char* source() const override { return m_layer.getDataSourceName(); }
     enumJWWKBGeometryType geometryType() const override { return m_layer.getGeometryType(); }
@@ -158,6 +159,7 @@ class LayerOutput : public FeatureOutput {
   public:
     explicit LayerOutput(JWFeatureLayer& layer) : m_layer(layer) {}
 
+    const JWFeatureLayer* layer() const override { return &m_layer; }
     JWFields* createFields(const std::vector<JWField>& fields) override {
         for (const JWField& field : fields) {
             if (!m_layer.createField(field)) throw LayerFailure();
@@ -225,6 +227,11 @@ class ClassOutput : public FeatureOutput {
 };
 
 }  // namespace
+
+bool areApart(const FeatureInput& input, const FeatureOutput& output) {
+    const JWFeatureLayer *from = input.layer(), *to = output.layer();
+    return from != nullptr && to != nullptr && !from->isOfSourceOf(*to);
+}
 
 std::unique_ptr<FeatureInput> inputFrom(JWFeatureLayer& layer) {
     return std::make_unique<LayerInput>(layer);

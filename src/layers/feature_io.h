@@ -46,6 +46,8 @@ class FeatureInput {
   public:
     virtual ~FeatureInput() = default;
     virtual FeatureOrigin originOf(std::int64_t /*position*/) { return {this, false}; }
+    /// The layer that the features are of; null for features in memory and for two layers at once.
+    virtual const JWFeatureLayer* layer() const { return nullptr; }
     virtual const char* name() const = 0;
     /// Name of the data source; for features in memory what stands for one.
     virtual const char* source() const = 0;
@@ -94,6 +96,8 @@ class FeatureInput {
 class FeatureOutput {
   public:
     virtual ~FeatureOutput() = default;
+    /// The layer that they go to; null for features in memory.
+    virtual const JWFeatureLayer* layer() const { return nullptr; }
     /// Gives the result its fields, in order; names are made unique. Returns the schema that result
     /// features carry. Throws LayerFailure.
     virtual JWFields* createFields(const std::vector<JWField>& fields) = 0;
@@ -112,6 +116,9 @@ class FeatureOutput {
     virtual void rollback() = 0;
 };
 
+/// Reading the one and writing the other may happen at the same time: they are layers of different
+/// sources.
+bool areApart(const FeatureInput& input, const FeatureOutput& output);
 std::unique_ptr<FeatureInput> inputFrom(JWFeatureLayer& layer);
 /// `name`, null for none, stands for the layer's name, `title` for its file; `features` must
 /// outlive the input.

@@ -49,10 +49,11 @@ class MapRun {
                  {[this](Chunk& chunk) { mapChunk(chunk); },
                   [this](Chunk& chunk, std::size_t i) { write(chunk, i); },
                   [this] { return m_run.keepOn(); },
-                  [this](Chunk& chunk, std::size_t i) {
-                      return chunk.slots[i].results.prepare(m_job.output);
-                  },
-                  32, [this](Chunk& chunk, std::size_t i) { writePart(chunk, i); }}) {}
+                  {},
+                  32,
+                  [this](Chunk& chunk, std::size_t i) { writePart(chunk, i); },
+                  {},
+                  areApart(job.input, job.output)}) {}
 
     std::int64_t run() {
         return m_run.transact(m_job.output, [this] { mapAll(); });
@@ -102,6 +103,7 @@ void MapRun::mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i,
     } else if (slot.check == GeometryCheck::Empty && m_job.keepsEmpty) {
         results.add(nullptr);
     }
+    if (m_team.size() > 1) slot.results.prepareEarly(m_job.output);
 }
 
 void MapRun::writeResults(Chunk& chunk, std::size_t i) {

@@ -48,6 +48,7 @@ class OrderedWalk {
         std::int64_t chunkSize = 32;
         std::function<void(Chunk&, std::size_t i)> finishPart = {};
         WorkLimits limits = {};
+        bool takesApart = false;  ///< reading and `finish` may happen at the same time
     };
 
     OrderedWalk(const Team& team, FeatureInput& input, const Actions& actions)
@@ -60,7 +61,7 @@ class OrderedWalk {
                             work(chunk);
                         },
                         actions.finish, actions.keepOn, actions.prepare, actions.finishPart, sizeOf,
-                        actions.limits}) {}
+                        actions.limits, actions.takesApart}) {}
 
     /// Walks over the features at positions `first` to `first + count - 1`, fewer at the end.
     /// Returns false when it was stopped. What an action throws ends the walk and is thrown again.

@@ -52,7 +52,8 @@ template <class Chunk>
 class OrderedWork {
   public:
     struct Actions {
-        /// Fills the next chunk; inside the critical section, in order. False when there is none.
+        /// Fills the next chunk; inside the critical section unless `takesApart`, in order. False
+        /// when there is none.
         std::function<bool(Chunk&)> take;
         /// Works on a chunk; on many threads at once. Calls `grew`.
         std::function<void(Chunk&)> work;
@@ -70,6 +71,8 @@ class OrderedWork {
         /// The bytes that a chunk holds besides those that `grew` was told; may be empty.
         std::function<std::size_t(const Chunk&)> sizeOf = {};
         WorkLimits limits = {};
+        /// `take` and the other actions may happen at the same time.
+        bool takesApart = false;
     };
 
     OrderedWork(const Team& team, Actions actions) : m_team(team), m_actions(std::move(actions)) {}
@@ -143,7 +146,7 @@ class OrderedWork {
             return m_held <= m_actions.limits.waiting || m_taken == m_front;
         });
         bool taken = false;
-        exclusive([&] {
+        const auto takeNext = [&] {
             if (m_stopped || m_failed || m_atEnd || m_taken == m_chunks.size()) return;
             index = m_taken;
             auto chunk = std::make_unique<Chunk>();
@@ -154,7 +157,12 @@ class OrderedWork {
             if (!taken) return;
             m_chunks[index] = std::move(chunk);
             ++m_taken;
-        });
+        };
+        if (m_actions.takesApart) {
+            exclusiveReading(takeNext);
+        } else {
+            exclusive(takeNext);
+        }
         return taken;
     }
 

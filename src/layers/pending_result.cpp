@@ -26,7 +26,6 @@ bool write(FeatureOutput& output, PendingResult& result, const FeatureInput& inp
     } else {
         throw LayerFailure();
     }
-    result.record.reset();
     return written;
 }
 
@@ -53,6 +52,7 @@ void PendingResults::write(FeatureOutput& output, const FeatureInput& input, std
     for (PendingResult& result : m_waiting) {
         const double area = result.area;
         if (!detail::write(output, result, input, fid, report, m_refusals)) m_refusedArea += area;
+        if (!m_isPreparedEarly) result.record.reset();
     }
 }
 

@@ -45,8 +45,15 @@ class PendingResults {
     /// Results added so far.
     std::size_t count() const { return m_count; }
 
-    /// Has the output prepare those that wait, and returns their number.
+    /// Has the output prepare those that wait, and returns their number: for the worker to do that
+    /// is going to write them, which lets go at once what was prepared.
     std::size_t prepare(const FeatureOutput& output);
+    /// The same for the worker that made them, where they are small and many: what was prepared
+    /// lasts as long as they do.
+    void prepareEarly(const FeatureOutput& output) {
+        prepare(output);
+        m_isPreparedEarly = true;
+    }
     /// Writes those that wait, as `writeResult` does, but keeps refusals back.
     void write(FeatureOutput& output, const FeatureInput& input, std::int64_t fid,
                JWLayerReport& report);
@@ -60,6 +67,7 @@ class PendingResults {
   private:
     std::vector<PendingResult> m_waiting;
     std::size_t m_count = 0;
+    bool m_isPreparedEarly = false;
     double m_refusedArea = 0;
     std::vector<JWRejectedFeature> m_refusals;
 };
