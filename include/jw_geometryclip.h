@@ -87,7 +87,8 @@ class JW_API JWGeometryClip {
     /// from inside or outside; where it runs along, at both ends of that stretch and not at the
     /// ring's vertices in between. The line's own ends are not cut. Pieces are in the order of the
     /// line; `inside` receives for each of them 1 when it lies inside, 0 outside. A line that the
-    /// area does not reach is one piece outside.
+    /// area does not reach is one piece outside; one of no length is one piece, which lies where its
+    /// point does.
     ///
     /// `LINESTRING (-5 5, 15 5)` by the square from 0 to 10: three pieces, marked 0, 1, 0;
     /// `LINESTRING (-5 5, 5 -5)`, through a corner from outside: two pieces, marked 0, 0.
@@ -113,7 +114,7 @@ class JW_API JWGeometryClip {
                                             std::vector<JWLineString*>& pieces,
                                             std::vector<unsigned int>& inside, bool checkWeird,
                                             bool useRTree);
-    /// Member by member; members of no length are passed over.
+    /// Member by member.
     static int multiLineStringClipByPolygon(JWMultiLineString* lines, JWPolygon* polygon,
                                             std::vector<JWLineString*>& pieces,
                                             std::vector<unsigned int>& inside, bool checkWeird,
@@ -216,7 +217,8 @@ class JW_API JWGeometryClip {
     /// Does so with each target and, for each, each cutter, in their orders. `out` takes the
     /// geometry type and spatial reference of `targets`; what it holds stays. Pairs that give
     /// nothing are passed over; the last error tells of the last that failed. Cost: the sum over
-    /// the pairs whose envelopes meet; a cutter's tree is built once.
+    /// the pairs whose rectangles meet; a cutter is read once, and a large one costs no more than
+    /// what of it lies near each target.
     static int featureClassClipByfeatureClass(JWFeatureClass& targets, JWFeatureClass& cutters,
                                               JWFeatureClass& out, bool checkWeird, bool useRTree);
     /// Keeps what lies in a rectangle, borders included: points as they are; of multipoints,
@@ -231,8 +233,9 @@ class JW_API JWGeometryClip {
     /// that it was created with. Without features it takes the geometry type of `in`, as
     /// `JWFeatureLayer::setGeometryType` does, and it gets the fields of `in` unless it has fields
     /// already, which are then filled by position. Writing is one transaction.
-    /// Reading moves the cursor of `in`. A feature that could not be clipped or written is left out
-    /// and makes the last error.
+    /// Identifiers are kept as far as `createFeature` can, where `out` had no features before;
+    /// otherwise features get fresh ones. Reading moves the cursor of `in`. A feature that could
+    /// not be clipped or written is left out and makes the last error.
     static int featureLayerClipByEnvelop(const JWFeatureLayer* in, JWFeatureLayer* out,
                                          JWEnvelop& envelope);
     /// @}

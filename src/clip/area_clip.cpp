@@ -13,19 +13,6 @@
 #include "overlay/geometry_overlay.h"
 
 namespace jws::detail {
-namespace {
-
-JWEnvelop boxAround(const JWGeometry& geometry) {
-    JWEnvelop box = JWEnvelop::invalid();
-    everyVertexList(geometry, [&](const JWRawPoint* points, std::size_t n) {
-        box.inflates_to_contain(boxOf(points, static_cast<int>(n)));
-        return true;
-    });
-    return box;
-}
-
-}  // namespace
-
 AreaClip::AreaClip(const RingViews& rings, std::shared_ptr<const void> owner, AreaCut cut)
     : m_area(rings, std::move(owner)), m_edges(rings), m_cut(cut) {
     m_area.prepare();
@@ -91,15 +78,12 @@ std::unique_ptr<JWGeometry> AreaClip::part(const JWGeometry& geometry, ClipSide 
 
 std::unique_ptr<JWGeometry> AreaClip::partOfLines(const JWGeometry& lines, ClipSide side) const {
     auto kept = std::make_unique<JWMultiLineString>();
+    const Team alone(1);
     const auto add = [&](const JWLineString& line) {
-        const bool cut =
-            m_edges.split(line, m_cut, [&](std::vector<JWRawPoint>& points, bool inside) {
-                if (inside != (side == ClipSide::Inside)) return;
-                kept->addLineString(JWLineString(std::move(points)));
-            });
-        // A line of no length lies where its point does.
-        if (!cut && !line.isEmpty() && holds(*line.getPointsPtr()) == (side == ClipSide::Inside))
-            kept->addLineString(line);
+        m_edges.split(line, m_cut, alone, [&](std::vector<JWRawPoint>& points, bool inside) {
+            if (inside != (side == ClipSide::Inside)) return;
+            kept->addLineString(JWLineString(std::move(points)));
+        });
     };
     if (lines.getGeometryType() == JWGeometryLineString) {
         add(static_cast<const JWLineString&>(lines));

@@ -66,9 +66,10 @@ std::unique_ptr<EdgeIndex> Cutter::index(int exponent) const {
 }
 
 // A line of quite another magnitude than the cutter is met by edges of its own magnitude.
-bool Cutter::split(const JWLineString& line, AreaCut cut, const Team& team,
+void Cutter::split(const JWLineString& line, AreaCut cut, const Team& team,
                    const PieceSink& sink) const {
     const PointSpan span{line.getPointsPtr(), line.getPointCount()};
+    if (span.count == 0) return;
     const int exponent = exponentOf(span);
     const EdgeIndex* edges = m_edges.get();
     std::unique_ptr<const EdgeIndex> larger;
@@ -76,8 +77,11 @@ bool Cutter::split(const JWLineString& line, AreaCut cut, const Team& team,
         larger = index(std::max(exponent, m_exponent));
         edges = larger.get();
     }
-    return isArea() ? splitByArea(span, *edges, cut, team, sink)
-                    : splitByLines(span, *edges, team, sink);
+    const bool hasLength = isArea() ? splitByArea(span, *edges, cut, team, sink)
+                                    : splitByLines(span, *edges, team, sink);
+    if (hasLength) return;
+    std::vector<JWRawPoint> points = line.getPointList();
+    sink(points, !isArea() || holds(points.front()));
 }
 
 bool Cutter::mayReach(const JWEnvelop& box) const {

@@ -25,12 +25,9 @@ class Cutter {
     /// True when there is nothing that could cut.
     bool isEmpty() const { return m_edges->isEmpty(); }
     bool isArea() const { return m_kind == EdgeIndex::Chains::Closed; }
-    /// Cuts a line and tells whether it has any length. Coordinates must be finite.
-    bool split(const JWLineString& line, AreaCut cut, const PieceSink& sink) const {
-        return split(line, cut, Team(1), sink);
-    }
-    /// The same by a team.
-    bool split(const JWLineString& line, AreaCut cut, const Team& team,
+    /// Cuts a line, by a team. One of no length is a piece that lies where its point does.
+    /// Coordinates must be finite.
+    void split(const JWLineString& line, AreaCut cut, const Team& team,
                const PieceSink& sink) const;
     /// Tells whether a point is in the area or on its boundary.
     bool holds(const JWRawPoint& p) const;

@@ -10,6 +10,7 @@
 #include "clip/area_cut.h"
 #include "foundation/vertex_lists.h"
 #include "jw_cpgeometrybasic.h"
+#include "overlay/area_union.h"
 #include "overlay/geometry_overlay.h"
 
 namespace jws::detail {
@@ -62,6 +63,17 @@ bool isPolygonal(enumJWGeometryType type) {
     return type == JWGeometryPolygon || type == JWGeometryMultiPolygon;
 }
 
+/// The rings of an area, closed; those that are too short are left out.
+RingViews closedRings(const JWGeometry& area) {
+    RingViews rings;
+    everyVertexList(area, [&](const JWRawPoint* points, std::size_t n) {
+        const auto count = static_cast<int>(points[0] == points[n - 1] ? n - 1 : n);
+        if (n >= 4) rings.push_back({points, count, 0});
+        return true;
+    });
+    return rings;
+}
+
 template <class Geometry>
 void moveInto(MarkedPieces<JWGeometry>& all, MarkedPieces<Geometry>&& pieces) {
     for (MarkedPiece<Geometry>& piece : pieces)
@@ -94,6 +106,24 @@ const LineIndex& PreparedCutter::lines() {
     edges();
     std::call_once(m_indexed, [this] { m_lines = std::make_unique<const LineIndex>(m_geometry); });
     return *m_lines;
+}
+
+const Area& PreparedCutter::area() {
+    std::call_once(m_gathered, [this] {
+        auto area = std::make_unique<Area>(closedRings(m_geometry));
+        area->prepare();
+        m_area = std::move(area);
+    });
+    return *m_area;
+}
+
+JWEnvelop boxAround(const JWGeometry& geometry) {
+    JWEnvelop box = JWEnvelop::invalid();
+    everyVertexList(geometry, [&](const JWRawPoint* points, std::size_t n) {
+        box.inflates_to_contain(boxOf(points, static_cast<int>(n)));
+        return true;
+    });
+    return box;
 }
 
 MarkedPieces<JWLineString> cutLines(const JWGeometry& lines, const Cutter& cutter,
@@ -201,8 +231,9 @@ MarkedPieces<JWGeometry> clipGeometry(const JWGeometry& target, PreparedCutter& 
     } else if (type == JWGeometryMultiPoint) {
         moveInto(pieces, cutPoints(static_cast<const JWMultiPoint&>(target), cutter.edges(), team));
     } else if (areas) {
-        if (std::unique_ptr<JWGeometry> common = intersect(target, cutter.geometry(), 0))
-            pieces.push_back({std::move(common), 1});
+        const Area area(closedRings(target));
+        BuiltArea common = buildArea(intersectAreas(area, cutter.area()), 0);
+        if (common.geometry) pieces.push_back({std::move(common.geometry), 1});
     } else {
         for (Face& face : cutArea(target, cutter.lines(), team)) {
             auto polygon = std::make_unique<JWPolygon>();

@@ -16,6 +16,7 @@
 #include "clip/line_index.h"
 #include "foundation/parallel.h"
 #include "jw_geometry.h"
+#include "overlay/area_operand.h"
 
 namespace jws::detail {
 
@@ -53,20 +54,26 @@ class PreparedCutter {
     const Cutter& edges();
     /// Of lines that cut areas. Throws ClipRefused when there are none.
     const LineIndex& lines();
+    /// Of a polygon or multipolygon.
+    const Area& area();
 
   private:
     const JWGeometry& m_geometry;
     EdgeSearch m_search;
-    std::once_flag m_checked, m_judged, m_read, m_indexed;
+    std::once_flag m_checked, m_judged, m_read, m_indexed, m_gathered;
     bool m_isWeird = false;
     std::unique_ptr<const Cutter> m_edges;
     std::unique_ptr<const LineIndex> m_lines;
+    std::unique_ptr<const Area> m_area;
 };
 
 /// Throws ClipRefused as `PreparedCutter::check` does.
 void checkOperand(const JWGeometry& geometry, bool forWeird);
 
-/// The pieces of a line string or multi line string. Lines of no length have none.
+/// The rectangle around all points of a geometry, whatever envelope it has stored.
+JWEnvelop boxAround(const JWGeometry& geometry);
+
+/// The pieces of a line string or multi line string.
 MarkedPieces<JWLineString> cutLines(const JWGeometry& lines, const Cutter& cutter,
                                     const Team& team);
 

@@ -10,7 +10,6 @@
 #include "clip/geometry_clip.h"
 #include "foundation/api_guard.h"
 #include "foundation/position_index.h"
-#include "foundation/vertex_lists.h"
 #include "jw_cpgeometrybasic.h"
 #include "jw_feature.h"
 #include "jw_geometryclip.h"
@@ -25,18 +24,6 @@ namespace {
 using Pieces = MarkedPieces<JWGeometry>;
 
 constexpr int kAlone = 1;
-
-/// The stored envelope where it is valid, otherwise a fresh one.
-JWEnvelop envelopeOf(const JWGeometry& geometry) {
-    const JWEnvelop stored = geometry.getEnvelop();
-    if (stored.isValid()) return stored;
-    JWEnvelop box = JWEnvelop::invalid();
-    everyVertexList(geometry, [&](const JWRawPoint* points, std::size_t n) {
-        for (std::size_t i = 0; i < n; ++i) box.inflates_to_contain(points[i]);
-        return true;
-    });
-    return box;
-}
 
 void addFeatures(const JWFeature& source, Pieces&& pieces, JWFeatureClass& out) {
     for (MarkedPiece<JWGeometry>& piece : pieces) {
@@ -105,14 +92,14 @@ int clipClassByClass(const char* name, JWFeatureClass& targets, JWFeatureClass& 
             prepared.emplace_back();
             if (cutter.isGeometryEmpty()) continue;
             prepared.back() = std::make_unique<PreparedCutter>(*cutter.getGeometryPtr(), search);
-            index.add(i, envelopeOf(*cutter.getGeometryPtr()));
+            index.add(i, boxAround(*cutter.getGeometryPtr()));
         }
         return clipFeatures(
             name, targets, out, threads,
             [&](const JWFeature& target, Pieces& pieces, std::string& reason) {
                 const Team alone(kAlone);
                 Hits found;
-                index.search(envelopeOf(*target.getGeometryPtr()), found);
+                index.search(boxAround(*target.getGeometryPtr()), found);
                 for (const void* hit : found) {
                     const auto i = static_cast<std::size_t>(positionOf(hit));
                     attempt(reason, [&] {
@@ -135,7 +122,7 @@ int clipFeature(const char* name, JWFeature* target, JWFeature* cutter, JWFeatur
         return refused(name, "a geometry is empty");
     return guarded(name, 0, [&] {
         const JWGeometry &geometry = *target->getGeometryPtr(), &by = *cutter->getGeometryPtr();
-        if (envelopeOf(geometry).isDisjoin(envelopeOf(by)))
+        if (boxAround(geometry).isDisjoin(boxAround(by)))
             return refused(name, "the features lie apart");
         try {
             const Team team(threads);

@@ -205,6 +205,7 @@ bool takeSchema(const JWFeatureLayer& from, JWFeatureLayer& to) {
 bool writeParts(JWFeatureLayer& in, JWFeatureLayer& out, const JWEnvelop& envelope, int threads) {
     const AreaClip clip = AreaClip::ofRectangle(envelope, AreaCut::EveryMeeting);
     const Team team(threads);
+    const bool isNew = out.getFeatureCount() == 0;  // identifiers are free
     bool any = false;
     constexpr int block = 4096;
     std::vector<std::shared_ptr<const JWFeature>> features;
@@ -235,7 +236,7 @@ bool writeParts(JWFeatureLayer& in, JWFeatureLayer& out, const JWEnvelop& envelo
                     features[i]->getFID64());
             }
             if (!parts[i]) continue;
-            if (out.createFeature(parts[i].get())) {
+            if (out.createFeature(parts[i].get(), isNew)) {
                 any = true;
             } else if (!isRefusal(JWReport::lastError().kind)) {
                 throw LayerFailure();

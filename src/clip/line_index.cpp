@@ -50,7 +50,7 @@ std::vector<std::vector<JWRawPoint>> LineIndex::within(const JWEnvelop& window) 
             parts.push_back(std::move(chain));
             continue;
         }
-        cutter.split(JWLineString(std::move(chain)), AreaCut::InsideOut,
+        cutter.split(JWLineString(std::move(chain)), AreaCut::InsideOut, Team(1),
                      [&](std::vector<JWRawPoint>& part, bool inside) {
                          if (inside) parts.push_back(std::move(part));
                      });

@@ -122,7 +122,7 @@ TEST(ClipBadInput, AnswersNoughtAddsNothingAndTellsWhy) {
     JWRing outline = square.getExteriorRing();
     EXPECT_EQ(clip(nullptr, &outline, false), 0);
     EXPECT_EQ(clip(&line, nullptr, false), 0);
-    for (JWLineString* bad : {&none, &onePoint, &notFinite, &infinite})
+    for (JWLineString* bad : {&none, &notFinite, &infinite})
         EXPECT_EQ(clip(bad, &outline, false), 0);
     for (JWRing* bad : {&threePoints, &badRing}) EXPECT_EQ(clip(&line, bad, false), 0);
     EXPECT_EQ(clip(&line, &outline, true), 0) << "every closed ring is weird";
@@ -203,6 +203,23 @@ const char* const kInRectangle =
     "1 MULTILINESTRING ((0 5, 10 5), (10 8, 5 8))|line\n"
     "2 POLYGON ((5 5, 10 5, 10 10, 5 10, 5 5))|area\n3 MULTIPOINT ((1 1))|points\n"
     "5 POINT (10 10)|corner\n7 MULTILINESTRING ((1 1, 2 2), (0 1, 3 1))|lines\n";
+
+TEST(ClipFeatures, AreasAreReadAsTheyAreAndNotAsStored) {
+    // A ring that has lost its closing point, and has outgrown the envelope that is stored.
+    Features targets({{1, "POLYGON ((0 0,4 0,4 4,0 4,0 0))", "a"}});
+    Features cutters({{1, "POLYGON ((5 0,20 0,20 4,5 4,5 0))", "b"}});
+    JWRing& ring =
+        *static_cast<JWPolygon*>(targets.list.getFeatureAt(0)->getGeometryPtr())->getRingPtrAt(0);
+    ring.insertPointAt(JWRawPoint(8, 2), 2);
+    ring.deletePointAt(5);
+    JWFeatureClass out;
+    ASSERT_EQ(JWGeometryClip::featureClassClipByfeatureClass(targets.list, cutters.list, out, false,
+                                                             true),
+              1);
+    ASSERT_EQ(out.getFeatureCount(), 1);
+    EXPECT_EQ(toWkt(*normalized(*out.getFeatureAt(0)->getGeometryPtr())),
+              toWkt(*normalized(*fromWkt("POLYGON ((5 0.5,8 2,5 3.5,5 0.5))"))));
+}
 
 TEST(ClipFeatures, ByRectangle) {
     Features in(kMixed);

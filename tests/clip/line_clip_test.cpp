@@ -148,8 +148,9 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"TwoMembers", "MULTILINESTRING ((-5 5,5 5),(1 1,2 2))", kSquare,
             "0: -5 5, 0 5; 1: 0 5, 5 5; 1: 1 1, 2 2"},
         Row{"OneMemberWithoutLength", "MULTILINESTRING ((3 3,3 3),(1 1,2 2))", kSquare,
-            "1: 1 1, 2 2"},
-        Row{"NoLength", "LINESTRING (3 3,3 3)", kSquare, ""},
+            "1: 3 3, 3 3; 1: 1 1, 2 2"},
+        Row{"NoLengthInside", "LINESTRING (3 3,3 3)", kSquare, "1: 3 3, 3 3"},
+        Row{"NoLengthOutside", "LINESTRING (3 -3,3 -3,3 -3)", kSquare, "0: 3 -3, 3 -3, 3 -3"},
         Row{"RingWithoutArea", "LINESTRING (0 5,10 5)", "POLYGON ((5 0,5 10,5 0,5 0))",
             "0: 0 5, 5 5; 0: 5 5, 10 5"},
         Row{"RingTooShort", "LINESTRING (0 5,10 5)", "POLYGON ((5 0,5 10,5 0))", ""},
@@ -193,6 +194,7 @@ INSTANTIATE_TEST_SUITE_P(
             "0 0, 2 0; 2 0, 4 0; 4 0, 6 0; 6 0, 10 0"},
         Row{"TwoCuttersInOnePlace", "LINESTRING (0 0,10 0)",
             "MULTILINESTRING ((5 -5,5 5),(4 -1,6 1))", "0 0, 5 0; 5 0, 10 0"},
+        Row{"NoLength", "LINESTRING (5 5,5 5)", "LINESTRING (5 0,5 9)", "5 5, 5 5"},
         Row{"CutterWithoutLength", "LINESTRING (0 0,10 0)", "LINESTRING (5 0,5 0)", ""}),
     nameOf);
 
