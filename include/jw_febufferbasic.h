@@ -17,8 +17,8 @@ namespace jws {
 ///
 /// The contents of `result` are replaced, envelopes are up to date, outer rings run clockwise and
 /// holes counter-clockwise. The answer is 1 for success; for what `JWGeometryBuffer` answers with
-/// 0, it is 0 and `result`, unless an argument was null or the distance not greater than 0, is
-/// empty.
+/// 0, it is 0 and `result` is empty; an argument that is null and a distance that is not greater
+/// than 0, or not finite, leave it as it was.
 class JW_API JWFEBufferBasic {
   public:
     JWFEBufferBasic();

@@ -67,6 +67,8 @@ struct JWBufferOptions {
 ///   shape has no area in the coordinates' precision, an empty result, and a failure. Lists that
 ///   were not left alone are empty then. `JWReport::lastError` tells which.
 /// - Nothing throws.
+/// - Rings are taken as they are stored: of one that is not closed, the band has a gap where its
+///   last edge is missing, and what it encloses is closed by a straight edge.
 /// - Rings are closed and their envelopes up to date. Rings of a union are simple, do not cross one
 ///   another and touch at points only.
 /// - The `_mp` and `_mp1` forms work with the fixed team of eight threads and give the result of
@@ -127,9 +129,9 @@ class JW_API JWGeometryBuffer {
     static int multiPolygonBuffer1(const JWMultiPolygon* polygons, double distance,
                                    std::vector<JWRing*>& rings, std::vector<int>& flags);
 
-    /// Unites ring sets, each read by the even-odd rule. Rings that are null and sets without rings
-    /// are left out. A single set is handed on as it is; of several all rings come as results of
-    /// unions do, outer rings clockwise.
+    /// Unites ring sets, each read by the even-odd rule. Rings that are null or without points and
+    /// sets without rings are left out. A single set is handed on as it is; of several all rings
+    /// come as results of unions do, outer rings clockwise.
     ///
     /// Takes over the rings of the groups: those not handed on are deleted, and both lists of
     /// groups are empty on return. A failure leaves `rings` and `flags` empty.
@@ -151,7 +153,8 @@ class JW_API JWGeometryBuffer {
     /// `JWMultiPolygon`, one polygon for each outer ring, in order. A hole goes to the first outer
     /// ring that its first vertex lies strictly inside; a hole that lies in none is dropped.
     ///
-    /// Takes the rings over; both lists are empty on return. Null rings are skipped.
+    /// Takes the rings over; both lists are empty on return. Null rings and rings without points
+    /// do not count.
     /// \param result  receives a new geometry, owned by the caller; null when there is no ring
     /// \return 1, or 0 for a null `result`, no ring or a failure
     static int polygonizeRing(std::vector<JWRing*>& rings, std::vector<int>& flags,

@@ -64,6 +64,7 @@ bool hasCollapsed(const RingView& ring) {
 
 FlaggedRings flagged(const Outline& area) {
     FlaggedRings result;
+    result.isArea = true;
     result.rings.reserve(static_cast<std::size_t>(area.count()));
     for (int i = 0; i < area.count(); ++i) {
         const RingView ring = area.view(i);
@@ -180,7 +181,9 @@ FlaggedRings bufferRing(const JWRing& ring, enumJWBufferType type, const BufferP
 FlaggedRings bufferPolygon(const JWPolygon& polygon, enumJWBufferType type,
                            const BufferPlan& plan) {
     if (type != JWBufferFace && type != JWBufferEdge) return {};
-    return flagged(areaOf(polygon, type, plan));
+    FlaggedRings result = flagged(areaOf(polygon, type, plan));
+    result.isArea = isClean(polygon, type);
+    return result;
 }
 
 FlaggedRings bufferPoints(const JWMultiPoint& points, const BufferPlan& plan) {
@@ -259,14 +262,14 @@ FlaggedRings uniteGroups(std::vector<FlaggedRings> groups, const Team& team) {
                  groups.end());
     if (groups.empty()) return {};
     if (groups.size() == 1) return std::move(groups.front());
-    std::vector<RingViews> sets;
+    std::vector<SetToUnite> sets;
     for (const FlaggedRings& group : groups) {
         for (const JWRing& ring : group.rings) {
             for (const JWRawPoint& p : ring.getPointList()) {
                 if (!isFiniteAt(p, 0)) throw BadBuffer(kNotFinite);
             }
         }
-        sets.push_back(viewsOf(group));
+        sets.push_back({viewsOf(group), group.isArea});
     }
     return flagged(uniteRingSets(sets, team));
 }

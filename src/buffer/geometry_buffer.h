@@ -27,6 +27,8 @@ struct BadBuffer : std::invalid_argument {
 struct FlaggedRings {
     std::vector<JWRing> rings;
     std::vector<int> flags;
+    /// The rings do not cross one another, and the interior is on their right.
+    bool isArea = false;
 
     bool empty() const { return rings.empty(); }
     void add(JWRing ring, int flag) {
@@ -54,7 +56,8 @@ FlaggedRings bufferPolygons(const JWMultiPolygon& polygons, enumJWBufferType typ
 FlaggedRings bufferGeometry(const JWGeometry& geometry, enumJWBufferType type,
                             const BufferPlan& plan);
 
-/// Unites ring sets, each read by the even-odd rule; a single one stays as it is.
+/// Unites ring sets, each read by the even-odd rule unless it is an area; a single one stays as it
+/// is.
 FlaggedRings uniteGroups(std::vector<FlaggedRings> groups, const Team& team);
 
 /// Makes a polygon of one ring, a multipolygon of more, and null of none. A hole goes to the first

@@ -73,34 +73,50 @@ int polygonsRings(const JWMultiPolygon* polygons, double distance, enumJWBufferT
                      });
 }
 
-/// Takes rings over from a caller's lists, null ones left out.
-FlaggedRings takeOver(Rings& rings, const Flags& flags) {
-    const std::vector<std::unique_ptr<JWRing>> owned(rings.begin(), rings.end());
-    rings.clear();
-    FlaggedRings taken;
-    for (std::size_t i = 0; i < owned.size(); ++i) {
-        if (owned[i]) taken.add(std::move(*owned[i]), i < flags.size() ? flags[i] : 0);
+/// Ring sets taken over from a caller; deletes the rings.
+class TakenGroups {
+  public:
+    explicit TakenGroups(std::vector<Rings>& groups) { m_groups.swap(groups); }
+    TakenGroups(const TakenGroups&) = delete;
+    TakenGroups& operator=(const TakenGroups&) = delete;
+    ~TakenGroups() {
+        for (const Rings& group : m_groups) {
+            for (const JWRing* ring : group) delete ring;
+        }
     }
-    return taken;
-}
+
+    std::size_t count() const { return m_groups.size(); }
+    /// Hands on what a group's rings hold; those that are null or without points are left out.
+    FlaggedRings group(std::size_t i, const Flags& flags) const {
+        FlaggedRings taken;
+        for (std::size_t k = 0; k < m_groups[i].size(); ++k) {
+            JWRing* ring = m_groups[i][k];
+            if (ring == nullptr || ring->isEmpty()) continue;
+            taken.add(std::move(*ring), k < flags.size() ? flags[k] : 0);
+        }
+        return taken;
+    }
+
+  private:
+    std::vector<Rings> m_groups;
+};
 
 int unite(std::vector<Rings>* groups, std::vector<Flags>* groupFlags, Rings& rings, Flags& flags,
           int threads) {
     constexpr const char* name = "reduceUnionRing";
     if (!groups || !groupFlags) return refused(name, "a list of groups is null");
-    std::vector<Rings> given;
+    const TakenGroups given(*groups);
     std::vector<Flags> givenFlags;
-    given.swap(*groups);
     givenFlags.swap(*groupFlags);
     rings.clear();
     flags.clear();
-    givenFlags.resize(given.size());
     return deliver(
         name,
         [&] {
+            givenFlags.resize(given.count());
             std::vector<FlaggedRings> sets;
-            for (std::size_t i = 0; i < given.size(); ++i) {
-                sets.push_back(takeOver(given[i], givenFlags[i]));
+            for (std::size_t i = 0; i < given.count(); ++i) {
+                sets.push_back(given.group(i, givenFlags[i]));
             }
             const Team team(threads);
             return uniteGroups(std::move(sets), team);
@@ -177,10 +193,15 @@ int JWGeometryBuffer::polygonizeRing(Rings& rings, Flags& flags, JWGeometry** re
     constexpr const char* name = "polygonizeRing";
     if (!result) return refused(name, "the result is null");
     *result = nullptr;
-    const Flags givenFlags = std::move(flags);
-    flags.clear();
+    Flags givenFlags;
+    givenFlags.swap(flags);
     return deliver(
-        name, [&] { return takeOver(rings, givenFlags); },
+        name,
+        [&] {
+            std::vector<Rings> groups(1);
+            groups.front().swap(rings);
+            return TakenGroups(groups).group(0, givenFlags);
+        },
         [&](FlaggedRings&& taken) { *result = polygonize(std::move(taken)).release(); });
 }
 

@@ -127,12 +127,18 @@ Outline uniteAtOnce(const Outline& rings) {
     return unite(areas);
 }
 
-Outline uniteRingSets(const std::vector<RingViews>& sets, const Team& team) {
+Outline uniteRingSets(const std::vector<SetToUnite>& sets, const Team& team) {
     std::vector<Outline> outlines(sets.size());
     parallelChunks(teamFor(sets.size(), 2, team), static_cast<std::int64_t>(sets.size()), 1,
                    [&](std::int64_t i, std::int64_t) {
                        const auto k = static_cast<std::size_t>(i);
-                       outlines[k] = resolved(sets[k]);
+                       if (!sets[k].isArea) {
+                           outlines[k] = resolved(sets[k].rings);
+                           return true;
+                       }
+                       for (const RingView& ring : sets[k].rings) {
+                           addRing(ring, false, ring.hole, outlines[k]);
+                       }
                        return true;
                    });
     return uniteOutlines(std::move(outlines), team);

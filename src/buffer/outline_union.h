@@ -50,8 +50,13 @@ RingViews viewsOf(const Outline& area);
 /// A ring set read by the even-odd rule, as an area.
 Outline resolved(const RingViews& rings);
 
-/// Resolves and unites ring sets, each read by the even-odd rule.
-Outline uniteRingSets(const std::vector<RingViews>& sets, const Team& team);
+/// A ring set read by the even-odd rule, or an area as it stands.
+struct SetToUnite {
+    RingViews rings;
+    bool isArea;
+};
+/// Unites ring sets; those that are no areas are resolved first.
+Outline uniteRingSets(const std::vector<SetToUnite>& sets, const Team& team);
 
 /// Unites areas. The rings of an area that meets no other are handed on as they are. Rings come
 /// cluster by cluster, clusters in the order of their first areas.
