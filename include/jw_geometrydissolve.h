@@ -59,7 +59,8 @@ struct JWDissolveOptions {
     int blockSize = 0;
     /// Threads of the team; 0 or less means one per core. The result is the same for any number.
     int threads = 1;
-    /// Fields behind the dissolve fields, in this order.
+    /// Fields behind the dissolve fields, in this order. They are those of a group: where it
+    /// becomes several features, each of them has them.
     std::vector<JWDissolveStatistic> statistics;
     /// Name of a real field that receives the area of each result feature; empty for none.
     /// Polygons only.

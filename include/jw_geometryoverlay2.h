@@ -285,7 +285,8 @@ class JW_API JWGeometryOverlay2 {
     /// (in an area that reaches the tolerance), and how many those are in an integer field
     /// "join_count" behind the others.
     ///
-    /// \param keepUnmatched features of A that overlap none are written as well, count 0
+    /// \param keepUnmatched features of A that overlap none are written as well, count 0; so are
+    ///     those without a geometry
     /// \param rowPerPair one row for each feature of B that is overlapped, in the order of B;
     ///     otherwise one row for each feature of A, with the attributes of the first
     ///
@@ -330,7 +331,8 @@ class JW_API JWGeometryOverlay2 {
     /// Writes the pieces into which the features of a layer cut one another: for every set of
     /// features what lies in all of them and in no other. No two pieces overlap, and together they
     /// cover what the layer covers. A piece carries the attributes of its first feature and, as
-    /// those of B, of its second, if there is one. Pieces come in the order of their first feature.
+    /// those of B, of its second, if there is one. What features have in common below the tolerance
+    /// stays with the first of them. Pieces come in the order of their first feature.
     ///
     /// Identity: the pieces whose first feature is a certain one make up that feature outside of
     /// those before it.

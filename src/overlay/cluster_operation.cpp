@@ -37,6 +37,7 @@ struct UniteClusters {
     void operator()(const OverlayFeature& self, Surroundings& around, Emitter& out) const {
         Hits members = clusters->membersOf(self.position);
         if (members.empty()) return;
+        if (const char* failure = clusters->failureOf(self.position)) out.reject(failure);
         out.noteCluster(members);
         LayerSide& side = around.own();
         const bool second = side.input().originOf(self.position).second;

@@ -146,7 +146,7 @@ std::int64_t FeatureClusters::close(LayerSide& side) {
 }
 
 /// Grows the cluster of a seed, when those of earlier seeds have grown, and returns how many
-/// features it was compared with. A comparison that fails leaves a feature where it is.
+/// features it was compared with. A comparison that fails ends that, and is kept to be told.
 std::int64_t FeatureClusters::grow(std::size_t seed, LayerSide& side) {
     Hits fresh = membersOf(static_cast<std::int64_t>(seed));
     if (fresh.size() < 2) return 0;
@@ -173,8 +173,8 @@ std::int64_t FeatureClusters::grow(std::size_t seed, LayerSide& side) {
                 break;
             }
         }
-    } catch (const ClipFailure&) {
-        return compared;
+    } catch (const ClipFailure& failure) {
+        m_failures[seed] = failure.what();
     }
     return compared;
 }
@@ -202,6 +202,11 @@ void FeatureClusters::listMembers() {
     for (std::size_t i = 0; i < m_parents.size(); ++i) {
         m_members[next[m_parents[i]]++] = payloadOf(static_cast<std::int64_t>(i));
     }
+}
+
+const char* FeatureClusters::failureOf(std::int64_t seed) const {
+    const auto found = m_failures.find(static_cast<std::size_t>(seed));
+    return found != m_failures.end() ? found->second.c_str() : nullptr;
 }
 
 Hits FeatureClusters::membersOf(std::int64_t seed) const {

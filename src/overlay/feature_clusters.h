@@ -18,7 +18,9 @@
 #define JW_OVERLAY_FEATURE_CLUSTERS_H
 
 #include <atomic>
+#include <map>
 #include <mutex>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -41,6 +43,9 @@ class FeatureClusters {
 
     /// The members of the cluster with a seed, in order; none when the feature is no seed.
     Hits membersOf(std::int64_t seed) const;
+    /// Why the cluster with a seed could not be compared with all that is around it; null when it
+    /// could.
+    const char* failureOf(std::int64_t seed) const;
 
   private:
     using Pair = std::pair<std::size_t, std::size_t>;
@@ -62,6 +67,7 @@ class FeatureClusters {
     std::vector<std::size_t> m_first;    ///< of each seed's members in `m_members`
     Hits m_members;
     std::vector<std::atomic<char>> m_ringsHold;
+    std::map<std::size_t, std::string> m_failures;  ///< of seeds
 };
 
 }  // namespace jws::detail

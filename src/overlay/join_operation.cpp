@@ -50,7 +50,9 @@ struct Join {
 }  // namespace
 
 Passes spatialJoinPasses(const JWOverlayOptions& options, std::int64_t) {
-    return {{false, Join{options}}};
+    OverlayPass pass = {false, Join{options}};
+    pass.keepsEmpty = options.keepUnmatched;
+    return {std::move(pass)};
 }
 
 }  // namespace jws::detail

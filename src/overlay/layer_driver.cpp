@@ -142,8 +142,12 @@ void OverlayRun::process(const OverlayPass& pass, OrderedWalk<Slot>& walk, Chunk
         for (; begin < end; ++begin) {
             Slot& slot = chunk.slots[begin];
             surroundings.startFeature(slot.pairs);
-            if (slot.check != AreaCheck::Usable) continue;
             const std::shared_ptr<const JWFeature>& feature = chunk.feature(begin);
+            if (slot.check == AreaCheck::Empty && pass.keepsEmpty) {
+                Emitter(m_job.schema, others(pass).input(), m_options.multipart, slot, grew)
+                    .emitEmpty(*feature);
+            }
+            if (slot.check != AreaCheck::Usable) continue;
             OverlayFeature subject = {chunk.position(begin), feature,
                                       Area(*feature->getGeometryPtr(), feature)};
             atHand = begin;

@@ -77,6 +77,8 @@ struct OverlayPass {
     /// Called once after the walk with the number of features it wrote, and of those that came out
     /// as they were; may be null.
     void (*summary)(int written, int copied) = nullptr;
+    /// Features without a geometry become results without one, with the attributes of A.
+    bool keepsEmpty = false;
 };
 
 struct OverlayJob {

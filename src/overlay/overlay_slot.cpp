@@ -63,6 +63,13 @@ void Emitter::addResult(std::unique_ptr<JWGeometry> geometry, const Values& valu
     m_slot.results.add(std::move(result), m_grew);
 }
 
+void Emitter::emitEmpty(const JWFeature& a) {
+    PendingResult result;
+    result.isEmpty = true;
+    result.feature = m_schema.makeFeature(nullptr, {&a}, result.lostField);
+    m_slot.results.add(std::move(result), m_grew);
+}
+
 void Emitter::lose(const OverlayFeature& other, const char* reason) {
     m_slot.lost.push_back({m_others.originOf(other.position).input, other->getFID64(), reason});
 }

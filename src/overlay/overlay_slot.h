@@ -54,6 +54,8 @@ class Emitter {
     /// features of their own, they are those of what it encloses by the even-odd rule.
     void emitCopy(const OverlayFeature& self, const JWFeature* a, const JWFeature* b,
                   std::int64_t joined = 0);
+    /// Adds a result without a geometry, with the attributes of `a`.
+    void emitEmpty(const JWFeature& a);
     /// The area that the feature at hand encloses.
     double inputArea() const { return m_slot.inputArea; }
     /// Adds a clip result, if something of it reached the tolerance, and accounts for the rest:

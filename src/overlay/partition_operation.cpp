@@ -6,8 +6,9 @@
 // made by the set's first feature, in order: what of that lies in no earlier feature is cut by the
 // later ones, as many at once as the engine takes, in one arrangement; pieces that more features
 // meet are cut again. So every point lands in one piece, pieces share their borders, and no piece
-// is cut by a feature that its rectangle does not meet. Pieces wait in a list of their own, since a
-// thousand features may lie on top of one another.
+// is cut by a feature that its rectangle does not meet. What a piece has in common with others
+// below the tolerance stays with it. Pieces wait in a list of their own, since a thousand features
+// may lie on top of one another.
 //
 // O((n + k) log n) for the n edges and k crossings of the features around one, and O(n + k) again
 // for each piece.
@@ -152,6 +153,7 @@ class Partition {
         const std::int64_t last = cutters.back()->position;
         piece.area.prepare();
         std::vector<PartOfSets> parts = partitionArea(piece.area, cutters);
+        if (m_tolerance > 0 && (m_single || piece.second != nullptr)) keepSmall(parts);
         if (parts.size() == 1 && parts.front().sets == 0) {  // they only touch it
             piece.last = last;
             m_waiting.push_back(std::move(piece));
@@ -168,6 +170,24 @@ class Partition {
             become(next, std::move(part->contours));
             m_waiting.push_back(std::move(next));
         }
+    }
+
+    /// Leaves with the piece, outside of its cutters, what it has in common with them below the
+    /// tolerance.
+    void keepSmall(std::vector<PartOfSets>& parts) const {
+        const auto isKept = [&](const PartOfSets& part) {
+            return part.sets == 0 || !reaches(part.contours, m_tolerance);
+        };
+        const auto kept = std::stable_partition(
+            parts.begin(), parts.end(), [&](const PartOfSets& part) { return !isKept(part); });
+        if (std::all_of(kept, parts.end(), [](const PartOfSets& part) { return part.sets == 0; })) {
+            return;
+        }
+        std::vector<RingViews> views;
+        for (auto part = kept; part != parts.end(); ++part) views.push_back(part->contours.views());
+        ClippedContours outside = uniteRings(views);
+        parts.erase(kept, parts.end());
+        parts.push_back({0, std::move(outside)});
     }
 
     static std::vector<PartOfSets> partitionArea(

@@ -140,6 +140,15 @@ TEST_F(LayerOperations, OverlapsBelowTheToleranceTakeNothing) {
     EXPECT_EQ(areas("identity", *a, *both, options), (Rows{"10|A1|B2", "90|A1|-"}));
     EXPECT_EQ(areas("union", *a, *both, options), (Rows{"10|A1|B2", "90|A1|-", "20|-|B2"}));
     EXPECT_EQ(report.areaDropped, 0);
+    LayerPtr one = layerOf("c", {{1, box(0, 0, 10, 10), "1"},
+                                 {2, box(9.95, 0, 20, 10), "2"},
+                                 {3, box(0, 0, 2, 10), "3"},
+                                 {4, box(4, 4, 4.5, 5), "4"}});
+    EXPECT_EQ(areas("partition within", *one, *one, options),
+              (Rows{"80|1|-", "20|1|3", "100|2|-"}));
+    EXPECT_EQ(report.areaDropped, 0);
+    EXPECT_EQ(areas("overlaps within", *one, *one, options), (Rows{"20|1|3"}));
+    EXPECT_NEAR(report.areaDropped, 1, 1e-12);
 }
 
 TEST_F(LayerOperations, WithinALayer) {
@@ -462,6 +471,7 @@ TEST_F(LayerOperations, WhatCannotBeProcessedIsListedOnce) {
     for (const auto& [name, operation] : operations) {
         run(name, *a, *b);
         EXPECT_EQ(report.emptyA, 1) << name;
+        EXPECT_EQ(report.writtenEmpty, name == "join" ? 1 : 0) << name;
         std::set<std::string> listed;
         for (const auto& r : report.rejected) listed.insert(r.layer + std::to_string(r.fid));
         std::set<std::string> expected = {"a2", "a4"};

@@ -126,9 +126,10 @@ void setupDissolve(CLI::App& app, Settings& settings) {
                  "Write one feature per group; default: one per polygon");
     app.add_flag("--across", settings.dissolve.acrossClusters,
                  "Write one feature per set of values, wherever its polygons lie");
-    addList(app, "--stat", settings.dissolve.statistics, "STATISTIC[:FIELD]",
-            "Statistics over the features of a group: sum, mean, min, max, first or count of a "
-            "field, or count alone");
+    addList(
+        app, "--stat", settings.dissolve.statistics, "STATISTIC[:FIELD]",
+        "Statistics over the features of a group, in each of its polygons: sum, mean, min, max, "
+        "first or count of a field, or count alone");
     addRunOptions(app, settings);
 }
 
