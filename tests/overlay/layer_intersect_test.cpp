@@ -149,41 +149,6 @@ TEST_F(LayerIntersect, BlocksAreAnnouncedWithTheirFilter) {
     EXPECT_EQ(messages.text().find("block 3"), std::string::npos);
 }
 
-TEST_F(LayerIntersect, EveryFormBlockSizeAndTeamGivesTheSameFeatures) {
-    const unsigned seed = 20240517;
-    LayerPtr a = layerOf("a", randomRows(150, seed));
-    LayerPtr b = layerOf("b", randomRows(170, seed + 1));
-    const auto expected = run(*a, *b, 2, 0, 100000);
-    ASSERT_GT(expected.size(), 200u) << "seed " << seed;
-    for (LayerForm form : {plainForm(), LayerForm(&JWGeometryOverlay2::intersectPolygonLayers_mp),
-                           LayerForm(&JWGeometryOverlay2::intersectPolygonLayers_lmp),
-                           LayerForm(&JWGeometryOverlay2::intersectPolygonLayers_old_mp)}) {
-        for (int blockSize : {1, 7, 150, 1000, INT_MAX, 0, -3}) {
-            LayerPtr output = emptyLayer("out");
-            EXPECT_EQ(form(a.get(), b.get(), output.get(), 2, 0, blockSize),
-                      static_cast<int>(expected.size()));
-            EXPECT_EQ(contentOf(*output), expected) << "block size " << blockSize;
-        }
-    }
-    for (int threads : {2, 3, 8, 0, INT_MAX}) {
-        JWOverlayOptions options;
-        options.attributeMode = 2;
-        options.blockSize = 40;
-        options.threads = threads;
-        LayerPtr output = emptyLayer("out");
-        JWLayerReport report;
-        JWGeometryOverlay2::intersectPolygonLayers(a.get(), b.get(), output.get(), options,
-                                                   &report);
-        EXPECT_EQ(contentOf(*output), expected) << threads << " threads";
-        EXPECT_EQ(report.written, static_cast<std::int64_t>(expected.size()));
-        EXPECT_EQ(report.readA, 150);
-        EXPECT_EQ(report.readB, 170);
-    }
-    // A cache too small for one feature decodes B again and again; the answer stays.
-    b->setCacheLimit(1);
-    EXPECT_EQ(run(*a, *b, 2, 0, 33), expected);
-}
-
 TEST_F(LayerIntersect, NumberingOfTheSourceDoesNotMatter) {
     const auto rowsA = randomRows(60, 5), rowsB = randomRows(60, 6);
     auto numbered = [](std::vector<Row> rows, std::int64_t first, std::int64_t step) {
@@ -250,24 +215,6 @@ TEST_F(LayerIntersect, EmptyLayersGiveAnEmptyResultWithItsFields) {
     }
 }
 
-TEST_F(LayerIntersect, OverlapsWithinALayerAndSelfCrossingRingsCountByEvenOdd) {
-    LayerPtr a = layerOf("a", {{-1, square, "A1"},
-                               {-1, square, "A2"},
-                               {-1, "POLYGON((0 0,10 10,10 0,0 10,0 0))", "bow tie"}});
-    LayerPtr b = layerOf("b", {{-1, "POLYGON((0 0,10 0,10 5,0 5,0 0))", "lower half"}});
-    LayerPtr output = emptyLayer("out");
-    JWLayerReport report;
-    JWGeometryOverlay2::intersectPolygonLayers(a.get(), b.get(), output.get(), JWOverlayOptions(),
-                                               &report);
-    EXPECT_EQ(report.written, 3);
-    EXPECT_DOUBLE_EQ(report.area, 50 + 50 + 25);
-}
-
-TEST_F(LayerIntersect, ALayerMeetsItself) {
-    LayerPtr a = layerOf("a", {{-1, square, "x"}, {-1, right, "y"}});
-    EXPECT_EQ(run(*a, *a, 0).size(), 4u);
-}
-
 TEST_F(LayerIntersect, AreaFieldHoldsTheAreaOfEachPiece) {
     LayerPtr a = layerOf("a", {{-1, square, "A"}}), b = layerOf("b", {{-1, right, "B"}});
     LayerPtr output = emptyLayer("out");
@@ -279,51 +226,6 @@ TEST_F(LayerIntersect, AreaFieldHoldsTheAreaOfEachPiece) {
     std::unique_ptr<JWFeature> feature(output->getFeature(0));
     EXPECT_TRUE(feature->getFieldAsDouble(2, area));
     EXPECT_DOUBLE_EQ(area, 50);
-}
-
-TEST_F(LayerIntersect, StoppingLeavesNothingBehind) {
-    LayerPtr a = layerOf("a", randomRows(100, 8)), b = layerOf("b", randomRows(100, 9));
-    LayerPtr output = emptyLayer("out");
-    JWReport::setProgress([](std::int64_t done, std::int64_t, void*) { return done < 40; },
-                          nullptr);
-    JWLayerReport report;
-    JWOverlayOptions options;
-    options.blockSize = 10;
-    EXPECT_EQ(JWGeometryOverlay2::intersectPolygonLayers(a.get(), b.get(), output.get(), options,
-                                                         &report),
-              -1);
-    JWReport::setProgress(nullptr, nullptr);
-    EXPECT_TRUE(report.cancelled);
-    EXPECT_EQ(JWReport::lastError().kind, JWErrorCancelled);
-    EXPECT_EQ(output->getFeatureCount(), 0);
-}
-
-TEST_F(LayerIntersect, FeatureClassesGiveWhatLayersGive) {
-    LayerPtr a = layerOf("a", randomRows(40, 11)), b = layerOf("b", randomRows(40, 12));
-    const auto expected = run(*a, *b, 2);
-    JWFeatureClass classA, classB;
-    a->getFeaturesByPosition(0, 40, classA);
-    b->getFeaturesByPosition(0, 40, classB);
-    std::unique_ptr<JWFeatureClass> result(
-        JWGeometryOverlay2::polygonsIntersectPolygons("a", &classA, "b", &classB, 2, 0));
-    ASSERT_TRUE(result);
-    std::vector<std::string> content;
-    for (int i = 0; i < result->getFeatureCount(); ++i) {
-        content.push_back(describe(*result->getFeatureAt(i)));
-    }
-    EXPECT_EQ(content, expected);
-    EXPECT_EQ(fieldNames(*result->getFeatureAt(0)->getFieldsDefPtr()), "FID_a,FID_b,name,name_1");
-
-    EXPECT_EQ(JWGeometryOverlay2::polygonsIntersectPolygons("a", nullptr, "b", &classB, 0, 0),
-              nullptr);
-    EXPECT_NE(JWReport::lastError().text.find("feature class A (a): is missing"),
-              std::string::npos);
-    JWSpatialReference wgs84;
-    wgs84.importFromUserInput("EPSG:4326");
-    classA.setSpatialReference(&wgs84);
-    EXPECT_EQ(JWGeometryOverlay2::polygonsIntersectPolygons("a", &classA, "b", &classB, 0, 0),
-              nullptr);
-    EXPECT_EQ(JWReport::lastError().kind, JWErrorReferencesDiffer);
 }
 
 TEST_F(LayerIntersect, FeatureClassesNeedNoEnvelopes) {

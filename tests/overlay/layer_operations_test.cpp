@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <functional>
 #include <map>
@@ -696,9 +697,9 @@ TEST_F(LayerOperations, EveryThreadCountAndBlockSizeGivesTheSameFeatures) {
         const struct {
             int threads, blockSize;
             std::size_t cache;  // bytes, of the operands
-        } rows[] = {{1, 1, 1 << 20}, {1, 7, 0},       {1, 1000, 5000},
-                    {2, 1, 5000},    {2, 7, 1 << 20}, {2, 1000, 0},
-                    {8, 1, 1 << 20}, {8, 7, 0},       {8, 1000, 5000}};
+        } rows[] = {{1, 1, 1 << 20}, {1, 7, 0},    {1, 1000, 5000},  {2, 1, 5000},
+                    {2, 7, 1 << 20}, {2, 1000, 0}, {8, 1, 1 << 20},  {8, 7, 0},
+                    {8, 1000, 5000}, {0, 0, 5000}, {INT_MAX, -3, 0}, {3, INT_MAX, 1}};
         for (const auto& [threads, blockSize, cache] : rows) {
             options.threads = threads;
             options.blockSize = blockSize;
@@ -753,6 +754,13 @@ TEST_F(LayerOperations, EveryFormGivesTheSameFeaturesOnAThreadTeamToo) {
         }
     };
     JWOverlayOptions options;
+    options.attributeMode = 2;
+    compare("intersect", options,
+            std::vector<int (*)(L, L, L, int, double, int)>{
+                &O::intersectPolygonLayers, &O::intersectPolygonLayers_mp,
+                &O::intersectPolygonLayers_lmp, &O::intersectPolygonLayers_old_mp},
+            [&](auto form, L out) { return form(a.get(), b.get(), out, 2, 0, 7); });
+    options.attributeMode = 0;
     options.tolerance = 0.5;
     const auto simple = [&](auto form, L out) { return form(a.get(), b.get(), out, true, 0.5, 7); };
     using Simple = std::vector<int (*)(L, L, L, bool, double, int)>;
@@ -849,6 +857,9 @@ TEST_F(LayerOperations, FeatureClassesGiveWhatLayersGiveOnAThreadTeamToo) {
     EXPECT_EQ(contentOfClass(*Class(O::polygonsErasePolygons_mp(&classA, &classB, false, 0))),
               contentOf(*output));
     EXPECT_EQ(
+        contentOfClass(*Class(O::polygonsIntersectPolygons("a", &classA, "b", &classB, 2, 0))),
+        run("intersect", *a, *b, both));
+    EXPECT_EQ(
         contentOfClass(*Class(O::polygonsIdentityPolygons("a", &classA, "b", &classB, true, 2, 0))),
         run("identity", *a, *b, both));
     EXPECT_EQ(contentOfClass(*Class(O::unionPolygons("a", &classA, 2, 0))),
@@ -867,7 +878,14 @@ TEST_F(LayerOperations, FeatureClassesGiveWhatLayersGiveOnAThreadTeamToo) {
     EXPECT_EQ(classB.getFeatureCount(), 30);
     EXPECT_NE(JWReport::lastError().text.find("feature class B: is input and result"),
               std::string::npos);
-    EXPECT_EQ(O::polygonsErasePolygons(nullptr, &classB, true, 0), nullptr);
+    EXPECT_EQ(O::polygonsIntersectPolygons("a", nullptr, "b", &classB, 0, 0), nullptr);
+    EXPECT_NE(JWReport::lastError().text.find("feature class A (a): is missing"),
+              std::string::npos);
+    JWSpatialReference wgs84;
+    wgs84.importFromUserInput("EPSG:4326");
+    symdiff.setSpatialReference(&wgs84);
+    EXPECT_EQ(O::polygonsIntersectPolygons("a", &classA, "c", &symdiff, 0, 0), nullptr);
+    EXPECT_EQ(JWReport::lastError().kind, JWErrorReferencesDiffer);
     JWFeature point(*classB.getFeatureAt(0));
     point.setFID(7);
     point.setGeometry(fromWkt("POINT(1 1)").get());
