@@ -137,7 +137,9 @@ void OverlayRun::process(const OverlayPass& pass, OrderedWalk<Slot>& walk, Chunk
         for (; end < chunk.size() && surroundings.size() < neighboursInARun; ++end) {
             Slot& slot = chunk.slots[end];
             measure(*chunk.feature(end), m_resolves, slot);
-            if (slot.check == AreaCheck::Usable) slot.pairs = surroundings.add(slot.envelop);
+            if (slot.check == AreaCheck::Usable && pass.searches) {
+                slot.pairs = surroundings.add(slot.envelop);
+            }
         }
         for (; begin < end; ++begin) {
             Slot& slot = chunk.slots[begin];
@@ -260,7 +262,10 @@ void OverlayRun::runPasses() {
     }
     const Stopwatch watch(m_report.secondsOverlay);
     // A tree over A, where a later pass searches it, is filled while the first pass reads A.
-    if (!isOneSided() && m_job.passes.size() > 1) m_sideA.startIndex();
+    if (!isOneSided() && std::any_of(m_job.passes.begin(), m_job.passes.end(),
+                                     [](const OverlayPass& p) { return p.overB && p.searches; })) {
+        m_sideA.startIndex();
+    }
     for (const OverlayPass& pass : m_job.passes) {
         if (pass.prepare) {
             const Pulse pulse([this] { m_run.beat(); });

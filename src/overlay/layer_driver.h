@@ -79,6 +79,8 @@ struct OverlayPass {
     void (*summary)(int written, int copied) = nullptr;
     /// Features without a geometry become results without one, with the attributes of A.
     bool keepsEmpty = false;
+    /// The operation looks at what is around a feature.
+    bool searches = true;
 };
 
 struct OverlayJob {

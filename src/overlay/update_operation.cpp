@@ -112,7 +112,9 @@ Passes updatePasses(const JWOverlayOptions& options, std::int64_t countA) {
     if (options.keepBorders) {
         OverlayPass ofA = std::move(erasePasses(options, countA).front());
         ofA.summary = announceRest;
-        return {std::move(ofA), {true, copyOfB}};
+        OverlayPass ofB = {true, copyOfB};
+        ofB.searches = false;
+        return {std::move(ofA), std::move(ofB)};
     }
     const auto owners = std::make_shared<Owners>(static_cast<std::size_t>(countA), -1);
     OverlayPass ofA = {false, FindOwner{owners, options}};
