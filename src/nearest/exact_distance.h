@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Distances as they are: whether segments meet is decided without rounding, and the first point
-// always lies on the first operand.
+// Distances as they are: whether segments meet is decided without rounding (for places at least
+// 1e-150 apart, below which exact orientations underflow), and the first point always lies on the
+// first operand.
 #ifndef JW_NEAREST_EXACT_DISTANCE_H
 #define JW_NEAREST_EXACT_DISTANCE_H
 

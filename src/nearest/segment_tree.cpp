@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "nearest/segment_tree.h"
 
-#include <cmath>
 #include <numeric>
 
 #include "foundation/hilbert_order.h"
@@ -51,8 +50,7 @@ void SegmentTree::setNodes() {
     do addLevel();
     while (m_levels.back().count > 1);
     m_box = boxOfNode(m_levels.size() - 1, 0);
-    m_slack = 2e-14 * std::max({std::fabs(m_box.minX), std::fabs(m_box.minY), std::fabs(m_box.maxX),
-                                std::fabs(m_box.maxY)});
+    m_slack = slackOf(m_box);
 }
 
 /// Adds the nodes over the highest level, or over the leaves.

@@ -18,6 +18,7 @@
 #define JW_NEAREST_SEGMENT_TREE_H
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <vector>
 
@@ -63,13 +64,15 @@ class SegmentTree {
     /// start saves most of the search.
     template <class Limit, class Visit>
     void search(const JWEnvelop& box, const Limit& limit, Visit&& visit) const {
-        if (m_size > 0) searchNode(m_levels.size() - 1, 0, box, limit, visit);
+        const double slack = std::max(m_slack, slackOf(box));
+        if (m_size > 0) searchNode(m_levels.size() - 1, 0, {box, slack}, limit, visit);
     }
     /// Calls `visit(place, placeInOther)` for the pairs of pieces that may lie within `limit()`.
     template <class Limit, class Visit>
     void searchPairs(const SegmentTree& other, const Limit& limit, Visit&& visit) const {
         if (m_size == 0 || other.m_size == 0) return;
-        PairSearch<Limit, Visit>{*this, other, limit, visit}.within(
+        const double slack = std::max(m_slack, other.m_slack);
+        PairSearch<Limit, Visit>{*this, other, slack, limit, visit}.within(
             {m_levels.size(), 0, m_box}, {other.m_levels.size(), 0, other.m_box});
     }
 
@@ -156,9 +159,19 @@ class SegmentTree {
         return m_nodes[m_levels[level].first + i];
     }
 
+    /// What is searched around, and by how much distances between it and the pieces may be off.
+    struct Around {
+        const JWEnvelop& box;
+        double slack;
+    };
+    /// How far rounding may take a distance to something in a rectangle.
+    static double slackOf(const JWEnvelop& box) {
+        return 2e-14 * std::max({std::fabs(box.minX), std::fabs(box.minY), std::fabs(box.maxX),
+                                 std::fabs(box.maxY)});
+    }
     /// Squares up to this may belong to a distance up to `limit`.
-    double reach(double limit) const {
-        const double widened = (limit + m_slack) * (1 + 2e-14);
+    static double reach(double limit, double slack) {
+        const double widened = (limit + slack) * (1 + 2e-14);
         return widened * widened;
     }
 
@@ -188,28 +201,29 @@ class SegmentTree {
     };
 
     template <class Limit, class Visit>
-    void searchNode(std::size_t level, std::size_t node, const JWEnvelop& box, const Limit& limit,
+    void searchNode(std::size_t level, std::size_t node, const Around& around, const Limit& limit,
                     Visit& visit) const {
-        const Squares squares = nodeAt(level, node).squares(box);
-        for (const auto& member : NearMembers(squares, countIn(level, node), reach(limit()))) {
-            if (!(member.square <= reach(limit()))) return;
+        const Squares squares = nodeAt(level, node).squares(around.box);
+        for (const auto& member :
+             NearMembers(squares, countIn(level, node), reach(limit(), around.slack))) {
+            if (!(member.square <= reach(limit(), around.slack))) return;
             const std::size_t below = node * kFan + member.index;
-            level == 0 ? searchLeaf(below, box, limit, visit)
-                       : searchNode(level - 1, below, box, limit, visit);
+            level == 0 ? searchLeaf(below, around, limit, visit)
+                       : searchNode(level - 1, below, around, limit, visit);
         }
     }
 
     template <class Limit, class Visit>
-    void searchLeaf(std::size_t leaf, const JWEnvelop& box, const Limit& limit,
+    void searchLeaf(std::size_t leaf, const Around& around, const Limit& limit,
                     Visit& visit) const {
         Leaf made;
-        const Squares squares = leafAt(leaf, made).squares(box);
+        const Squares squares = leafAt(leaf, made).squares(around.box);
         const int first = static_cast<int>(leaf) * kFan, count = countIn(leaf);
-        double most = reach(limit());
+        double most = reach(limit(), around.slack);
         for (int i = 0; i < count; ++i) {
             if (!(squares.of[i] <= most)) continue;
             visit(first + i);
-            most = reach(limit());
+            most = reach(limit(), around.slack);
         }
     }
 
@@ -222,6 +236,7 @@ class SegmentTree {
     template <class Limit, class Visit>
     struct PairSearch {
         const SegmentTree &a, &b;
+        double slack;
         const Limit& limit;
         Visit& visit;
 
@@ -235,8 +250,8 @@ class SegmentTree {
             const Node& node = tree.nodeAt(level, opened.index);
             const Squares squares = node.squares(other.box);
             const std::size_t count = tree.countIn(level, opened.index);
-            for (const auto& near : NearMembers(squares, count, a.reach(limit()))) {
-                if (!(near.square <= a.reach(limit()))) return;
+            for (const auto& near : NearMembers(squares, count, reach(limit(), slack))) {
+                if (!(near.square <= reach(limit(), slack))) return;
                 const Member member{level, opened.index * kFan + near.index, node.box(near.index)};
                 opensA ? within(member, inB) : within(inA, member);
             }
@@ -246,10 +261,11 @@ class SegmentTree {
             const Squares squares = a.leafAt(inA.index, made).squares(inB.box);
             const int first = static_cast<int>(inA.index) * kFan, count = a.countIn(inA.index);
             for (int i = 0; i < count; ++i) {
-                if (!(squares.of[i] <= a.reach(limit()))) continue;
+                if (!(squares.of[i] <= reach(limit(), slack))) continue;
                 const auto visitPair = [&](int j) { visit(first + i, j); };
                 b.searchLeaf(
-                    inB.index, boxOf(a.piece(first + i)), [&] { return limit(); }, visitPair);
+                    inB.index, {boxOf(a.piece(first + i)), slack}, [&] { return limit(); },
+                    visitPair);
             }
         }
     };
