@@ -200,13 +200,14 @@ class JW_API JWGeometryNearest {
     /// The square is centred on a point, or on the rectangle around a line, and grows by a fixed
     /// part (1/16, 1/8 for points to rings, 1/32 for lines to rings and polygons) of the larger
     /// side of the target layer's extent, which is the rectangle around its finite geometries,
-    /// until the rectangle of a target meets it. Among the
-    /// targets whose rectangles do, the nearest are the answer; a nearer one just outside of the
-    /// square is not. Where the source lies outside of the extent, the square is larger by how far
-    /// it does so on the first axis found, so that a source far off in both directions may get no
-    /// answer. It stops at the larger side plus 1. Targets all at one place are found from
-    /// anywhere. The parts are added up one by one, rounding included; beyond a million of them (an
-    /// extent of some 1e-5 units and less) their product stands for the sum.
+    /// until the rectangle of a target meets it (features that the
+    /// operation does not take are no targets). Among the targets whose rectangles do, the nearest
+    /// are the answer; a nearer one just outside of the square is not. Where the source lies
+    /// outside of the extent, the square is larger by how far it does so on the first axis found,
+    /// so that a source far off in both directions may get no answer. It stops at the larger side
+    /// plus 1. Targets all at one place are found from anywhere. The parts are added up one by one,
+    /// rounding included; beyond a million of them (an extent of some 1e-5 units and less) their
+    /// product stands for the sum.
     ///
     /// Point sources are points, line sources line strings and each member of multi-line strings,
     /// which are searched for separately. Targets are points; line strings and multi-line strings;
@@ -237,8 +238,9 @@ class JW_API JWGeometryNearest {
     /// with a geometry or cannot be read, or the results cannot be stored; nothing is written then.
     /// Features of another kind and such with coordinates that are not finite are left out, and the
     /// first of them is the last error of an operation that returns true; how many sources got no
-    /// answer is the warning of the report. Results are written in
-    /// one transaction; the output stays open.
+    /// answer is the warning of the report. A result that the
+    /// output refuses is listed by the report and left out; any other failure to write takes all
+    /// back. Results are written in one transaction; the output stays open.
     ///
     /// Cost: about O((n + m) log m). The search looks at the tree of targets in the order of
     /// distance and does not visit all that the square meets.

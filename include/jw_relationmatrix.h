@@ -92,13 +92,16 @@ class JW_API JWRelationMatrix {
 JW_API bool relateGeometries(const JWGeometry* first, const JWGeometry* second,
                              JWRelationMatrix* matrix);
 
-/// One geometry made ready to be compared with many others. It copies the coordinates, so the
-/// geometry may change or go. Every question may be asked on any number of threads at once.
+/// One geometry made ready to be compared with many others. Every question may be asked on any
+/// number of threads at once.
 class JW_API JWPreparedRelation {
   public:
-    /// Cost: O(n log n) as a rule. A geometry that `relateGeometries` refuses makes every answer
-    /// false, with the last error set here.
+    /// Copies the coordinates, so the geometry may change or go. A geometry that `relateGeometries`
+    /// refuses makes every answer false, with the last error set here. Cost: O(n log n) as a rule.
     explicit JWPreparedRelation(const JWGeometry* geometry);
+    /// The same without the copy: the geometry is the caller's, stays as it is and outlives all
+    /// questions. (It is read again where magnitudes call for a scale in common.)
+    static JWPreparedRelation borrowing(const JWGeometry* geometry);
     ~JWPreparedRelation();
     JWPreparedRelation(JWPreparedRelation&&) noexcept;
     JWPreparedRelation& operator=(JWPreparedRelation&&) noexcept;
@@ -124,6 +127,8 @@ class JW_API JWPreparedRelation {
 
   private:
     struct Impl;
+    JWPreparedRelation();
+    void prepare(const JWGeometry* geometry, bool borrows);
     bool holds(int predicate, const JWGeometry* other) const;
     std::unique_ptr<Impl> m_impl;
 };

@@ -16,8 +16,9 @@ namespace jws {
 ///
 /// Predicates have the meaning of the OGC for the kinds in their names (see `JWRelationMatrix` for
 /// what is interior, boundary and exterior), except where their comment says otherwise: some decide
-/// with a crossing-number test to which a point on the exterior ring is outside. "On the exterior
-/// ring" below means on an edge of ring 0 of the polygon. Areas are read by the even-odd rule over
+/// with a crossing-number test to which a point on the exterior ring is outside; one on the ring of
+/// a hole is neither inside nor outside. "On the exterior ring" below means on an edge of ring 0 of
+/// the polygon. Areas are read by the even-odd rule over
 /// all rings, also where holes overlap or lie outside. Signs are exact.
 ///
 /// A null operand gives 0 (`JWRelationNone`) from a classifier and false from a predicate, the

@@ -21,7 +21,13 @@ std::int64_t runRelation(JWFeatureLayer& a, JWFeatureLayer& b,
     std::int64_t result = -1;
     try {
         const auto inputA = inputFrom(a), inputB = inputFrom(b);
-        result = LayerRelationRun(*inputA, *inputB, options, *filter, account).run(visit);
+        LayerRelationRun run(*inputA, *inputB, options, *filter, account);
+        try {
+            result = run.run(visit);
+        } catch (...) {
+            account.cancelled = run.isStopped();
+            throw;
+        }
         reportRejected(account.rejected);
     } catch (const LayerFailure& failure) {
         JWReport::setError(failure.error.kind, failure.error.text, failure.error.feature);

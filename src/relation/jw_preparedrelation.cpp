@@ -15,7 +15,8 @@ namespace jws {
 using namespace detail;
 
 struct JWPreparedRelation::Impl {
-    std::unique_ptr<const JWGeometry> geometry;
+    std::unique_ptr<const JWGeometry> copy;  ///< none of a borrowed geometry
+    const JWGeometry* geometry = nullptr;    ///< to be read again for a scale in common
     RelateOperand::Status status = RelateOperand::kUnsupported;
     RelateOperand::Range range;
     bool isPlain = true;                     ///< read without a shift
@@ -51,7 +52,17 @@ bool canRelate(JWRelationMatrix* matrix, bool areUsable) {
 
 }  // namespace
 
-JWPreparedRelation::JWPreparedRelation(const JWGeometry* geometry) {
+JWPreparedRelation::JWPreparedRelation() = default;
+
+JWPreparedRelation::JWPreparedRelation(const JWGeometry* geometry) { prepare(geometry, false); }
+
+JWPreparedRelation JWPreparedRelation::borrowing(const JWGeometry* geometry) {
+    JWPreparedRelation prepared;
+    prepared.prepare(geometry, true);
+    return prepared;
+}
+
+void JWPreparedRelation::prepare(const JWGeometry* geometry, bool borrows) {
     guarded("JWPreparedRelation", false, [&] {
         m_impl = std::make_unique<Impl>();
         if (geometry == nullptr) {
@@ -66,7 +77,8 @@ JWPreparedRelation::JWPreparedRelation(const JWGeometry* geometry) {
             reportUnusable("JWPreparedRelation", m_impl->status);
             return false;
         }
-        m_impl->geometry.reset(geometry->clone());
+        if (!borrows) m_impl->copy.reset(geometry->clone());
+        m_impl->geometry = borrows ? geometry : m_impl->copy.get();
         if (m_impl->status == RelateOperand::kEmpty) return true;
         if (!m_impl->isPlain) operand.assign(*geometry, m_impl->range.shift());
         m_impl->operand.emplace(std::move(operand));

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <climits>
 
+#include "foundation/pulse.h"
 #include "layers/geometry_check.h"
 
 namespace jws::detail {
@@ -64,6 +65,7 @@ LayerRelationRun::LayerRelationRun(FeatureInput& a, FeatureInput& b,
       m_blockSize(options.blockSize > 0 ? options.blockSize : INT_MAX) {}
 
 std::int64_t LayerRelationRun::run(const JWLayerRelation::Visitor& visit) {
+    const Pulse pulse([this] { keepOn(); });
     const std::int64_t countA = m_a.count();
     m_total = countA + m_b.count();
     indexB();
@@ -74,24 +76,18 @@ std::int64_t LayerRelationRun::run(const JWLayerRelation::Visitor& visit) {
         relateBlock();
         handedOut += handOut(visit);
         m_done += static_cast<std::int64_t>(m_block.size());
-        pulse();
+        keepOn();
     }
     return handedOut;
 }
 
-void LayerRelationRun::pulse() {
-    if (!JWReport::progress(m_done, m_total)) stop();
-}
-
-/// The same for workers, who must not throw that away.
-bool LayerRelationRun::keepOn() {
-    bool going = true;
-    exclusive([&] { going = JWReport::progress(m_done, m_total); });
-    return going;
+/// Ends the run, on any thread, when the progress callback asks to.
+void LayerRelationRun::keepOn() {
+    if (m_stopped || !JWReport::progress(m_done, m_total)) stop();
 }
 
 void LayerRelationRun::stop() {
-    m_report.cancelled = true;
+    m_stopped = true;
     JWReport::setError(JWErrorCancelled, "the run was stopped");
     throw LayerFailure();
 }
@@ -101,7 +97,7 @@ void LayerRelationRun::indexB() {
     for (std::int64_t position = 0; const auto feature = m_b.next(position); ++position) {
         ++m_report.readB;
         ++m_done;
-        if (position % 4096 == 0) pulse();
+        Pulse::tick();
         if (!canTake(m_b, *feature, m_report.emptyB)) continue;
         m_index.add(position, feature->getGeometryPtr()->getEnvelop());
     }
@@ -119,7 +115,13 @@ bool LayerRelationRun::canTake(FeatureInput& input, const JWFeature& feature, st
 }
 
 void LayerRelationRun::readBlock(std::int64_t first, std::int64_t count) {
-    m_a.readBlock(first, count, m_block);
+    m_block.clear();
+    while (static_cast<std::int64_t>(m_block.size()) < count) {
+        m_block.push_back(m_a.next(first + static_cast<std::int64_t>(m_block.size())));
+        if (m_block.back() == nullptr) break;
+        Pulse::tick();
+    }
+    if (!m_block.empty() && m_block.back() == nullptr) m_block.pop_back();
     m_slots.clear();
     m_slots.resize(m_block.size());
     for (std::size_t i = 0; i < m_block.size(); ++i) {
@@ -153,14 +155,16 @@ void LayerRelationRun::preparePartners() {
         const auto prepare = [&](std::int64_t from, std::int64_t to) {
             for (auto i = static_cast<std::size_t>(from); i < static_cast<std::size_t>(to); ++i) {
                 const JWGeometry* geometry = features[i]->getGeometryPtr();
-                partners[begin + i] = {features[i]->getFID64(),
-                                       std::make_unique<const JWPreparedRelation>(geometry),
+                partners[begin + i] = {features[i],
+                                       std::make_unique<const JWPreparedRelation>(
+                                           JWPreparedRelation::borrowing(geometry)),
                                        pointsOf(*geometry)};
                 requireAnswer(partners[begin + i].prepared->isUsable());
+                Pulse::tick();
             }
-            return keepOn();
+            return true;
         };
-        if (!parallelChunks(m_team, static_cast<std::int64_t>(end - begin), 4, prepare)) stop();
+        parallelChunks(m_team, static_cast<std::int64_t>(end - begin), 4, prepare);
     }
     for (std::size_t i = 0; i < missing.size(); ++i) {
         m_points += partners[i].points;
@@ -171,20 +175,21 @@ void LayerRelationRun::preparePartners() {
 void LayerRelationRun::relateBlock() {
     const auto relate = [this](std::int64_t from, std::int64_t to) {
         for (std::int64_t i = from; i < to; ++i) relateFeature(static_cast<std::size_t>(i));
-        return keepOn();
+        return true;
     };
-    if (!parallelChunks(m_team, static_cast<std::int64_t>(m_block.size()), 16, relate)) stop();
+    parallelChunks(m_team, static_cast<std::int64_t>(m_block.size()), 16, relate);
 }
 
 void LayerRelationRun::relateFeature(std::size_t i) {
     Slot& slot = m_slots[i];
     if (slot.near.empty()) return;
-    const JWPreparedRelation own(m_block[i]->getGeometryPtr());
+    const JWPreparedRelation own = JWPreparedRelation::borrowing(m_block[i]->getGeometryPtr());
     for (const void* payload : slot.near) {
         const Partner& partner = m_partners.at(positionOf(payload));
-        JWRelatedPair pair{m_block[i]->getFID64(), partner.fid, {}};
+        JWRelatedPair pair{m_block[i]->getFID64(), partner.feature->getFID64(), {}};
         requireAnswer(own.relate(*partner.prepared, &pair.matrix));
         if (m_filter.takes(pair.matrix)) slot.pairs.push_back(pair);
+        Pulse::tick();
     }
 }
 

@@ -2,6 +2,7 @@
 #ifndef JW_RELATION_LAYER_RELATION_H
 #define JW_RELATION_LAYER_RELATION_H
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -35,11 +36,12 @@ class LayerRelationRun {
 
     /// Calls `visit` for every wanted pair and returns their number. Throws LayerFailure.
     std::int64_t run(const JWLayerRelation::Visitor& visit);
+    bool isStopped() const { return m_stopped; }
 
   private:
     using Features = std::vector<std::shared_ptr<const JWFeature>>;
     struct Partner {
-        std::int64_t fid = -1;
+        std::shared_ptr<const JWFeature> feature;  ///< what is prepared is its geometry
         std::unique_ptr<const JWPreparedRelation> prepared;
         std::size_t points = 0;
     };
@@ -56,8 +58,7 @@ class LayerRelationRun {
     void relateBlock();
     void relateFeature(std::size_t i);
     std::int64_t handOut(const JWLayerRelation::Visitor& visit);
-    void pulse();
-    bool keepOn();
+    void keepOn();
     [[noreturn]] void stop();
 
     FeatureInput& m_a;
@@ -73,6 +74,7 @@ class LayerRelationRun {
     std::size_t m_points = 0;  ///< of the partners that are kept
     std::int64_t m_done = 0;
     std::int64_t m_total = 0;
+    std::atomic<bool> m_stopped{false};
 };
 
 }  // namespace jws::detail

@@ -154,7 +154,7 @@ TEST(RelationMatrix, PredicatesOfAPreparedGeometryFollowFromTheMatrix) {
         SCOPED_TRACE(toWkt(*a) + "\n" + toWkt(*b));
         JWRelationMatrix matrix;
         ASSERT_TRUE(relateGeometries(a.get(), b.get(), &matrix));
-        const JWPreparedRelation prepared(a.get()), other(b.get());
+        const JWPreparedRelation prepared(a.get()), other = JWPreparedRelation::borrowing(b.get());
         EXPECT_EQ(prepared.intersects(b.get()), matrix.isIntersecting());
         EXPECT_EQ(prepared.contains(b.get()), matrix.isContaining());
         EXPECT_EQ(prepared.covers(b.get()), matrix.isCovering());

@@ -25,13 +25,13 @@ TEST_F(RelateCommand, PrintsPairsInOrder) {
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ("", outcome.err);
     EXPECT_EQ(
-        "fid_a\tfid_b\tmatrix\trelation\n"
-        "0\t0\t212F11FF2\tcontains covers\n"
-        "1\t0\tFF2F11212\ttouches\n"
-        "1\t1\tFF2F11212\ttouches\n",
+        "fid_a\tfid_b\trelation\tmatrix\n"
+        "0\t0\tcontains covers\t212F11FF2\n"
+        "1\t0\ttouches\tFF2F11212\n"
+        "1\t1\ttouches\tFF2F11212\n",
         outcome.out);
     EXPECT_EQ(
-        "fid_a\tfid_b\tmatrix\trelation\n0\t0\t1020F1102\tcrosses\n1\t0\t1020F1102\tcrosses\n",
+        "fid_a\tfid_b\trelation\tmatrix\n0\t0\tcrosses\t1020F1102\n1\t0\tcrosses\t1020F1102\n",
         run({"relate", "a.geojson", "line.geojson"}).out);
 }
 

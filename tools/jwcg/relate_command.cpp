@@ -42,8 +42,9 @@ Json pairAsJson(const JWRelatedPair& pair) {
 /// False when standard output takes no more.
 bool printPair(const JWRelatedPair& pair) {
     return 0 <= std::printf("%lld\t%lld\t%s\t%s\n", static_cast<long long>(pair.fidA),
-                            static_cast<long long>(pair.fidB), pair.matrix.text().c_str(),
-                            JWLayerRelation::relationNames(pair.matrix).c_str());
+                            static_cast<long long>(pair.fidB),
+                            JWLayerRelation::relationNames(pair.matrix).c_str(),
+                            pair.matrix.text().c_str());
 }
 
 /// Prints the pairs; with --json in the account.
@@ -59,7 +60,7 @@ int printRelations(const Settings& settings) {
         return failure == 0;
     };
     const auto relate = [&](InputLayer& a, InputLayer& b, JWLayerReport& report) {
-        if (!settings.json) std::puts("fid_a\tfid_b\tmatrix\trelation");
+        if (!settings.json) std::puts("fid_a\tfid_b\trelation\tmatrix");
         return JWLayerRelation::relateLayers(&a.layer(), &b.layer(), optionsOf(settings), show,
                                              &report);
     };
@@ -134,10 +135,10 @@ Command relateCommand() {
         "relate",
         "tell how the features of two layers lie to one another",
         "For every pair of a feature of INPUT and a feature of OVERLAY whose envelopes meet, of "
-        "any kinds of geometry, prints their identifiers, the matrix of dimensions in which "
-        "interior, boundary and exterior of the first meet those of the second (DE-9IM), and "
-        "the names of the relations that hold: equals, disjoint, touches, crosses, overlaps, "
-        "contains, covers, within, coveredby. All other pairs are disjoint.\n\n"
+        "any kinds of geometry, prints their identifiers, the names of the relations that "
+        "hold (equals, disjoint, touches, crosses, overlaps, contains, covers, within, coveredby), "
+        "and the matrix of dimensions in which interior, boundary and exterior of the first meet "
+        "those of the second (DE-9IM). All other pairs are disjoint.\n\n"
         "Lines of the printed table are separated by tabs. With OUTPUT the pairs become the "
         "rows of a table without geometry instead, with the fields fid_a, fid_b, relation and "
         "matrix.\n\n"
