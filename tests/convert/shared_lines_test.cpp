@@ -8,10 +8,16 @@
 
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <random>
 #include <set>
 #include <string>
 
+#include "jw_datasource.h"
+#include "jw_feature_class.h"
+#include "jw_feature_layer.h"
+#include "jw_report.h"
+#include "support/test_paths.h"
 #include "support/wkt.h"
 
 namespace {
@@ -238,6 +244,49 @@ TEST(SharedLines, LengthsAddUpAndRingsComeBack) {
         }
         EXPECT_NEAR(all, (perimeters + outer) / 2, 1e-9 * perimeters) << "seed " << seed;
     }
+}
+
+/// Each line is there once for all who run along it, and whoever puts rings together again from
+/// their lines gets the areas they had: on real boundaries, most of which are shared.
+TEST(SharedLines, CountiesAddUpAndComeBack) {
+    std::unique_ptr<JWDataSource, bool (*)(JWDataSource*)> source(
+        JWDataSource::open(jwtest::exampleData("us_counties.gpkg").c_str()),
+        JWDataSource::destroyDataSource);
+    ASSERT_TRUE(source) << JWReport::lastError().text;
+    const std::unique_ptr<JWFeatureLayer, bool (*)(JWFeatureLayer*)> layer(
+        source->openLayer(0), JWFeatureLayer::destroyFeatureLayer);
+    JWFeatureClass counties;
+    ASSERT_GT(layer->getFeaturesByPosition(0, layer->getFeatureCount(), counties), 3000);
+    RingViews rings;
+    std::vector<int> owners;
+    for (int i = 0; i < counties.getFeatureCount(); ++i) {
+        if (const JWGeometry* county = counties.getFeatureAt(i)->getGeometryPtr())
+            appendRings(*county, rings);
+        owners.resize(rings.size(), i);
+    }
+    const SharedLines lines = findSharedLines(rings, owners, 0, 2);
+    std::vector<int> runs(lines.lines.count(), 0);
+    for (const LineStep& step : lines.rings.members) ++runs[static_cast<std::size_t>(step.line)];
+    double all = 0, outer = 0, toAndFro = 0, perimeters = 0, off = 0;
+    for (std::size_t i = 0; i < lines.lines.count(); ++i) {
+        const double length = lengthOf(lines.lines[i]);
+        const auto sides = static_cast<int>(lines.left[i].size() + lines.right[i].size());
+        EXPECT_LE(sides, 2);
+        all += length;
+        if (sides == 1) outer += length;
+        toAndFro += length * (runs[i] - sides);
+    }
+    for (std::size_t r = 0; r < rings.size(); ++r) {
+        const JWRing given(
+            std::vector<JWRawPoint>(rings[r].points, rings[r].points + rings[r].count));
+        perimeters += given.getLength();
+        off = std::max(off, std::fabs(JWRing(rebuilt(lines, r)).getArea() - given.getArea()));
+    }
+    // Some counties run back along their own boundary, which makes none of it.
+    EXPECT_NEAR(all, (perimeters + outer - toAndFro) / 2, 1e-9 * perimeters);
+    EXPECT_LT(toAndFro, 1e-4 * all);
+    EXPECT_LT(outer, 0.4 * all);
+    EXPECT_LT(off, 1e-12);  // square degrees
 }
 
 /// Where a polygon's own rings say it lies, at each line's middle.
