@@ -73,7 +73,6 @@ bool sharedLines(int polygons, int segments, int rounds) {
     JWFeatureLayer* output = nullptr;
     const auto convert = [&](int threads, bool shared) {
         return [&, threads, shared] {
-            if (output != nullptr) JWFeatureLayer::destroyFeatureLayer(output);
             output = emptyLayer();
             JWConvertOptions options;
             options.threads = threads;
@@ -82,8 +81,9 @@ bool sharedLines(int polygons, int segments, int rounds) {
         };
     };
     const auto length = [&] { return lengthOf(*output); };
-    std::vector<bench::Entry> entries = {{"jwcg", convert(1, true), length},
-                                         {"2 threads", convert(2, true), length}};
+    const auto letGo = [&] { JWFeatureLayer::destroyFeatureLayer(output); };
+    std::vector<bench::Entry> entries = {{"jwcg", convert(1, true), length, letGo},
+                                         {"2 threads", convert(2, true), length, letGo}};
     const GeosPtr boundaries = geosBoundaries(rings);
     GeosPtr merged;
     if (polygons <= 100000) {
@@ -102,7 +102,6 @@ bool sharedLines(int polygons, int segments, int rounds) {
         "shared lines " + std::to_string(polygons) + " x " + std::to_string(4 * segments), entries,
         1e-9, rounds);
     JWFeatureLayer::destroyFeatureLayer(input);
-    if (output != nullptr) JWFeatureLayer::destroyFeatureLayer(output);
     return agreed;
 }
 
