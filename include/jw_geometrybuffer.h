@@ -72,12 +72,14 @@ struct JWBufferOptions {
 /// - Rings are closed and their envelopes up to date. Rings of a union are simple, do not cross one
 ///   another and touch at points only.
 /// - The `_mp` and `_mp1` forms work with the fixed team of eight threads and give the result of
-///   the plain forms bit for bit.
+///   the plain forms bit for bit. Shared out are groups of neighbouring segments and the members of
+///   multipolygons; a ring that is grown from its one side (below) is the caller's thread's.
 ///
 /// Cost: O((n + k) log n) for n segments as a rule, k being what meets among the outlines of
-/// neighbouring groups of segments; what lies deep inside the buffer is never compared. Rings whose
-/// segments are longer than 0.15 of the distance, and which nowhere come closer to themselves than
-/// 0.01 of it, are grown from their one side. The result is the union of the shapes all the same.
+/// neighbouring groups of segments; what lies deep inside the buffer is never compared. Rings most
+/// of whose segments are longer than 0.15 of the distance, and which nowhere come closer to
+/// themselves than 0.01 of it, are grown from their one side. The result is the union of the shapes
+/// all the same.
 class JW_API JWGeometryBuffer {
   public:
     /// Buffers a point, line string, polygon, multipoint, multi line string or multipolygon; any
