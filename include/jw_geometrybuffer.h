@@ -67,9 +67,9 @@ struct JWBufferOptions {
 ///   shape has no area in the coordinates' precision, an empty result, and a failure. Lists that
 ///   were not left alone are empty then. `JWReport::lastError` tells which.
 /// - Nothing throws.
-/// - Rings are taken as they are stored: of one that is not closed, the band has a gap where its
-///   last edge is missing, and what it encloses is closed by a straight edge.
-/// - Rings are closed and their envelopes up to date. Rings of a union are simple, do not cross one
+/// - Rings of more than three points that are not closed count as closed by a straight edge.
+/// - Rings that are handed out are closed and their envelopes up to date. Rings of a union are
+/// simple, do not cross one
 ///   another and touch at points only.
 /// - The `_mp` and `_mp1` forms work with the fixed team of eight threads and give the result of
 ///   the plain forms bit for bit. Shared out are groups of neighbouring segments and the members of

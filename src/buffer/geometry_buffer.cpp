@@ -106,6 +106,11 @@ Outline minus(const Outline& area, const RingViews& subtracted) {
     return outlineOf(clipRings(viewsOf(area), subtracted, JWBooleanDifference));
 }
 
+bool isOpen(const JWRing& ring) {
+    const std::vector<JWRawPoint>& points = ring.getPointList();
+    return points.size() > 3 && points.front() != points.back();
+}
+
 Shapes piecesOf(const JWRing& ring, const BufferPlan& plan) {
     if (ring.getPointCount() <= 3) throw BadBuffer(kShortRing);
     Shapes pieces = noPieces(plan);
@@ -140,6 +145,14 @@ Outline faceOf(const JWPolygon& polygon, const BufferPlan& plan) {
 }
 
 Outline areaOf(const JWPolygon& polygon, enumJWBufferType type, const BufferPlan& plan) {
+    const std::vector<JWRing>& rings = polygon.getRingList();
+    if (std::any_of(rings.begin(), rings.end(), isOpen)) {
+        JWPolygon closed = polygon;
+        for (int r = 0; r < closed.getRingCount(); ++r) {
+            if (isOpen(rings[static_cast<std::size_t>(r)])) closed.getRingPtrAt(r)->closeRing();
+        }
+        return areaOf(closed, type, plan);
+    }
     Outline face = faceOf(polygon, plan);
     return type == JWBufferFace ? face : minus(face, ringsOf(polygon));
 }
@@ -174,6 +187,11 @@ FlaggedRings bufferLine(const JWLineString& line, const BufferPlan& plan) {
 
 FlaggedRings bufferRing(const JWRing& ring, enumJWBufferType type, const BufferPlan& plan) {
     if (type != JWBufferFace && type != JWBufferEdge) return {};
+    if (isOpen(ring)) {
+        JWRing closed = ring;
+        closed.closeRing();
+        return bufferRing(closed, type, plan);
+    }
     Outline band = unitedPieces(piecesOf(ring, plan), plan.team);
     return flagged(type == JWBufferEdge ? band : minus(band, {viewOf(ring, 0)}));
 }

@@ -204,10 +204,13 @@ std::vector<Face> cutArea(const JWGeometry& area, const LineIndex& lines, const 
                 for (Face& face : some) faces.push_back(std::move(face));
         }
     }
-    // A face within a hole of another one is smaller than it.
+    // A face within a hole of another one is smaller than it. An area beyond the number range may
+    // be no number.
     std::vector<std::pair<double, std::size_t>> order;
-    for (std::size_t i = 0; i < faces.size(); ++i)
-        order.emplace_back(std::fabs(faces[i].front().getArea()), i);
+    for (std::size_t i = 0; i < faces.size(); ++i) {
+        const double area = std::fabs(faces[i].front().getArea());
+        order.emplace_back(std::isnan(area) ? HUGE_VAL : area, i);
+    }
     std::sort(order.begin(), order.end());
     std::vector<Face> sorted;
     for (const auto& place : order) sorted.push_back(std::move(faces[place.second]));

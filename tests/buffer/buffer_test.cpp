@@ -72,6 +72,22 @@ struct RingList {
     }
 };
 
+TEST(GeometryBuffer, ringsThatAreNotClosedCountAsClosed) {
+    auto closed = fromWktAs<JWPolygon>(kBridge);
+    JWPolygon open = closed;
+    for (int r = 0; r < 2; ++r) {
+        open.getRingPtrAt(r)->deletePointAt(open.getRingPtrAt(r)->getPointCount() - 1);
+    }
+    for (const enumJWBufferType type : {JWBufferFace, JWBufferEdge}) {
+        EXPECT_EQ(toWkt(*bufferOf(open, 0.7, type)), toWkt(*bufferOf(closed, 0.7, type)));
+        RingList ofOpen, ofClosed;
+        JWGeometryBuffer::ringBuffer(open.getRingPtrAt(0), 1, type, ofOpen.rings, ofOpen.flags);
+        JWGeometryBuffer::ringBuffer(closed.getRingPtrAt(0), 1, type, ofClosed.rings,
+                                     ofClosed.flags);
+        EXPECT_EQ(ofOpen.text(), ofClosed.text());
+    }
+}
+
 TEST(BufferShapes, circleStartsEastAndRunsClockwise) {
     const GeometryPtr circle = bufferOf(JWPoint(0, 0), 1);
     const JWRing& ring = static_cast<const JWPolygon&>(*circle).getExteriorRing();
