@@ -218,7 +218,8 @@ class JW_API JWGeometryClip {
     /// geometry type and spatial reference of `targets`; what it holds stays. Pairs that give
     /// nothing are passed over; the last error tells of the last that failed. Cost: the sum over
     /// the pairs whose rectangles meet; a cutter is read once, and a large one costs no more than
-    /// what of it lies near each target.
+    /// what of it lies near each target, where areas then cross in the same points but for the last
+    /// place.
     static int featureClassClipByfeatureClass(JWFeatureClass& targets, JWFeatureClass& cutters,
                                               JWFeatureClass& out, bool checkWeird, bool useRTree);
     /// Keeps what lies in a rectangle, borders included: points as they are; of multipoints,

@@ -231,6 +231,7 @@ std::int64_t bufferAll(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferOp
     } catch (...) {
         output->rollback();
         report.written = 0;
+        report.area = 0;
         throw;
     }
     return report.written;

@@ -108,13 +108,15 @@ const LineIndex& PreparedCutter::lines() {
     return *m_lines;
 }
 
-const Area& PreparedCutter::area() {
+ClippedContours PreparedCutter::commonWith(const Area& area) {
     std::call_once(m_gathered, [this] {
-        auto area = std::make_unique<Area>(closedRings(m_geometry));
-        area->prepare();
-        m_area = std::move(area);
+        auto mine = std::make_unique<Area>(closedRings(m_geometry));
+        if (m_forMany) mine->prepare();
+        m_area = std::move(mine);
     });
-    return *m_area;
+    if (m_area->chains()) return intersectAreas(area, *m_area);
+    if (!area.overlaps(*m_area)) return {};
+    return clipRings(area.rings(), m_area->rings(), JWBooleanIntersection);
 }
 
 JWEnvelop boxAround(const JWGeometry& geometry) {
@@ -208,8 +210,8 @@ std::vector<Face> cutArea(const JWGeometry& area, const LineIndex& lines, const 
     // be no number.
     std::vector<std::pair<double, std::size_t>> order;
     for (std::size_t i = 0; i < faces.size(); ++i) {
-        const double area = std::fabs(faces[i].front().getArea());
-        order.emplace_back(std::isnan(area) ? HUGE_VAL : area, i);
+        const double size = std::fabs(faces[i].front().getArea());
+        order.emplace_back(std::isnan(size) ? HUGE_VAL : size, i);
     }
     std::sort(order.begin(), order.end());
     std::vector<Face> sorted;
@@ -234,8 +236,7 @@ MarkedPieces<JWGeometry> clipGeometry(const JWGeometry& target, PreparedCutter& 
     } else if (type == JWGeometryMultiPoint) {
         moveInto(pieces, cutPoints(static_cast<const JWMultiPoint&>(target), cutter.edges(), team));
     } else if (areas) {
-        const Area area(closedRings(target));
-        BuiltArea common = buildArea(intersectAreas(area, cutter.area()), 0);
+        BuiltArea common = buildArea(cutter.commonWith(Area(closedRings(target))), 0);
         if (common.geometry) pieces.push_back({std::move(common.geometry), 1});
     } else {
         for (Face& face : cutArea(target, cutter.lines(), team)) {

@@ -43,8 +43,9 @@ using MarkedPieces = std::vector<MarkedPiece<Geometry>>;
 /// number of threads may use it at once.
 class PreparedCutter {
   public:
-    PreparedCutter(const JWGeometry& geometry, EdgeSearch search)
-        : m_geometry(geometry), m_search(search) {}
+    /// `forMany`: prepares a large area to be met by many others.
+    PreparedCutter(const JWGeometry& geometry, EdgeSearch search, bool forMany = false)
+        : m_geometry(geometry), m_search(search), m_forMany(forMany) {}
 
     const JWGeometry& geometry() const { return m_geometry; }
     /// Throws ClipRefused when the geometry is empty, not finite or, where that is asked for,
@@ -54,12 +55,13 @@ class PreparedCutter {
     const Cutter& edges();
     /// Of lines that cut areas. Throws ClipRefused when there are none.
     const LineIndex& lines();
-    /// Of a polygon or multipolygon.
-    const Area& area();
+    /// What an area has in common with this one, a polygon or multipolygon.
+    ClippedContours commonWith(const Area& area);
 
   private:
     const JWGeometry& m_geometry;
     EdgeSearch m_search;
+    bool m_forMany;
     std::once_flag m_checked, m_judged, m_read, m_indexed, m_gathered;
     bool m_isWeird = false;
     std::unique_ptr<const Cutter> m_edges;

@@ -84,6 +84,7 @@ int clipClassByClass(const char* name, JWFeatureClass& targets, JWFeatureClass& 
         out.setGeometryType(targets.getGeometryType());
         out.setSpatialReference(targets.getSpatialReference());
         const EdgeSearch search = useRTree ? EdgeSearch::Tree : EdgeSearch::AllEdges;
+        const bool isMany = targets.getFeatureCount() > 1;
         std::vector<std::unique_ptr<PreparedCutter>> prepared;
         PositionIndex index;
         index.start();
@@ -91,7 +92,8 @@ int clipClassByClass(const char* name, JWFeatureClass& targets, JWFeatureClass& 
             const JWFeature& cutter = *cutters.getFeatureAt(i);
             prepared.emplace_back();
             if (cutter.isGeometryEmpty()) continue;
-            prepared.back() = std::make_unique<PreparedCutter>(*cutter.getGeometryPtr(), search);
+            prepared.back() =
+                std::make_unique<PreparedCutter>(*cutter.getGeometryPtr(), search, isMany);
             index.add(i, boxAround(*cutter.getGeometryPtr()));
         }
         return clipFeatures(
