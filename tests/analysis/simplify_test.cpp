@@ -29,7 +29,6 @@ const enumJWSimplifyMethod kDp = JWSimplifyDouglasPeucker, kRw = JWSimplifyReuma
                            kLang = JWSimplifyLang, kVr = JWSimplifyVertexReduction,
                            kOp = JWSimplifyOpheim, kNth = JWSimplifyNthPoint,
                            kPer = JWSimplifyPerpendicularDistance;
-const enumJWSimplifyMethod kMethods[] = {kDp, kRw, kLang, kVr, kOp, kNth, kPer};
 
 JWSimplifyOptions options(enumJWSimplifyMethod method, double tolerance, double other = 0) {
     JWSimplifyOptions result;
@@ -40,84 +39,68 @@ JWSimplifyOptions options(enumJWSimplifyMethod method, double tolerance, double 
     return result;
 }
 
-/// The form for one line; the count that it returns. Those that write to another line are read
-/// back.
-int runLine(JWLineString* line, const JWSimplifyOptions& o) {
+/// The fixed forms of a method; the first returns the count of points.
+struct Forms {
+    enumJWSimplifyMethod method;
+    int (*line)(JWLineString*, const JWSimplifyOptions&);
+    void (*polygon)(JWPolygon*, const JWSimplifyOptions&);
+    void (*features)(JWFeatureClass*, const JWSimplifyOptions&);
+};
+
+/// Runs a form that writes to another line, and reads it back.
+template <class Form>
+int readBack(JWLineString* line, const Form& form) {
     JWLineString out;
-    int count = 0;
-    switch (o.method) {
-        case kDp:
-            Simplify::douglasPeucker(line, o.tolerance);
-            return line ? line->getPointCount() : 0;
-        case kRw:
-            return Simplify::reumann_witkam(line, o.tolerance);
-        case kLang:
-            return Simplify::lang(line, o.tolerance, o.count);
-        case kVr:
-            return Simplify::vertex_reduction(line, o.tolerance);
-        case kNth:
-            return Simplify::nThPoint(line, static_cast<unsigned>(o.count));
-        case kOp:
-            count = Simplify::opheim(line, o.tolerance, o.maximumTolerance, &out);
-            break;
-        case kPer:
-            count = Simplify::perpendicularDistance(line, o.tolerance, &out);
-            break;
-    }
+    const int count = form(&out);
     if (line && !out.isEmpty()) *line = out;
     return count;
 }
 
-void runPolygon(JWPolygon* polygon, const JWSimplifyOptions& o) {
-    switch (o.method) {
-        case kDp:
-            Simplify::jwPolygonSimpicify(polygon, o.tolerance);
-            break;
-        case kRw:
-            Simplify::jwPolygonSimpicify_ReumannWitkam(polygon, o.tolerance);
-            break;
-        case kLang:
-            Simplify::jwPolygonSimpicify_Lang(polygon, o.tolerance, o.count);
-            break;
-        case kVr:
-            Simplify::jwPolygonSimpicify_VertexReduction(polygon, o.tolerance);
-            break;
-        case kNth:
-            Simplify::jwPolygonSimpicify_NthPoint(polygon, o.count);
-            break;
-        case kOp:
-            Simplify::jwPolygonSimpicify_Opheim(polygon, o.tolerance, o.maximumTolerance);
-            break;
-        case kPer:
-            Simplify::jwPolygonSimpicify_PerpendDistance(polygon, o.tolerance);
-            break;
-    }
+const Forms kForms[] = {
+    {kDp,
+     [](auto* l, auto& o) {
+         Simplify::douglasPeucker(l, o.tolerance);
+         return l ? l->getPointCount() : 0;
+     },
+     [](auto* p, auto& o) { Simplify::jwPolygonSimpicify(p, o.tolerance); },
+     [](auto* f, auto& o) { Simplify::simplifyFeatures_dp(f, o.tolerance); }},
+    {kRw, [](auto* l, auto& o) { return Simplify::reumann_witkam(l, o.tolerance); },
+     [](auto* p, auto& o) { Simplify::jwPolygonSimpicify_ReumannWitkam(p, o.tolerance); },
+     [](auto* f, auto& o) { Simplify::simplifyFeatures_rw(f, o.tolerance); }},
+    {kLang, [](auto* l, auto& o) { return Simplify::lang(l, o.tolerance, o.count); },
+     [](auto* p, auto& o) { Simplify::jwPolygonSimpicify_Lang(p, o.tolerance, o.count); },
+     [](auto* f, auto& o) { Simplify::simplifyFeatures_lang(f, o.tolerance, o.count); }},
+    {kVr, [](auto* l, auto& o) { return Simplify::vertex_reduction(l, o.tolerance); },
+     [](auto* p, auto& o) { Simplify::jwPolygonSimpicify_VertexReduction(p, o.tolerance); },
+     [](auto* f, auto& o) { Simplify::simplifyFeatures_vr(f, o.tolerance); }},
+    {kOp,
+     [](auto* l, auto& o) {
+         return readBack(l, [&](auto* out) {
+             return Simplify::opheim(l, o.tolerance, o.maximumTolerance, out);
+         });
+     },
+     [](auto* p, auto& o) {
+         Simplify::jwPolygonSimpicify_Opheim(p, o.tolerance, o.maximumTolerance);
+     },
+     [](auto* f, auto& o) { Simplify::simplifyFeatures_op(f, o.tolerance, o.maximumTolerance); }},
+    {kNth, [](auto* l, auto& o) { return Simplify::nThPoint(l, static_cast<unsigned>(o.count)); },
+     [](auto* p, auto& o) { Simplify::jwPolygonSimpicify_NthPoint(p, o.count); },
+     [](auto* f, auto& o) { Simplify::simplifyFeatures_nth(f, static_cast<unsigned>(o.count)); }},
+    {kPer,
+     [](auto* l, auto& o) {
+         return readBack(
+             l, [&](auto* out) { return Simplify::perpendicularDistance(l, o.tolerance, out); });
+     },
+     [](auto* p, auto& o) { Simplify::jwPolygonSimpicify_PerpendDistance(p, o.tolerance); },
+     [](auto* f, auto& o) { Simplify::simplifyFeatures_per(f, o.tolerance); }}};
+
+const Forms& formsOf(enumJWSimplifyMethod method) {
+    return *std::find_if(std::begin(kForms), std::end(kForms),
+                         [&](const Forms& forms) { return forms.method == method; });
 }
 
-void runFeatures(JWFeatureClass* features, const JWSimplifyOptions& o) {
-    switch (o.method) {
-        case kDp:
-            Simplify::simplifyFeatures_dp(features, o.tolerance);
-            break;
-        case kRw:
-            Simplify::simplifyFeatures_rw(features, o.tolerance);
-            break;
-        case kLang:
-            Simplify::simplifyFeatures_lang(features, o.tolerance, o.count);
-            break;
-        case kVr:
-            Simplify::simplifyFeatures_vr(features, o.tolerance);
-            break;
-        case kNth:
-            Simplify::simplifyFeatures_nth(features, static_cast<unsigned>(o.count));
-            break;
-        case kOp:
-            Simplify::simplifyFeatures_op(features, o.tolerance, o.maximumTolerance);
-            break;
-        case kPer:
-            Simplify::simplifyFeatures_per(features, o.tolerance);
-            break;
-    }
+int runLine(JWLineString* line, const JWSimplifyOptions& o) {
+    return formsOf(o.method).line(line, o);
 }
 
 struct Row {
@@ -171,7 +154,8 @@ TEST(Simplify, SmallCases) {
 
 TEST(Simplify, BadInputChangesNothing) {
     const char* text = "LINESTRING (0 0, 1 1, 2 0, 3 1, 4 0)";
-    for (enumJWSimplifyMethod method : kMethods) {
+    for (const Forms& forms : kForms) {
+        const enumJWSimplifyMethod method = forms.method;
         SCOPED_TRACE(method);
         const bool counted = method == kNth;
         for (double tolerance : {0.0, -1.0, kNaN}) {
@@ -193,8 +177,8 @@ TEST(Simplify, BadInputChangesNothing) {
             EXPECT_EQ(runLine(&line, usable), count);
             EXPECT_EQ(toWkt(line), tiny);
         }
-        runPolygon(nullptr, usable);
-        runFeatures(nullptr, usable);
+        forms.polygon(nullptr, usable);
+        forms.features(nullptr, usable);
         EXPECT_FALSE(Simplify::simplifyFeatures(nullptr, usable));
     }
     EXPECT_EQ(Simplify::perpendicularDistance(nullptr, 1, nullptr), 0);
@@ -297,10 +281,11 @@ TEST(Simplify, KeepsEndsAndOrderAndTheToleranceWherePromised) {
             points.emplace_back(points.back().x + random.uniform(-0.2, 1),
                                 points.back().y + random.uniform(-1, 1));
         }
-        for (enumJWSimplifyMethod method : kMethods) {
+        for (const Forms& forms : kForms) {
+            const enumJWSimplifyMethod method = forms.method;
             SCOPED_TRACE("seed 5 round " + std::to_string(round) + " " + std::to_string(method));
             JWLineString line(points);
-            const int count = runLine(&line, options(method, 0.7, 5));
+            const int count = forms.line(&line, options(method, 0.7, 5));
             const Points& kept = line.getPointList();
             EXPECT_EQ(count, line.getPointCount());
             EXPECT_EQ(kept.front(), points.front());
@@ -386,25 +371,25 @@ void expectEqual(const JWFeatureClass& a, const JWFeatureClass& b) {
 TEST(SimplifyKinds, EveryFormDoesWhatTheLineFormDoes) {
     JWFeatureClass original;
     fill(original, 20);
-    for (enumJWSimplifyMethod method : kMethods) {
-        SCOPED_TRACE(method);
-        const JWSimplifyOptions o = options(method, 2, 4);
+    for (const Forms& forms : kForms) {
+        SCOPED_TRACE(forms.method);
+        const JWSimplifyOptions o = options(forms.method, 2, 4);
         JWFeatureClass byParts = original, byClass = original, byGeometry = original;
         for (int i = 0; i < byParts.getFeatureCount(); ++i) {
             JWGeometry* g = byParts.getFeatureAt(i)->getGeometryPtr();
-            if (auto* line = dynamic_cast<JWLineString*>(g)) runLine(line, o);
-            if (auto* polygon = dynamic_cast<JWPolygon*>(g)) runPolygon(polygon, o);
+            if (auto* line = dynamic_cast<JWLineString*>(g)) forms.line(line, o);
+            if (auto* polygon = dynamic_cast<JWPolygon*>(g)) forms.polygon(polygon, o);
             if (auto* lines = dynamic_cast<JWMultiLineString*>(g)) {
-                for (JWLineString& line : lines->getMemberList()) runLine(&line, o);
+                for (JWLineString& line : lines->getMemberList()) forms.line(&line, o);
             }
             if (auto* polygons = dynamic_cast<JWMultiPolygon*>(g)) {
-                for (JWPolygon& polygon : polygons->getMemberList()) runPolygon(&polygon, o);
+                for (JWPolygon& polygon : polygons->getMemberList()) forms.polygon(&polygon, o);
             }
             g->updateEnvelop();
             EXPECT_TRUE(
                 Simplify::geometrySimplicify(byGeometry.getFeatureAt(i)->getGeometryPtr(), o));
         }
-        runFeatures(&byClass, o);
+        forms.features(&byClass, o);
         expectEqual(byParts, byClass);
         expectEqual(byParts, byGeometry);
     }
