@@ -6,8 +6,6 @@
 namespace jws::test {
 namespace {
 
-using Arguments = std::vector<std::string>;
-
 class ConvertCommands : public ProgramTest {
   protected:
     ConvertCommands() {
@@ -32,89 +30,69 @@ class ConvertCommands : public ProgramTest {
 };
 
 TEST_F(ConvertCommands, EachGivesItsResult) {
+    const std::vector<std::string> sides = {"orig_fid", "left_fid", "right_fid", "name"},
+                                   ranks = {"source_fid", "target_fid", "distance", "rank"};
     const struct {
-        Arguments arguments;  // without the output
+        const char* command;  // without the output
         long long features;
         const char* type;
         std::vector<std::string> fields;
-        const char* warning;
+        bool warnsOfDegrees = false;
     } rows[] = {
-        {{"to-lines", "a.geojson"}, 2, "Multi Line String", {"orig_fid", "name"}, ""},
-        {{"to-lines", "a.geojson", "--shared"},
-         3,
-         "Line String",
-         {"orig_fid", "left_fid", "right_fid", "name"},
-         ""},
-        {{"to-lines", "a.geojson", "--shared", "--inner", "--snap", "0.1"},
-         1,
-         "Line String",
-         {"orig_fid", "left_fid", "right_fid", "name"},
-         ""},
-        {{"to-points", "a.geojson"}, 2, "Point", {"orig_fid", "name"}, ""},
-        {{"to-points", "a.geojson", "--inside"}, 2, "Point", {"orig_fid", "name"}, ""},
-        {{"to-points", "a.geojson", "--vertices", "--every", "2"},
-         4,
-         "Point",
-         {"orig_fid", "vertex", "name"},
-         ""},
-        {{"nearest", "stop.geojson", "road.geojson"},
+        {"to-lines a.geojson", 2, "Multi Line String", {"orig_fid", "name"}},
+        {"to-lines a.geojson --shared", 3, "Line String", sides},
+        {"to-lines a.geojson --shared --inner --snap 0.1", 1, "Line String", sides},
+        {"to-points a.geojson", 2, "Point", {"orig_fid", "name"}},
+        {"to-points a.geojson --inside", 2, "Point", {"orig_fid", "name"}},
+        {"to-points a.geojson --vertices --every 2", 4, "Point", {"orig_fid", "vertex", "name"}},
+        {"nearest stop.geojson road.geojson",
          1,
          "Line String",
          {"PointFid", "LineFid", "ShortestLength"},
-         "degrees"},
-        {{"nearest", "stop.geojson", "degrees.geojson", "--boundary"},
+         true},
+        {"nearest stop.geojson degrees.geojson --boundary",
          1,
          "Line String",
          {"RingFid", "PointFid", "ShortestLength"},
-         "degrees"},
-        {{"nearest", "roads.geojson", "roads.geojson"},  // of no declared type; one for each line
+         true},
+        {"nearest roads.geojson roads.geojson",  // of no declared type; one for each line
          3,
          "Line String",
          {"FLineFid", "TLineFid", "ShortestLength"},
-         "degrees"},
-        {{"nearest", "a.geojson", "a.geojson", "--true", "--others"},
-         2,
-         "Line String",
-         {"source_fid", "target_fid", "distance", "rank"},
-         ""},
-        {{"nearest", "stop.geojson", "degrees.geojson", "--true", "--k", "2", "--max-distance",
-          "1.2"},
-         1,
-         "Line String",
-         {"source_fid", "target_fid", "distance", "rank"},
-         "degrees"},
+         true},
+        {"nearest a.geojson a.geojson --true --others", 2, "Line String", ranks},
+        {"nearest stop.geojson degrees.geojson --true --k 2 --max-distance 1.2", 1, "Line String",
+         ranks, true},
     };
     for (const auto& row : rows) {
-        Arguments all = row.arguments;
-        SCOPED_TRACE(all[0] + " " + all.back());
-        all.insert(all.end(), {"out.gpkg", "--overwrite", "--json"});
-        const Outcome outcome = run(all);
+        SCOPED_TRACE(row.command);
+        const Outcome outcome =
+            run(words(row.command + std::string(" out.gpkg --overwrite --json")));
         EXPECT_EQ(0, outcome.status) << outcome.err;
         const bool warned = outcome.err.find("degrees") != std::string::npos;
-        EXPECT_EQ(*row.warning != '\0', warned) << outcome.err;
+        EXPECT_EQ(row.warnsOfDegrees, warned) << outcome.err;
         const LayerContent content = layer("out.gpkg", "out");
         EXPECT_EQ(row.features, content.features);
         EXPECT_EQ(row.type, content.geometryType);
         EXPECT_EQ(row.fields, content.fields);
-        EXPECT_EQ(row.arguments[0], parse(outcome)["command"]);
+        EXPECT_EQ(words(row.command)[0], parse(outcome)["command"]);
     }
 }
 
 TEST_F(ConvertCommands, WhatDoesNotGoTogetherIsRefused) {
-    const Arguments rows[] = {
-        {"to-lines", "road.geojson", "out.gpkg"},
-        {"to-lines", "a.geojson", "out.gpkg", "--inner"},
-        {"to-lines", "a.geojson", "out.gpkg", "--snap", "1"},
-        {"to-points", "a.geojson", "out.gpkg", "--inside", "--vertices"},
-        {"to-points", "a.geojson", "out.gpkg", "--spacing", "2"},
-        {"nearest", "degrees.geojson", "road.geojson", "out.gpkg"},
-        {"nearest", "stop.geojson", "road.geojson", "out.gpkg", "--k", "2"},
-        {"nearest", "stop.geojson", "road.geojson", "out.gpkg", "--max-distance", "2"},
-        {"nearest", "stop.geojson", "road.geojson", "out.gpkg", "--true", "--k", "0"},
-    };
-    for (const Arguments& row : rows) {
-        SCOPED_TRACE(row[0] + " " + row.back());
-        const Outcome outcome = run(row);
+    for (const char* command : {
+             "to-lines road.geojson",
+             "to-lines a.geojson --inner",
+             "to-lines a.geojson --snap 1",
+             "to-points a.geojson --inside --vertices",
+             "to-points a.geojson --spacing 2",
+             "nearest degrees.geojson road.geojson",
+             "nearest stop.geojson road.geojson --k 2",
+             "nearest stop.geojson road.geojson --max-distance 2",
+             "nearest stop.geojson road.geojson --true --k 0",
+         }) {
+        SCOPED_TRACE(command);
+        const Outcome outcome = run(words(command + std::string(" out.gpkg")));
         EXPECT_EQ(2, outcome.status);
         EXPECT_NE("", outcome.err);
         EXPECT_FALSE(exists("out.gpkg"));

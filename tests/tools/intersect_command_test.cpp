@@ -121,19 +121,6 @@ TEST_F(Intersect, LayersAreChosenByName) {
     EXPECT_NEAR(1, layer("out.gpkg", "out").area, 1e-12);
 }
 
-TEST_F(Intersect, ThreadsAndBlocksDoNotChangeTheFile) {
-    write("a.geojson", geoJson(grid(12, 0)));
-    write("b.geojson", geoJson(grid(12, 0.3)));
-    ASSERT_EQ(0, intersect("one.geojson", {"--threads", "1", "--block-size", "0"}).status);
-    for (const Arguments& more : {Arguments{"--threads", "3", "--block-size", "7"},
-                                  Arguments{"--threads", "8", "--block-size", "1"}}) {
-        Arguments all = more;
-        all.insert(all.end(), {"--overwrite", "--output-layer", "one"});
-        ASSERT_EQ(0, intersect("other.geojson", all).status);
-        EXPECT_EQ(read("one.geojson"), read("other.geojson"));
-    }
-}
-
 TEST_F(Intersect, StandardOutputCarriesResultsOnly) {
     const Outcome plain = intersect("plain.gpkg");
     EXPECT_NE(std::string::npos, plain.out.find("plain.gpkg, layer plain: 2 features"));

@@ -3,6 +3,7 @@
 // The commands from layers to a layer, beside intersect: what is in their results, that each gives
 // an account that closes, and the options that choose features and names.
 #include "program.h"
+#include "support/test_paths.h"
 
 namespace jws::test {
 namespace {
@@ -21,49 +22,45 @@ class LayerCommands : public ProgramTest {
 
 TEST_F(LayerCommands, EachGivesItsResultAndAccount) {
     const struct {
-        Arguments arguments;  // without the output
+        const char* command;  // without the output
         long long features;
         double area;
         std::vector<std::string> fields;
     } rows[] = {
-        {{"union", "a.geojson", "b.geojson"}, 6, 11, {"name", "name_1"}},
-        {{"merge", "a.geojson", "b.geojson"}, 2, 11, {"name", "name_1"}},
-        {{"erase", "a.geojson", "b.geojson"}, 2, 6, {"name"}},
-        {{"identity", "a.geojson", "b.geojson"}, 4, 8, {"name", "name_1"}},
-        {{"symdiff", "a.geojson", "b.geojson"}, 4, 9, {"name", "name_1"}},
-        {{"update", "a.geojson", "b.geojson"}, 4, 11, {"name", "name_1"}},
-        {{"update", "a.geojson", "b.geojson", "--no-borders"}, 2, 11, {"name", "name_1"}},
-        {{"spatial-join", "a.geojson", "b.geojson", "--area-field", "size"},
+        {"union a.geojson b.geojson", 6, 11, {"name", "name_1"}},
+        {"merge a.geojson b.geojson", 2, 11, {"name", "name_1"}},
+        {"erase a.geojson b.geojson", 2, 6, {"name"}},
+        {"identity a.geojson b.geojson", 4, 8, {"name", "name_1"}},
+        {"symdiff a.geojson b.geojson", 4, 9, {"name", "name_1"}},
+        {"update a.geojson b.geojson", 4, 11, {"name", "name_1"}},
+        {"update a.geojson b.geojson --no-borders", 2, 11, {"name", "name_1"}},
+        {"spatial-join a.geojson b.geojson --area-field size",
          2,
          8,
          {"name", "name_1", "join_count", "size"}},
-        {{"spatial-join", "b.geojson", "a.geojson", "--drop-unmatched", "--row-per-pair",
-          "--attributes", "fid"},
+        {"spatial-join b.geojson a.geojson --drop-unmatched --row-per-pair --attributes fid",
          2,
          8,
          {"FID_b", "FID_a", "join_count"}},
-        {{"self-union", "self.geojson"}, 4, 8, {"name", "name_1"}},
-        {{"self-union", "self.geojson", "--merge"}, 1, 8, {"name"}},
-        {{"self-intersect", "self.geojson"}, 2, 4, {"name", "name_1"}},
-        {{"self-intersect", "self.geojson", "--per-feature"}, 2, 4, {"name"}},
-        {{"dissolve", "self.geojson", "--by", "name", "--stat", "count,first:name"},
+        {"self-union self.geojson", 4, 8, {"name", "name_1"}},
+        {"self-union self.geojson --merge", 1, 8, {"name"}},
+        {"self-intersect self.geojson", 2, 4, {"name", "name_1"}},
+        {"self-intersect self.geojson --per-feature", 2, 4, {"name"}},
+        {"dissolve self.geojson --by name --stat count,first:name",
          2,
          12,
          {"name", "count", "first_name"}},
-        {{"dissolve", "self.geojson"}, 1, 8, {}},
-        {{"dissolve", "b.geojson"}, 2, 5, {}},
-        {{"merge", "a.geojson", "b.geojson", "--prefix-a", "a_"}, 2, 11, {"a_name", "name"}},
-        {{"update", "a.geojson", "b.geojson", "--attributes", "fid"}, 4, 11, {"FID_a", "FID_b"}},
-        {{"intersect", "a.geojson", "b.geojson", "--prefix-a", "a_", "--prefix-b", "b_"},
-         2,
-         2,
-         {"a_name", "b_name"}},
+        {"dissolve self.geojson", 1, 8, {}},
+        {"dissolve b.geojson", 2, 5, {}},
+        {"merge a.geojson b.geojson --prefix-a a_", 2, 11, {"a_name", "name"}},
+        {"update a.geojson b.geojson --attributes fid", 4, 11, {"FID_a", "FID_b"}},
+        {"intersect a.geojson b.geojson --prefix-a a_ --prefix-b b_", 2, 2, {"a_name", "b_name"}},
     };
     for (const auto& row : rows) {
-        Arguments all = row.arguments;
-        SCOPED_TRACE(all[0] + " " + all.back());
-        all.insert(all.end(), {"out.gpkg", "--overwrite", "--json"});
-        const Outcome outcome = run(all);
+        SCOPED_TRACE(row.command);
+        const Arguments arguments = words(row.command);
+        const Outcome outcome =
+            run(words(row.command + std::string(" out.gpkg --overwrite --json")));
         EXPECT_EQ(0, outcome.status) << outcome.err;
         EXPECT_EQ("", outcome.err);
         const LayerContent content = layer("out.gpkg", "out");
@@ -71,19 +68,45 @@ TEST_F(LayerCommands, EachGivesItsResultAndAccount) {
         EXPECT_NEAR(row.area, content.area, 1e-12);
         EXPECT_EQ(row.fields, content.fields);
         const json object = parse(outcome);
-        EXPECT_EQ(row.arguments[0], object["command"]);
+        EXPECT_EQ(arguments[0], object["command"]);
         const json& account = object["account"];
-        EXPECT_EQ(row.arguments[0] != "spatial-join", account["checked"]);
+        EXPECT_EQ(arguments[0] != "spatial-join", account["checked"]);
         if (account["checked"]) {
             EXPECT_GE(1e-12, account["residual"].get<double>());
         }
         EXPECT_TRUE(account["warning"].is_null());
         EXPECT_DOUBLE_EQ(content.area, account["output_area"].get<double>());
-        EXPECT_EQ(row.arguments[1] != "self.geojson" && row.arguments[0] != "dissolve",
+        EXPECT_EQ(arguments[1] != "self.geojson" && arguments[0] != "dissolve",
                   object.count("overlay") == 1);
     }
     const Outcome unchecked = run({"erase", "a.geojson", "b.geojson", "plain.gpkg", "--no-check"});
     EXPECT_NE(std::string::npos, unchecked.out.find("; not checked"));
+}
+
+/// One command of each way to go over layers.
+TEST_F(LayerCommands, ThreadsAndBlocksDoNotChangeTheFile) {
+    write("grid.geojson", geoJson(grid(12, 0)));
+    write("shifted.geojson", geoJson(grid(12, 0.3)));
+    std::filesystem::copy(jwtest::exampleData("us_counties.gpkg"), path("counties.gpkg"));
+    for (const char* command : {
+             "intersect grid.geojson shifted.geojson",
+             "dissolve counties.gpkg --by state",
+             "simplify counties.gpkg --tolerance 0.05",
+             "hull counties.gpkg --all",
+             "clip grid.geojson shifted.geojson",
+             "buffer grid.geojson --distance 0.1 --dissolve",
+             "to-lines grid.geojson --shared",
+             "nearest grid.geojson shifted.geojson --true --k 3",
+             "relate grid.geojson shifted.geojson",
+         }) {
+        SCOPED_TRACE(command);
+        const std::string line = command + std::string(" out.csv --overwrite -q");
+        ASSERT_EQ(0, run(words(line + " --threads 1 --block-size 0")).status);
+        const std::string expected = read("out.csv");
+        EXPECT_FALSE(expected.empty());
+        ASSERT_EQ(0, run(words(line + " --threads 8 --block-size 50")).status);
+        EXPECT_TRUE(expected == read("out.csv"));
+    }
 }
 
 TEST_F(LayerCommands, AreasBeyondAllNumbersAreSaidNotToBeChecked) {

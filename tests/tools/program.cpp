@@ -12,6 +12,7 @@
 #include <chrono>
 #include <csignal>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <thread>
 
@@ -106,6 +107,11 @@ std::vector<Box> grid(int n, double offset) {
         }
     }
     return boxes;
+}
+
+std::vector<std::string> words(const std::string& line) {
+    std::istringstream stream(line);
+    return {std::istream_iterator<std::string>(stream), {}};
 }
 
 LayerContent readLayer(const std::string& path, const std::string& layerName) {

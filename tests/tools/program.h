@@ -39,6 +39,9 @@ struct Box {
 /// n × n squares of side 1 from (offset, offset) on.
 std::vector<Box> grid(int n, double offset);
 
+/// The words of a command line, with blanks between them.
+std::vector<std::string> words(const std::string& line);
+
 /// What a result layer holds.
 struct LayerContent {
     bool exists = false;
