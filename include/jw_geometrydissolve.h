@@ -26,8 +26,8 @@ enum enumJWStatistic {
     JWStatisticSum = 0,
     /// Mean of a numeric field, a real: the sum before rounding by the number of values.
     JWStatisticMean = 1,
-    /// Least and greatest value: numbers, texts (by their bytes), dates and times. The field has
-    /// the type of its source.
+    /// Least and greatest value: numbers, texts (by their bytes), dates and times (as instants; a
+    /// time without a zone counts as UTC). The field has the type of its source.
     JWStatisticMin = 2,
     JWStatisticMax = 3,
     /// Number of features, or of those that have a value in the field: a 64-bit integer.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/field_value.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -91,15 +92,11 @@ std::string hexText(const unsigned char* bytes, int count) {
 
 std::string timeText(const unionJWField& value) {
     char text[40];
-    const double second = value.date.second;
-    const double milliseconds = std::round(second * 1000);
-    if (milliseconds == std::floor(second) * 1000) {
-        std::snprintf(text, sizeof text, "%02d:%02d:%02d", value.date.hour, value.date.minute,
-                      static_cast<int>(second));
-    } else {
-        std::snprintf(text, sizeof text, "%02d:%02d:%06.3f", value.date.hour, value.date.minute,
-                      milliseconds / 1000);
-    }
+    const int second = static_cast<int>(value.date.second);
+    const long rounded = std::lround((static_cast<double>(value.date.second) - second) * 1000);
+    const long milliseconds = std::min(rounded, 999L);  // never the next second
+    std::snprintf(text, sizeof text, milliseconds == 0 ? "%02d:%02d:%02d" : "%02d:%02d:%02d.%03ld",
+                  value.date.hour, value.date.minute, second, milliseconds);
     std::string out = text;
     const int zone = value.date.timeZone;
     if (zone == 100) return out + "Z";
@@ -120,39 +117,58 @@ std::string dateText(enumJWFieldType type, const unionJWField& value) {
     return type == JWFieldDate ? text : std::string(text) + "T" + timeText(value);
 }
 
-/// Reads "Z", "+hh", "+hh:mm" or nothing, to the end of the text.
-bool parseZone(const char* text, std::uint8_t& zone) {
-    if (*text == '\0') {
-        zone = 0;
-        return true;
-    }
-    if ((*text == 'Z' || *text == 'z') && text[1] == '\0') {
-        zone = 100;
-        return true;
-    }
-    int hours = 0, minutes = 0, used = 0;
-    if (std::sscanf(text, "%*1[+-]%2d%n:%2d%n", &hours, &used, &minutes, &used) < 1 ||
-        text[used] != '\0' || hours > 14 || minutes % 15 != 0 || minutes > 45) {
-        return false;
-    }
-    const int quarters = hours * 4 + minutes / 15;
-    zone = static_cast<std::uint8_t>(100 + (*text == '-' ? -quarters : quarters));
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// Reads a number of one or two digits and goes on behind it.
+bool readDigits(const char*& at, int& number) {
+    if (!isDigit(*at)) return false;
+    const char* const end = at + (isDigit(at[1]) ? 2 : 1);
+    for (number = 0; at < end; ++at) number = number * 10 + (*at - '0');
     return true;
 }
 
-bool parseClock(const char* text, unionJWField& out) {
-    int hour = 0, minute = 0, used = 0;
-    float second = 0;
-    if (std::sscanf(text, "%2d:%2d%n:%f%n", &hour, &minute, &used, &second, &used) < 2)
-        return false;
-    if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || !(second >= 0 && second < 61)) {
-        return false;
+/// Reads "Z", "+hh", "+hhmm", "+hh:mm" or nothing, to the end of the text.
+bool parseZone(const char* at, std::uint8_t& zone) {
+    const char sign = *at;
+    zone = sign == '\0' ? 0 : 100;
+    if (sign == '\0') return true;
+    ++at;
+    if (sign == 'Z' || sign == 'z') return *at == '\0';
+    int hours = 0, minutes = 0;
+    if ((sign != '+' && sign != '-') || !readDigits(at, hours)) return false;
+    if (*at == ':') ++at;
+    if (at[-1] == ':' || *at != '\0') {
+        if (!readDigits(at, minutes)) return false;
     }
+    if (*at != '\0' || hours > 14 || minutes % 15 != 0 || minutes > 45) return false;
+    const int quarters = hours * 4 + minutes / 15;
+    zone = static_cast<std::uint8_t>(100 + (sign == '-' ? -quarters : quarters));
+    return true;
+}
+
+/// Reads digits with a point or without, whatever the process's locale.
+bool readSeconds(const char*& at, float& seconds) {
+    const char* end = at;
+    while (isDigit(*end) || *end == '.') ++end;
+    const auto [stop, error] = std::from_chars(at, end, seconds, std::chars_format::fixed);
+    at = stop;
+    return error == std::errc() && stop == end;
+}
+
+/// Reads "hh:mm" or "hh:mm:ss.sss" and a zone.
+bool parseClock(const char* at, unionJWField& out) {
+    int hour = 0, minute = 0;
+    float second = 0;
+    if (!readDigits(at, hour) || *at++ != ':' || !readDigits(at, minute)) return false;
+    if (*at == ':' && !readSeconds(++at, second)) return false;
+    if (hour > 23 || minute > 59 || second >= 61) return false;
     out.date.hour = static_cast<std::uint8_t>(hour);
     out.date.minute = static_cast<std::uint8_t>(minute);
     out.date.second = second;
-    return parseZone(text + used, out.date.timeZone);
+    return parseZone(at, out.date.timeZone);
 }
+
+std::int64_t floorDivide(std::int64_t a, std::int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
 
 }  // namespace
 
@@ -269,6 +285,23 @@ std::string valueText(enumJWFieldType type, const unionJWField& value) {
     return std::string();
 }
 
+int daysOfMonth(int year, int month) {
+    static const int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+    return days[month - 1] + (month == 2 && leap ? 1 : 0);
+}
+
+std::int64_t minutesOf(const unionJWField& value) {
+    const auto& date = value.date;
+    const std::int64_t before = date.year - 1;  // whole years
+    std::int64_t days = before * 365 + floorDivide(before, 4) - floorDivide(before, 100) +
+                        floorDivide(before, 400) + date.day;
+    for (int month = 1; month < date.month && month <= 12; ++month)
+        days += daysOfMonth(date.year, month);
+    const int quarters = date.timeZone > 1 ? date.timeZone - 100 : 0;
+    return (days * 24 + date.hour) * 60 + date.minute - quarters * 15;
+}
+
 bool parseInteger(const char* text, std::int64_t& out) { return parseNumber(text, out); }
 
 bool parseReal(const char* text, double& out) { return parseNumber(text, out); }
@@ -281,20 +314,22 @@ bool parseDate(const char* text, enumJWFieldType type, unionJWField& out) {
     if (type != JWFieldTime) {
         int year = 0, month = 0, day = 0, used = 0;
         if (std::sscanf(rest, "%5d%*1[-/]%2d%*1[-/]%2d%n", &year, &month, &day, &used) < 3 ||
-            month < 1 || month > 12 || day < 1 || day > 31 || year < INT16_MIN ||
-            year > INT16_MAX) {
+            month < 1 || month > 12 || day < 1 || day > daysOfMonth(year, month) ||
+            year < INT16_MIN || year > INT16_MAX) {
             return false;
         }
         value.date.year = static_cast<std::int16_t>(year);
         value.date.month = static_cast<std::uint8_t>(month);
         value.date.day = static_cast<std::uint8_t>(day);
         rest += used;
-        if (*rest == 'T' || *rest == ' ') ++rest;
-        if (type == JWFieldDate && *rest != '\0') return false;
+        if (*rest == '\0') {
+            out = value;
+            return true;
+        }
+        if (type == JWFieldDate || (*rest != 'T' && *rest != ' ')) return false;
+        ++rest;
     }
-    if (type != JWFieldDate && (type == JWFieldTime || *rest != '\0') && !parseClock(rest, value)) {
-        return false;
-    }
+    if (!parseClock(rest, value)) return false;
     out = value;
     return true;
 }

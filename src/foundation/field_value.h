@@ -32,6 +32,12 @@ bool parseReal(const char* text, double& out);
 bool parseDate(const char* text, enumJWFieldType type, unionJWField& out);
 
 /// True when `value` truncated fits 64 bits.
+/// Number of days of a month of the Gregorian calendar, which is carried back before its time.
+int daysOfMonth(int year, int month);
+/// Minutes of a date, a time or both since the start of the year 1, in UTC; the zone counts as UTC
+/// where it is not known.
+std::int64_t minutesOf(const unionJWField& date);
+
 inline bool fitsInt64(double value) {
     return value >= -9223372036854775808.0 && value < 9223372036854775808.0;
 }

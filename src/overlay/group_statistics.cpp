@@ -9,7 +9,9 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <tuple>
+#include <utility>
+
+#include "foundation/field_value.h"
 
 namespace jws::detail {
 namespace {
@@ -66,6 +68,17 @@ class CompensatedSum {
     double m_lost = 0;
 };
 
+/// The mean of finite numbers whose sum is not: it is finite itself.
+double meanOfLarge(const std::vector<const JWFeature*>& group, int field, std::int64_t count) {
+    constexpr int scale = 64;  // more than any count
+    CompensatedSum sum;
+    for (const JWFeature* feature : group) {
+        const unionJWField* value = valueOf(*feature, field);
+        if (value != nullptr) sum.add(std::ldexp(value->real, -scale));
+    }
+    return std::ldexp(sum.value() / static_cast<double>(count), scale);
+}
+
 /// Sum or mean.
 bool fillSum(const JWDissolveStatistic& statistic, const std::vector<const JWFeature*>& group,
              int target, JWFeature& result) {
@@ -88,8 +101,11 @@ bool fillSum(const JWDissolveStatistic& statistic, const std::vector<const JWFea
     if (count == 0) return true;
     if (statistic.statistic == JWStatisticMean) {
         const auto whole = static_cast<long double>(integers) / static_cast<long double>(count);
-        return result.setFieldValue(target, isReal ? reals.value() / static_cast<double>(count)
-                                                   : static_cast<double>(whole));
+        const double mean = !isReal ? static_cast<double>(whole)
+                            : std::isfinite(reals.value())
+                                ? reals.value() / static_cast<double>(count)
+                                : meanOfLarge(group, statistic.field, count);
+        return result.setFieldValue(target, mean);
     }
     if (isReal) return result.setFieldValue(target, reals.value());
     if (integers > std::numeric_limits<std::int64_t>::max() ||
@@ -110,10 +126,8 @@ bool isLess(enumJWFieldType type, const unionJWField& a, const unionJWField& b) 
         case JWFieldString:
             return std::strcmp(a.string, b.string) < 0;
         default:
-            return std::make_tuple(a.date.year, a.date.month, a.date.day, a.date.hour,
-                                   a.date.minute, a.date.second) <
-                   std::make_tuple(b.date.year, b.date.month, b.date.day, b.date.hour,
-                                   b.date.minute, b.date.second);
+            return std::make_pair(minutesOf(a), a.date.second) <
+                   std::make_pair(minutesOf(b), b.date.second);
     }
 }
 

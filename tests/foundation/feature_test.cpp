@@ -214,7 +214,17 @@ TEST(FeatureTest, NumbersAndTextsAreConverted) {
             std::string text;
             EXPECT_EQ(feature.getFieldAsString(0, text), row.out != nullptr) << row.in;
             EXPECT_EQ(text, row.out ? row.out : "") << row.in;
+                        {JWFieldDate, "2023-02-29", nullptr},
+                        {JWFieldDate, "1900-02-29", nullptr},
+                        {JWFieldDate, "2000-02-29", "2000-02-29"},
+                        {JWFieldDate, "2024-04-31", nullptr},
+                        {JWFieldDate, "2024-01-01T", nullptr},
         }
+                        {JWFieldTime, "23:59:59.9996", "23:59:59.999"},
+                        {JWFieldTime, "23:59:60.25", "23:59:60.250"},
+                        {JWFieldTime, "23:59:61", nullptr},
+                        {JWFieldTime, "23:59:", nullptr},
+                        {JWFieldTime, "23:59:1e0", nullptr},
         JWFields::destroyFields(fields);
     }
 }

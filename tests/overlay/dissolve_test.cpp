@@ -330,6 +330,35 @@ TEST_F(Dissolve, Statistics) {
     }
 }
 
+// Times are compared as instants; finite numbers have a finite mean.
+TEST_F(Dissolve, StatisticsOfTimesAndOfLargeNumbers) {
+    LayerPtr input = emptyLayer("in");
+    input->createField(JWField("t", JWFieldDateTime));
+    input->createField(JWField("v", JWFieldReal));
+    input->updateFieldsDefnRef();
+    const struct {
+        const char* time;
+        double real;
+    } rows[] = {{"2020-01-01T02:00:00Z", 1e308},
+                {"2020-01-01T03:00:00+02:00", 1e308},
+                {"2019-12-31T21:30:00-05:00", 1.5e308},
+                {"2020-01-01T02:00:00.5", -1e307}};
+    for (const auto& row : rows) {
+        JWFeature feature(input->getFieldsDefnPtr());
+        feature.setGeometry(fromWkt(left).get());
+        ASSERT_TRUE(feature.setFieldValue(0, row.time));
+        feature.setFieldValue(1, row.real);
+        input->createFeature(&feature);
+    }
+    JWDissolveOptions options;
+    options.statistics = {
+        {JWStatisticMin, 0, ""}, {JWStatisticMax, 0, ""}, {JWStatisticMean, 1, ""}};
+    const Strings found = run(*input, {}, options);
+    ASSERT_EQ(1u, found.size());
+    EXPECT_EQ("|2020-01-01T03:00:00+02:00|2019-12-31T21:30:00-05:00|8.5e+307",
+              found[0].substr(found[0].find('|')));
+}
+
 /// Features with all that goes wrong in real layers, some of them far apart.
 std::vector<Row> mixedRows(int number, unsigned seed) {
     std::vector<Row> rows = randomRows(number, seed);
