@@ -107,7 +107,7 @@ class JW_API JWGeometry {
     /// bits, SRID skipped) forms of z and m. Points keep z and m, others drop them; a point of NaN
     /// coordinates is empty. Rings are closed; the envelope is up to date. The data must be of this
     /// class's own type; a ring also takes a polygon of at most one ring, a segment a line string
-    /// of two points. Counts are checked against the bytes that are left before anything is
+    /// of two points or none. Counts are checked against the bytes that are left before anything is
     /// allocated. Collections nest at most 128 deep.
     /// \param allowTrailing  true: bytes after the geometry are ignored; false: they give
     ///     `JWDataErrCorruptData`

@@ -130,10 +130,11 @@ class Reader {
         return n == 0 || ringBody(h, ring);
     }
 
-    /// A segment is read from a line string of two points.
+    /// A segment is read from a line string of two points, an empty one of none.
     bool body(const Header& h, JWLine& line) {
         std::vector<JWRawPoint> ends;
         if (!points(h, ends)) return false;
+        if (ends.empty()) return true;
         if (ends.size() != 2) return fail(JWDataErrUnsupportedGeometryType);
         line.putCoords(ends[0], ends[1]);
         return true;

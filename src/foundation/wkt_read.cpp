@@ -208,10 +208,11 @@ bool readBody(Reader& reader, const Header& h, JWGeometry& into) {
     return reader.body(h, static_cast<Class&>(into));
 }
 
-/// A segment is read from a line string of two points.
+/// A segment is read from a line string of two points, an empty one of none.
 bool readLine(Reader& reader, const Header& h, JWLine& into) {
     JWLineString line;
     if (!reader.body(h, line)) return false;
+    if (line.isEmpty()) return true;
     if (line.getPointCount() != 2) return reader.fail(JWDataErrUnsupportedGeometryType);
     into.putCoords(line.getPointAt(0), line.getPointAt(1));
     return true;

@@ -237,6 +237,11 @@ TEST(WkbWkt, RingsSegmentsAndCurves) {
     EXPECT_EQ(line.importFromWkt("LINESTRING (5 6, 7 8)"), JWDataErrNone);
     EXPECT_EQ(line, JWLine(5, 6, 7, 8));
     EXPECT_EQ(line.importFromWkt("LINESTRING (0 0, 1 1, 2 2)"), JWDataErrUnsupportedGeometryType);
+    EXPECT_EQ(line.importFromWkt("LINESTRING EMPTY"), JWDataErrNone);
+    EXPECT_TRUE(line.isEmpty());
+    bytes = toWkb(line, JWWKBBigEndian);
+    EXPECT_EQ(line.importFromWkb(bytes.data(), bytes.size()), JWDataErrNone);
+    EXPECT_TRUE(line.isEmpty());
 
     JWGeometryBag bag;
     JWCircular arc(JWRawPoint(0, 0), 1, 0, 1);
