@@ -59,7 +59,7 @@ class JW_API JWDataSource {
     JWFeatureLayer* openLayer(const char* name);
     /// Creates a layer without fields, open for writing. `reference` may be null; it is the layer's
     /// until the source is closed, also where the format keeps none (CSV) or stores everything in
-    /// one of its own (KML). A name that is taken gives null. `options` are driver options,
+    /// one of its own (KML). A name that is null or taken gives null. `options` are driver options,
     /// "NAME=VALUE" each; shapefiles are written in UTF-8 and CSV files with geometries as WKT
     /// unless they say otherwise. Formats with one layer per file may name it after the file.
     JWFeatureLayer* createLayer(const char* name, enumJWWKBGeometryType type,

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "jw_export.h"
@@ -54,7 +55,8 @@ class JW_API JWFeature {
 
     const JWFields* getFieldsDefPtr() const { return m_fields; }
     JWFields* getFieldsDefPtr() { return m_fields; }
-    int getFieldCount() const { return m_fields ? m_fields->getFieldCount() : 0; }
+    /// Number of values: the fields that the schema had when the feature was made.
+    int getFieldCount() const { return static_cast<int>(m_values.size()); }
     int getFieldIndex(const char* name) const {
         return m_fields ? m_fields->getFieldIndex(name) : -1;
     }
@@ -63,8 +65,8 @@ class JW_API JWFeature {
     }
     /// Value of field `i`, null when `i` is no field or the field is unset or null.
     const unionJWField* getFieldValDefPtr(int i) const;
-    /// All values, one per field in schema order; entries of unset and null fields are zero. Null
-    /// when there are no fields.
+    /// All `getFieldCount` values in schema order; entries of unset and null fields are zero. Null
+    /// when there are none.
     const unionJWField* getUnionValues() const {
         return m_values.empty() ? nullptr : m_values.data();
     }
@@ -84,8 +86,8 @@ class JW_API JWFeature {
 
     /// Store a value, converted to the field's type: numbers to numbers and to text, texts to
     /// numbers and dates (ISO 8601) that they hold. Return false, the field unchanged, for an
-    /// unknown field or a value that the type cannot hold, such as 2.5 or 2^31 in an integer field.
-    /// A null text stores null.
+    /// unknown field or a value that the type cannot hold, such as 2.5 or 2^31 in an integer field,
+    /// 2^53 + 1 in a real one, or a date that does not exist. A null text stores null.
     bool setFieldValue(int i, int value);
     bool setFieldValue(int i, std::int64_t value);
     bool setFieldValue(int i, double value);
@@ -94,8 +96,16 @@ class JW_API JWFeature {
     bool setFieldValue(int i, const unionJWField& value);
     bool setFieldNull(int i);
     bool unsetField(int i);
+    /// Same, for an integer of any other type; false for one beyond 64 bits with a sign.
+    template <class Integer, std::enable_if_t<std::is_integral_v<Integer>, int> = 0>
+    bool setFieldValue(int i, Integer value) {
+        const bool fits =
+            std::is_signed_v<Integer> || static_cast<std::uint64_t>(value) <= INT64_MAX;
+        return fits && setFieldValue(i, static_cast<std::int64_t>(value));
+    }
     /// Copies field `sourceField` of `source`, its value, null or unset state alike, converting
-    /// between numeric types and to text. Returns false when it cannot be converted.
+    /// between numeric types and to text as `setFieldValue` does. Returns false when it cannot be
+    /// converted.
     bool copyFieldFrom(int i, const JWFeature& source, int sourceField);
 
     /// Deep copy, owned by the caller.

@@ -87,12 +87,15 @@ class JW_API JWField {
 /// Schemas live on the heap and are shared. The count starts at 0; every feature, class or layer
 /// that points to a schema holds one reference. `destroyFields` deletes a schema at count 0;
 /// otherwise the schema is marked and goes with its last reference. Counting is atomic; adding
-/// fields is not synchronised and belongs before the schema is shared.
+/// fields is not synchronised and belongs before the schema is shared: features made before do not
+/// have the new fields.
 class JW_API JWFields {
   public:
     JWFields() = default;
     /// Copies the fields, not the count.
     JWFields(const JWFields& other);
+    /// Takes over the fields of another schema. One that is referenced keeps its own, which the
+    /// values of features rest on; the last error says so.
     JWFields& operator=(const JWFields& other);
 
     /// Appends a copy of `field`.

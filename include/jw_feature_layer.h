@@ -219,7 +219,9 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// the source closes. In formats without transactions `rollbackTransaction` deletes what was
     /// written since `beginTransaction`, and answers false where the format cannot delete, or
     /// has no room left for it (shapefiles are copied). It ends the outermost transaction, whatever
-    /// the depth.
+    /// the depth. Without one begun, `commitTransaction` stores what was gathered and
+    /// `rollbackTransaction` does nothing; a layer that is not open for writing answers true to all
+    /// three.
     bool beginTransaction();
     /// Returns false with the last error set when data could not be written (disk full).
     bool commitTransaction();

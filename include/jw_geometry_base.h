@@ -81,6 +81,7 @@ class JW_API JWGeometry {
     /// curves and dynamic points, and bags that hold one, give
     /// `JWDataErrUnsupportedGeometryType` and write nothing. More members or points than 32 bits
     /// count do not occur.
+    /// \param order  one that is neither gives `JWDataErrUnsupportedOperation`
     /// \param wkb  at least `getWKBSize` bytes; null gives `JWDataErrInvalidHandle`
     virtual enumJWDataErr exportToWkb(enumJWWKBByteOrder order, unsigned char* wkb) const;
     /// Replaces the content by the geometry in a text ended by a zero byte.

@@ -236,7 +236,11 @@ JWFeatureLayer* JWDataSource::createLayer(const char* name, enumJWWKBGeometryTyp
                                           const std::vector<std::string>& options) {
     return detail::guarded("createLayer", static_cast<JWFeatureLayer*>(nullptr), [&] {
         JWFeatureLayer* const none = nullptr;
-        const std::string wanted = name != nullptr ? name : "";
+        if (name == nullptr) {
+            JWReport::setError(JWErrorInvalidArgument, m_handle->name() + ": a layer needs a name");
+            return none;
+        }
+        const std::string wanted = name;
         if (!m_handle->isUpdate()) {
             JWReport::setError(JWErrorOutputUnwritable,
                                m_handle->name() + ": is not open for writing");

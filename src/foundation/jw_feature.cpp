@@ -52,7 +52,7 @@ bool toNumber(enumJWFieldType type, std::int64_t from, unionJWField& value) {
             return true;
         case JWFieldReal:
             value.real = static_cast<double>(from);
-            return true;
+            return detail::fitsInt64(value.real) && static_cast<std::int64_t>(value.real) == from;
         default:
             return false;
     }
@@ -70,7 +70,7 @@ bool toNumber(enumJWFieldType type, double from, unionJWField& value) {
 }  // namespace
 
 JWFeature::JWFeature(JWFields* fields) : m_fields(fields) {
-    const std::size_t count = static_cast<std::size_t>(getFieldCount());
+    const std::size_t count = fields != nullptr ? fields->getFieldCount() : 0;
     m_values.resize(count);
     if (count > 0) std::memset(m_values.data(), 0, count * sizeof(unionJWField));
     m_states.resize(count, Unset);

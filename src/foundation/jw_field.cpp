@@ -4,6 +4,7 @@
 // exactly one thread, the one that brings the count of a marked schema to zero, deletes it.
 #include "foundation/field_names.h"
 #include "jw_feature_field.h"
+#include "jw_report.h"
 
 namespace jws {
 namespace detail {
@@ -52,7 +53,11 @@ JWField::JWField(const char* name, enumJWFieldType type, int width, int precisio
 JWFields::JWFields(const JWFields& other) : m_fields(other.m_fields) {}
 
 JWFields& JWFields::operator=(const JWFields& other) {
-    m_fields = other.m_fields;
+    if (getReference() == 0) {
+        m_fields = other.m_fields;
+    } else {
+        JWReport::setError(JWErrorInvalidArgument, "a schema in use cannot become another one");
+    }
     return *this;
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "jw_feature.h"
+#include "jw_report.h"
 #include "support/wkt.h"
 
 namespace {
@@ -91,6 +92,21 @@ TEST(FieldsTest, UniqueNamesIgnoreCase) {
     }
     const char* const expected[] = {"a", "A_1", "a_2", "field", "field_1"};
     for (int i = 0; i < 5; ++i) EXPECT_STREQ(fields.getFieldPtr(i)->getFieldName(), expected[i]);
+}
+
+TEST(FieldsTest, FeaturesKeepTheFieldsThatTheyWereMadeWith) {
+    JWFields* fields = schemaOfAllTypes();
+    JWFeature before(fields);
+    before.setFieldValue(3, "text");
+    fields->addField(JWField("late", JWFieldInteger));
+    EXPECT_EQ(before.getFieldCount(), 12);
+    EXPECT_FALSE(before.setFieldValue(12, 1));
+    EXPECT_EQ(JWFeature(fields).getFieldCount(), 13);
+    JWReport::clearError();
+    *fields = JWFields();
+    EXPECT_EQ(JWReport::lastError().kind, JWErrorInvalidArgument);
+    EXPECT_EQ(fields->getFieldCount(), 13) << "the text in use is still known to be one";
+    JWFields::destroyFields(fields);
 }
 
 TEST(FieldsTest, ASchemaGoesWithItsLastReference) {
@@ -198,8 +214,23 @@ TEST(FeatureTest, NumbersAndTextsAreConverted) {
                         {JWFieldDate, "2024-02-29", "2024-02-29"},
                         {JWFieldDate, "2024/2/9", "2024-02-09"},
                         {JWFieldDate, "2024-13-01", nullptr},
+                        {JWFieldDate, "2023-02-29", nullptr},
+                        {JWFieldDate, "1900-02-29", nullptr},
+                        {JWFieldDate, "2000-02-29", "2000-02-29"},
+                        {JWFieldDate, "2024-04-31", nullptr},
+                        {JWFieldDate, "2024-01-01T", nullptr},
                         {JWFieldTime, "23:59:01.5", "23:59:01.500"},
+                        {JWFieldTime, "23:59:59.9996", "23:59:59.999"},
+                        {JWFieldTime, "23:59:60.25", "23:59:60.250"},
+                        {JWFieldTime, "23:59:61", nullptr},
+                        {JWFieldTime, "23:59:", nullptr},
+                        {JWFieldTime, "23:59:1e0", nullptr},
                         {JWFieldTime, "24:00", nullptr},
+                        {JWFieldTime, "1:02+0530", "01:02:00+05:30"},
+                        {JWFieldTime, "1:02-03", "01:02:00-03:00"},
+                        {JWFieldTime, "1:02+05:", nullptr},
+                        {JWFieldTime, "1:02+0501", nullptr},
+                        {JWFieldDateTime, "2024-01-02T", nullptr},
                         {JWFieldDateTime, "2024-01-02T03:04:05Z", "2024-01-02T03:04:05Z"},
                         {JWFieldDateTime, "2024-01-02 03:04-05:30", "2024-01-02T03:04:00-05:30"},
                         {JWFieldDateTime, "2024-01-02", "2024-01-02T00:00:00"},
@@ -214,17 +245,7 @@ TEST(FeatureTest, NumbersAndTextsAreConverted) {
             std::string text;
             EXPECT_EQ(feature.getFieldAsString(0, text), row.out != nullptr) << row.in;
             EXPECT_EQ(text, row.out ? row.out : "") << row.in;
-                        {JWFieldDate, "2023-02-29", nullptr},
-                        {JWFieldDate, "1900-02-29", nullptr},
-                        {JWFieldDate, "2000-02-29", "2000-02-29"},
-                        {JWFieldDate, "2024-04-31", nullptr},
-                        {JWFieldDate, "2024-01-01T", nullptr},
         }
-                        {JWFieldTime, "23:59:59.9996", "23:59:59.999"},
-                        {JWFieldTime, "23:59:60.25", "23:59:60.250"},
-                        {JWFieldTime, "23:59:61", nullptr},
-                        {JWFieldTime, "23:59:", nullptr},
-                        {JWFieldTime, "23:59:1e0", nullptr},
         JWFields::destroyFields(fields);
     }
 }
@@ -250,6 +271,16 @@ TEST(FeatureTest, NumbersAreReadAcrossTypes) {
     EXPECT_FALSE(feature.setFieldValue(0, 2.5));
     EXPECT_FALSE(feature.setFieldValue(0, std::int64_t{1} << 31));
     EXPECT_FALSE(feature.isFieldSet(0));
+    for (const std::int64_t lossy : {(std::int64_t{1} << 53) + 1, INT64_MAX}) {
+        EXPECT_FALSE(feature.setFieldValue(2, lossy)) << "a real field would hold another number";
+        JWFeature whole(fields);
+        whole.setFieldValue(1, lossy);
+        EXPECT_FALSE(feature.copyFieldFrom(2, whole, 1));
+    }
+    EXPECT_TRUE(feature.setFieldValue(2, INT64_MIN));
+    EXPECT_TRUE(feature.setFieldValue(0, 7u));
+    EXPECT_TRUE(feature.setFieldValue(1, std::size_t{1} << 62));
+    EXPECT_FALSE(feature.setFieldValue(1, ~std::size_t{0}));
     EXPECT_FALSE(feature.getFieldAsDouble(4, real)) << "unset";
     JWFields::destroyFields(fields);
 }

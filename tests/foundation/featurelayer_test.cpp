@@ -384,6 +384,10 @@ TEST_F(FeatureLayerTest, WhatCannotBeOpenedSaysWhy) {
     EXPECT_EQ(lastKind(), JWErrorOutputUnwritable);
     EXPECT_EQ(JWDataSource::create(path("none/a.gpkg").c_str()), nullptr);
     EXPECT_EQ(lastKind(), JWErrorOutputUnwritable);
+    JWReport::clearError();
+    const SourcePtr memory(JWDataSource::createInMemory());
+    EXPECT_EQ(memory->createLayer(nullptr, JWWKBPolygon, nullptr), nullptr);
+    EXPECT_EQ(lastKind(), JWErrorInvalidArgument);
     EXPECT_EQ(JWDataSource::driverForPath("x/a.SHP"), "ESRI Shapefile");
     EXPECT_EQ(JWDataSource::driverForPath("a.json"), "GeoJSON");
     EXPECT_EQ(JWDataSource::driverForPath("a"), "");
