@@ -99,7 +99,8 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// Envelope of the whole layer as the source states it when first asked, after `updateEnvelop`
     /// as counted there; asked anew after features were written. Invalid when empty or not known.
     JWEnvelop getLayerEnvelop() const;
-    /// Recomputes the envelope from the geometries, in one pass. Returns false when it fails.
+    /// Recomputes the envelope from the geometries, in one pass; as in `JWGeometry::updateEnvelop`,
+    /// a NaN coordinate is skipped. Returns false when it fails.
     bool updateEnvelop();
     /// Schema of the layer, shared with its features; never null. It belongs to the layer and lives
     /// until the next `updateFieldsDefnRef`, or as long as a feature refers to it.

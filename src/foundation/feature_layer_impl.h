@@ -58,6 +58,7 @@ struct JWFeatureLayer::Impl {
     bool requireReadable();
     /// Reads the definition of the OGR layer into a new schema.
     void refreshFields();
+    bool isEmptyShapefile(detail::GdalErrors& errors);
     /// Drops what was kept of features when the layer was written to.
     void noticeChanges();
     /// Reads the feature at `position` alone; false with the last error set when there is none.

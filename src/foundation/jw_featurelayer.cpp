@@ -5,6 +5,7 @@
 
 #include "foundation/feature_layer_impl.h"
 #include "foundation/ogr_convert.h"
+#include "foundation/ogr_envelope.h"
 #include "foundation/ogr_feature.h"
 
 namespace jws {
@@ -121,6 +122,15 @@ const JWSpatialReference* JWFeatureLayer::getLayerSpatialRefPtr() const {
     return m_impl->referencePtr();
 }
 
+/// Its header states an envelope also when there is nothing in it: (0 0, 0 0), or that of what was
+/// deleted.
+bool JWFeatureLayer::Impl::isEmptyShapefile(detail::GdalErrors& errors) {
+    const bool mayBe = source->isUpdate() || envelop == JWEnvelop(0, 0, 0, 0);
+    if (!mayBe || !source->isDriver("ESRI Shapefile")) return false;
+    OGRFeatureUniquePtr first;
+    return reader.readAt(0, first, errors) == detail::LayerReader::Outcome::End;
+}
+
 JWEnvelop JWFeatureLayer::getLayerEnvelop() const {
     Impl& impl = *m_impl;
     if (impl.envelopKnown || impl.source->isWriteOnly(impl.layer)) return impl.envelop;
@@ -132,8 +142,10 @@ JWEnvelop JWFeatureLayer::getLayerEnvelop() const {
         detail::GdalErrors errors;
         if (impl.layer.TestCapability(OLCFastGetExtent) == 0) impl.reader.loseCursor();
         OGREnvelope extent;
+        impl.envelop = JWEnvelop::invalid();
         if (impl.layer.GetExtent(&extent, TRUE) == OGRERR_NONE && extent.IsInit() != 0) {
             impl.envelop.set(extent.MinX, extent.MinY, extent.MaxX, extent.MaxY);
+            if (impl.isEmptyShapefile(errors)) impl.envelop = JWEnvelop::invalid();
         }
         impl.envelopKnown = true;
         return impl.envelop;
@@ -147,11 +159,7 @@ bool JWFeatureLayer::updateEnvelop() {
         detail::GdalErrors errors;
         JWEnvelop envelop = JWEnvelop::invalid();
         const auto grow = [&envelop](std::int64_t, OGRFeature& feature) {
-            const OGRGeometry* geometry = feature.GetGeometryRef();
-            if (geometry == nullptr || geometry->IsEmpty()) return;
-            OGREnvelope box;
-            geometry->getEnvelope(&box);
-            envelop.inflates_to_contain(JWEnvelop(box.MinX, box.MinY, box.MaxX, box.MaxY));
+            envelop.inflates_to_contain(detail::envelopOfOgr(feature));
         };
         if (!impl.reader.visitAll(true, grow, errors)) return false;
         impl.envelop = envelop;

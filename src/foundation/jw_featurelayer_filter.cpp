@@ -13,12 +13,14 @@
 #include "foundation/feature_layer_impl.h"
 #include "foundation/layer_condition.h"
 #include "foundation/ogr_convert.h"
+#include "foundation/ogr_envelope.h"
 #include "foundation/position_index.h"
 #include "foundation/rectangle_relation.h"
 
 namespace jws {
 namespace {
 
+using detail::envelopOfOgr;
 using detail::FilterScope;
 using detail::GdalErrors;
 using detail::LayerCondition;
@@ -165,19 +167,11 @@ int JWFeatureLayer::getFeaturesByEnvelopFilter(const JWEnvelop& rectangle,
 
 namespace {
 
-JWEnvelop envelopOf(OGRFeature& feature) {
-    const OGRGeometry* geometry = feature.GetGeometryRef();
-    if (geometry == nullptr || geometry->IsEmpty()) return JWEnvelop::invalid();
-    OGREnvelope box;
-    geometry->getEnvelope(&box);
-    return JWEnvelop(box.MinX, box.MinY, box.MaxX, box.MaxY);
-}
-
+/// What cannot be read is let pass: reading it says why.
 bool meets(OGRFeature& feature, const JWEnvelop& rectangle) {
-    const JWEnvelop envelop = envelopOf(feature);
+    const JWEnvelop envelop = envelopOfOgr(feature);
     if (!envelop.isValid() || envelop.isDisjoin(rectangle)) return false;
     const std::unique_ptr<JWGeometry> geometry = detail::geometryFromOgr(*feature.GetGeometryRef());
-    // What cannot be read is let pass: reading it says why.
     return geometry == nullptr || detail::hasRelation(*geometry, rectangle, JWRelationOverlap);
 }
 
@@ -210,7 +204,7 @@ bool JWFeatureLayer::Impl::chooseFeatures(const char* where, const JWEnvelop* re
     const auto choose = [&](OGRFeature& feature) {
         if (rectangle != nullptr && !meets(feature, *rectangle)) return true;
         chosen.push_back(feature.GetFID());
-        whole.inflates_to_contain(envelopOf(feature));
+        whole.inflates_to_contain(envelopOfOgr(feature));
         return true;
     };
     if (!visitSatisfying(condition, rectangle, choose, errors)) return false;
@@ -243,7 +237,7 @@ bool JWFeatureLayer::Impl::filterFeatures(const char* where, const JWEnvelop* re
     });
     JWEnvelop whole = JWEnvelop::invalid();
     const auto grow = [&whole](std::int64_t, OGRFeature& feature) {
-        whole.inflates_to_contain(envelopOf(feature));
+        whole.inflates_to_contain(envelopOfOgr(feature));
     };
     if (!reader.visitAll(true, grow, errors)) {
         reader.restrictTo(std::move(before));
@@ -264,7 +258,7 @@ bool JWFeatureLayer::createSpatialIndex() {
         if (!index->initRTreeIndex()) return false;
         bool isWhole = true;
         const auto add = [&](std::int64_t position, OGRFeature& feature) {
-            const JWEnvelop box = envelopOf(feature);
+            const JWEnvelop box = envelopOfOgr(feature);
             isWhole =
                 isWhole && (!box.isValid() || index->addRect(box, detail::payloadOf(position)));
         };

@@ -464,6 +464,30 @@ TEST_F(FeatureLayerTest, CurvesSurfacesAndHeightsBecomePlanar) {
     EXPECT_EQ(static_cast<JWPolygon*>(geometry(6))->getArea(), 8);
 }
 
+TEST_F(FeatureLayerTest, EnvelopesOfWhatIsThere) {
+    const LayerPtr layer = layerOf("in", {{-1, "POINT (5 5)", ""},
+                                          {-1, "LINESTRING (nan 0, 7 1, 8 nan)", ""},
+                                          {-1, "LINESTRING (nan 9, 1 1)", ""},
+                                          {-1, "LINESTRING (nan 99, nan 99)", ""},
+                                          {-1, "POINT EMPTY", ""},
+                                          {-1, "", ""}});
+    ASSERT_TRUE(layer->updateEnvelop());
+    EXPECT_EQ(layer->getLayerEnvelop(), JWEnvelop(1, 0, 8, 9));
+    JWFeatureClass found;
+    ASSERT_TRUE(layer->createSpatialIndex());
+    EXPECT_EQ(layer->getFeaturesByEnvelopFilter(JWEnvelop(4, 4, 6, 6), JWRelationOverlap, found),
+              1);
+
+    LayerPtr shapes = newLayer("s.shp");
+    EXPECT_FALSE(shapes->getLayerEnvelop().isValid());
+    fillSquares(*shapes, 2);
+    EXPECT_EQ(shapes->getLayerEnvelop(), JWEnvelop(0, 0, 5, 2));
+    EXPECT_TRUE(shapes->clearAll());
+    EXPECT_FALSE(shapes->getLayerEnvelop().isValid());
+    ASSERT_TRUE(JWFeatureLayer::destroyFeatureLayer(shapes.release()));
+    EXPECT_FALSE(openLayer("s.shp")->getLayerEnvelop().isValid());
+}
+
 TEST_F(FeatureLayerTest, ReferencesAreComparedByMeaning) {
     JWSpatialReference epsg, wkt, utm;
     ASSERT_EQ(epsg.importFromUserInput("EPSG:4326"), JWDataErrNone);
