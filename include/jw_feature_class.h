@@ -46,6 +46,10 @@ class JW_API JWFeature {
     enumJWGeometryType getGeometryType() const;
     /// True when there is no geometry or its `isEmpty` is true.
     bool isGeometryEmpty() const;
+    /// True when the source has a geometry for the feature that could not be read, or not whole;
+    /// the feature then has none. Layer operations list such features as rejected.
+    bool isGeometryUnread() const { return m_isGeometryUnread; }
+    void setGeometryUnread(bool unread) { m_isGeometryUnread = unread; }
     /// Stores a copy of `geometry`; null removes the geometry.
     void setGeometry(const JWGeometry* geometry);
     /// Takes ownership of `geometry`. With `updateEnvelop` its envelope is recomputed first.
@@ -92,10 +96,6 @@ class JW_API JWFeature {
     bool setFieldValue(int i, std::int64_t value);
     bool setFieldValue(int i, double value);
     bool setFieldValue(int i, const char* value);
-    /// Stores a deep copy of a value of the field's own type; the value may be the field's own.
-    bool setFieldValue(int i, const unionJWField& value);
-    bool setFieldNull(int i);
-    bool unsetField(int i);
     /// Same, for an integer of any other type; false for one beyond 64 bits with a sign.
     template <class Integer, std::enable_if_t<std::is_integral_v<Integer>, int> = 0>
     bool setFieldValue(int i, Integer value) {
@@ -103,6 +103,10 @@ class JW_API JWFeature {
             std::is_signed_v<Integer> || static_cast<std::uint64_t>(value) <= INT64_MAX;
         return fits && setFieldValue(i, static_cast<std::int64_t>(value));
     }
+    /// Stores a deep copy of a value of the field's own type; the value may be the field's own.
+    bool setFieldValue(int i, const unionJWField& value);
+    bool setFieldNull(int i);
+    bool unsetField(int i);
     /// Copies field `sourceField` of `source`, its value, null or unset state alike, converting
     /// between numeric types and to text as `setFieldValue` does. Returns false when it cannot be
     /// converted.
@@ -125,6 +129,7 @@ class JW_API JWFeature {
 
     std::int64_t m_fid = -1;
     std::unique_ptr<JWGeometry> m_geometry;
+    bool m_isGeometryUnread = false;
     JWFields* m_fields = nullptr;
     std::vector<unionJWField> m_values;
     std::vector<FieldState> m_states;

@@ -11,6 +11,7 @@
 #include "jw_feature.h"
 #include "jw_report.h"
 #include "layers/feature_like.h"
+#include "layers/geometry_check.h"
 
 namespace jws::detail {
 
@@ -38,6 +39,10 @@ void polygonPerFeature(JWFeatureClass& input, JWFeatureClass& output, JWLayerRep
     for (int i = 0; i < count; ++i) {
         JWFeature& source = *input.getFeatureAt(i);
         ++report.readA;
+        if (source.isGeometryUnread()) {
+            reject(report, source, kUnreadGeometry);
+            continue;
+        }
         if (source.isGeometryEmpty()) {
             ++report.emptyA;
             continue;

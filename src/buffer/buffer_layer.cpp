@@ -178,7 +178,7 @@ class BufferGathering {
 
     void take(const JWFeature& feature, FlaggedRings& made, const std::string& reason) {
         ++m_report.readA;
-        if (feature.isGeometryEmpty()) ++m_report.emptyA;
+        if (feature.isGeometryEmpty() && reason.empty()) ++m_report.emptyA;
         if (!reason.empty()) {
             m_report.rejected.push_back(
                 {m_input.source(), m_input.name(), feature.getFID64(), reason});

@@ -14,6 +14,7 @@
 #include "jw_feature.h"
 #include "jw_geometryclip.h"
 #include "layers/feature_like.h"
+#include "layers/geometry_check.h"
 
 namespace jws {
 
@@ -53,6 +54,7 @@ int clipFeatures(const char* function, const JWFeatureClass& in, JWFeatureClass&
             for (std::int64_t i = begin; i < end; ++i) {
                 const auto slot = static_cast<std::size_t>(i);
                 const JWFeature& feature = *in.getFeatureAt(static_cast<int>(i));
+                if (feature.isGeometryUnread()) reasons[slot] = kUnreadGeometry;
                 if (feature.isGeometryEmpty()) continue;
                 attempt(reasons[slot], [&] { piecesOf(feature, pieces[slot], reasons[slot]); });
             }

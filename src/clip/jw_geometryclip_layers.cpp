@@ -11,6 +11,7 @@
 #include "jw_feature.h"
 #include "jw_geometryclip.h"
 #include "layers/feature_like.h"
+#include "layers/geometry_check.h"
 #include "layers/layer_checks.h"
 #include "layers/layer_map.h"
 #include "overlay/area_union.h"
@@ -218,6 +219,7 @@ bool writeParts(JWFeatureLayer& in, JWFeatureLayer& out, const JWEnvelop& envelo
         const auto count = static_cast<std::int64_t>(features.size());
         parallelChunks(team, count, 16, [&](std::int64_t begin, std::int64_t end) {
             for (auto i = static_cast<std::size_t>(begin); i < static_cast<std::size_t>(end); ++i) {
+                if (features[i]->isGeometryUnread()) reasons[i] = kUnreadGeometry;
                 if (features[i]->isGeometryEmpty()) continue;
                 attempt(reasons[i], [&] {
                     auto part = partInRectangle(clip, *features[i]->getGeometryPtr());

@@ -100,6 +100,7 @@ JWDataSource* JWDataSource::open(const char* path, bool update) {
             errors.report(JWErrorInputUnreadable, std::string(path) + ": " + damage, "");
             return none;
         }
+        if (errors.failed()) handle->suspectGeometries();
         return new JWDataSource(std::move(handle));
     });
 }

@@ -79,6 +79,7 @@ JWFeature::JWFeature(JWFields* fields) : m_fields(fields) {
 
 JWFeature::JWFeature(const JWFeature& other) : JWFeature(other.m_fields) {
     m_fid = other.m_fid;
+    m_isGeometryUnread = other.m_isGeometryUnread;
     if (other.m_geometry) m_geometry.reset(other.m_geometry->clone());
     const std::size_t count = std::min(m_values.size(), other.m_values.size());
     for (std::size_t k = 0; k < count; ++k) {
@@ -93,6 +94,7 @@ JWFeature::JWFeature(const JWFeature& other) : JWFeature(other.m_fields) {
 JWFeature::JWFeature(JWFeature&& other) noexcept
     : m_fid(other.m_fid),
       m_geometry(std::move(other.m_geometry)),
+      m_isGeometryUnread(other.m_isGeometryUnread),
       m_fields(std::exchange(other.m_fields, nullptr)),
       m_values(std::move(other.m_values)),
       m_states(std::move(other.m_states)) {
@@ -108,6 +110,7 @@ JWFeature& JWFeature::operator=(const JWFeature& other) {
 JWFeature& JWFeature::operator=(JWFeature&& other) noexcept {
     std::swap(m_fid, other.m_fid);
     std::swap(m_geometry, other.m_geometry);
+    std::swap(m_isGeometryUnread, other.m_isGeometryUnread);
     std::swap(m_fields, other.m_fields);
     std::swap(m_values, other.m_values);
     std::swap(m_states, other.m_states);

@@ -16,6 +16,7 @@
 #include "foundation/ogr_envelope.h"
 #include "foundation/position_index.h"
 #include "foundation/rectangle_relation.h"
+#include "foundation/unread_geometry.h"
 
 namespace jws {
 namespace {
@@ -169,6 +170,7 @@ namespace {
 
 /// What cannot be read is let pass: reading it says why.
 bool meets(OGRFeature& feature, const JWEnvelop& rectangle) {
+    if (detail::hasUnreadGeometry(feature)) return true;
     const JWEnvelop envelop = envelopOfOgr(feature);
     if (!envelop.isValid() || envelop.isDisjoin(rectangle)) return false;
     const std::unique_ptr<JWGeometry> geometry = detail::geometryFromOgr(*feature.GetGeometryRef());

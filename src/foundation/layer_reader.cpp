@@ -64,7 +64,12 @@ LayerReader::LayerReader(std::shared_ptr<JWSourceHandle> source, OGRLayer& layer
     : m_source(std::move(source)),
       m_layer(layer),
       m_changesSeen(m_source->state(layer).changes),
-      m_randomAccess(canFetchByIdentifier(*m_source, layer)) {}
+      m_randomAccess(canFetchByIdentifier(*m_source, layer)) {
+    if (SecondLook::isOfUse(m_source->driver()) && !m_source->isUpdate() &&
+        layer.GetLayerDefn()->GetGeomFieldCount() > 0) {
+        m_secondLook = std::make_unique<SecondLook>(m_source->name(), m_source->driver(), layer);
+    }
+}
 
 LayerReader::Outcome LayerReader::fail(const GdalErrors& errors, const std::string& what,
                                        std::int64_t fid) {
@@ -77,6 +82,9 @@ LayerReader::Outcome LayerReader::fail(const GdalErrors& errors, const std::stri
 
 LayerReader::Outcome LayerReader::failAt(const GdalErrors& errors, const OGRFeature* feature,
                                          std::int64_t previous) {
+    // Line by line GeoJSON is read ahead: whose message it is is not known.
+    const bool isOthers = m_source->isDriver("GeoJSONSeq");
+    if (isOthers) return fail(errors, "cannot be read");
     if (feature != nullptr) return fail(errors, "cannot be read", feature->GetFID());
     const std::string after = previous >= 0 ? " after feature " + std::to_string(previous) : "";
     return fail(errors, "cannot be read" + after);
@@ -139,9 +147,24 @@ bool LayerReader::sees(OGRFeature& feature) const {
     return !m_holds || m_holds(feature);
 }
 
-void LayerReader::readDriversNext(OGRFeatureUniquePtr& feature, const GdalErrors& errors) {
+/// GeoJSON is read some features ahead, so that a complaint may be about any of those to come.
+void LayerReader::lookAgain(OGRFeature* feature, GdalErrors& errors) {
+    if (!m_secondLook || feature == nullptr) return;
+    if (errors.failed() && m_source->isDriver("GeoJSON")) {
+        m_source->suspectGeometries();
+        errors.clear();
+    }
+    const bool isSuspect = feature->GetGeometryRef() == nullptr || m_source->suspectsGeometries();
+    if (isSuspect && m_layer.GetLayerDefn()->IsGeometryIgnored() == 0 &&
+        m_secondLook->findsMore(*feature)) {
+        markUnreadGeometry(*feature);
+    }
+}
+
+void LayerReader::readDriversNext(OGRFeatureUniquePtr& feature, GdalErrors& errors) {
     do {
         feature.reset(m_layer.GetNextFeature());
+        lookAgain(feature.get(), errors);
         if (feature) ++m_handedOut;
     } while (feature && !errors.failed() && m_holds && !m_holds(*feature));
 }
@@ -295,6 +318,7 @@ LayerReader::Outcome LayerReader::fetch(std::int64_t position, OGRFeatureUniqueP
     const std::int64_t fid = m_fids[static_cast<std::size_t>(position)];
     if (!fetchKeepsCursor(*m_source)) loseCursor();
     feature.reset(m_layer.GetFeature(fid));
+    lookAgain(feature.get(), errors);
     if (feature && !errors.failed()) return Outcome::Read;
     const std::int64_t cursor = m_cursor;
     fail(errors, "cannot be read", fid);
@@ -375,6 +399,7 @@ bool LayerReader::visitFiltered(const std::function<bool(OGRFeature&)>& visit, G
     m_layer.ResetReading();
     for (std::int64_t previous = -1;;) {
         const OGRFeatureUniquePtr feature(m_layer.GetNextFeature());
+        lookAgain(feature.get(), errors);
         if (errors.failed()) {
             failAt(errors, feature.get(), previous);
             return false;

@@ -17,6 +17,9 @@
 // A pass that ends before the driver's own count is a failure, not an end. The count of a database
 // is asked of its table, not of what it keeps beside it.
 //
+// Drivers that drop geometries without telling whose are looked at a second time: features that
+// lost theirs are marked, for those who decode them to tell.
+//
 // A reader may see some of the features only: those of a table of identifiers, which are fetched
 // one by one, or those that pass a test, on the way of the cursor. Positions count what it sees.
 #ifndef JW_FOUNDATION_LAYER_READER_H
@@ -30,6 +33,7 @@
 #include <vector>
 
 #include "foundation/source_handle.h"
+#include "foundation/unread_geometry.h"
 
 namespace jws::detail {
 
@@ -78,7 +82,9 @@ class LayerReader {
     bool ownsCursor() const;
     /// The feature is one of those that this reader sees.
     bool sees(OGRFeature& feature) const;
-    void readDriversNext(OGRFeatureUniquePtr& feature, const GdalErrors& errors);
+    void readDriversNext(OGRFeatureUniquePtr& feature, GdalErrors& errors);
+    /// Marks a feature that the driver handed out without its geometry, or with a part of it.
+    void lookAgain(OGRFeature* feature, GdalErrors& errors);
     bool visitChosen(const std::function<void(std::int64_t, OGRFeature&)>& visit,
                      GdalErrors& errors);
     bool hasTable(std::int64_t position) const {
@@ -116,6 +122,7 @@ class LayerReader {
     std::int64_t m_cursor = -1;    ///< position that the driver's cursor yields next, −1 unknown
     std::uint64_t m_changesSeen = 0;
     bool m_randomAccess;
+    std::unique_ptr<SecondLook> m_secondLook;  ///< null where there is nothing more to see
 };
 
 }  // namespace jws::detail

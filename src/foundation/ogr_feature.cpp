@@ -11,6 +11,7 @@
 
 #include "foundation/field_value.h"
 #include "foundation/ogr_convert.h"
+#include "foundation/unread_geometry.h"
 
 namespace jws::detail {
 namespace {
@@ -185,6 +186,7 @@ std::unique_ptr<JWFields> fieldsFromOgr(OGRFeatureDefn& definition) {
 std::unique_ptr<JWFeature> featureFromOgr(OGRFeature& source, JWFields* fields) {
     auto feature = std::make_unique<JWFeature>(fields);
     feature->setFID64(source.GetFID());
+    feature->setGeometryUnread(hasUnreadGeometry(source));
     if (const OGRGeometry* geometry = source.GetGeometryRef()) {
         std::unique_ptr<JWGeometry> converted = geometryFromOgr(*geometry);
         if (!converted) return nullptr;

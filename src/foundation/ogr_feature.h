@@ -16,8 +16,8 @@ namespace jws::detail {
 /// A new schema with the fields of an OGR definition; count 0.
 std::unique_ptr<JWFields> fieldsFromOgr(OGRFeatureDefn& definition);
 
-/// Copies a feature whose schema `fields` was made from its definition. Returns null when its
-/// geometry cannot be expressed.
+/// Copies a feature, marked by `markUnreadGeometry` or not, whose schema `fields` was made from its
+/// definition. Returns null when its geometry cannot be expressed.
 std::unique_ptr<JWFeature> featureFromOgr(OGRFeature& source, JWFields* fields);
 
 /// Copies the values of `source` into `target`, field k to field k, converted to the target's

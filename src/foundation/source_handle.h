@@ -60,6 +60,9 @@ struct JWSourceHandle {
     bool isMemory() const { return m_isMemory; }
     bool isUpdate() const { return m_update; }
     bool isCreated() const { return m_created; }
+    /// The driver complained of geometries, and which ones is not known.
+    bool suspectsGeometries() const { return m_suspectsGeometries; }
+    void suspectGeometries() { m_suspectsGeometries = true; }
 
     LayerState& state(const OGRLayer& layer) { return m_states[&layer]; }
     /// A layer is about to be deleted.
@@ -107,6 +110,7 @@ struct JWSourceHandle {
     bool m_created;
     bool m_transactions;
     bool m_implicit = false;
+    bool m_suspectsGeometries = false;
     int m_depth = 0;
     std::map<const void*, LayerState> m_states;
     std::int64_t m_written = 0;  ///< to all layers of a created source

@@ -47,6 +47,7 @@ std::string nameOf(unsigned kinds) {
 }  // namespace
 
 GeometryCheck checkGeometry(const JWFeature& feature, unsigned kinds) {
+    if (feature.isGeometryUnread()) return GeometryCheck::Unread;
     if (feature.isGeometryEmpty()) return GeometryCheck::Empty;
     const JWGeometry& geometry = *feature.getGeometryPtr();
     if ((kindOf(geometry) & kinds) == 0) return GeometryCheck::WrongKind;
@@ -55,6 +56,8 @@ GeometryCheck checkGeometry(const JWFeature& feature, unsigned kinds) {
 
 std::string reasonOf(GeometryCheck check, const JWFeature& feature, unsigned kinds) {
     switch (check) {
+        case GeometryCheck::Unread:
+            return kUnreadGeometry;
         case GeometryCheck::WrongKind:
             return "the geometry is " + nameOf(kindOf(*feature.getGeometryPtr())) + ", not " +
                    nameOf(kinds);

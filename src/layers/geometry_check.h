@@ -13,11 +13,14 @@ namespace jws::detail {
 /// Why a feature is missing whose result would have an infinite coordinate or NaN.
 inline constexpr const char* kBeyondNumbers = "a coordinate grows beyond all numbers";
 
+/// Why a feature is missing whose geometry the source has and its driver could not read.
+inline constexpr const char* kUnreadGeometry = "the geometry cannot be read";
+
 /// Kinds of geometry, to be joined with `|`; a multi-type goes with its single type.
 enum GeometryKind : unsigned { PointKind = 1, LineKind = 2, AreaKind = 4, BagKind = 8 };
 constexpr unsigned AnyKind = PointKind | LineKind | AreaKind | BagKind;
 
-enum class GeometryCheck { Usable, Empty, WrongKind, NotFinite };
+enum class GeometryCheck { Usable, Empty, Unread, WrongKind, NotFinite };
 
 /// Tells whether a feature's geometry is of one of these kinds with finite coordinates. Cost: one
 /// pass over the coordinates.

@@ -64,6 +64,7 @@ void DissolveRun::examine(std::size_t position) {
 }
 
 Examination DissolveRun::examineGeometry(DissolveItem& item) {
+    if (item.feature->isGeometryUnread()) return {false, kUnreadGeometry};
     if (item.feature->isGeometryEmpty()) return {true, nullptr};
     const JWGeometry& geometry = *item.feature->getGeometryPtr();
     if (m_kind != DissolveKind::Areas) {

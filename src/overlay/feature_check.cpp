@@ -5,6 +5,8 @@ namespace jws::detail {
 
 const char* reasonOf(AreaCheck check) {
     switch (check) {
+        case AreaCheck::Unread:
+            return kUnreadGeometry;
         case AreaCheck::WrongKind:
             return "the geometry is not a polygon or multipolygon";
         case AreaCheck::NotFinite:

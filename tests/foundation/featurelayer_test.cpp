@@ -464,6 +464,75 @@ TEST_F(FeatureLayerTest, CurvesSurfacesAndHeightsBecomePlanar) {
     EXPECT_EQ(static_cast<JWPolygon*>(geometry(6))->getArea(), 8);
 }
 
+// One letter for each feature: g with a geometry, - without, u where the source has one that could
+// not be read, or not whole.
+TEST_F(FeatureLayerTest, GeometriesThatTheDriverDropsAreNotTakenForNone) {
+    const std::string good = R"({"type":"Polygon","coordinates":[[[0,0],[9,0],[9,9],[0,0]]]})";
+    const auto polygon = [](const std::string& rings) {
+        return R"({"type":"Polygon","coordinates":)" + rings + "}";
+    };
+    const auto collection = [](const std::vector<std::string>& geometries) {
+        std::string text;
+        for (const std::string& geometry : geometries) {
+            text += (text.empty() ? "" : ",\n") +
+                    std::string(R"({"type":"Feature","properties":{})") +
+                    (geometry.empty() ? "" : R"(,"geometry":)" + geometry) + "}";
+        }
+        return R"({"type":"FeatureCollection","features":[)" + text + "]}";
+    };
+    const struct {
+        const char* file;
+        std::string text;
+        const char* expected;
+    } rows[] = {
+        {"a.geojson",
+         collection({good, "null", "", polygon("[]"), polygon("\"x\""),
+                     polygon("[[[1],[2],[3],[1]]]"), polygon("[[[0,0],[null,0],[1,1],[0,0]]]"),
+                     R"({"type":"Polygonn","coordinates":[[[0,0],[1,0],[1,1],[0,0]]]})",
+                     R"({"type":"Polygon"})", R"({"type":"GeometryCollection","geometries":[]})"}),
+         "g---uuuuug"},
+        {"b.geojson",
+         collection({good, polygon("[[[\"a\",0],[1,0],[1,1],[0,0]]]"),
+                     polygon("[[[0,0],[9,0],[9,9],[0,0]],[[\"a\",1],[2,1],[2,2],[1,1]]]"), good}),
+         "guug"},
+        {"c.geojson",
+         R"({"type":"Feature","properties":{},"geometry":)" +
+             polygon("[[[0,0],[9,0],[9,9],[0,0]],[[\"a\",1],[2,1],[2,2],[1,1]]]") + "}",
+         "u"},
+        {"d.csv",
+         "WKT,n\n\"POLYGON((0 0,1 0,1 1,0 0))\",1\n\" \",2\ngarbage,3\n\"\",4\n"
+         "\"POLYGON((0 0,1 nan,1 1,0 0))\",5\nPOLYGON EMPTY,6\n",
+         "g-u-ug"},
+        {"e.csv", "n,name\n1,a\n2,b\n", "--"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.file);
+        std::ofstream(path(row.file)) << row.text;
+        const auto letter = [](const JWFeature& feature) {
+            return feature.isGeometryUnread()            ? 'u'
+                   : feature.getGeometryPtr() != nullptr ? 'g'
+                                                         : '-';
+        };
+        const LayerPtr layer = openLayer(row.file);
+        ASSERT_TRUE(layer) << lastText();
+        std::string found, apart;
+        JWFeatureClass all;
+        const int count = layer->getFeaturesByPosition(0, 99, all);
+        for (int i = 0; i < count; ++i) found += letter(*all.getFeatureAt(i));
+        EXPECT_EQ(row.expected, found) << lastText();
+        for (int i = count - 1; i >= 0; --i) {
+            const std::unique_ptr<JWFeature> feature(layer->getFeature(i));
+            ASSERT_TRUE(feature) << lastText();
+            apart.insert(apart.begin(), letter(JWFeature(*feature)));
+        }
+        EXPECT_EQ(row.expected, apart);
+        const JWEnvelop far(70, 70, 80, 80);
+        ASSERT_TRUE(layer->restrictTo(nullptr, &far)) << lastText();
+        EXPECT_EQ(std::count(found.begin(), found.end(), 'u'), layer->getFeatureCount())
+            << "they may be anywhere";
+    }
+}
+
 TEST_F(FeatureLayerTest, EnvelopesOfWhatIsThere) {
     const LayerPtr layer = layerOf("in", {{-1, "POINT (5 5)", ""},
                                           {-1, "LINESTRING (nan 0, 7 1, 8 nan)", ""},

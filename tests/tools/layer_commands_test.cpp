@@ -147,6 +147,28 @@ TEST_F(LayerCommands, DissolveKeepsApartWhatLiesApart) {
     }
 }
 
+TEST_F(LayerCommands, GeometriesThatCannotBeReadAreListed) {
+    write("bad.csv",
+          "WKT,name\n\"POLYGON((0 0,2 0,2 2,0 2,0 0))\",x\ngarbage,y\n,z\n"
+          "\"POLYGON((1 0,3 0,3 2,1 2,1 0))\",x\n");
+    for (const Arguments& command :
+         {Arguments{"self-union", "bad.csv", "out.gpkg"},
+          Arguments{"dissolve", "bad.csv", "out.gpkg"},
+          Arguments{"simplify", "bad.csv", "out.gpkg", "--tolerance", "0"},
+          Arguments{"buffer", "bad.csv", "out.gpkg", "--distance", "1"},
+          Arguments{"clip", "bad.csv", "bad.csv", "out.gpkg"},
+          Arguments{"nearest", "bad.csv", "bad.csv", "out.gpkg"},
+          Arguments{"relate", "bad.csv", "bad.csv", "out.csv"}}) {
+        SCOPED_TRACE(command[0]);
+        Arguments all = command;
+        all.push_back("--overwrite");
+        const Outcome outcome = run(all);
+        EXPECT_EQ(4, outcome.status) << outcome.err;
+        EXPECT_NE(std::string::npos, outcome.err.find("feature 2: the geometry cannot be read"))
+            << outcome.err;
+    }
+}
+
 TEST_F(LayerCommands, DissolveTakesPointsAndLines) {
     const std::string head = R"({"type":"FeatureCollection","features":[)";
     const struct {
