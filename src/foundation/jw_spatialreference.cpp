@@ -103,7 +103,9 @@ char* JWSpatialReference::describe() const {
             const char* name = m_impl->system.GetName();
             const char* authority = m_impl->system.GetAuthorityName(nullptr);
             const char* code = m_impl->system.GetAuthorityCode(nullptr);
-            text = name != nullptr ? name : "unnamed";
+            const bool isNamed = name != nullptr && *name != '\0' && !EQUAL(name, "unnamed") &&
+                                 !EQUAL(name, "unknown");  // as some formats call those without
+            text = isNamed ? name : "an unnamed system";
             if (authority != nullptr && code != nullptr) {
                 text = std::string(authority) + ":" + code + " (" + text + ")";
             }

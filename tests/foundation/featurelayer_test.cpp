@@ -587,6 +587,12 @@ TEST_F(FeatureLayerTest, ReferencesAreComparedByMeaning) {
     char* name = epsg.describe();
     EXPECT_STREQ(name, "EPSG:4326 (WGS 84)");
     JWSpatialReference::freeText(name);
+    for (const char* unnamed : {"LOCAL_CS[\"unnamed\",UNIT[\"metre\",1]]", "LOCAL_CS[\"\"]"}) {
+        ASSERT_EQ(bad.importFromWkt(unnamed), JWDataErrNone);
+        name = bad.describe();
+        EXPECT_STREQ(name, "an unnamed system");
+        JWSpatialReference::freeText(name);
+    }
 }
 
 }  // namespace

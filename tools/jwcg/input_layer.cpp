@@ -77,7 +77,7 @@ enumJWWKBGeometryType singleType(enumJWWKBGeometryType type) {
 std::string describe(const JWSpatialReference* reference) {
     if (reference == nullptr || reference->isEmpty()) return {};
     char* text = reference->describe();
-    std::string name = text != nullptr && *text != '\0' ? text : "an unnamed system";
+    std::string name = text != nullptr ? text : "";
     JWSpatialReference::freeText(text);
     return name;
 }
