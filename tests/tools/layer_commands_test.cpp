@@ -169,6 +169,24 @@ TEST_F(LayerCommands, GeometriesThatCannotBeReadAreListed) {
     }
 }
 
+TEST_F(LayerCommands, DissolveTakesFieldsWhoseNamesHoldCommas) {
+    write("in.csv",
+          "WKT,\"x,y\",x,z\n\"POLYGON((0 0,2 0,2 2,0 0))\",1,1,1\n"
+          "\"POLYGON((0 0,2 0,2 2,0 0))\",2,1,1\n");
+    const struct {
+        const char* by;
+        std::vector<std::string> fields;
+        long long features;
+    } rows[] = {{"x,y", {"x,y"}, 2}, {"z,x,y", {"z", "x,y"}, 2}, {"x,z", {"x", "z"}, 1}};
+    for (const auto& row : rows) {
+        const Outcome outcome =
+            run({"dissolve", "in.csv", "out.gpkg", "--by", row.by, "--overwrite"});
+        EXPECT_EQ(0, outcome.status) << outcome.err;
+        EXPECT_EQ(row.fields, layer("out.gpkg", "out").fields) << row.by;
+        EXPECT_EQ(row.features, layer("out.gpkg", "out").features) << row.by;
+    }
+}
+
 TEST_F(LayerCommands, DissolveTakesPointsAndLines) {
     const std::string head = R"({"type":"FeatureCollection","features":[)";
     const struct {

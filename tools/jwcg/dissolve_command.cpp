@@ -22,6 +22,26 @@ int fieldOf(const InputLayer& input, const JWFields& fields, const std::string& 
                                         (known.empty() ? "none" : known));
 }
 
+/// The fields of `--by`, which was split at its commas: of the names that some members in a row may
+/// be, the longest that is a field is meant.
+std::vector<int> fieldsOf(const InputLayer& input, const JWFields& fields,
+                          const std::vector<std::string>& members) {
+    std::vector<int> found;
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        std::size_t last = i;
+        std::string name = members[i], longer = name;
+        for (std::size_t k = i + 1; k < members.size(); ++k) {
+            longer += "," + members[k];
+            if (fields.getFieldIndex(longer.c_str()) < 0) continue;
+            name = longer;
+            last = k;
+        }
+        found.push_back(fieldOf(input, fields, name));
+        i = last;
+    }
+    return found;
+}
+
 /// "sum:pop", "count:pop" or "count".
 JWDissolveStatistic statisticOf(const InputLayer& input, const JWFields& fields,
                                 const std::string& text) {
@@ -103,9 +123,7 @@ Request requestFor(const Settings& settings, InputLayer& input) {
     Request request;
     chooseForm(settings, input, request);
     const JWFields& fields = *input.layer().getFieldsDefnPtr();
-    for (const std::string& name : settings.dissolve.fields) {
-        request.fields.push_back(fieldOf(input, fields, name));
-    }
+    request.fields = fieldsOf(input, fields, settings.dissolve.fields);
     request.options.multipart = settings.dissolve.multipart || settings.dissolve.acrossClusters;
     request.options.acrossClusters = settings.dissolve.acrossClusters;
     request.options.tolerance = settings.tolerance;
