@@ -36,6 +36,8 @@ struct gpc_polygon;  // the clipping engine's polygon, complete inside the libra
 ///   and have up-to-date envelopes. A ring comes before every ring around it. A vertex of an
 ///   operand keeps its bits. This holds for the library's own clipping engine; a foreign one
 ///   promises neither the order of rings nor where they start.
+/// - What is smaller than about two units in the last place of the operands' largest coordinate may
+///   vanish from a result without a word: a square of side 1 beside coordinates of 1e200.
 /// - A coordinate that is not finite gives an empty result, and `JWReport::lastError` says so.
 /// - Nothing throws: when memory runs out the answer is the failure value and the last error is
 ///   set.

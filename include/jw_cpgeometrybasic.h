@@ -54,7 +54,8 @@ class JW_API JWCPGeometryBasic {
     static double pointSegmentDistance(const JWRawPoint* p, const JWRawPoint* a,
                                        const JWRawPoint* b);
     /// Returns the distance from `p` to the infinite line through `a` and `b`; if they are equal,
-    /// to that point. -1.0 if a pointer is null.
+    /// to that point. -1.0 if a pointer is null. Computed relative to `a`, so that it does not lose
+    /// digits far from the origin.
     static double pointLineDistance(const JWRawPoint* p, const JWRawPoint* a, const JWRawPoint* b);
     /// Returns the distance from `p` to the ray that starts at `a` and runs through `b`; -1.0 if a
     /// pointer is null.
@@ -185,8 +186,8 @@ class JW_API JWCPGeometryBasic {
     /// true. False, and `p` unchanged, for a null pointer or a line without points.
     static bool getPointInClosedLine(const JWLineString* line, JWRawPoint* p);
     /// Stores the area centroid. False, and `c` unchanged, if a pointer is null, or for 3 points or
-    /// fewer or an area of 0. Computed relative to the first point: accurate far from the origin,
-    /// and a ring that is not closed counts as closed by a straight edge.
+    /// fewer or an area that is 0 or not finite. Computed relative to the first point: accurate far
+    /// from the origin, and a ring that is not closed counts as closed by a straight edge.
     static bool ringCentroid(const JWRing* ring, JWRawPoint* c);
     /// Stores the mean of the segment midpoints weighted by length. False, and `c` unchanged, if a
     /// pointer is null or for fewer than 2 points. A line of length 0 stores NaN and returns true.

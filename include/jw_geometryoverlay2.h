@@ -29,6 +29,8 @@ class JWFeatureLayer;
 ///   takes every hole of the result, otherwise a `JWMultiPolygon`, in which each hole goes to the
 ///   first polygon that contains it and a hole that none contains is dropped. Their envelopes are
 ///   up to date. A vertex of an operand keeps its bits.
+/// - What is smaller than about two units in the last place of the operands' largest coordinate may
+///   vanish from a result without a word: a square of side 1 beside coordinates of 1e200.
 /// - Stored envelopes are trusted where they are valid; otherwise a fresh one is computed.
 /// - Lists of results and of their codes are appended to.
 /// - A coordinate that is not finite gives an empty result, and `JWReport::lastError` says so.
