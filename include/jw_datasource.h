@@ -48,6 +48,9 @@ class JW_API JWDataSource {
     const char* getName() const;
     const char* getDriverName() const;
     bool isUpdateMode() const;
+    /// Paths of the files that the source consists of, as far as its driver tells them; none for a
+    /// source in memory.
+    std::vector<std::string> getFiles() const;
     int getLayerCount() const;
     /// Names of the layers in their order.
     std::vector<std::string> getLayerNames() const;
@@ -61,12 +64,16 @@ class JW_API JWDataSource {
     /// until the source is closed, also where the format keeps none (CSV) or stores everything in
     /// one of its own (KML). A name that is null or taken gives null. `options` are driver options,
     /// "NAME=VALUE" each; shapefiles are written in UTF-8 and CSV files with geometries as WKT
-    /// unless they say otherwise. Formats with one layer per file may name it after the file.
+    /// unless they say otherwise. Formats with one layer per file may name it after the file. A
+    /// layer of points keeps their z and m where `like`, a layer that they come from, has them;
+    /// without it they are dropped.
     JWFeatureLayer* createLayer(const char* name, enumJWWKBGeometryType type,
                                 const JWSpatialReference* reference,
-                                const std::vector<std::string>& options = {});
-    /// Deletes a layer. Returns false with the last error set when it cannot be deleted; no layer
-    /// of the source may be open.
+                                const std::vector<std::string>& options = {},
+                                const JWFeatureLayer* like = nullptr);
+    /// Deletes a layer; upper and lower case count as the same where no name is exactly this one.
+    /// Returns false with the last error set when it cannot be deleted; no layer of the source may
+    /// be open.
     bool deleteLayer(const char* name);
     /// Writes buffered data out. Returns false with the last error set on failure.
     bool flush();

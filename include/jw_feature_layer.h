@@ -193,23 +193,35 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// Adds a field. A name that is taken (ignoring case), reserved by the driver or too long for
     /// it is made unique and short enough ("name", "name_1"); `getFieldsDefnPtr()` after
     /// `updateFieldsDefnRef()` has the name as it is. A type that the driver lacks is stored as the
-    /// nearest one that loses nothing (64-bit integers as text at worst). Returns false with the
+    /// nearest one that loses nothing (64-bit integers as text at worst); CSV files have all but
+    /// integers as text, in exact digits and ISO 8601. Returns false with the
     /// last error set on failure.
     bool createField(const JWField& field);
     /// Writes one feature, by field position: its field k goes to the layer's field k, converted
     /// where the types differ. With `keepFID` it keeps its identifier in databases and in memory
     /// (formats without stored identifiers number on), otherwise it gets a fresh one. Refused are
     /// features that could be stored with a loss only: a geometry of a kind that the layer does not
-    /// hold, a number or text too large for its field, an identifier that is taken. Returns false
-    /// with the last error set then; the feature is unchanged either way.
+    /// hold, or with holes but an empty outer ring; a coordinate that is not finite (not in
+    /// memory), or outside of longitudes and latitudes in KML without a projected reference; a
+    /// number, text or date too large for its field, in a shapefile also a real that the field's
+    /// decimals (15) change by more than a millionth, NaN where the format has none; an identifier
+    /// that is taken. Returns false with the last error set then; the feature is unchanged either
+    /// way.
+    ///
+    /// Left to the formats: GML and KML write 15 digits, GeoJSON 15 decimals, shapefiles 15
+    /// decimals of reals (coordinates exactly); shapefiles drop blanks around texts and know no
+    /// empty text, MapInfo and GMT know no missing value and store 0 or "" for it. Databases,
+    /// FlatGeobuf, CSV and memory keep the bits of coordinates and reals.
     bool createFeature(const JWFeature* feature, bool keepFID = false);
     /// Converts a feature into the layer's own form, so that `createFeature` with it has less left
     /// to do. Any number of threads may do this while one of them writes. Returns null where that
     /// cannot be done ahead; `createFeature` then does it all, or says why it cannot.
     std::shared_ptr<JWFeatureRecord> prepareFeature(const JWFeature& feature) const;
     /// The same as `createFeature(&feature)`, with what `prepareFeature` made of it; `record` may
-    /// be null and is used up.
-    bool createFeature(const JWFeature& feature, std::shared_ptr<JWFeatureRecord> record);
+    /// be null and is used up. With `lost` a value that cannot be stored does not refuse the
+    /// feature: it stays unset, and a sentence about it is added to `lost`.
+    bool createFeature(const JWFeature& feature, std::shared_ptr<JWFeatureRecord> record,
+                       std::vector<std::string>* lost = nullptr);
     /// Writes all features of a class in order, in one transaction. Returns false when one of them
     /// was refused (the others are written).
     bool createFeatures(const JWFeatureClass* features, bool keepFID = false);

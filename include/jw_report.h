@@ -30,6 +30,7 @@ enum enumJWErrorKind {
     JWErrorLayerMissing = 9,        ///< the source has no such layer
     JWErrorWrongGeometryType = 10,  ///< the layer or feature holds another kind of geometry
     JWErrorCancelled = 11,          ///< the progress callback asked to stop
+    JWErrorFormatUnfit = 12,        ///< the destination's format cannot hold such a layer
 };
 
 /// The last failure of a thread. Texts are UTF-8, one sentence, and name file, layer and feature.
@@ -100,6 +101,7 @@ struct JWLayerReport {
     double areaB = 0;        ///< of the features read from the overlay layer
     double area = 0;         ///< of the features written
     double areaDropped = 0;  ///< of rings below the tolerance: outer rings minus holes
+    double areaRefused = 0;  ///< of results that the output refused
     /// Dissolve: what features of one group cover more than once, counted for each further cover.
     double areaOverlap = 0;
     // Counted by operations that walk over one layer.
@@ -109,8 +111,8 @@ struct JWLayerReport {
     /// The identity that the operation obeys was checked (`JWOverlayOptions::checkAreas`).
     bool checked = false;
     /// What the identity misses by, summed over features without regard to the sign; 0 would be
-    /// exact arithmetic. What got lost between a clip and the result, and results that the output
-    /// refused, count as well. 0 when nothing was checked.
+    /// exact arithmetic. What got lost between a clip and the result counts as well, results that
+    /// the output refused do not. 0 when nothing was checked.
     double residual = 0;
     /// One sentence when the residual is above 1e-9 of the input area, or when areas are not finite
     /// and could not be checked; empty otherwise.

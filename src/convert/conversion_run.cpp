@@ -43,6 +43,7 @@ class FittingOutput : public FeatureOutput {
                const std::shared_ptr<JWFeatureRecord>& record) override {
         return m_output->write(feature, record);
     }
+    const std::vector<std::string>& lostValues() const override { return m_output->lostValues(); }
     void begin() override { m_output->begin(); }
     void commit() override { m_output->commit(); }
     void rollback() override { m_output->rollback(); }

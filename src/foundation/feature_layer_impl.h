@@ -10,9 +10,11 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "foundation/api_guard.h"
 #include "foundation/feature_cache.h"
+#include "foundation/format_limits.h"
 #include "foundation/layer_condition.h"
 #include "foundation/layer_reader.h"
 #include "foundation/source_handle.h"
@@ -66,13 +68,24 @@ struct JWFeatureLayer::Impl {
     /// Decodes a feature; null with the last error set when its geometry is of no known kind.
     std::unique_ptr<JWFeature> decode(OGRFeature& feature) const;
     bool createField(const JWField& field);
-    /// `record`: what `prepareFeature` made of the feature, or null.
-    bool createFeature(const JWFeature& feature, bool keepFID, JWFeatureRecord* record);
+    /// `record`: what `prepareFeature` made of the feature, or null. With `lost` values that cannot
+    /// be stored are left out, and named there.
+    bool createFeature(const JWFeature& feature, bool keepFID, JWFeatureRecord* record,
+                       std::vector<std::string>* lost = nullptr);
+    /// The layer's name as a text in SQL, without the quotes around it.
+    std::string quotedName() const;
+    /// False when a file database has no table for the layer.
+    bool hasTable();
+    /// Hands a record to the driver; false, with the reason, when it is not in the layer then.
+    bool writeRecord(OGRFeature& record, std::int64_t number, const detail::GdalErrors& errors,
+                     const char*& why);
     /// The geometry as the layer can store it; null, with the reason, when it cannot.
     std::unique_ptr<OGRGeometry> storableGeometry(const JWGeometry& geometry, std::string& why);
     /// The same for a layer that declares `declared`, which is left as it is.
     std::unique_ptr<OGRGeometry> geometryFor(OGRwkbGeometryType declared,
                                              const JWGeometry& geometry) const;
+    /// Puts a geometry of its own into a record, in the form that the driver keeps exactly.
+    void setGeometry(OGRFeature& record, std::unique_ptr<OGRGeometry> geometry) const;
     /// Gives the layer a type that holds single and multi geometries alike, where that is possible.
     bool widenGeometryType();
     bool alterGeometryType(OGRwkbGeometryType type);
@@ -92,9 +105,10 @@ struct JWFeatureLayer::Impl {
     OGRLayer& layer;
     detail::LayerReader reader;
     const bool writable;
+    JWSpatialReference reference;
+    const detail::FormatLimits limits;
     detail::FeatureCache cache;
     JWFields* fields = nullptr;
-    JWSpatialReference reference;
     JWEnvelop envelop;
     bool envelopKnown = false;
     /// Type asked for where the OGR layer takes any.
@@ -113,6 +127,7 @@ struct JWFeatureRecord {
 
     OGRFeature feature;
     OGRwkbGeometryType declaredType;  ///< of the layer at the time
+    std::vector<std::string> lost;    ///< a sentence for each value that the format cannot hold
 };
 
 /// A feature as the driver handed it out.

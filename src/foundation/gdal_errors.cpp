@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <mutex>
@@ -46,6 +47,20 @@ bool diskIsFull(const std::string& path) {
     return statvfs(folder.c_str(), &disk) == 0 && disk.f_bavail < 16;
 }
 
+/// One line of moderate length. Databases quote the statement that failed, however long it is, and
+/// say what is wrong behind it.
+std::string shortened(std::string text) {
+    constexpr std::size_t head = 120, tail = 280;
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    if (text.size() <= head + tail) return text;
+    // Letters of several bytes stay whole.
+    const auto letterFrom = [&](std::size_t at) {
+        while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U) ++at;
+        return at;
+    };
+    return text.substr(0, letterFrom(head)) + " ... " + text.substr(letterFrom(text.size() - tail));
+}
+
 }  // namespace
 
 GdalErrors::GdalErrors() {
@@ -73,7 +88,7 @@ void CPL_STDCALL GdalErrors::take(CPLErr level, CPLErrorNum number, const char* 
 }
 
 std::string GdalErrors::describe(const std::string& what) const {
-    return m_text.empty() ? what : what + ": " + m_text;
+    return m_text.empty() ? what : what + ": " + shortened(m_text);
 }
 
 bool GdalErrors::isOutOfSpace(const std::string& path) const {

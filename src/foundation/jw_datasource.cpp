@@ -64,6 +64,10 @@ CPLStringList layerOptions(const JWSourceHandle& source, enumJWWKBGeometryType t
     if (source.isDriver("CSV") && type != JWWKBNone && list.FetchNameValue("GEOMETRY") == nullptr) {
         list.SetNameValue("GEOMETRY", "AS_WKT");
     }
+    // Numbers in text fields would be quoted otherwise, and reals are text (createField).
+    if (source.isDriver("CSV") && list.FetchNameValue("STRING_QUOTING") == nullptr) {
+        list.SetNameValue("STRING_QUOTING", "IF_NEEDED");
+    }
     return list;
 }
 
@@ -188,6 +192,14 @@ int JWDataSource::getLayerCount() const {
     return m_handle->dataset().GetLayerCount();
 }
 
+std::vector<std::string> JWDataSource::getFiles() const {
+    return detail::guarded("getFiles", std::vector<std::string>(), [this] {
+        const GdalErrors errors;
+        const CPLStringList list(m_handle->dataset().GetFileList());
+        return std::vector<std::string>(list.List(), list.List() + list.Count());
+    });
+}
+
 std::vector<std::string> JWDataSource::getLayerNames() const {
     GdalErrors errors;
     std::vector<std::string> names;
@@ -234,7 +246,8 @@ JWFeatureLayer* JWDataSource::openLayer(const char* name) {
 
 JWFeatureLayer* JWDataSource::createLayer(const char* name, enumJWWKBGeometryType type,
                                           const JWSpatialReference* reference,
-                                          const std::vector<std::string>& options) {
+                                          const std::vector<std::string>& options,
+                                          const JWFeatureLayer* like) {
     return detail::guarded("createLayer", static_cast<JWFeatureLayer*>(nullptr), [&] {
         JWFeatureLayer* const none = nullptr;
         if (name == nullptr) {
@@ -259,8 +272,11 @@ JWFeatureLayer* JWDataSource::createLayer(const char* name, enumJWWKBGeometryTyp
         auto* system = static_cast<OGRSpatialReference*>(
             reference != nullptr ? reference->getOGRSpatialRefPtr() : nullptr);
         CPLStringList list = layerOptions(*m_handle, type, options);
-        OGRLayer* layer =
-            dataset.CreateLayer(wanted.c_str(), system, detail::typeToOgr(type), list.List());
+        OGRwkbGeometryType made = detail::typeToOgr(type);
+        if (like != nullptr && (type == JWWKBPoint || type == JWWKBMultiPoint)) {
+            made = detail::withDimensionsOf(like->m_impl->layer.GetGeomType(), made);
+        }
+        OGRLayer* layer = dataset.CreateLayer(wanted.c_str(), system, made, list.List());
         if (layer == nullptr) {
             errors.report(JWErrorOutputUnwritable,
                           m_handle->name() + ": layer " + wanted + " cannot be created",
@@ -278,8 +294,9 @@ bool JWDataSource::deleteLayer(const char* name) {
         if (!m_handle->commitImplicit()) return false;
         GdalErrors errors;
         GDALDataset& dataset = m_handle->dataset();
-        for (int i = 0; name != nullptr && i < dataset.GetLayerCount(); ++i) {
-            if (std::string(dataset.GetLayer(i)->GetName()) != name) continue;
+        const OGRLayer* found = name != nullptr ? findLayer(dataset, name) : nullptr;
+        for (int i = 0; found != nullptr && i < dataset.GetLayerCount(); ++i) {
+            if (dataset.GetLayer(i) != found) continue;
             if (m_handle.use_count() > 1) {
                 JWReport::setError(
                     JWErrorInvalidArgument,

@@ -18,6 +18,14 @@ bool isPlaceholder(const JWSourceHandle& source, const OGRSpatialReference& syst
     return source.isDriver("GPKG") && name != nullptr && STARTS_WITH(name, "Undefined ");
 }
 
+JWSpatialReference referenceOf(JWSourceHandle& source, OGRLayer& layer) {
+    if (const auto& given = source.state(layer).reference) return *given;
+    JWSpatialReference reference;
+    const OGRSpatialReference* system = layer.GetSpatialRef();
+    if (system != nullptr && !isPlaceholder(source, *system)) reference.setOGRSpatialRef(system);
+    return reference;
+}
+
 }  // namespace
 
 JWLayer::~JWLayer() = default;
@@ -27,16 +35,12 @@ JWFeatureLayer::Impl::Impl(std::shared_ptr<JWSourceHandle> handle, OGRLayer& ogr
       layer(ogrLayer),
       reader(source, ogrLayer),
       writable(source->isUpdate() && layer.TestCapability(OLCSequentialWrite) != 0),
+      reference(referenceOf(*source, ogrLayer)),
+      limits(source->driver(), referencePtr()),
       envelop(JWEnvelop::invalid()),
       declaredType(layer.GetGeomType()),
       changesSeen(source->state(ogrLayer).changes) {
     refreshFields();
-    if (const auto& given = source->state(ogrLayer).reference) {
-        reference = *given;
-        return;
-    }
-    const OGRSpatialReference* system = layer.GetSpatialRef();
-    if (system != nullptr && !isPlaceholder(*source, *system)) reference.setOGRSpatialRef(system);
 }
 
 JWFeatureLayer::Impl::~Impl() {

@@ -3,16 +3,15 @@
 // Layers: fields, features and transactions.
 //
 // What a format cannot hold is refused before it is written, never cut: GDAL would shorten long
-// texts and numbers in shapefiles and put multi-geometries into GeoPackage layers that declare
+// texts and numbers (format_limits.h) and put multi-geometries into GeoPackage layers that declare
 // single ones.
 #include <gdal_priv.h>
 #include <ogr_api.h>
 
 #include <cctype>
-#include <cstdio>
-#include <cstring>
 #include <optional>
 
+#include "foundation/exact_wkt.h"
 #include "foundation/feature_layer_impl.h"
 #include "foundation/field_names.h"
 #include "foundation/ogr_convert.h"
@@ -24,30 +23,8 @@ using detail::GdalErrors;
 
 namespace {
 
-constexpr std::size_t shapefileNameBytes = 10;
-constexpr std::size_t shapefileTextBytes = 254;
-constexpr int shapefileRealDigits = 24;
-
 bool isCollectionOf(OGRwkbGeometryType multi, OGRwkbGeometryType single) {
     return multi != wkbUnknown && OGR_GT_GetCollection(wkbFlatten(single)) == multi;
-}
-
-/// The driver cuts texts, and the digits of reals from behind; integers widen their field.
-bool cutsValue(const OGRFieldDefn& field, const OGRField& value) {
-    if (field.GetType() == OFTString) return std::strlen(value.String) > shapefileTextBytes;
-    const int width = field.GetWidth() > 0 ? field.GetWidth() : shapefileRealDigits;
-    return field.GetType() == OFTReal && std::snprintf(nullptr, 0, "%.0f", value.Real) > width;
-}
-
-/// The first field of a feature whose value a shapefile would cut; null when there is none.
-const char* fieldCutByShapefile(const OGRFeature& feature) {
-    for (int k = 0; k < feature.GetFieldCount(); ++k) {
-        const OGRFieldDefn& field = *feature.GetFieldDefnRef(k);
-        if (feature.IsFieldSetAndNotNull(k) && cutsValue(field, *feature.GetRawFieldRef(k))) {
-            return field.GetNameRef();
-        }
-    }
-    return nullptr;
 }
 
 }  // namespace
@@ -66,20 +43,25 @@ bool JWFeatureLayer::setGeometryType(enumJWWKBGeometryType type) {
     });
 }
 
+std::string JWFeatureLayer::Impl::quotedName() const {
+    std::string name;
+    for (const char* c = layer.GetName(); *c != '\0'; ++c) {
+        name += *c == '\'' ? "''" : std::string(1, *c);
+    }
+    return name;
+}
+
 /// The driver cannot change the type of a GeoPackage layer, but its metadata table can. A table
 /// that the driver has yet to create takes the type from the definition.
 bool JWFeatureLayer::Impl::alterGeoPackageType(OGRwkbGeometryType type) {
-    std::string name = type == wkbUnknown ? "GEOMETRY" : OGRToOGCGeomType(type);
+    std::string name = wkbFlatten(type) == wkbUnknown ? "GEOMETRY" : OGRToOGCGeomType(type);
     for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    std::string table;
-    for (const char* c = layer.GetName(); *c != '\0'; ++c)
-        table += *c == '\'' ? "''" : std::string(1, *c);
     OGRGeomFieldDefn& definition = *layer.GetLayerDefn()->GetGeomFieldDefn(0);
     const OGRwkbGeometryType before = definition.GetType();
     GdalErrors errors;
     definition.SetType(type);
     const std::string sql = "UPDATE gpkg_geometry_columns SET geometry_type_name = '" + name +
-                            "' WHERE table_name = '" + table + "'";
+                            "' WHERE table_name = '" + quotedName() + "'";
     source->dataset().ReleaseResultSet(source->dataset().ExecuteSQL(sql.c_str(), nullptr, nullptr));
     if (errors.failed()) definition.SetType(before);
     return !errors.failed();
@@ -87,7 +69,10 @@ bool JWFeatureLayer::Impl::alterGeoPackageType(OGRwkbGeometryType type) {
 
 bool JWFeatureLayer::Impl::alterGeometryType(OGRwkbGeometryType type) {
     OGRFeatureDefn& definition = *layer.GetLayerDefn();
-    if (layer.TestCapability(OLCAlterGeomFieldDefn) == 0 || definition.GetGeomFieldCount() != 1) {
+    type = detail::withDimensionsOf(layer.GetGeomType(), type);
+    // A CSV file states no type, and its driver would gather what is written from then on.
+    if (layer.TestCapability(OLCAlterGeomFieldDefn) == 0 || definition.GetGeomFieldCount() != 1 ||
+        limits.isCsv()) {
         return false;
     }
     if (source->isDriver("GPKG")) return alterGeoPackageType(type);
@@ -109,9 +94,9 @@ bool JWFeatureLayer::Impl::widenGeometryType() {
 bool JWFeatureLayer::Impl::createField(const JWField& field) {
     if (!requireWritable()) return false;
     OGRFeatureDefn& definition = *layer.GetLayerDefn();
-    const bool shapefile = source->isDriver("ESRI Shapefile");
     const std::string name = detail::freeFieldName(
-        field.getFieldName(), shapefile ? shapefileNameBytes : 0, [&](const char* candidate) {
+        field.getFieldName(), limits.isShapefile() ? limits.shapefileNameBytes : 0,
+        [&](const char* candidate) {
             for (int k = 0; k < definition.GetFieldCount(); ++k) {
                 if (detail::sameName(definition.GetFieldDefn(k)->GetNameRef(), candidate))
                     return true;
@@ -123,10 +108,12 @@ bool JWFeatureLayer::Impl::createField(const JWField& field) {
     GDALDriver* driver = source->dataset().GetDriver();
     const std::unique_ptr<OGRFieldDefn> made = detail::fieldToOgr(
         field, name.c_str(),
-        driver != nullptr ? driver->GetMetadataItem(GDAL_DMD_CREATIONFIELDDATATYPES) : nullptr);
-    if (shapefile && made->GetType() == OFTString &&
-        made->GetWidth() > static_cast<int>(shapefileTextBytes)) {
-        made->SetWidth(static_cast<int>(shapefileTextBytes));
+        limits.fieldTypes(driver != nullptr
+                              ? driver->GetMetadataItem(GDAL_DMD_CREATIONFIELDDATATYPES)
+                              : nullptr));
+    constexpr auto textBytes = static_cast<int>(limits.shapefileTextBytes);
+    if (limits.isShapefile() && made->GetType() == OFTString && made->GetWidth() > textBytes) {
+        made->SetWidth(textBytes);
     }
     const int before = definition.GetFieldCount();
     const OGRErr code = layer.CreateField(made.get(), TRUE);
@@ -135,7 +122,7 @@ bool JWFeatureLayer::Impl::createField(const JWField& field) {
         layer.GetLayerDefn()->GetFieldCount() == before + 1) {
         return true;
     }
-    errors.report(JWErrorOutputUnwritable, title() + ": field " + name + " cannot be created",
+    errors.report(JWErrorFormatUnfit, title() + ": field " + name + " cannot be created",
                   source->isMemory() ? "" : source->name());
     return false;
 }
@@ -147,7 +134,8 @@ bool JWFeatureLayer::createField(const JWField& field) {
 std::unique_ptr<OGRGeometry> JWFeatureLayer::Impl::geometryFor(OGRwkbGeometryType declared,
                                                                const JWGeometry& geometry) const {
     const bool any = wkbFlatten(declared) == wkbUnknown;
-    return detail::geometryToOgr(geometry, any ? detail::typeToOgr(wantedType) : declared);
+    const OGRwkbGeometryType type = any ? detail::typeToOgr(wantedType) : declared;
+    return detail::geometryToOgr(geometry, detail::withDimensionsOf(declared, type));
 }
 
 std::unique_ptr<OGRGeometry> JWFeatureLayer::Impl::storableGeometry(const JWGeometry& geometry,
@@ -157,11 +145,15 @@ std::unique_ptr<OGRGeometry> JWFeatureLayer::Impl::storableGeometry(const JWGeom
         why = "the layer holds no geometries";
         return nullptr;
     }
+    if (const char* refusal = limits.refusalOf(geometry)) {
+        why = refusal;
+        return nullptr;
+    }
     std::unique_ptr<OGRGeometry> made = geometryFor(declared, geometry);
     if (made) return made;
-    made = detail::geometryToOgr(geometry, wkbUnknown);
+    made = detail::geometryToOgr(geometry, detail::withDimensionsOf(declared, wkbUnknown));
     if (!made) {
-        why = "arcs and curves cannot be stored";
+        why = "arcs, curves and holes without an outer ring cannot be stored";
     } else if (wkbFlatten(declared) != wkbUnknown &&
                !(isCollectionOf(wkbFlatten(made->getGeometryType()), declared) &&
                  widenGeometryType())) {
@@ -170,6 +162,13 @@ std::unique_ptr<OGRGeometry> JWFeatureLayer::Impl::storableGeometry(const JWGeom
         made.reset();
     }
     return made;
+}
+
+void JWFeatureLayer::Impl::setGeometry(OGRFeature& record,
+                                       std::unique_ptr<OGRGeometry> geometry) const {
+    if (limits.isCsv()) geometry = detail::asExactText(*geometry);
+    if (!source->isMemory()) geometry->assignSpatialReference(layer.GetSpatialRef());
+    record.SetGeometryDirectly(geometry.release());
 }
 
 std::shared_ptr<JWFeatureRecord> JWFeatureLayer::prepareFeature(const JWFeature& feature) const {
@@ -181,63 +180,86 @@ std::shared_ptr<JWFeatureRecord> JWFeatureLayer::prepareFeature(const JWFeature&
         const GdalErrors errors;
         if (const JWGeometry* geometry = feature.getGeometryPtr()) {
             if (declared == wkbNone) return none;
+            if (impl.limits.refusalOf(*geometry) != nullptr) return none;
             std::unique_ptr<OGRGeometry> made = impl.geometryFor(declared, *geometry);
             if (!made) return none;
-            if (!impl.source->isMemory()) made->assignSpatialReference(impl.layer.GetSpatialRef());
-            record->feature.SetGeometryDirectly(made.release());
+            impl.setGeometry(record->feature, std::move(made));
         }
-        return detail::valuesToOgr(feature, record->feature).empty() ? record : none;
+        detail::valuesToOgr(feature, impl.limits, record->feature, record->lost);
+        return record;
     });
 }
 
+/// Databases make the table of a new layer with its first feature. Where that fails, the feature is
+/// not to blame.
+bool JWFeatureLayer::Impl::hasTable() {
+    if (!source->isDriver("GPKG") && !source->isDriver("SQLite")) return true;
+    const GdalErrors quiet;
+    const std::string sql = "SELECT name FROM sqlite_master WHERE name = '" + quotedName() + "'";
+    OGRLayer* rows = source->dataset().ExecuteSQL(sql.c_str(), nullptr, nullptr);
+    const bool found = rows != nullptr && rows->GetFeatureCount() > 0;
+    source->dataset().ReleaseResultSet(rows);
+    return found;
+}
+
+bool JWFeatureLayer::Impl::writeRecord(OGRFeature& record, std::int64_t number,
+                                       const GdalErrors& errors, const char*& why) {
+    if (number >= 0) record.SetFID(number);
+    const OGRErr code = layer.CreateFeature(&record);
+    const bool numbered = source->isDatabase() || source->isMemory();
+    if (code == OGRERR_NONE && number >= 0 && numbered && record.GetFID() != number &&
+        layer.DeleteFeature(record.GetFID()) == OGRERR_NONE) {
+        why = "the identifier is taken";
+        return false;
+    }
+    why = "cannot be written";
+    // LIBKML calls polygons that cross themselves failures, but writes them.
+    return code == OGRERR_NONE && (!errors.failed() || source->isDriver("LIBKML"));
+}
+
 bool JWFeatureLayer::Impl::createFeature(const JWFeature& feature, bool keepFID,
-                                         JWFeatureRecord* prepared) {
+                                         JWFeatureRecord* prepared,
+                                         std::vector<std::string>* lost) {
     if (!requireWritable() || !source->beforeWrite()) return false;
     GdalErrors errors;
     const std::int64_t number = feature.getFID64();
     const std::int64_t offered = ++source->state(layer).offered;
+    const auto titled = [&](const std::string& text) {
+        return title() +
+               (number >= 0 ? ", feature " + std::to_string(number)
+                            : ", new feature " + std::to_string(offered)) +
+               ": " + text;
+    };
     const auto refuse = [&](enumJWErrorKind kind, const std::string& why) {
-        const std::string which = number >= 0 ? "feature " + std::to_string(number)
-                                              : "new feature " + std::to_string(offered);
-        errors.report(kind, title() + ", " + which + ": " + why,
-                      source->isMemory() ? "" : source->name(), number);
+        errors.report(kind, titled(why), source->isMemory() ? "" : source->name(), number);
         return false;
     };
-    std::optional<OGRFeature> made;
+    std::optional<JWFeatureRecord> made;
     if (prepared == nullptr || prepared->declaredType != layer.GetGeomType()) {
-        made.emplace(layer.GetLayerDefn());
+        made.emplace(layer.GetLayerDefn(), layer.GetGeomType());
+        prepared = &*made;
         if (const JWGeometry* geometry = feature.getGeometryPtr()) {
             std::string why;
             std::unique_ptr<OGRGeometry> storable = storableGeometry(*geometry, why);
-            if (!storable) return refuse(JWErrorWrongGeometryType, why);
-            if (!source->isMemory()) storable->assignSpatialReference(layer.GetSpatialRef());
-            made->SetGeometryDirectly(storable.release());
+            if (!storable) {
+                const bool fits = limits.refusalOf(*geometry) == nullptr;
+                return refuse(fits ? JWErrorWrongGeometryType : JWErrorFeatureRejected, why);
+            }
+            setGeometry(made->feature, std::move(storable));
         }
-        const std::string lost = detail::valuesToOgr(feature, *made);
-        if (!lost.empty()) {
-            return refuse(JWErrorFeatureRejected,
-                          "the value of field " + lost + " cannot be stored");
-        }
+        detail::valuesToOgr(feature, limits, made->feature, made->lost);
     }
-    OGRFeature& record = made ? *made : prepared->feature;
-    if (source->isDriver("ESRI Shapefile")) {
-        if (const char* field = fieldCutByShapefile(record)) {
-            return refuse(JWErrorFeatureRejected, std::string("the value of field ") + field +
-                                                      " is too long for a shapefile");
-        }
+    if (!prepared->lost.empty() && lost == nullptr) {
+        return refuse(JWErrorFeatureRejected, prepared->lost.front());
     }
-    if (keepFID && number >= 0) record.SetFID(number);
-    const OGRErr code = layer.CreateFeature(&record);
-    const bool isNumbered = source->isDatabase() || source->isMemory();
-    if (code == OGRERR_NONE && keepFID && number >= 0 && isNumbered && record.GetFID() != number) {
-        if (layer.DeleteFeature(record.GetFID()) == OGRERR_NONE) {
-            return refuse(JWErrorFeatureRejected, "the identifier is taken");
-        }
+    const char* why = nullptr;
+    if (!writeRecord(prepared->feature, keepFID ? number : -1, errors, why)) {
+        if (hasTable()) return refuse(JWErrorFeatureRejected, why);
+        errors.report(JWErrorFormatUnfit, title() + ": its table cannot be made", source->name());
+        return false;
     }
-    if (code != OGRERR_NONE || errors.failed()) {
-        return refuse(JWErrorFeatureRejected, "cannot be written");
-    }
-    source->afterWrite(layer, record.GetFID());
+    for (const std::string& loss : prepared->lost) lost->push_back(titled(loss));
+    source->afterWrite(layer, prepared->feature.GetFID());
     envelopKnown = false;
     return true;
 }
@@ -251,9 +273,10 @@ bool JWFeatureLayer::createFeature(const JWFeature* feature, bool keepFID) {
 }
 
 bool JWFeatureLayer::createFeature(const JWFeature& feature,
-                                   std::shared_ptr<JWFeatureRecord> record) {
+                                   std::shared_ptr<JWFeatureRecord> record,
+                                   std::vector<std::string>* lost) {
     return m_impl->run("createFeature", false,
-                       [&] { return m_impl->createFeature(feature, false, record.get()); });
+                       [&] { return m_impl->createFeature(feature, false, record.get(), lost); });
 }
 
 bool JWFeatureLayer::createFeatures(const JWFeatureClass* features, bool keepFID) {

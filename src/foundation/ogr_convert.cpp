@@ -128,6 +128,7 @@ std::unique_ptr<OGRGeometry> polygonTo(const JWRing* rings, int count) {
     auto polygon = std::make_unique<OGRPolygon>();
     for (int i = 0; i < count; ++i) {
         if (rings[i].isEmpty()) continue;
+        if (i > 0 && rings[0].isEmpty()) return nullptr;  // it would become the outer one
         auto ring = std::make_unique<OGRLinearRing>();
         setPoints(*ring, rings[i]);
         ring->closeRings();

@@ -20,11 +20,16 @@ std::unique_ptr<JWGeometry> geometryFromOgr(const OGRGeometry& source);
 /// Copies a geometry into OGR's classes for a layer that declares `target`: a single geometry
 /// becomes a multi one where the layer wants that, a multi-geometry of one member a single one,
 /// anything a collection in a layer of collections. Z and M of points are written where the layer
-/// has them. Returns null when the geometry has no OGR form (arcs, Bézier curves, dynamic points)
-/// or the layer cannot hold it.
+/// has them. Returns null when the geometry has no OGR form (arcs, Bézier curves, dynamic points,
+/// polygons with holes whose outer ring is empty) or the layer cannot hold it.
 std::unique_ptr<OGRGeometry> geometryToOgr(const JWGeometry& source, OGRwkbGeometryType target);
 
 enumJWWKBGeometryType typeFromOgr(OGRwkbGeometryType type);
+/// `type` with z and m as `like` has them.
+inline OGRwkbGeometryType withDimensionsOf(OGRwkbGeometryType like, OGRwkbGeometryType type) {
+    if (type == wkbNone) return type;
+    return OGR_GT_SetModifier(wkbFlatten(type), OGR_GT_HasZ(like), OGR_GT_HasM(like));
+}
 OGRwkbGeometryType typeToOgr(enumJWWKBGeometryType type);
 
 }  // namespace jws::detail

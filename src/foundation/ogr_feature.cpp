@@ -205,22 +205,29 @@ std::unique_ptr<JWFeature> featureFromOgr(OGRFeature& source, JWFields* fields) 
     return feature;
 }
 
-std::string valuesToOgr(const JWFeature& source, OGRFeature& target) {
+void valuesToOgr(const JWFeature& source, const FormatLimits& limits, OGRFeature& target,
+                 std::vector<std::string>& lost) {
     for (int k = 0; k < source.getFieldCount(); ++k) {
         const bool exists = k < target.GetFieldCount();
         if (source.isFieldNull(k) && exists) target.SetFieldNull(k);
         const unionJWField* value = source.getFieldValDefPtr(k);
         if (value == nullptr) continue;
         const JWField& field = *source.getFieldDefPtr(k);
-        if (!exists) return field.getFieldName();
-        const enumJWFieldType to = typeFromOgr(target.GetFieldDefnRef(k)->GetType());
-        if (field.getFieldType() == to) {
-            setSame(target, k, *value, to);
-        } else if (!setConverted(target, k, source, to)) {
-            return field.getFieldName();
+        const char* loss = "cannot be stored";
+        if (exists) {
+            const enumJWFieldType to = typeFromOgr(target.GetFieldDefnRef(k)->GetType());
+            if (field.getFieldType() == to) {
+                setSame(target, k, *value, to);
+                loss = limits.lossOf(target, k);
+            } else if (setConverted(target, k, source, to)) {
+                loss = limits.lossOf(target, k);
+            }
+            if (loss != nullptr) target.UnsetField(k);
+        }
+        if (loss != nullptr) {
+            lost.push_back(std::string("the value of field ") + field.getFieldName() + " " + loss);
         }
     }
-    return std::string();
 }
 
 std::unique_ptr<OGRFieldDefn> fieldToOgr(const JWField& field, const char* name,

@@ -8,7 +8,9 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "foundation/format_limits.h"
 #include "jw_feature_class.h"
 
 namespace jws::detail {
@@ -21,10 +23,10 @@ std::unique_ptr<JWFields> fieldsFromOgr(OGRFeatureDefn& definition);
 std::unique_ptr<JWFeature> featureFromOgr(OGRFeature& source, JWFields* fields);
 
 /// Copies the values of `source` into `target`, field k to field k, converted to the target's
-/// types; null and unset stay what they are. Returns the name of the first field whose value the
-/// target cannot hold, empty when all could be stored. Fields beyond the target's count must be
-/// unset or null.
-std::string valuesToOgr(const JWFeature& source, OGRFeature& target);
+/// types; null and unset stay what they are. A value that the target or its format cannot hold
+/// stays unset, and `lost` gets a sentence about it.
+void valuesToOgr(const JWFeature& source, const FormatLimits& limits, OGRFeature& target,
+                 std::vector<std::string>& lost);
 
 /// Makes the field definition that a driver with the given list of types (GDAL's
 /// "Integer Integer64 Real …", null for all) can store without loss: a type that it lacks becomes a

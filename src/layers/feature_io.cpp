@@ -176,8 +176,11 @@ class LayerOutput : public FeatureOutput {
 
     bool write(std::unique_ptr<JWFeature>& feature,
                const std::shared_ptr<JWFeatureRecord>& record) override {
-        return m_layer.createFeature(*feature, record);
+        m_lost.clear();
+        return m_layer.createFeature(*feature, record, &m_lost);
     }
+
+    const std::vector<std::string>& lostValues() const override { return m_lost; }
 
     void begin() override {
         if (!m_layer.beginTransaction()) throw LayerFailure();
@@ -191,6 +194,7 @@ class LayerOutput : public FeatureOutput {
 
   private:
     JWFeatureLayer& m_layer;
+    std::vector<std::string> m_lost;
 };
 
 class ClassOutput : public FeatureOutput {
@@ -217,6 +221,7 @@ class ClassOutput : public FeatureOutput {
         return true;
     }
 
+    const std::vector<std::string>& lostValues() const override { return m_none; }
     void begin() override {}
     void commit() override { m_features.updateEnvelop(); }
     void rollback() override { m_features.clearAll(); }
@@ -224,6 +229,7 @@ class ClassOutput : public FeatureOutput {
   private:
     JWFeatureClass& m_features;
     JWFields* m_fields = nullptr;
+    std::vector<std::string> m_none;
 };
 
 }  // namespace

@@ -110,6 +110,9 @@ class FeatureOutput {
     /// leaves it to the caller.
     virtual bool write(std::unique_ptr<JWFeature>& feature,
                        const std::shared_ptr<JWFeatureRecord>& record) = 0;
+    /// A sentence for each value of the feature written last that the output could not hold and
+    /// left out.
+    virtual const std::vector<std::string>& lostValues() const = 0;
     virtual void begin() = 0;
     /// Throws LayerFailure when the results could not be stored.
     virtual void commit() = 0;

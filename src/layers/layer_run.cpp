@@ -23,7 +23,8 @@ void LayerRun::reject(const FeatureInput& input, std::int64_t fid, const std::st
 
 void LayerRun::forgetResults() {
     m_report.written = m_report.writtenEmpty = m_report.vertices = 0;
-    m_report.area = m_report.areaDropped = m_report.areaOverlap = m_report.residual = 0;
+    m_report.area = m_report.areaDropped = m_report.areaRefused = 0;
+    m_report.areaOverlap = m_report.residual = 0;
 }
 
 }  // namespace jws::detail

@@ -6,8 +6,8 @@
 namespace jws::detail {
 namespace {
 
-/// Writes a result and accounts for it, but for refusals, which go to a list. False for one.
-bool write(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
+/// Writes a result and accounts for it, but for refusals, which go to a list.
+void write(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
            std::int64_t fid, JWLayerReport& report, std::vector<JWRejectedFeature>& refusals) {
     const auto reject = [&](const std::string& reason) {
         refusals.push_back({input.source(), input.name(), fid, reason});
@@ -15,18 +15,18 @@ bool write(FeatureOutput& output, PendingResult& result, const FeatureInput& inp
     if (!result.lostField.empty()) {
         reject("the result cannot hold the value of field " + result.lostField);
     }
-    const bool written = output.write(result.feature, result.record);
-    if (written) {
+    if (output.write(result.feature, result.record)) {
         ++report.written;
         if (result.isEmpty) ++report.writtenEmpty;
         report.area += result.area;
         report.vertices += result.vertices;
+        for (const std::string& lost : output.lostValues()) reject(lost + "; it is left out");
     } else if (isRefusal(JWReport::lastError().kind)) {
         reject(JWReport::lastError().text);
+        report.areaRefused += result.area;
     } else {
         throw LayerFailure();
     }
-    return written;
 }
 
 }  // namespace
@@ -50,8 +50,7 @@ std::size_t PendingResults::prepare(const FeatureOutput& output) {
 void PendingResults::write(FeatureOutput& output, const FeatureInput& input, std::int64_t fid,
                            JWLayerReport& report) {
     for (PendingResult& result : m_waiting) {
-        const double area = result.area;
-        if (!detail::write(output, result, input, fid, report, m_refusals)) m_refusedArea += area;
+        detail::write(output, result, input, fid, report, m_refusals);
         if (!m_isPreparedEarly) result.record.reset();
     }
 }

@@ -61,14 +61,11 @@ class PendingResults {
     void letGo() { m_waiting.clear(); }
     /// Reports the refusals, all results being written.
     void reportRefusals(JWLayerReport& report);
-    /// The area of results that were refused.
-    double refusedArea() const { return m_refusedArea; }
 
   private:
     std::vector<PendingResult> m_waiting;
     std::size_t m_count = 0;
     bool m_isPreparedEarly = false;
-    double m_refusedArea = 0;
     std::vector<JWRejectedFeature> m_refusals;
 };
 

@@ -169,8 +169,8 @@ void DissolveRun::writeResult(Groups& groups, std::size_t i) {
     m_report.areaA += result.areaBefore;
     m_report.areaOverlap += result.overlap;
     m_report.areaDropped += result.dropped;
-    const double after = result.areaMade - result.pieces.refusedArea();
-    m_report.residual += std::fabs(result.areaBefore - result.overlap - result.dropped - after);
+    m_report.residual +=
+        std::fabs(result.areaBefore - result.overlap - result.dropped - result.areaMade);
     const std::size_t group = groups.first + i;
     m_run.addDone(m_groups.end(group) - m_groups.begin(group));
 }

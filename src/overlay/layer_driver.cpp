@@ -198,7 +198,6 @@ void OverlayRun::writeSlot(const OverlayPass& pass, Chunk& chunk, std::size_t i)
     m_report.areaDropped += slot.dropped;
     m_report.residual += slot.mismatch;
     writeResults(pass, chunk, i);
-    m_report.residual += slot.results.refusedArea();
     slot.results.reportRefusals(m_report);
     m_copied += slot.copies;
     if (pass.texts.feature != nullptr && m_texts.isOn()) {

@@ -34,8 +34,8 @@ constexpr ExitCodeText exitCodeTexts[] = {
     {ExitComplete, "complete"},
     {ExitInternal, "internal error, or writing failed for another reason than lack of space"},
     {ExitUsage,
-     "usage: wrong option, unknown format, no such layer, a layer without polygons, a place that "
-     "cannot be written"},
+     "usage: wrong option, a format that is unknown or cannot hold the result, no such layer, a "
+     "layer without polygons, a place that cannot be written"},
     {ExitInputUnreadable, "an input is missing, of no known format, or cut short"},
     {ExitFeaturesRejected,
      "some features could not be processed; the output is written, they are counted and listed"},
@@ -53,6 +53,7 @@ constexpr ExitCode exitCodeFor(enumJWErrorKind kind) {
         case JWErrorOutputUnwritable:
         case JWErrorLayerMissing:
         case JWErrorWrongGeometryType:
+        case JWErrorFormatUnfit:
             return ExitUsage;
         case JWErrorInputUnreadable:
             return ExitInputUnreadable;

@@ -58,6 +58,7 @@ std::string accountText(const RunSummary& summary) {
     text += ", result " + formatted("%.10g", report.area);
     if (report.areaOverlap != 0) text += ", overlaps " + formatted("%.3g", report.areaOverlap);
     if (report.areaDropped != 0) text += ", dropped " + formatted("%.3g", report.areaDropped);
+    if (report.areaRefused != 0) text += ", refused " + formatted("%.3g", report.areaRefused);
     text += report.checked ? "; areas add up to " + formatted("%.1g", report.residual)
                            : "; not checked";
     return text + "\n";
@@ -72,6 +73,7 @@ Json accountAsJson(const RunSummary& summary) {
     if (summary.overlay) account["overlay_area"] = report.areaB;
     account["output_area"] = report.area;
     account["dropped_area"] = report.areaDropped;
+    account["refused_area"] = report.areaRefused;
     if (summary.command == "dissolve") account["overlap_area"] = report.areaOverlap;
     account["checked"] = report.checked;
     account["residual"] = report.checked ? Json(report.residual) : Json(nullptr);
