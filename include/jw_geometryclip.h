@@ -87,8 +87,8 @@ class JW_API JWGeometryClip {
     /// from inside or outside; where it runs along, at both ends of that stretch and not at the
     /// ring's vertices in between. The line's own ends are not cut. Pieces are in the order of the
     /// line; `inside` receives for each of them 1 when it lies inside, 0 outside. A line that the
-    /// area does not reach is one piece outside; one of no length is one piece, which lies where its
-    /// point does.
+    /// area does not reach is one piece outside; one of no length is one piece, which lies where
+    /// its point does.
     ///
     /// `LINESTRING (-5 5, 15 5)` by the square from 0 to 10: three pieces, marked 0, 1, 0;
     /// `LINESTRING (-5 5, 5 -5)`, through a corner from outside: two pieces, marked 0, 0.

@@ -8,8 +8,8 @@
 #include "analysis/coverage_simplifier.h"
 #include "analysis/line_forms.h"
 #include "analysis/line_simplifier.h"
-#include "boolean/ring_set.h"
 #include "foundation/pulse.h"
+#include "foundation/ring_set.h"
 #include "layers/layer_checks.h"
 #include "layers/layer_map.h"
 

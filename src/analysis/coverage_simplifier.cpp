@@ -7,11 +7,11 @@
 
 #include "analysis/line_simplifier.h"
 #include "analysis/shortcut_checks.h"
-#include "boolean/packed_tree.h"
 #include "foundation/orientation.h"
 #include "foundation/parallel.h"
 #include "foundation/pulse.h"
 #include "foundation/segment_math.h"
+#include "trees/packed_tree.h"
 
 namespace jws::detail {
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "boolean/edge_pairs.h"
-#include "boolean/ring_set.h"
+#include "foundation/ring_set.h"
 
 namespace jws::detail {
 

@@ -146,6 +146,15 @@ ClippedContours clipPolygons(::gpc_polygon& a, ::gpc_polygon& b, enumJWBooleanTy
     return {result, failure};
 }
 
+double areaOf(const ClippedContours& contours) {
+    double area = 0;
+    for (int i = 0; i < contours.count(); ++i) {
+        const double contour = areaOf(contours.view(i));
+        area += contours.hole(i) == 0 ? contour : -contour;
+    }
+    return area;
+}
+
 ClippedContours clipRings(const RingViews& a, const RingViews& b, enumJWBooleanType type) {
     thread_local Operand operandA, operandB;
     const bool finiteA = measure(a, operandA);

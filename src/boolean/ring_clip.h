@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "boolean/gpc_interface.h"
-#include "boolean/ring_set.h"
+#include "foundation/ring_set.h"
 #include "jw_blgeometrybasic.h"
 
 namespace jws::detail {
@@ -48,6 +48,9 @@ class ClippedContours {
   private:
     ::gpc_polygon polygon_ = {};
 };
+
+/// The area that contours enclose, holes taken off.
+double areaOf(const ClippedContours& contours);
 
 /// Clips two sets of rings, each read by the even-odd rule; rings of fewer than three points count
 /// as empty. A coordinate that is not finite gives no contours and the thread's last error. Throws

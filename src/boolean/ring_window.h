@@ -13,7 +13,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "boolean/ring_set.h"
+#include "foundation/ring_set.h"
 
 namespace jws::detail {
 

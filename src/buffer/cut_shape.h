@@ -4,8 +4,8 @@
 #ifndef JW_BUFFER_CUT_SHAPE_H
 #define JW_BUFFER_CUT_SHAPE_H
 
-#include "boolean/ring_set.h"
 #include "buffer/buffer_shape.h"
+#include "foundation/ring_set.h"
 
 namespace jws::detail {
 

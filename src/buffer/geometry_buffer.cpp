@@ -5,12 +5,12 @@
 #include <cmath>
 #include <utility>
 
-#include "boolean/envelope_clusters.h"
 #include "boolean/ring_clip.h"
 #include "boolean/ring_grouping.h"
 #include "buffer/piece_union.h"
 #include "buffer/ring_growth.h"
 #include "foundation/hilbert_order.h"
+#include "trees/envelope_clusters.h"
 
 namespace jws::detail {
 namespace {

@@ -23,8 +23,8 @@
 
 #include "boolean/edge_pairs.h"
 #include "boolean/plain_area.h"
-#include "boolean/ring_set.h"
 #include "buffer/outline_union.h"
+#include "foundation/ring_set.h"
 
 namespace jws::detail {
 

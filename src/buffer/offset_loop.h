@@ -25,8 +25,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "boolean/ring_set.h"
 #include "buffer/buffer_shape.h"
+#include "foundation/ring_set.h"
 
 namespace jws::detail {
 

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <utility>
 
-#include "boolean/envelope_clusters.h"
 #include "buffer/loop_levels.h"
 #include "foundation/hilbert_order.h"
+#include "trees/envelope_clusters.h"
 
 namespace jws::detail {
 namespace {

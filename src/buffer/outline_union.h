@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "boolean/ring_clip.h"
-#include "boolean/ring_set.h"
 #include "foundation/parallel.h"
+#include "foundation/ring_set.h"
 
 namespace jws::detail {
 

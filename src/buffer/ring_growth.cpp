@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "boolean/packed_tree.h"
 #include "buffer/offset_loop.h"
 #include "foundation/orientation.h"
 #include "foundation/segment_math.h"
+#include "trees/packed_tree.h"
 
 namespace jws::detail {
 namespace {

@@ -7,9 +7,9 @@
 
 #include <utility>
 
+#include "boolean/area_union.h"
 #include "clip/geometry_clip.h"
 #include "foundation/vertex_lists.h"
-#include "overlay/area_union.h"
 #include "overlay/geometry_overlay.h"
 
 namespace jws::detail {

@@ -5,8 +5,8 @@
 #include <memory>
 #include <optional>
 
+#include "boolean/area_operand.h"
 #include "clip/cutter.h"
-#include "overlay/area_operand.h"
 
 namespace jws::detail {
 

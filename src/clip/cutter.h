@@ -7,9 +7,9 @@
 #include <memory>
 #include <vector>
 
-#include "boolean/ring_set.h"
 #include "clip/edge_index.h"
 #include "clip/line_split.h"
+#include "foundation/ring_set.h"
 #include "jw_geometry.h"
 
 namespace jws::detail {

@@ -7,10 +7,10 @@
 #include <iterator>
 #include <utility>
 
+#include "boolean/area_union.h"
 #include "clip/area_cut.h"
 #include "foundation/vertex_lists.h"
 #include "jw_cpgeometrybasic.h"
-#include "overlay/area_union.h"
 #include "overlay/geometry_overlay.h"
 
 namespace jws::detail {

@@ -11,12 +11,12 @@
 #include <string>
 #include <vector>
 
+#include "boolean/area_operand.h"
 #include "boolean/ring_clip.h"
 #include "clip/cutter.h"
 #include "clip/line_index.h"
 #include "foundation/parallel.h"
 #include "jw_geometry.h"
-#include "overlay/area_operand.h"
 
 namespace jws::detail {
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "boolean/area_union.h"
 #include "clip/area_clip.h"
 #include "clip/geometry_clip.h"
 #include "jw_feature.h"
@@ -14,7 +15,6 @@
 #include "layers/geometry_check.h"
 #include "layers/layer_checks.h"
 #include "layers/layer_map.h"
-#include "overlay/area_union.h"
 
 namespace jws {
 

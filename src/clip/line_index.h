@@ -7,8 +7,8 @@
 
 #include <vector>
 
-#include "boolean/packed_tree.h"
 #include "jw_geometry.h"
+#include "trees/packed_tree.h"
 
 namespace jws::detail {
 

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "boolean/ring_set.h"
 #include "foundation/parallel.h"
+#include "foundation/ring_set.h"
 
 namespace jws::detail {
 

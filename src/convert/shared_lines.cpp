@@ -16,7 +16,7 @@
 #include <cstdint>
 
 #include "convert/boundary_vertices.h"
-#include "convert/number_table.h"
+#include "foundation/number_table.h"
 #include "foundation/orientation.h"
 #include "foundation/parallel.h"
 #include "foundation/pulse.h"

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "convert/number_table.h"
+#include "foundation/number_table.h"
 #include "foundation/pulse.h"
 #include "foundation/segment_math.h"
 

@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "boolean/packed_tree.h"
 #include "foundation/orientation.h"
 #include "foundation/segment_math.h"
+#include "trees/packed_tree.h"
 
 namespace jws::detail {
 

@@ -9,7 +9,7 @@
 
 #include <vector>
 
-#include "overlay/area_union.h"
+#include "boolean/area_union.h"
 
 namespace jws::detail {
 

@@ -5,7 +5,7 @@
 // hit would give the same, but walk the grown region again for each of them.
 #include <utility>
 
-#include "overlay/area_union.h"
+#include "boolean/area_union.h"
 #include "overlay/feature_clusters.h"
 #include "overlay/geometry_overlay.h"
 #include "overlay/layer_operations.h"

@@ -5,8 +5,8 @@
 // one after the other they would leave slivers along borders that two of them share.
 #include <utility>
 
+#include "boolean/area_union.h"
 #include "overlay/area_check.h"
-#include "overlay/area_union.h"
 #include "overlay/layer_operations.h"
 
 namespace jws::detail {

@@ -12,13 +12,13 @@
 #include <utility>
 #include <vector>
 
-#include "boolean/envelope_clusters.h"
 #include "foundation/parallel.h"
 #include "layers/layer_run.h"
 #include "layers/ordered_walk.h"
 #include "layers/pending_result.h"
 #include "overlay/dissolve_driver.h"
 #include "overlay/group_union.h"
+#include "trees/envelope_clusters.h"
 
 namespace jws::detail {
 

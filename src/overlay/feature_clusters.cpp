@@ -11,7 +11,7 @@
 #include <map>
 #include <memory>
 
-#include "overlay/area_union.h"
+#include "boolean/area_union.h"
 #include "overlay/geometry_overlay.h"
 
 namespace jws::detail {

@@ -126,27 +126,6 @@ BuiltArea buildArea(const ClippedContours& contours, double tolerance) {
     return built;
 }
 
-/// About the first point.
-double areaOf(const RingView& ring) {
-    if (ring.count < 3) return 0;
-    const JWRawPoint o = ring.points[0];
-    double twice = 0;
-    for (int i = 1; i + 1 < ring.count; ++i) {
-        const JWRawPoint &p = ring.points[i], &q = ring.points[i + 1];
-        twice += (p.x - o.x) * (q.y - o.y) - (q.x - o.x) * (p.y - o.y);
-    }
-    return std::fabs(twice) / 2;
-}
-
-double areaOf(const ClippedContours& contours) {
-    double area = 0;
-    for (int i = 0; i < contours.count(); ++i) {
-        const double contour = areaOf(contours.view(i));
-        area += contours.hole(i) == 0 ? contour : -contour;
-    }
-    return area;
-}
-
 std::unique_ptr<JWGeometry> intersect(const JWGeometry& a, const JWGeometry& b, double tolerance) {
     if (!overlap(a, b)) return nullptr;
     const Operands& rings = gather(a, b);

@@ -39,12 +39,6 @@ struct BuiltArea {
 /// Builds polygons from contours, without rings of an area below `tolerance`.
 BuiltArea buildArea(const ClippedContours& contours, double tolerance);
 
-/// |area| of a ring.
-double areaOf(const RingView& ring);
-
-/// The area that contours enclose, holes taken off.
-double areaOf(const ClippedContours& contours);
-
 /// Returns what A and B have in common, without rings of an area below `tolerance`; null when
 /// nothing is left or the envelopes do not overlap.
 std::unique_ptr<JWGeometry> intersect(const JWGeometry& a, const JWGeometry& b, double tolerance);

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "overlay/area_union.h"
+#include "boolean/area_union.h"
 #include "overlay/geometry_overlay.h"
 #include "overlay/layer_operations.h"
 

@@ -11,9 +11,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "boolean/area_operand.h"
 #include "foundation/position_index.h"
 #include "layers/feature_io.h"
-#include "overlay/area_operand.h"
 
 namespace jws::detail {
 

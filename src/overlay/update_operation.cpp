@@ -8,8 +8,8 @@
 #include <memory>
 #include <utility>
 
+#include "boolean/area_union.h"
 #include "overlay/area_check.h"
-#include "overlay/area_union.h"
 #include "overlay/geometry_overlay.h"
 #include "overlay/layer_operations.h"
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "boolean/envelope_clusters.h"
 #include "jw_feature.h"
+#include "trees/envelope_clusters.h"
 
 namespace jws::detail {
 

@@ -7,8 +7,8 @@
 
 #include <vector>
 
-#include "relation/edge_forest.h"
 #include "relation/segment_cut.h"
+#include "trees/edge_forest.h"
 
 namespace jws::detail {
 
