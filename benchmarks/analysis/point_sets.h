@@ -16,17 +16,17 @@ namespace bench {
 /// A generator whose numbers do not depend on the standard library (splitmix64).
 class Numbers {
   public:
-    explicit Numbers(std::uint64_t seed) : state_(seed) {}
+    explicit Numbers(std::uint64_t seed) : m_state(seed) {}
     double uniform(double low, double high) {
-        state_ += 0x9e3779b97f4a7c15;
-        std::uint64_t z = state_;
+        m_state += 0x9e3779b97f4a7c15;
+        std::uint64_t z = m_state;
         z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9;
         z = (z ^ (z >> 27)) * 0x94d049bb133111eb;
         return low + (high - low) * static_cast<double>((z ^ (z >> 31)) >> 11) * 0x1p-53;
     }
 
   private:
-    std::uint64_t state_;
+    std::uint64_t m_state;
 };
 
 /// "square", "disc", "ring" (within 1e-3 of a circle), "circle" (in order) or "shuffled" (on a

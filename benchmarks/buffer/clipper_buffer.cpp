@@ -28,41 +28,41 @@ class ClipperBuffer final : public BufferRival {
         }
         int exponent = 0;
         std::frexp(reach, &exponent);
-        scale_ = std::ldexp(1.0, 27 - exponent);
+        m_scale = std::ldexp(1.0, 27 - exponent);
         for (const auto& geometry : geometries) {
-            input_.emplace_back();
-            addPaths(*geometry, input_.back());
+            m_input.emplace_back();
+            addPaths(*geometry, m_input.back());
         }
     }
 
     void run(double distance) override {
-        const double radius = distance * scale_;
+        const double radius = distance * m_scale;
         const double flatness = radius * (1 - std::cos(M_PI / 24));
-        for (const std::vector<Path>& paths : input_) {
+        for (const std::vector<Path>& paths : m_input) {
             ClipperLib::ClipperOffset offset(2.0, flatness);
             for (const Path& path : paths) {
                 offset.AddPath(path.points, ClipperLib::jtRound, path.end);
             }
-            results_.emplace_back();
-            offset.Execute(results_.back(), radius);
+            m_results.emplace_back();
+            offset.Execute(m_results.back(), radius);
         }
     }
 
     double area() const override {
         double sum = 0;
-        for (const ClipperLib::Paths& result : results_) {
+        for (const ClipperLib::Paths& result : m_results) {
             for (const ClipperLib::Path& path : result) sum += ClipperLib::Area(path);
         }
-        return sum / (scale_ * scale_);
+        return sum / (m_scale * m_scale);
     }
 
-    void clear() override { results_.clear(); }
+    void clear() override { m_results.clear(); }
 
   private:
     ClipperLib::Path pathOf(const std::vector<jws::JWRawPoint>& points) const {
         ClipperLib::Path path;
         for (const jws::JWRawPoint& p : points) {
-            path.emplace_back(std::llround(p.x * scale_), std::llround(p.y * scale_));
+            path.emplace_back(std::llround(p.x * m_scale), std::llround(p.y * m_scale));
         }
         return path;
     }
@@ -88,9 +88,9 @@ class ClipperBuffer final : public BufferRival {
         }
     }
 
-    double scale_ = 1;
-    std::vector<std::vector<Path>> input_;
-    std::vector<ClipperLib::Paths> results_;
+    double m_scale = 1;
+    std::vector<std::vector<Path>> m_input;
+    std::vector<ClipperLib::Paths> m_results;
 };
 
 }  // namespace

@@ -23,33 +23,33 @@ double areaOf(const jws::JWGeometry& geometry) {
 class OursBuffer final : public BufferRival {
   public:
     explicit OursBuffer(bool threads)
-        : buffer_(threads ? jws::JWGeometryBuffer::geometryBuffer_mp
-                          : jws::JWGeometryBuffer::geometryBuffer) {}
+        : m_buffer(threads ? jws::JWGeometryBuffer::geometryBuffer_mp
+                           : jws::JWGeometryBuffer::geometryBuffer) {}
 
-    void load(const Geometries& geometries) override { input_ = &geometries; }
+    void load(const Geometries& geometries) override { m_input = &geometries; }
 
     void run(double distance) override {
-        for (const auto& geometry : *input_) {
+        for (const auto& geometry : *m_input) {
             jws::JWGeometry* result = nullptr;
-            if (buffer_(geometry.get(), distance, &result, jws::JWBufferFace) != 1) {
+            if (m_buffer(geometry.get(), distance, &result, jws::JWBufferFace) != 1) {
                 throw std::runtime_error("no buffer");
             }
-            results_.emplace_back(result);
+            m_results.emplace_back(result);
         }
     }
 
     double area() const override {
         double sum = 0;
-        for (const auto& result : results_) sum += areaOf(*result);
+        for (const auto& result : m_results) sum += areaOf(*result);
         return sum;
     }
 
-    void clear() override { results_.clear(); }
+    void clear() override { m_results.clear(); }
 
   private:
-    int (*buffer_)(const jws::JWGeometry*, double, jws::JWGeometry**, jws::enumJWBufferType);
-    const Geometries* input_ = nullptr;
-    Geometries results_;
+    int (*m_buffer)(const jws::JWGeometry*, double, jws::JWGeometry**, jws::enumJWBufferType);
+    const Geometries* m_input = nullptr;
+    Geometries m_results;
 };
 
 }  // namespace

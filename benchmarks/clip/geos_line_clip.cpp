@@ -11,84 +11,84 @@ namespace {
 
 class GeosLineClip final : public LineClipRival {
   public:
-    GeosLineClip() : h_(GEOS_init_r()) {}
+    GeosLineClip() : m_h(GEOS_init_r()) {}
     ~GeosLineClip() override {
         clear();
-        for (GEOSGeometry* line : lines_) GEOSGeom_destroy_r(h_, line);
-        GEOSGeom_destroy_r(h_, area_);
-        GEOS_finish_r(h_);
+        for (GEOSGeometry* line : m_lines) GEOSGeom_destroy_r(m_h, line);
+        GEOSGeom_destroy_r(m_h, m_area);
+        GEOS_finish_r(m_h);
     }
 
     void load(const jws::JWMultiLineString& lines, const jws::JWPolygon& area) override {
-        for (const jws::JWLineString& line : lines.getMemberList()) lines_.push_back(read(line));
-        area_ = read(area);
+        for (const jws::JWLineString& line : lines.getMemberList()) m_lines.push_back(read(line));
+        m_area = read(area);
     }
 
     void clip() override {
-        const GEOSPreparedGeometry* prepared = GEOSPrepare_r(h_, area_);
-        for (const GEOSGeometry* line : lines_) {
-            if (GEOSPreparedContains_r(h_, prepared, line) == 1) {
-                results_.push_back(GEOSGeom_clone_r(h_, line));
-            } else if (GEOSPreparedIntersects_r(h_, prepared, line) == 1) {
-                results_.push_back(GEOSIntersection_r(h_, area_, line));
+        const GEOSPreparedGeometry* prepared = GEOSPrepare_r(m_h, m_area);
+        for (const GEOSGeometry* line : m_lines) {
+            if (GEOSPreparedContains_r(m_h, prepared, line) == 1) {
+                m_results.push_back(GEOSGeom_clone_r(m_h, line));
+            } else if (GEOSPreparedIntersects_r(m_h, prepared, line) == 1) {
+                m_results.push_back(GEOSIntersection_r(m_h, m_area, line));
             }
         }
-        GEOSPreparedGeom_destroy_r(h_, prepared);
+        GEOSPreparedGeom_destroy_r(m_h, prepared);
     }
 
     void cut() override {
-        std::vector<GEOSGeometry*> parts = {GEOSBoundary_r(h_, area_)};
-        for (const GEOSGeometry* line : lines_) parts.push_back(GEOSGeom_clone_r(h_, line));
-        GEOSGeometry* all = GEOSGeom_createCollection_r(h_, GEOS_GEOMETRYCOLLECTION, parts.data(),
+        std::vector<GEOSGeometry*> parts = {GEOSBoundary_r(m_h, m_area)};
+        for (const GEOSGeometry* line : m_lines) parts.push_back(GEOSGeom_clone_r(m_h, line));
+        GEOSGeometry* all = GEOSGeom_createCollection_r(m_h, GEOS_GEOMETRYCOLLECTION, parts.data(),
                                                         static_cast<unsigned>(parts.size()));
-        GEOSGeometry* noded = GEOSUnaryUnion_r(h_, all);
-        GEOSGeometry* faces = GEOSPolygonize_r(h_, &noded, 1);
-        const GEOSPreparedGeometry* prepared = GEOSPrepare_r(h_, area_);
-        for (int i = 0; i < GEOSGetNumGeometries_r(h_, faces); ++i) {
-            const GEOSGeometry* face = GEOSGetGeometryN_r(h_, faces, i);
-            GEOSGeometry* place = GEOSPointOnSurface_r(h_, face);
-            if (GEOSPreparedContains_r(h_, prepared, place) == 1) {
-                results_.push_back(GEOSGeom_clone_r(h_, face));
-                ++faces_;
+        GEOSGeometry* noded = GEOSUnaryUnion_r(m_h, all);
+        GEOSGeometry* faces = GEOSPolygonize_r(m_h, &noded, 1);
+        const GEOSPreparedGeometry* prepared = GEOSPrepare_r(m_h, m_area);
+        for (int i = 0; i < GEOSGetNumGeometries_r(m_h, faces); ++i) {
+            const GEOSGeometry* face = GEOSGetGeometryN_r(m_h, faces, i);
+            GEOSGeometry* place = GEOSPointOnSurface_r(m_h, face);
+            if (GEOSPreparedContains_r(m_h, prepared, place) == 1) {
+                m_results.push_back(GEOSGeom_clone_r(m_h, face));
+                ++m_faces;
             }
-            GEOSGeom_destroy_r(h_, place);
+            GEOSGeom_destroy_r(m_h, place);
         }
-        GEOSPreparedGeom_destroy_r(h_, prepared);
-        for (GEOSGeometry* made : {all, noded, faces}) GEOSGeom_destroy_r(h_, made);
+        GEOSPreparedGeom_destroy_r(m_h, prepared);
+        for (GEOSGeometry* made : {all, noded, faces}) GEOSGeom_destroy_r(m_h, made);
     }
 
     double measure() const override {
-        double sum = faces_;
-        for (const GEOSGeometry* result : results_) {
+        double sum = m_faces;
+        for (const GEOSGeometry* result : m_results) {
             double length = 0;
-            GEOSLength_r(h_, result, &length);
-            if (faces_ == 0) sum += length;
+            GEOSLength_r(m_h, result, &length);
+            if (m_faces == 0) sum += length;
         }
         return sum;
     }
 
     void clear() override {
-        for (GEOSGeometry* result : results_) GEOSGeom_destroy_r(h_, result);
-        results_.clear();
-        faces_ = 0;
+        for (GEOSGeometry* result : m_results) GEOSGeom_destroy_r(m_h, result);
+        m_results.clear();
+        m_faces = 0;
     }
 
   private:
     GEOSGeometry* read(const jws::JWGeometry& geometry) const {
         std::vector<unsigned char> wkb(static_cast<std::size_t>(geometry.getWKBSize()));
         geometry.exportToWkb(jws::JWWKBLittleEndian, wkb.data());
-        GEOSWKBReader* reader = GEOSWKBReader_create_r(h_);
-        GEOSGeometry* made = GEOSWKBReader_read_r(h_, reader, wkb.data(), wkb.size());
-        GEOSWKBReader_destroy_r(h_, reader);
+        GEOSWKBReader* reader = GEOSWKBReader_create_r(m_h);
+        GEOSGeometry* made = GEOSWKBReader_read_r(m_h, reader, wkb.data(), wkb.size());
+        GEOSWKBReader_destroy_r(m_h, reader);
         if (made == nullptr) throw std::runtime_error("GEOS cannot read a geometry");
         return made;
     }
 
-    GEOSContextHandle_t h_;
-    std::vector<GEOSGeometry*> lines_;
-    GEOSGeometry* area_ = nullptr;
-    std::vector<GEOSGeometry*> results_;
-    int faces_ = 0;
+    GEOSContextHandle_t m_h;
+    std::vector<GEOSGeometry*> m_lines;
+    GEOSGeometry* m_area = nullptr;
+    std::vector<GEOSGeometry*> m_results;
+    int m_faces = 0;
 };
 
 }  // namespace

@@ -9,49 +9,49 @@ using Clip = jws::JWGeometryClip;
 
 class OursLineClip final : public LineClipRival {
   public:
-    explicit OursLineClip(bool threads) : threads_(threads) {}
+    explicit OursLineClip(bool threads) : m_threads(threads) {}
     ~OursLineClip() override { clear(); }
 
     void load(const jws::JWMultiLineString& lines, const jws::JWPolygon& area) override {
-        lines_ = lines;
-        area_ = area;
+        m_lines = lines;
+        m_area = area;
     }
 
     void clip() override {
-        (threads_ ? Clip::multiLineStringClipByPolygon_mp : Clip::multiLineStringClipByPolygon)(
-            &lines_, &area_, pieces_, inside_, false, true);
+        (m_threads ? Clip::multiLineStringClipByPolygon_mp : Clip::multiLineStringClipByPolygon)(
+            &m_lines, &m_area, m_pieces, m_inside, false, true);
     }
 
     void cut() override {
-        (threads_ ? Clip::polygonClipByMultiLineString_mp : Clip::polygonClipByMultiLineString)(
-            &area_, &lines_, rings_, holes_, false);
+        (m_threads ? Clip::polygonClipByMultiLineString_mp : Clip::polygonClipByMultiLineString)(
+            &m_area, &m_lines, m_rings, m_holes, false);
     }
 
     double measure() const override {
         double sum = 0;
-        for (std::size_t i = 0; i < pieces_.size(); ++i)
-            if (inside_[i] == 1) sum += pieces_[i]->getLength();
-        for (const int hole : holes_) sum += hole == 0;
+        for (std::size_t i = 0; i < m_pieces.size(); ++i)
+            if (m_inside[i] == 1) sum += m_pieces[i]->getLength();
+        for (const int hole : m_holes) sum += hole == 0;
         return sum;
     }
 
     void clear() override {
-        for (jws::JWLineString* piece : pieces_) delete piece;
-        for (jws::JWRing* ring : rings_) delete ring;
-        pieces_.clear();
-        inside_.clear();
-        rings_.clear();
-        holes_.clear();
+        for (jws::JWLineString* piece : m_pieces) delete piece;
+        for (jws::JWRing* ring : m_rings) delete ring;
+        m_pieces.clear();
+        m_inside.clear();
+        m_rings.clear();
+        m_holes.clear();
     }
 
   private:
-    bool threads_;
-    jws::JWMultiLineString lines_;
-    jws::JWPolygon area_;
-    std::vector<jws::JWLineString*> pieces_;
-    std::vector<unsigned int> inside_;
-    std::vector<jws::JWRing*> rings_;
-    std::vector<int> holes_;
+    bool m_threads;
+    jws::JWMultiLineString m_lines;
+    jws::JWPolygon m_area;
+    std::vector<jws::JWLineString*> m_pieces;
+    std::vector<unsigned int> m_inside;
+    std::vector<jws::JWRing*> m_rings;
+    std::vector<int> m_holes;
 };
 
 }  // namespace

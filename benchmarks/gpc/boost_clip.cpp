@@ -22,7 +22,7 @@ class BoostClip final : public PairwiseClip<MultiPolygon> {
                 bg::intersection(a, b, result);
                 break;
             case ClipOp::Union:
-                bg::union_(a, b, result);
+                bg::m_union(a, b, result);
                 break;
             case ClipOp::Difference:
                 bg::difference(a, b, result);

@@ -70,26 +70,26 @@ bool listed(const std::vector<std::string>& names, const std::string& name) {
 /// Everything about one table: the settings, and what has been learnt so far.
 class ClipBench {
   public:
-    explicit ClipBench(const Settings& settings) : settings_(settings) {}
+    explicit ClipBench(const Settings& settings) : m_settings(settings) {}
 
     bool run() {
         std::printf("times in microseconds a call; rivals as multiples of ours\n");
         std::printf("%-10s %8s %-13s %12s", "family", "n", "operation", "ours");
         for (std::size_t i = 1; i < kContenders; ++i) std::printf(" %10s", kAll[i].name);
         std::printf("\n");
-        for (const std::string& family : settings_.families) {
-            for (const int n : settings_.sizes) {
-                if (family == "squares" && n != settings_.sizes.front()) continue;
+        for (const std::string& family : m_settings.families) {
+            for (const int n : m_settings.sizes) {
+                if (family == "squares" && n != m_settings.sizes.front()) continue;
                 const std::vector<ClipOperands> pairs = makeClipCase(family, n);
                 for (int op = 0; op < 4; ++op) {
-                    if (settings_.ops.empty() || listed(settings_.ops, kOpNames[op])) {
+                    if (m_settings.ops.empty() || listed(m_settings.ops, kOpNames[op])) {
                         row(family, n, static_cast<ClipOp>(op), pairs);
                     }
                 }
             }
         }
         summary();
-        return agreed_;
+        return m_agreed;
     }
 
   private:
@@ -115,7 +115,7 @@ class ClipBench {
                     std::printf(" %10s", notes[i].c_str());
                 }
             }
-            ours_[family + " " + name].emplace_back(n, times.median[0] / pairs.size());
+            m_ours[family + " " + name].emplace_back(n, times.median[0] / pairs.size());
         } else {
             std::printf(" %12s", notes[0].c_str());
         }
@@ -126,9 +126,9 @@ class ClipBench {
     /// Lets a contender clip once. Returns why it is not timed, empty if it may be.
     std::string ask(std::size_t i, const std::string& family, ClipOp op,
                     const std::vector<ClipOperands>& pairs, std::vector<Probe>& probes) {
-        if (listed(settings_.skip, kAll[i].name)) return "-";
+        if (listed(m_settings.skip, kAll[i].name)) return "-";
         const std::string key = family + " " + kOpNames[static_cast<int>(op)] + " " + kAll[i].name;
-        if (stopped_.count(key)) return "-";
+        if (m_stopped.count(key)) return "-";
         const auto probe = inChild<Probe>(
             [&] {
                 const auto rival = kAll[i].make();
@@ -138,15 +138,15 @@ class ClipBench {
                 if (i < 2) p.sum = rival->area(ClipOp::Union) + rival->area(ClipOp::Intersection);
                 return p;
             },
-            settings_.limit);
+            m_settings.limit);
         if (probe.ok()) {
             probes[i] = probe.value;
             return {};
         }
         const std::string error = probe.error;
         if (error.rfind("over", 0) != 0) return "failed";
-        stopped_.insert(key);
-        return ">" + std::to_string(settings_.limit) + " s";
+        m_stopped.insert(key);
+        return ">" + std::to_string(m_settings.limit) + " s";
     }
 
     /// Notes who differs: from GEOS, or where that has no answer, from ours.
@@ -161,7 +161,7 @@ class ClipBench {
             char text[32];
             std::snprintf(text, sizeof text, "off %.0e", off);
             notes[i] = text;
-            if (i == 0) agreed_ = false;
+            if (i == 0) m_agreed = false;
         }
     }
 
@@ -169,7 +169,7 @@ class ClipBench {
                   const std::vector<ClipOperands>& pairs, const std::vector<Probe>& probes) const {
         double once = 0;
         for (const std::size_t i : timed) once += probes[i].milliseconds;
-        const int rounds = static_cast<int>(std::clamp(settings_.budget / once, 3.0, 101.0));
+        const int rounds = static_cast<int>(std::clamp(m_settings.budget / once, 3.0, 101.0));
         const auto result = inChild<Times>([&] {
             std::vector<std::unique_ptr<ClipRival>> rivals;
             std::vector<Contender> contenders;
@@ -193,7 +193,7 @@ class ClipBench {
     }
 
     void keep(const std::string& family, std::size_t rival, double ratio) {
-        const auto at = least_.emplace(family, std::map<std::size_t, double>()).first;
+        const auto at = m_least.emplace(family, std::map<std::size_t, double>()).first;
         const auto entry = at->second.emplace(rival, ratio).first;
         entry->second = std::min(entry->second, ratio);
     }
@@ -203,17 +203,17 @@ class ClipBench {
         std::printf("\nleast multiple of ours, over sizes and operations\n%-10s", "family");
         for (std::size_t i = 1; i < kContenders; ++i) std::printf(" %10s", kAll[i].name);
         std::printf("\n");
-        for (const std::string& family : settings_.families) {
+        for (const std::string& family : m_settings.families) {
             std::printf("%-10s", family.c_str());
             for (std::size_t i = 1; i < kContenders; ++i) {
-                const auto f = least_.find(family);
-                const bool known = f != least_.end() && f->second.count(i);
+                const auto f = m_least.find(family);
+                const bool known = f != m_least.end() && f->second.count(i);
                 if (known) std::printf(" %10.2f", f->second.at(i));
                 if (!known) std::printf(" %10s", "-");
             }
             std::printf("\n");
         }
-        for (const auto& [name, times] : ours_) {
+        for (const auto& [name, times] : m_ours) {
             if (times.back().first < 100000) continue;
             for (const auto& [n, time] : times) {
                 if (n < 10000 || n == times.back().first) continue;
@@ -226,11 +226,11 @@ class ClipBench {
         }
     }
 
-    const Settings& settings_;
-    bool agreed_ = true;
-    std::set<std::string> stopped_;
-    std::map<std::string, std::map<std::size_t, double>> least_;
-    std::map<std::string, std::vector<std::pair<int, double>>> ours_;
+    const Settings& m_settings;
+    bool m_agreed = true;
+    std::set<std::string> m_stopped;
+    std::map<std::string, std::map<std::size_t, double>> m_least;
+    std::map<std::string, std::vector<std::pair<int, double>>> m_ours;
 };
 
 int run(int argc, char** argv) {

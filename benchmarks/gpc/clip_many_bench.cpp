@@ -28,29 +28,29 @@ constexpr int kRounds = 5;
 /// Polygons of one ring each in the interface's form.
 class Polygons {
   public:
-    explicit Polygons(const Rings& rings) : lists_(rings.size()), polygons_(rings.size()) {
+    explicit Polygons(const Rings& rings) : m_lists(rings.size()), m_polygons(rings.size()) {
         for (const Ring& ring : rings) {
-            for (const jws::JWRawPoint& p : ring) vertices_.push_back({p.x, p.y});
+            for (const jws::JWRawPoint& p : ring) m_vertices.push_back({p.x, p.y});
         }
         std::size_t first = 0;
         for (std::size_t i = 0; i < rings.size(); ++i) {
-            lists_[i] = {static_cast<int>(rings[i].size()), vertices_.data() + first};
+            m_lists[i] = {static_cast<int>(rings[i].size()), m_vertices.data() + first};
             first += rings[i].size();
-            polygons_[i] = {1, nullptr, &lists_[i]};
-            pointers_.push_back(&polygons_[i]);
+            m_polygons[i] = {1, nullptr, &m_lists[i]};
+            m_pointers.push_back(&m_polygons[i]);
         }
     }
     Polygons(const Polygons&) = delete;
     Polygons& operator=(const Polygons&) = delete;
 
-    std::vector<gpc_polygon>& all() { return polygons_; }
-    const std::vector<const gpc_polygon*>& pointers() const { return pointers_; }
+    std::vector<gpc_polygon>& all() { return m_polygons; }
+    const std::vector<const gpc_polygon*>& pointers() const { return m_pointers; }
 
   private:
-    std::vector<gpc_vertex> vertices_;
-    std::vector<gpc_vertex_list> lists_;
-    std::vector<gpc_polygon> polygons_;
-    std::vector<const gpc_polygon*> pointers_;
+    std::vector<gpc_vertex> m_vertices;
+    std::vector<gpc_vertex_list> m_lists;
+    std::vector<gpc_polygon> m_polygons;
+    std::vector<const gpc_polygon*> m_pointers;
 };
 
 double takeArea(gpc_polygon& result) {
@@ -68,39 +68,39 @@ double takeArea(gpc_polygon& result) {
 
 class Geos {
   public:
-    Geos() : context_(GEOS_init_r()) {}
+    Geos() : m_context(GEOS_init_r()) {}
     ~Geos() {
-        for (GEOSGeometry* g : made_) GEOSGeom_destroy_r(context_, g);
-        GEOS_finish_r(context_);
+        for (GEOSGeometry* g : m_made) GEOSGeom_destroy_r(m_context, g);
+        GEOS_finish_r(m_context);
     }
     Geos(const Geos&) = delete;
     Geos& operator=(const Geos&) = delete;
 
-    GEOSContextHandle_t context() const { return context_; }
+    GEOSContextHandle_t context() const { return m_context; }
 
     GEOSGeometry* polygon(const Ring& ring) {
         const unsigned n = static_cast<unsigned>(ring.size());
-        GEOSCoordSequence* points = GEOSCoordSeq_create_r(context_, n + 1, 2);
+        GEOSCoordSequence* points = GEOSCoordSeq_create_r(m_context, n + 1, 2);
         for (unsigned i = 0; i <= n; ++i) {
-            GEOSCoordSeq_setXY_r(context_, points, i, ring[i % n].x, ring[i % n].y);
+            GEOSCoordSeq_setXY_r(m_context, points, i, ring[i % n].x, ring[i % n].y);
         }
-        return GEOSGeom_createPolygon_r(context_, GEOSGeom_createLinearRing_r(context_, points),
+        return GEOSGeom_createPolygon_r(m_context, GEOSGeom_createLinearRing_r(m_context, points),
                                         nullptr, 0);
     }
     GEOSGeometry* kept(GEOSGeometry* geometry) {
-        made_.push_back(geometry);
+        m_made.push_back(geometry);
         return geometry;
     }
     double takeArea(GEOSGeometry* geometry) const {
         double area = 0;
-        GEOSArea_r(context_, geometry, &area);
-        GEOSGeom_destroy_r(context_, geometry);
+        GEOSArea_r(m_context, geometry, &area);
+        GEOSGeom_destroy_r(m_context, geometry);
         return area;
     }
 
   private:
-    GEOSContextHandle_t context_;
-    std::vector<GEOSGeometry*> made_;
+    GEOSContextHandle_t m_context;
+    std::vector<GEOSGeometry*> m_made;
 };
 
 struct Line {

@@ -48,56 +48,56 @@ bool cross(const Edge& e, const Edge& f) {
 class Grid {
   public:
     Grid(const Extent& a, const Extent& b, std::size_t edges)
-        : minX_(std::max(a.minX, b.minX)), minY_(std::max(a.minY, b.minY)) {
-        const double width = std::max(std::min(a.maxX, b.maxX) - minX_, 0.0);
-        const double height = std::max(std::min(a.maxY, b.maxY) - minY_, 0.0);
+        : m_minX(std::max(a.minX, b.minX)), m_minY(std::max(a.minY, b.minY)) {
+        const double width = std::max(std::min(a.maxX, b.maxX) - m_minX, 0.0);
+        const double height = std::max(std::min(a.maxY, b.maxY) - m_minY, 0.0);
         const double side = std::sqrt(width * height / static_cast<double>(edges));
-        scale_ = side > 0 ? 1 / side : 0;
-        columns_ = static_cast<int>(width * scale_) + 1;
-        rows_ = static_cast<int>(height * scale_) + 1;
+        m_scale = side > 0 ? 1 / side : 0;
+        m_columns = static_cast<int>(width * m_scale) + 1;
+        m_rows = static_cast<int>(height * m_scale) + 1;
     }
 
-    std::size_t count() const { return static_cast<std::size_t>(columns_) * rows_; }
+    std::size_t count() const { return static_cast<std::size_t>(m_columns) * m_rows; }
 
     /// Calls `visit(bucket)` for the buckets of the edge's rectangle.
     template <class Visit>
     void forBuckets(const Edge& e, Visit&& visit) const {
-        const double x0 = (std::min(e.a.x, e.b.x) - minX_) * scale_;
-        const double x1 = (std::max(e.a.x, e.b.x) - minX_) * scale_;
-        const double y0 = (std::min(e.a.y, e.b.y) - minY_) * scale_;
-        const double y1 = (std::max(e.a.y, e.b.y) - minY_) * scale_;
-        if (x1 < 0 || y1 < 0 || x0 >= columns_ || y0 >= rows_) return;
+        const double x0 = (std::min(e.a.x, e.b.x) - m_minX) * m_scale;
+        const double x1 = (std::max(e.a.x, e.b.x) - m_minX) * m_scale;
+        const double y0 = (std::min(e.a.y, e.b.y) - m_minY) * m_scale;
+        const double y1 = (std::max(e.a.y, e.b.y) - m_minY) * m_scale;
+        if (x1 < 0 || y1 < 0 || x0 >= m_columns || y0 >= m_rows) return;
         const int left = std::max(static_cast<int>(x0), 0);
-        const int right = std::min(static_cast<int>(x1), columns_ - 1);
-        const int top = std::min(static_cast<int>(y1), rows_ - 1);
+        const int right = std::min(static_cast<int>(x1), m_columns - 1);
+        const int top = std::min(static_cast<int>(y1), m_rows - 1);
         for (int row = std::max(static_cast<int>(y0), 0); row <= top; ++row) {
             for (int column = left; column <= right; ++column) {
-                visit(static_cast<std::size_t>(row) * columns_ + column);
+                visit(static_cast<std::size_t>(row) * m_columns + column);
             }
         }
     }
 
   private:
-    double minX_, minY_, scale_;
-    int columns_, rows_;
+    double m_minX, m_minY, m_scale;
+    int m_columns, m_rows;
 };
 
 class GridFloor final : public ClipRival {
   public:
     void load(const std::vector<ClipOperands>& pairs) override {
         for (const ClipOperands& pair : pairs) {
-            pairs_.push_back({edgesOf(pair.a), edgesOf(pair.b)});
+            m_pairs.push_back({edgesOf(pair.a), edgesOf(pair.b)});
         }
     }
 
     void run(ClipOp) override {
-        for (const Pair& pair : pairs_) crossings_ += crossingsOf(pair.a, pair.b);
+        for (const Pair& pair : m_pairs) m_crossings += crossingsOf(pair.a, pair.b);
     }
 
     /// It has none; the count keeps the search from being left out.
     double area(ClipOp op) override {
         run(op);
-        return static_cast<double>(crossings_);
+        return static_cast<double>(m_crossings);
     }
 
   private:
@@ -140,8 +140,8 @@ class GridFloor final : public ClipRival {
         return crossings;
     }
 
-    std::vector<Pair> pairs_;
-    std::size_t crossings_ = 0;
+    std::vector<Pair> m_pairs;
+    std::size_t m_crossings = 0;
 };
 
 }  // namespace

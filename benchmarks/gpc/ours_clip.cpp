@@ -19,34 +19,34 @@ class Operand {
         }
     }
     gpc_polygon polygon() {
-        lists_.clear();
+        m_lists.clear();
         std::size_t first = 0;
-        for (const int size : sizes_) {
-            lists_.push_back({size, vertices_.data() + first});
+        for (const int size : m_sizes) {
+            m_lists.push_back({size, m_vertices.data() + first});
             first += static_cast<std::size_t>(size);
         }
-        return {static_cast<int>(lists_.size()), nullptr, lists_.data()};
+        return {static_cast<int>(m_lists.size()), nullptr, m_lists.data()};
     }
 
   private:
     void add(const jwtest::Ring& ring) {
-        for (const jws::JWRawPoint& p : ring) vertices_.push_back({p.x, p.y});
-        sizes_.push_back(static_cast<int>(ring.size()));
+        for (const jws::JWRawPoint& p : ring) m_vertices.push_back({p.x, p.y});
+        m_sizes.push_back(static_cast<int>(ring.size()));
     }
 
-    std::vector<gpc_vertex> vertices_;
-    std::vector<int> sizes_;
-    std::vector<gpc_vertex_list> lists_;
+    std::vector<gpc_vertex> m_vertices;
+    std::vector<int> m_sizes;
+    std::vector<gpc_vertex_list> m_lists;
 };
 
 class OursClip final : public ClipRival {
   public:
     void load(const std::vector<ClipOperands>& pairs) override {
         for (const ClipOperands& pair : pairs) {
-            operands_.emplace_back(pair.a);
-            operands_.emplace_back(pair.b);
+            m_operands.emplace_back(pair.a);
+            m_operands.emplace_back(pair.b);
         }
-        for (Operand& operand : operands_) polygons_.push_back(operand.polygon());
+        for (Operand& operand : m_operands) m_polygons.push_back(operand.polygon());
     }
 
     void run(ClipOp op) override {
@@ -71,10 +71,10 @@ class OursClip final : public ClipRival {
     template <class Use>
     void forEachResult(ClipOp op, Use use) {
         constexpr gpc_op codes[] = {GPC_INT, GPC_UNION, GPC_DIFF, GPC_XOR};
-        for (std::size_t i = 0; i < polygons_.size(); i += 2) {
+        for (std::size_t i = 0; i < m_polygons.size(); i += 2) {
             gpc_polygon result;
             errno = 0;
-            gpc_polygon_clip(codes[static_cast<int>(op)], &polygons_[i], &polygons_[i + 1],
+            gpc_polygon_clip(codes[static_cast<int>(op)], &m_polygons[i], &m_polygons[i + 1],
                              &result);
             if (errno != 0) throw std::runtime_error("gave up");
             use(result);
@@ -82,8 +82,8 @@ class OursClip final : public ClipRival {
         }
     }
 
-    std::vector<Operand> operands_;
-    std::vector<gpc_polygon> polygons_;
+    std::vector<Operand> m_operands;
+    std::vector<gpc_polygon> m_polygons;
 };
 
 }  // namespace

@@ -39,7 +39,7 @@ GDALDatasetUniquePtr createSource(const char* driverName, const std::string& pat
 void intersect(OGRLayer& a, OGRLayer& b, GDALDataset& target) {
     OGRLayer* result = target.CreateLayer("result", a.GetSpatialRef(), wkbUnknown, nullptr);
     if (result == nullptr) fail("cannot create the result layer");
-    const char* const options[] = {"INPUT_PREFIX=a_", "METHOD_PREFIX=b_",
+    const char* const options[] = {"INPUT_PREFIX=m_a", "METHOD_PREFIX=m_b",
                                    "USE_PREPARED_GEOMETRIES=NO",
                                    "KEEP_LOWER_DIMENSION_GEOMETRIES=NO", nullptr};
     if (a.Intersection(&b, result, const_cast<char**>(options)) != OGRERR_NONE) {
@@ -51,18 +51,18 @@ class GdalMemory final : public Rival {
   public:
     void load(const LayerPair& pair) override {
         GDALAllRegister();
-        a_ = toMemory(pair.a);
-        b_ = toMemory(pair.b);
+        m_a = toMemory(pair.a);
+        m_b = toMemory(pair.b);
     }
 
     void run() override {
-        result_ = createSource("Memory", "result");
-        intersect(*a_->GetLayer(0), *b_->GetLayer(0), *result_);
+        m_result = createSource("Memory", "result");
+        intersect(*m_a->GetLayer(0), *m_b->GetLayer(0), *m_result);
     }
 
     void summarize(Summary& summary) override {
         std::vector<unsigned char> wkb;
-        for (const auto& feature : result_->GetLayer(0)) {
+        for (const auto& feature : m_result->GetLayer(0)) {
             const OGRGeometry& geometry = *feature->GetGeometryRef();
             wkb.resize(geometry.WkbSize());
             geometry.exportToWkb(wkbNDR, wkb.data(), wkbVariantIso);
@@ -70,7 +70,7 @@ class GdalMemory final : public Rival {
         }
     }
 
-    void clear() override { result_.reset(); }
+    void clear() override { m_result.reset(); }
 
   private:
     static GDALDatasetUniquePtr toMemory(const std::string& path) {
@@ -80,40 +80,40 @@ class GdalMemory final : public Rival {
         return memory;
     }
 
-    GDALDatasetUniquePtr a_;
-    GDALDatasetUniquePtr b_;
-    GDALDatasetUniquePtr result_;
+    GDALDatasetUniquePtr m_a;
+    GDALDatasetUniquePtr m_b;
+    GDALDatasetUniquePtr m_result;
 };
 
 class GdalFile final : public Rival {
   public:
     void load(const LayerPair& pair) override {
         GDALAllRegister();
-        pair_ = pair;
-        path_ = pair.workDirectory + "/gdal_result.gpkg";
-        removeGeoPackage(path_);
+        m_pair = pair;
+        m_path = pair.workDirectory + "/gdal_result.gpkg";
+        removeGeoPackage(m_path);
     }
 
     void run() override {
-        const GDALDatasetUniquePtr a = openFile(pair_.a);
-        const GDALDatasetUniquePtr b = openFile(pair_.b);
-        const GDALDatasetUniquePtr result = createSource("GPKG", path_);
+        const GDALDatasetUniquePtr a = openFile(m_pair.a);
+        const GDALDatasetUniquePtr b = openFile(m_pair.b);
+        const GDALDatasetUniquePtr result = createSource("GPKG", m_path);
         if (result->StartTransaction() != OGRERR_NONE) fail("no transaction");
         intersect(*a->GetLayer(0), *b->GetLayer(0), *result);
         if (result->CommitTransaction() != OGRERR_NONE) fail("cannot commit");
     }
 
     void summarize(Summary& summary) override {
-        forEachWkb(path_, [&summary](const unsigned char* wkb, std::size_t size) {
+        forEachWkb(m_path, [&summary](const unsigned char* wkb, std::size_t size) {
             summary.add(wkb, size);
         });
     }
 
-    void clear() override { removeGeoPackage(path_); }
+    void clear() override { removeGeoPackage(m_path); }
 
   private:
-    LayerPair pair_;
-    std::string path_;
+    LayerPair m_pair;
+    std::string m_path;
 };
 
 }  // namespace

@@ -20,40 +20,40 @@ namespace {
 class GeosLoop final : public Rival {
   public:
     GeosLoop(Operation operation, GeosPretest pretest)
-        : parts_(partsOf(operation)), pretest_(pretest), context_(GEOS_init_r()) {
-        GEOSContext_setErrorMessageHandler_r(context_, &GeosLoop::keepError, this);
+        : m_parts(partsOf(operation)), m_pretest(pretest), m_context(GEOS_init_r()) {
+        GEOSContext_setErrorMessageHandler_r(m_context, &GeosLoop::keepError, this);
     }
 
     ~GeosLoop() override {
         clear();
-        destroy(a_);
-        destroy(b_);
-        GEOS_finish_r(context_);
+        destroy(m_a);
+        destroy(m_b);
+        GEOS_finish_r(m_context);
     }
 
     void load(const LayerPair& pair) override {
-        read(pair.a, a_);
-        read(pair.b, b_);
+        read(pair.a, m_a);
+        read(pair.b, m_b);
     }
 
     void run() override {
-        walk(a_, b_, parts_.pieces, parts_.restOfA);
-        if (parts_.restOfB) walk(b_, a_, false, true);
+        walk(m_a, m_b, m_parts.pieces, m_parts.restOfA);
+        if (m_parts.restOfB) walk(m_b, m_a, false, true);
     }
 
     void summarize(Summary& summary) override {
-        GEOSWKBWriter* writer = GEOSWKBWriter_create_r(context_);
-        GEOSWKBWriter_setByteOrder_r(context_, writer, GEOS_WKB_NDR);
-        for (const GEOSGeometry* piece : pieces_) {
+        GEOSWKBWriter* writer = GEOSWKBWriter_create_r(m_context);
+        GEOSWKBWriter_setByteOrder_r(m_context, writer, GEOS_WKB_NDR);
+        for (const GEOSGeometry* piece : m_pieces) {
             std::size_t size = 0;
-            unsigned char* wkb = GEOSWKBWriter_write_r(context_, writer, piece, &size);
+            unsigned char* wkb = GEOSWKBWriter_write_r(m_context, writer, piece, &size);
             summary.add(wkb, size);
-            GEOSFree_r(context_, wkb);
+            GEOSFree_r(m_context, wkb);
         }
-        GEOSWKBWriter_destroy_r(context_, writer);
+        GEOSWKBWriter_destroy_r(m_context, writer);
     }
 
-    void clear() override { destroy(pieces_); }
+    void clear() override { destroy(m_pieces); }
 
   private:
     static void keepCandidate(void* item, void* candidates) {
@@ -62,92 +62,94 @@ class GeosLoop final : public Rival {
     }
 
     static void keepError(const char* message, void* self) {
-        static_cast<GeosLoop*>(self)->error_ = message;
+        static_cast<GeosLoop*>(self)->m_error = message;
     }
 
     void check(bool good) const {
-        if (!good) throw std::runtime_error("GEOS: " + error_);
+        if (!good) throw std::runtime_error("GEOS: " + m_error);
     }
 
     void destroy(std::vector<GEOSGeometry*>& geometries) {
-        for (GEOSGeometry* geometry : geometries) GEOSGeom_destroy_r(context_, geometry);
+        for (GEOSGeometry* geometry : geometries) GEOSGeom_destroy_r(m_context, geometry);
         geometries.clear();
     }
 
     void read(const std::string& path, std::vector<GEOSGeometry*>& geometries) {
-        GEOSWKBReader* reader = GEOSWKBReader_create_r(context_);
+        GEOSWKBReader* reader = GEOSWKBReader_create_r(m_context);
         forEachWkb(path, [&](const unsigned char* wkb, std::size_t size) {
-            geometries.push_back(GEOSWKBReader_read_r(context_, reader, wkb, size));
+            geometries.push_back(GEOSWKBReader_read_r(m_context, reader, wkb, size));
             check(geometries.back() != nullptr);
         });
-        GEOSWKBReader_destroy_r(context_, reader);
+        GEOSWKBReader_destroy_r(m_context, reader);
     }
 
     void walk(const std::vector<GEOSGeometry*>& own, const std::vector<GEOSGeometry*>& others,
               bool pieces, bool rest) {
-        GEOSSTRtree* tree = GEOSSTRtree_create_r(context_, 10);
-        for (GEOSGeometry* other : others) GEOSSTRtree_insert_r(context_, tree, other, other);
+        GEOSSTRtree* tree = GEOSSTRtree_create_r(m_context, 10);
+        for (GEOSGeometry* other : others) GEOSSTRtree_insert_r(m_context, tree, other, other);
         std::vector<const GEOSGeometry*> candidates;
         for (const GEOSGeometry* feature : own) {
             candidates.clear();
-            GEOSSTRtree_query_r(context_, tree, feature, &GeosLoop::keepCandidate, &candidates);
+            GEOSSTRtree_query_r(m_context, tree, feature, &GeosLoop::keepCandidate, &candidates);
             if (!candidates.empty()) meet(feature, candidates, pieces);
             if (rest) keepPolygons(restOf(feature, candidates));
         }
-        GEOSSTRtree_destroy_r(context_, tree);
+        GEOSSTRtree_destroy_r(m_context, tree);
     }
 
     // Keeps the pieces of a feature, if wanted, and leaves of the candidates those that it meets.
     void meet(const GEOSGeometry* feature, std::vector<const GEOSGeometry*>& candidates,
               bool pieces) {
-        const bool prepare = pretest_ == GeosPretest::Prepared;
-        const GEOSPreparedGeometry* prepared = prepare ? GEOSPrepare_r(context_, feature) : nullptr;
+        const bool prepare = m_pretest == GeosPretest::Prepared;
+        const GEOSPreparedGeometry* prepared =
+            prepare ? GEOSPrepare_r(m_context, feature) : nullptr;
         std::size_t met = 0;
         for (const GEOSGeometry* other : candidates) {
-            if (prepare && GEOSPreparedIntersects_r(context_, prepared, other) == 0) continue;
+            if (prepare && GEOSPreparedIntersects_r(m_context, prepared, other) == 0) continue;
             candidates[met++] = other;
             if (!pieces) continue;
-            if (prepare && GEOSPreparedContainsProperly_r(context_, prepared, other) == 1) {
-                pieces_.push_back(GEOSGeom_clone_r(context_, other));
+            if (prepare && GEOSPreparedContainsProperly_r(m_context, prepared, other) == 1) {
+                m_pieces.push_back(GEOSGeom_clone_r(m_context, other));
             } else {
-                keepPolygons(GEOSIntersection_r(context_, feature, other));
+                keepPolygons(GEOSIntersection_r(m_context, feature, other));
             }
         }
         candidates.resize(met);
-        if (prepare) GEOSPreparedGeom_destroy_r(context_, prepared);
+        if (prepare) GEOSPreparedGeom_destroy_r(m_context, prepared);
     }
 
     // A feature without what it meets: that one by one, or united where there is much of it.
     GEOSGeometry* restOf(const GEOSGeometry* feature,
                          const std::vector<const GEOSGeometry*>& others) const {
         constexpr std::size_t few = 8;
-        GEOSGeometry* rest = GEOSGeom_clone_r(context_, feature);
+        GEOSGeometry* rest = GEOSGeom_clone_r(m_context, feature);
         const auto takeOff = [&](const GEOSGeometry* other) {
-            GEOSGeometry* less = GEOSDifference_r(context_, rest, other);
+            GEOSGeometry* less = GEOSDifference_r(m_context, rest, other);
             check(less != nullptr);
-            GEOSGeom_destroy_r(context_, rest);
+            GEOSGeom_destroy_r(m_context, rest);
             rest = less;
         };
         if (others.size() > few) {
             GEOSGeometry* united = unite(others);
             takeOff(united);
-            GEOSGeom_destroy_r(context_, united);
+            GEOSGeom_destroy_r(m_context, united);
             return rest;
         }
         for (const GEOSGeometry* other : others) {
-            if (GEOSisEmpty_r(context_, rest) == 0) takeOff(other);
+            if (GEOSisEmpty_r(m_context, rest) == 0) takeOff(other);
         }
         return rest;
     }
 
     GEOSGeometry* unite(const std::vector<const GEOSGeometry*>& geometries) const {
         std::vector<GEOSGeometry*> copies;
-        for (const GEOSGeometry* g : geometries) copies.push_back(GEOSGeom_clone_r(context_, g));
-        GEOSGeometry* all = GEOSGeom_createCollection_r(
-            context_, GEOS_GEOMETRYCOLLECTION, copies.data(), static_cast<unsigned>(copies.size()));
-        GEOSGeometry* united = GEOSUnaryUnion_r(context_, all);
+        for (const GEOSGeometry* g : geometries) copies.push_back(GEOSGeom_clone_r(m_context, g));
+        GEOSGeometry* all =
+            GEOSGeom_createCollection_r(m_context, GEOS_GEOMETRYCOLLECTION, copies.data(),
+                                        static_cast<unsigned>(copies.size()));
+        GEOSGeometry* united = GEOSUnaryUnion_r(m_context, all);
         check(united != nullptr);
-        GEOSGeom_destroy_r(context_, all);
+        GEOSGeom_destroy_r(m_context, all);
         return united;
     }
 
@@ -155,41 +157,41 @@ class GeosLoop final : public Rival {
     // else nothing.
     void keepPolygons(GEOSGeometry* piece) {
         check(piece != nullptr);
-        const int type = GEOSGeomTypeId_r(context_, piece);
+        const int type = GEOSGeomTypeId_r(m_context, piece);
         const bool area = type == GEOS_POLYGON || type == GEOS_MULTIPOLYGON;
-        if (area && GEOSisEmpty_r(context_, piece) == 0) {
-            pieces_.push_back(piece);
+        if (area && GEOSisEmpty_r(m_context, piece) == 0) {
+            m_pieces.push_back(piece);
             return;
         }
         std::vector<GEOSGeometry*> polygons;
         if (type == GEOS_GEOMETRYCOLLECTION) collectPolygons(piece, polygons);
-        GEOSGeom_destroy_r(context_, piece);
+        GEOSGeom_destroy_r(m_context, piece);
         if (polygons.empty()) return;
-        pieces_.push_back(GEOSGeom_createCollection_r(context_, GEOS_MULTIPOLYGON, polygons.data(),
-                                                      static_cast<unsigned>(polygons.size())));
-        check(pieces_.back() != nullptr);
+        m_pieces.push_back(GEOSGeom_createCollection_r(
+            m_context, GEOS_MULTIPOLYGON, polygons.data(), static_cast<unsigned>(polygons.size())));
+        check(m_pieces.back() != nullptr);
     }
 
     void collectPolygons(const GEOSGeometry* collection, std::vector<GEOSGeometry*>& polygons) {
-        const int parts = GEOSGetNumGeometries_r(context_, collection);
+        const int parts = GEOSGetNumGeometries_r(m_context, collection);
         for (int i = 0; i < parts; ++i) {
-            const GEOSGeometry* part = GEOSGetGeometryN_r(context_, collection, i);
-            const int type = GEOSGeomTypeId_r(context_, part);
+            const GEOSGeometry* part = GEOSGetGeometryN_r(m_context, collection, i);
+            const int type = GEOSGeomTypeId_r(m_context, part);
             if (type == GEOS_POLYGON) {
-                polygons.push_back(GEOSGeom_clone_r(context_, part));
+                polygons.push_back(GEOSGeom_clone_r(m_context, part));
             } else if (type == GEOS_MULTIPOLYGON || type == GEOS_GEOMETRYCOLLECTION) {
                 collectPolygons(part, polygons);
             }
         }
     }
 
-    Parts parts_;
-    GeosPretest pretest_;
-    GEOSContextHandle_t context_;
-    std::string error_;
-    std::vector<GEOSGeometry*> a_;
-    std::vector<GEOSGeometry*> b_;
-    std::vector<GEOSGeometry*> pieces_;
+    Parts m_parts;
+    GeosPretest m_pretest;
+    GEOSContextHandle_t m_context;
+    std::string m_error;
+    std::vector<GEOSGeometry*> m_a;
+    std::vector<GEOSGeometry*> m_b;
+    std::vector<GEOSGeometry*> m_pieces;
 };
 
 }  // namespace

@@ -115,26 +115,26 @@ void overlay(const OurForm& form, JWFeatureLayer& a, JWFeatureLayer& b, JWFeatur
 
 class OursMemory final : public Rival {
   public:
-    explicit OursMemory(const OurForm& form) : form_(form) {}
+    explicit OursMemory(const OurForm& form) : m_form(form) {}
 
     void load(const LayerPair& pair) override {
         JWReport::setMessagesOn(false);
-        a_ = copyToMemory(pair.a);
-        b_ = copyToMemory(pair.b);
+        m_a = copyToMemory(pair.a);
+        m_b = copyToMemory(pair.b);
     }
 
     void run() override {
-        result_ = createLayer(SourcePtr(JWDataSource::createInMemory()), "result",
-                              JWWKBMultiPolygon, *a_.layer);
-        overlay(form_, *a_.layer, *b_.layer, *result_.layer);
+        m_result = createLayer(SourcePtr(JWDataSource::createInMemory()), "result",
+                               JWWKBMultiPolygon, *m_a.layer);
+        overlay(m_form, *m_a.layer, *m_b.layer, *m_result.layer);
     }
 
     void summarize(Summary& summary) override {
-        const int count = result_.layer->getFeatureCount();
+        const int count = m_result.layer->getFeatureCount();
         JWFeatureClass features;
         std::vector<unsigned char> wkb;
         for (int first = 0; first < count; first += kBlock) {
-            if (result_.layer->getFeaturesByPosition(first, kBlock, features) < 0)
+            if (m_result.layer->getFeaturesByPosition(first, kBlock, features) < 0)
                 fail("unreadable");
             for (int i = 0; i < features.getFeatureCount(); ++i) {
                 const JWGeometry& geometry = *features.getFeatureAt(i)->getGeometryPtr();
@@ -147,49 +147,49 @@ class OursMemory final : public Rival {
         }
     }
 
-    void clear() override { result_ = OpenLayer(); }
+    void clear() override { m_result = OpenLayer(); }
 
   private:
     static constexpr int kBlock = 10000;
 
-    OurForm form_;
-    OpenLayer a_;
-    OpenLayer b_;
-    OpenLayer result_;
+    OurForm m_form;
+    OpenLayer m_a;
+    OpenLayer m_b;
+    OpenLayer m_result;
 };
 
 class OursFile final : public Rival {
   public:
-    explicit OursFile(const OurForm& form) : form_(form) {}
+    explicit OursFile(const OurForm& form) : m_form(form) {}
 
     void load(const LayerPair& pair) override {
         JWReport::setMessagesOn(false);
-        pair_ = pair;
-        path_ = pair.workDirectory + (form_.team ? "/ours_mp.gpkg" : "/ours.gpkg");
-        removeGeoPackage(path_);
+        m_pair = pair;
+        m_path = pair.workDirectory + (m_form.team ? "/ours_mp.gpkg" : "/ours.gpkg");
+        removeGeoPackage(m_path);
     }
 
     void run() override {
-        const OpenLayer a = openFile(pair_.a);
-        const OpenLayer b = openFile(pair_.b);
-        OpenLayer result = createLayer(SourcePtr(JWDataSource::create(path_.c_str(), "GPKG")),
+        const OpenLayer a = openFile(m_pair.a);
+        const OpenLayer b = openFile(m_pair.b);
+        OpenLayer result = createLayer(SourcePtr(JWDataSource::create(m_path.c_str(), "GPKG")),
                                        "result", JWWKBMultiPolygon, *a.layer);
-        overlay(form_, *a.layer, *b.layer, *result.layer);
+        overlay(m_form, *a.layer, *b.layer, *result.layer);
         result.close();
     }
 
     void summarize(Summary& summary) override {
-        forEachWkb(path_, [&summary](const unsigned char* wkb, std::size_t size) {
+        forEachWkb(m_path, [&summary](const unsigned char* wkb, std::size_t size) {
             summary.add(wkb, size);
         });
     }
 
-    void clear() override { removeGeoPackage(path_); }
+    void clear() override { removeGeoPackage(m_path); }
 
   private:
-    OurForm form_;
-    LayerPair pair_;
-    std::string path_;
+    OurForm m_form;
+    LayerPair m_pair;
+    std::string m_path;
 };
 
 }  // namespace

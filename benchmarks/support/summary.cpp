@@ -22,11 +22,11 @@ constexpr int kDeepest = 64;
 // Reads native values from bytes that another library wrote, with the end in view.
 class Reader {
   public:
-    Reader(const unsigned char* data, std::size_t size) : at_(data), end_(data + size) {}
+    Reader(const unsigned char* data, std::size_t size) : m_at(data), m_end(data + size) {}
 
-    double area() const { return area_; }
-    std::int64_t polygons() const { return polygons_; }
-    bool done() const { return at_ == end_; }
+    double area() const { return m_area; }
+    std::int64_t polygons() const { return m_polygons; }
+    bool done() const { return m_at == m_end; }
 
     // Adds the polygons of a geometry, however nested; points and lines are passed over.
     void geometry(int depth = 0) {
@@ -50,8 +50,8 @@ class Reader {
   private:
     void polygon() {
         const std::uint32_t rings = take<std::uint32_t>();
-        for (std::uint32_t i = 0; i < rings; ++i) area_ += i == 0 ? ringArea() : -ringArea();
-        if (rings > 0) ++polygons_;
+        for (std::uint32_t i = 0; i < rings; ++i) m_area += i == 0 ? ringArea() : -ringArea();
+        if (rings > 0) ++m_polygons;
     }
 
     double ringArea() {
@@ -75,11 +75,11 @@ class Reader {
 
     void skipPoints(std::size_t count) {
         require(count, 16);
-        at_ += count * 16;
+        m_at += count * 16;
     }
 
     void require(std::size_t count, std::size_t size) const {
-        if (static_cast<std::size_t>(end_ - at_) / size < count) {
+        if (static_cast<std::size_t>(m_end - m_at) / size < count) {
             throw std::runtime_error("result WKB is cut short");
         }
     }
@@ -88,15 +88,15 @@ class Reader {
     T take() {
         require(1, sizeof(T));
         T value;
-        std::memcpy(&value, at_, sizeof(T));
-        at_ += sizeof(T);
+        std::memcpy(&value, m_at, sizeof(T));
+        m_at += sizeof(T);
         return value;
     }
 
-    const unsigned char* at_;
-    const unsigned char* end_;
-    double area_ = 0.0;
-    std::int64_t polygons_ = 0;
+    const unsigned char* m_at;
+    const unsigned char* m_end;
+    double m_area = 0.0;
+    std::int64_t m_polygons = 0;
 };
 
 }  // namespace
@@ -106,21 +106,22 @@ void Summary::add(const unsigned char* wkb, std::size_t size) {
     reader.geometry();
     if (!reader.done()) throw std::runtime_error("bytes after a result geometry");
     if (reader.polygons() == 0) return;
-    polygons_ += reader.polygons();
-    ++features_;
-    if (reader.area() <= sliver_) ++slivers_;
-    area_ += reader.area();
-    for (std::size_t i = 0; i < size; ++i) hash_ = (hash_ ^ wkb[i]) * 0x100000001b3ULL;  // FNV-1a
+    m_polygons += reader.polygons();
+    ++m_features;
+    if (reader.area() <= m_sliver) ++m_slivers;
+    m_area += reader.area();
+    for (std::size_t i = 0; i < size; ++i) m_hash = (m_hash ^ wkb[i]) * 0x100000001b3ULL;  // FNV-1a
 }
 
 std::string Summary::difference(const Summary& other, double relative) const {
-    const std::int64_t mine = features_ - slivers_;
-    const std::int64_t theirs = other.features_ - other.slivers_;
-    const double gap = std::fabs(area_ - other.area_);
-    if (mine == theirs && gap <= relative * std::fabs(other.area_)) return {};
+    const std::int64_t mine = m_features - m_slivers;
+    const std::int64_t theirs = other.m_features - other.m_slivers;
+    const double gap = std::fabs(m_area - other.m_area);
+    if (mine == theirs && gap <= relative * std::fabs(other.m_area)) return {};
     char text[200];
     std::snprintf(text, sizeof text, "%lld pieces, not %lld; area %.17g, not %.17g",
-                  static_cast<long long>(mine), static_cast<long long>(theirs), area_, other.area_);
+                  static_cast<long long>(mine), static_cast<long long>(theirs), m_area,
+                  other.m_area);
     return text;
 }
 

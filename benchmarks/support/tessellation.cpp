@@ -42,12 +42,12 @@ void append(std::vector<unsigned char>& bytes, const T* values, std::size_t coun
 
 }  // namespace
 
-Tessellation::Tessellation(const TessellationSpec& spec) : spec_(spec), columns_(1) {
-    while (columns_ * columns_ < spec_.polygons) ++columns_;
+Tessellation::Tessellation(const TessellationSpec& spec) : m_spec(spec), m_columns(1) {
+    while (m_columns * m_columns < m_spec.polygons) ++m_columns;
 }
 
 double Tessellation::noise(std::int64_t column, std::int64_t row, int channel) const {
-    std::uint64_t h = mix(spec_.seed);
+    std::uint64_t h = mix(m_spec.seed);
     h = mix(h ^ static_cast<std::uint64_t>(column));
     h = mix(h ^ static_cast<std::uint64_t>(row));
     h = mix(h ^ static_cast<std::uint64_t>(channel));
@@ -55,10 +55,10 @@ double Tessellation::noise(std::int64_t column, std::int64_t row, int channel) c
 }
 
 Tessellation::Point Tessellation::node(std::int64_t column, std::int64_t row) const {
-    const double x = static_cast<double>(column) + spec_.offset;
-    const double y = static_cast<double>(row) + spec_.offset;
-    return {spec_.originX + spec_.cellSize * (x + kJitter * noise(column, row, kNodeX)),
-            spec_.originY + spec_.cellSize * (y + kJitter * noise(column, row, kNodeY))};
+    const double x = static_cast<double>(column) + m_spec.offset;
+    const double y = static_cast<double>(row) + m_spec.offset;
+    return {m_spec.originX + m_spec.cellSize * (x + kJitter * noise(column, row, kNodeX)),
+            m_spec.originY + m_spec.cellSize * (y + kJitter * noise(column, row, kNodeY))};
 }
 
 Tessellation::Point Tessellation::edgePoint(std::int64_t column, std::int64_t row, Axis axis,
@@ -67,8 +67,8 @@ Tessellation::Point Tessellation::edgePoint(std::int64_t column, std::int64_t ro
     const Point from = node(column, row);
     if (position == 0) return from;
     const Point to = east ? node(column + 1, row) : node(column, row + 1);
-    if (position == spec_.segments) return to;
-    const double t = static_cast<double>(position) / spec_.segments;
+    if (position == m_spec.segments) return to;
+    const double t = static_cast<double>(position) / m_spec.segments;
     const int channel = kEastEdge + 2 * position + (east ? 0 : 1);
     const double side = kWiggle * (t < 0.5 ? t : 1.0 - t) * noise(column, row, channel);
     const double dx = to.x - from.x;
@@ -79,7 +79,7 @@ Tessellation::Point Tessellation::edgePoint(std::int64_t column, std::int64_t ro
 void Tessellation::ring(std::int64_t cell, std::vector<double>& xy) const {
     const std::int64_t c = column(cell);
     const std::int64_t r = row(cell);
-    const int n = spec_.segments;
+    const int n = m_spec.segments;
     xy.clear();
     xy.reserve(static_cast<std::size_t>(n) * 8 + 2);
     const auto add = [&xy](Point p) {

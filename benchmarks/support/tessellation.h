@@ -34,9 +34,9 @@ class Tessellation {
   public:
     explicit Tessellation(const TessellationSpec& spec);
 
-    std::int64_t size() const { return spec_.polygons; }
-    std::int64_t column(std::int64_t cell) const { return cell % columns_; }
-    std::int64_t row(std::int64_t cell) const { return cell / columns_; }
+    std::int64_t size() const { return m_spec.polygons; }
+    std::int64_t column(std::int64_t cell) const { return cell % m_columns; }
+    std::int64_t row(std::int64_t cell) const { return cell / m_columns; }
 
     /// Replaces `xy` by the closed, counter-clockwise ring of a cell: x, y, x, y, ...
     void ring(std::int64_t cell, std::vector<double>& xy) const;
@@ -56,8 +56,8 @@ class Tessellation {
     Point edgePoint(std::int64_t column, std::int64_t row, Axis axis, int position) const;
     double noise(std::int64_t column, std::int64_t row, int channel) const;
 
-    TessellationSpec spec_;
-    std::int64_t columns_;
+    TessellationSpec m_spec;
+    std::int64_t m_columns;
 };
 
 /// Writes a tessellation as a GeoPackage of one layer (polygons, EPSG:32633; fields `cell`, `col`,

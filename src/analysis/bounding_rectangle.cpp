@@ -65,37 +65,37 @@ bool better(const Strip& a, const Strip& b, RectangleMeasure measure) {
 class Calipers {
   public:
     explicit Calipers(const std::vector<JWRawPoint>& hull)
-        : hull_(hull), n_(hull.size() - 1), ahead_(1), across_(1), back_(1) {}
+        : m_hull(hull), m_n(hull.size() - 1), m_ahead(1), m_across(1), m_back(1) {}
 
     /// None on an edge whose ends rounding made one.
     std::optional<Strip> onEdge(std::size_t i) {
-        const JWRawPoint& a = hull_[i];
-        const JWRawPoint u = directionOf(difference(hull_[i + 1], a));
+        const JWRawPoint& a = m_hull[i];
+        const JWRawPoint u = directionOf(difference(m_hull[i + 1], a));
         if (u == JWRawPoint(0, 0)) return std::nullopt;
         const auto along = [&](std::size_t k) { return dot(u, step(k)) > 0; };
         const auto rising = [&](std::size_t k) { return cross(u, step(k)) > 0; };
         const auto backwards = [&](std::size_t k) { return dot(u, step(k)) < 0; };
         // Each starts no earlier than the one before it: ahead, then across, then back.
-        ahead_ = advance(std::max(ahead_, i + 1), i, along);
-        across_ = advance(std::max(across_, ahead_), i, rising);
-        back_ = advance(std::max(back_, across_), i, backwards);
-        return Strip{a, u, std::min(0.0, dot(u, difference(at(back_), a))),
-                     dot(u, difference(at(ahead_), a)),
-                     std::max(0.0, cross(u, difference(at(across_), a)))};
+        m_ahead = advance(std::max(m_ahead, i + 1), i, along);
+        m_across = advance(std::max(m_across, m_ahead), i, rising);
+        m_back = advance(std::max(m_back, m_across), i, backwards);
+        return Strip{a, u, std::min(0.0, dot(u, difference(at(m_back), a))),
+                     dot(u, difference(at(m_ahead), a)),
+                     std::max(0.0, cross(u, difference(at(m_across), a)))};
     }
 
   private:
-    const JWRawPoint& at(std::size_t k) const { return hull_[k % n_]; }
+    const JWRawPoint& at(std::size_t k) const { return m_hull[k % m_n]; }
     JWRawPoint step(std::size_t k) const { return difference(at(k + 1), at(k)); }
     template <class Goes>
     std::size_t advance(std::size_t k, std::size_t edge, const Goes& goesOn) const {
-        while (k < edge + n_ && goesOn(k)) ++k;
+        while (k < edge + m_n && goesOn(k)) ++k;
         return k;
     }
 
-    const std::vector<JWRawPoint>& hull_;
-    std::size_t n_;
-    std::size_t ahead_, across_, back_;
+    const std::vector<JWRawPoint>& m_hull;
+    std::size_t m_n;
+    std::size_t m_ahead, m_across, m_back;
 };
 
 }  // namespace

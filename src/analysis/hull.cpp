@@ -47,18 +47,18 @@ class InnerOctagon {
   public:
     explicit InnerOctagon(const PointRuns& points) {
         findExtremes(points);
-        for (int i = 0; i < 8; ++i) addEdge(corners_[i], corners_[(i + 1) % 8]);
+        for (int i = 0; i < 8; ++i) addEdge(m_corners[i], m_corners[(i + 1) % 8]);
     }
 
     /// True only for points in the interior of the hull of the sample. A coordinate that is not
     /// finite fails the first comparisons.
     bool clearlyInside(const JWRawPoint& p) const {
-        if (!(p.x > box_.minX && p.x < box_.maxX && p.y > box_.minY && p.y < box_.maxY)) {
+        if (!(p.x > m_box.minX && p.x < m_box.maxX && p.y > m_box.minY && p.y < m_box.maxY)) {
             return false;
         }
-        const double x = p.x - corners_[0].x, y = p.y - corners_[0].y;
+        const double x = p.x - m_corners[0].x, y = p.y - m_corners[0].y;
         bool inside = true;
-        for (int i = 0; i < edges_; ++i) inside &= nx_[i] * x + ny_[i] * y > limit_[i];
+        for (int i = 0; i < m_edges; ++i) inside &= m_nx[i] * x + m_ny[i] * y > m_limit[i];
         return inside;
     }
     /// A good part of the points is clearly inside, by a sample of them.
@@ -68,7 +68,7 @@ class InnerOctagon {
             ++all;
             if (clearlyInside(p)) ++inside;
         });
-        return edges_ >= 3 && inside > all / 4;
+        return m_edges >= 3 && inside > all / 4;
     }
 
   private:
@@ -83,31 +83,31 @@ class InnerOctagon {
             for (int i = 0; i < 8; ++i) {
                 if (any && !(values[i] > best[i])) continue;
                 best[i] = values[i];
-                corners_[i] = p;
+                m_corners[i] = p;
             }
             any = true;
         };
         forEachOfSample(points, std::size_t{1} << 16, consider);
         if (!any) return;
-        box_ = JWEnvelop(corners_[6].x, corners_[0].y, corners_[2].x, corners_[4].y);
+        m_box = JWEnvelop(m_corners[6].x, m_corners[0].y, m_corners[2].x, m_corners[4].y);
     }
 
     /// Points left of the edge by more than the rounding of the test, for points in the box.
     void addEdge(const JWRawPoint& a, const JWRawPoint& b) {
-        if (!box_.isValid() || a == b) return;
+        if (!m_box.isValid() || a == b) return;
         const double nx = a.y - b.y, ny = b.x - a.x;
-        const double width = box_.maxX - box_.minX, height = box_.maxY - box_.minY;
+        const double width = m_box.maxX - m_box.minX, height = m_box.maxY - m_box.minY;
         const double margin = 16 * kEpsilon * (std::fabs(nx) * width + std::fabs(ny) * height);
-        nx_[edges_] = nx;
-        ny_[edges_] = ny;
-        limit_[edges_] = nx * (a.x - corners_[0].x) + ny * (a.y - corners_[0].y) + margin;
-        ++edges_;
+        m_nx[m_edges] = nx;
+        m_ny[m_edges] = ny;
+        m_limit[m_edges] = nx * (a.x - m_corners[0].x) + ny * (a.y - m_corners[0].y) + margin;
+        ++m_edges;
     }
 
-    JWRawPoint corners_[8];
-    JWEnvelop box_ = JWEnvelop::invalid();
-    int edges_ = 0;
-    double nx_[8], ny_[8], limit_[8];
+    JWRawPoint m_corners[8];
+    JWEnvelop m_box = JWEnvelop::invalid();
+    int m_edges = 0;
+    double m_nx[8], m_ny[8], m_limit[8];
 };
 
 /// Adds a point to the chain that lies in a list from `base` to `end`, less the points before it

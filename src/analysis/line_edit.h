@@ -41,7 +41,7 @@ class LineWalk {
     /// A ring of fewer than `minimumRing` points after the edit stays as it was, and so do a line
     /// that would come down to one point and every list that would not stay finite.
     LineWalk(const Editor& editor, std::size_t minimumRing)
-        : editor_(editor), minimumRing_(minimumRing) {}
+        : m_editor(editor), m_minimumRing(minimumRing) {}
 
     bool edit(JWLineString& line) {
         if (!editLine(line)) return false;
@@ -51,7 +51,7 @@ class LineWalk {
 
     void edit(JWPolygon& polygon) {
         for (JWRing& ring : polygon.getRingList()) {
-            if (editList(ring.getPointList(), minimumRing_)) ring.closeRing();
+            if (editList(ring.getPointList(), m_minimumRing)) ring.closeRing();
         }
         polygon.updateEnvelop();
     }
@@ -84,7 +84,7 @@ class LineWalk {
     }
 
     /// Why a list that could be edited stayed as it was since the last call; empty where none did.
-    std::string takeProblem() { return std::exchange(problem_, std::string()); }
+    std::string takeProblem() { return std::exchange(m_problem, std::string()); }
 
   private:
     bool editLine(JWLineString& line) {
@@ -94,23 +94,23 @@ class LineWalk {
     /// Takes the result over if it is long enough and finite.
     bool editList(std::vector<JWRawPoint>& points, std::size_t least) {
         try {
-            if (!editor_.edit(points, scratch_) || scratch_.size() < least) return false;
+            if (!m_editor.edit(points, m_scratch) || m_scratch.size() < least) return false;
         } catch (const TooManyPoints& e) {
-            problem_ = e.what();
+            m_problem = e.what();
             return false;
         }
-        if (!allFinite(scratch_)) {
-            problem_ = kBeyondNumbers;
+        if (!allFinite(m_scratch)) {
+            m_problem = kBeyondNumbers;
             return false;
         }
-        points.swap(scratch_);
+        points.swap(m_scratch);
         return true;
     }
 
-    Editor editor_;
-    std::size_t minimumRing_;
-    std::string problem_;
-    std::vector<JWRawPoint> scratch_;
+    Editor m_editor;
+    std::size_t m_minimumRing;
+    std::string m_problem;
+    std::vector<JWRawPoint> m_scratch;
 };
 
 inline bool hasLines(const JWGeometry& geometry) {

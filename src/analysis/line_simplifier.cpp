@@ -27,34 +27,34 @@ double squaredLineDistance(const JWRawPoint& p, const JWRawPoint& a, const JWRaw
 }  // namespace
 
 bool LineSimplifier::isUsable() const {
-    const double tolerance = options_.tolerance;
-    switch (options_.method) {
+    const double tolerance = m_options.tolerance;
+    switch (m_options.method) {
         case JWSimplifyDouglasPeucker:
         case JWSimplifyReumannWitkam:
         case JWSimplifyVertexReduction:
         case JWSimplifyPerpendicularDistance:
             return tolerance > 0;
         case JWSimplifyLang:
-            return tolerance > 0 && options_.count > 1;
+            return tolerance > 0 && m_options.count > 1;
         case JWSimplifyOpheim:
-            return tolerance > 0 && options_.maximumTolerance >= tolerance;
+            return tolerance > 0 && m_options.maximumTolerance >= tolerance;
         case JWSimplifyNthPoint:
-            return options_.count > 0;
+            return m_options.count > 0;
     }
     return false;
 }
 
 bool LineSimplifier::edit(const Points& points, Points& left) {
-    const std::size_t least = options_.method == JWSimplifyDouglasPeucker ? 4
-                              : options_.method == JWSimplifyOpheim       ? 0
-                                                                          : 3;
+    const std::size_t least = m_options.method == JWSimplifyDouglasPeucker ? 4
+                              : m_options.method == JWSimplifyOpheim       ? 0
+                                                                           : 3;
     if (!isUsable() || points.size() < least || !allFinite(points)) return false;
     if (points.size() < 3) {
         left = points;
         return true;
     }
     left.assign(1, points[0]);
-    switch (options_.method) {
+    switch (m_options.method) {
         case JWSimplifyDouglasPeucker:
             douglasPeucker(points, left);
             break;
@@ -81,13 +81,13 @@ bool LineSimplifier::edit(const Points& points, Points& left) {
 }
 
 void LineSimplifier::douglasPeucker(const Points& points, Points& left) {
-    farthest_.setLine(points.data(), points.size());
-    farthest_.keep(options_.tolerance, kept_);
-    for (std::size_t i = 1; i < kept_.size(); ++i) left.push_back(points[kept_[i]]);
+    m_farthest.setLine(points.data(), points.size());
+    m_farthest.keep(m_options.tolerance, m_kept);
+    for (std::size_t i = 1; i < m_kept.size(); ++i) left.push_back(points[m_kept[i]]);
 }
 
 void LineSimplifier::reumannWitkam(const Points& points, Points& left) const {
-    const double limit = options_.tolerance * options_.tolerance;
+    const double limit = m_options.tolerance * m_options.tolerance;
     const std::size_t n = points.size();
     JWRawPoint start = points[0], previous = points[1];
     JWRawPoint direction = difference(previous, start);
@@ -105,9 +105,9 @@ void LineSimplifier::reumannWitkam(const Points& points, Points& left) const {
 
 void LineSimplifier::lang(const Points& points, Points& left) const {
     const std::size_t n = points.size();
-    const auto look = static_cast<std::size_t>(options_.count);
+    const auto look = static_cast<std::size_t>(m_options.count);
     const auto isFar = [&](std::size_t i, const JWRawPoint& a, std::size_t to) {
-        return segmentDistance(points[i], a, points[to]) > options_.tolerance;
+        return segmentDistance(points[i], a, points[to]) > m_options.tolerance;
     };
     JWRawPoint start = points[0];
     std::size_t from = 0, lastFar = 0;
@@ -128,7 +128,7 @@ void LineSimplifier::lang(const Points& points, Points& left) const {
 }
 
 void LineSimplifier::vertexReduction(const Points& points, Points& left) const {
-    const double limit = options_.tolerance * options_.tolerance;
+    const double limit = m_options.tolerance * m_options.tolerance;
     const std::size_t n = points.size();
     for (std::size_t i = 1; i + 1 < n; ++i) {
         if (squaredLength(difference(points[i], left.back())) > limit) {
@@ -139,7 +139,7 @@ void LineSimplifier::vertexReduction(const Points& points, Points& left) const {
 }
 
 void LineSimplifier::opheim(const Points& points, Points& left) const {
-    const double minimum = options_.tolerance, maximum = options_.maximumTolerance;
+    const double minimum = m_options.tolerance, maximum = m_options.maximumTolerance;
     const std::size_t n = points.size();
     JWRawPoint key = points[0], previous = points[1], through = key;
     bool hasRay = false;
@@ -165,7 +165,7 @@ void LineSimplifier::opheim(const Points& points, Points& left) const {
 
 void LineSimplifier::nthPoint(const Points& points, Points& left) const {
     const std::size_t n = points.size();
-    const auto step = static_cast<std::size_t>(options_.count);
+    const auto step = static_cast<std::size_t>(m_options.count);
     for (std::size_t i = step; i + 1 < n; i += step) left.push_back(points[i]);
     left.push_back(points[n - 1]);
 }
@@ -176,7 +176,7 @@ void LineSimplifier::perpendicularDistance(const Points& points, Points& left) c
     std::size_t i = 1;
     while (i + 1 < n) {
         const JWRawPoint p = points[i];
-        if (segmentDistance(p, previous, points[i + 1]) <= options_.tolerance) {
+        if (segmentDistance(p, previous, points[i + 1]) <= m_options.tolerance) {
             // The next one is kept untested, unless it is the last, which the end writes.
             previous = points[i + 1];
             if (i + 2 < n) left.push_back(previous);

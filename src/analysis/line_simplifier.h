@@ -16,7 +16,7 @@ class LineSimplifier {
   public:
     using Points = std::vector<JWRawPoint>;
 
-    explicit LineSimplifier(const JWSimplifyOptions& options) : options_(options) {}
+    explicit LineSimplifier(const JWSimplifyOptions& options) : m_options(options) {}
 
     /// The parameters are in range for the method.
     bool isUsable() const;
@@ -33,9 +33,9 @@ class LineSimplifier {
     void nthPoint(const Points& points, Points& left) const;
     void perpendicularDistance(const Points& points, Points& left) const;
 
-    JWSimplifyOptions options_;
-    FarthestPoint farthest_;
-    std::vector<std::size_t> kept_;
+    JWSimplifyOptions m_options;
+    FarthestPoint m_farthest;
+    std::vector<std::size_t> m_kept;
 };
 
 }  // namespace jws::detail

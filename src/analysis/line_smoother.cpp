@@ -28,7 +28,7 @@ bool isWindow(int lookAhead) { return lookAhead % 2 == 1 && lookAhead >= 3; }
 }  // namespace
 
 bool LineSmoother::isUsable() const {
-    const JWSmoothOptions& o = options_;
+    const JWSmoothOptions& o = m_options;
     switch (o.method) {
         case JWSmoothBoyle:
             return o.lookAhead > 1;
@@ -49,7 +49,7 @@ bool LineSmoother::isUsable() const {
 bool LineSmoother::edit(const Points& points, Points& smooth) const {
     if (!isUsable() || points.size() < 2 || !allFinite(points)) return false;
     const auto isSmoothed = [&] {
-        switch (options_.method) {
+        switch (m_options.method) {
             case JWSmoothBoyle:
                 return boyle(points, smooth);
             case JWSmoothSlidingAveraging:
@@ -66,7 +66,7 @@ bool LineSmoother::edit(const Points& points, Points& smooth) const {
         return false;
     };
     if (!isSmoothed()) return false;
-    if (options_.dropRepeated) {
+    if (m_options.dropRepeated) {
         smooth.erase(std::unique(smooth.begin(), smooth.end()), smooth.end());
     }
     return true;
@@ -74,7 +74,7 @@ bool LineSmoother::edit(const Points& points, Points& smooth) const {
 
 bool LineSmoother::boyle(const Points& points, Points& smooth) const {
     const std::size_t n = points.size();
-    const auto look = static_cast<std::size_t>(options_.lookAhead);
+    const auto look = static_cast<std::size_t>(m_options.lookAhead);
     if (look > n) return false;
     const double c2 = static_cast<double>(look - 2) / static_cast<double>(look - 1);
     JWRawPoint previous = points[0];
@@ -90,10 +90,10 @@ bool LineSmoother::boyle(const Points& points, Points& smooth) const {
 
 bool LineSmoother::slidingAveraging(const Points& points, Points& smooth) const {
     const std::size_t n = points.size();
-    const auto look = static_cast<std::size_t>(options_.lookAhead);
+    const auto look = static_cast<std::size_t>(m_options.lookAhead);
     if (look >= n) return false;
     const std::size_t half = look / 2;
-    const double weight = options_.slide / static_cast<double>(look);
+    const double weight = m_options.slide / static_cast<double>(look);
     const JWRawPoint origin = points[0];
     JWRawPoint sum(0, 0);
     const auto add = [&](const JWRawPoint& p, double sign) {
@@ -103,8 +103,8 @@ bool LineSmoother::slidingAveraging(const Points& points, Points& smooth) const 
     smooth.assign(points.begin(), points.begin() + half);
     for (std::size_t i = half; i + half < n; ++i) {
         const JWRawPoint p = difference(points[i], origin);
-        smooth.emplace_back(origin.x + (1 - options_.slide) * p.x + weight * sum.x,
-                            origin.y + (1 - options_.slide) * p.y + weight * sum.y);
+        smooth.emplace_back(origin.x + (1 - m_options.slide) * p.x + weight * sum.x,
+                            origin.y + (1 - m_options.slide) * p.y + weight * sum.y);
         if (i + 1 + half >= n) break;
         add(points[i - half], -1);
         add(points[i + 1 + half], 1);
@@ -115,7 +115,7 @@ bool LineSmoother::slidingAveraging(const Points& points, Points& smooth) const 
 
 bool LineSmoother::distanceWeighting(const Points& points, Points& smooth) const {
     const std::size_t n = points.size();
-    const std::size_t half = static_cast<std::size_t>(options_.lookAhead) / 2;
+    const std::size_t half = static_cast<std::size_t>(m_options.lookAhead) / 2;
     if (n <= 2 * half) return false;
     smooth.assign(points.begin(), points.begin() + half);
     for (std::size_t i = half; i + half < n; ++i) {
@@ -129,7 +129,7 @@ bool LineSmoother::distanceWeighting(const Points& points, Points& smooth) const
             weights += 1 / d;
             sum.move(v.x / d, v.y / d);
         }
-        const double factor = weights > 0 ? options_.slide / weights : 0;
+        const double factor = weights > 0 ? m_options.slide / weights : 0;
         smooth.emplace_back(p.x + factor * sum.x, p.y + factor * sum.y);
     }
     smooth.insert(smooth.end(), points.end() - half, points.end());
@@ -141,7 +141,7 @@ bool LineSmoother::distanceWeighting(const Points& points, Points& smooth) const
 bool LineSmoother::chaiken(const Points& points, Points& smooth) const {
     const std::size_t n = points.size();
     if (n < 3) return false;
-    const double limit = options_.tolerance * options_.tolerance;
+    const double limit = m_options.tolerance * m_options.tolerance;
     smooth.assign(1, points[0]);
     JWRawPoint anchor = points[0];
     for (std::size_t i = 2; i <= n; ++i) {
@@ -173,12 +173,12 @@ bool LineSmoother::hermite(const Points& points, Points& smooth) const {
     if (n < 3) return false;
     const auto tangent = [&](std::size_t k) {
         const JWRawPoint t = difference(points[std::min(k + 2, n - 1)], points[k]);
-        const double scale = dot(t, t) >= options_.tangentMinimum ? options_.tangentScale : 0;
+        const double scale = dot(t, t) >= m_options.tangentMinimum ? m_options.tangentScale : 0;
         return JWRawPoint(scale * t.x, scale * t.y);
     };
     double total = 0;
     for (std::size_t k = 0; k + 1 < n; ++k) total += pointDistance(points[k], points[k + 1]);
-    requireRoomFor(total / options_.step + 2);
+    requireRoomFor(total / m_options.step + 2);
     smooth.assign(1, points[0]);
     double begin = 0;
     double count = 1;
@@ -186,9 +186,9 @@ bool LineSmoother::hermite(const Points& points, Points& smooth) const {
         const JWRawPoint& p = points[k];
         const JWRawPoint& q = points[k + 1];
         const double size = pointDistance(p, q), end = begin + size;
-        if (count * options_.step <= end) {
+        if (count * m_options.step <= end) {
             const JWRawPoint s = tangent(k), t = tangent(k + 1);
-            for (double at; (at = count * options_.step) <= end && at < total; ++count) {
+            for (double at; (at = count * m_options.step) <= end && at < total; ++count) {
                 const double u = std::min((at - begin) / size, 1.0), u2 = u * u, u3 = u2 * u;
                 const double b = u3 - 2 * u2 + u, d = u3 - u2;
                 // From the nearer end, so that both ends come out with their own bits.
@@ -207,10 +207,10 @@ bool LineSmoother::hermite(const Points& points, Points& smooth) const {
 }
 
 bool LineSmoother::bezier(const Points& points, Points& smooth) const {
-    const std::size_t degree = std::min(options_.degree, JWBezierCurve::kMaxDegree);
+    const std::size_t degree = std::min(m_options.degree, JWBezierCurve::kMaxDegree);
     const std::size_t curves = (points.size() + degree - 2) / degree;
-    requireRoomFor(static_cast<double>(curves) * options_.points + 1);
-    return JWBezierCurve().smoothPoints(points, options_.degree, options_.points, smooth);
+    requireRoomFor(static_cast<double>(curves) * m_options.points + 1);
+    return JWBezierCurve().smoothPoints(points, m_options.degree, m_options.points, smooth);
 }
 
 }  // namespace jws::detail

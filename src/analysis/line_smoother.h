@@ -15,7 +15,7 @@ class LineSmoother {
   public:
     using Points = std::vector<JWRawPoint>;
 
-    explicit LineSmoother(const JWSmoothOptions& options) : options_(options) {}
+    explicit LineSmoother(const JWSmoothOptions& options) : m_options(options) {}
 
     /// The parameters are in range for some line.
     bool isUsable() const;
@@ -32,7 +32,7 @@ class LineSmoother {
     bool hermite(const Points& points, Points& smooth) const;
     bool bezier(const Points& points, Points& smooth) const;
 
-    JWSmoothOptions options_;
+    JWSmoothOptions m_options;
 };
 
 }  // namespace jws::detail

@@ -59,22 +59,22 @@ std::optional<Circle> circleOf(const JWRawPoint& a, const JWRawPoint& b, const J
 class Incremental {
   public:
     explicit Incremental(const std::vector<JWRawPoint>& points, double tolerance)
-        : points_(points), tolerance_(tolerance), allowance_(2 * points.size() + 20000) {}
+        : m_points(points), m_tolerance(tolerance), m_allowance(2 * points.size() + 20000) {}
 
     std::optional<Circle> run() {
-        circle_ = {points_[0], 0};
-        const std::size_t n = points_.size();
+        m_circle = {m_points[0], 0};
+        const std::size_t n = m_points.size();
         for (std::size_t i = 1; (i = firstOutside(i, n)) < n; ++i) {
-            circle_ = {points_[i], 0};
+            m_circle = {m_points[i], 0};
             for (std::size_t j = 0; (j = firstOutside(j, i)) < i; ++j) {
-                circle_ = circleOf(points_[i], points_[j]);
+                m_circle = circleOf(m_points[i], m_points[j]);
                 for (std::size_t k = 0; (k = firstOutside(k, j)) < j; ++k) {
-                    circle_ = circleOf(points_[i], points_[j], points_[k]).value_or(circle_);
+                    m_circle = circleOf(m_points[i], m_points[j], m_points[k]).value_or(m_circle);
                 }
             }
         }
-        if (spent_ > allowance_) return std::nullopt;
-        return circle_;
+        if (m_spent > m_allowance) return std::nullopt;
+        return m_circle;
     }
 
   private:
@@ -82,24 +82,24 @@ class Incremental {
     /// when there is none, or when the allowance is spent. Distances are compared after the square
     /// root where squares do not settle it.
     std::size_t firstOutside(std::size_t begin, std::size_t end) {
-        if (spent_ > allowance_) return end;
-        const double limit = circle_.radius + tolerance_;
+        if (m_spent > m_allowance) return end;
+        const double limit = m_circle.radius + m_tolerance;
         const double inside = limit * limit * (1 - 1e-15), outside = limit * limit * (1 + 1e-15);
         std::size_t i = begin;
         for (; i < end; ++i) {
-            const double square = squaredDistance(circle_.center, points_[i]);
+            const double square = squaredDistance(m_circle.center, m_points[i]);
             if (square < inside) continue;
             if (square > outside || std::sqrt(square) > limit) break;
         }
-        spent_ += i - begin + 1;
+        m_spent += i - begin + 1;
         return i;
     }
 
-    const std::vector<JWRawPoint>& points_;
-    Circle circle_{JWRawPoint(0, 0), 0};
-    double tolerance_;
-    std::size_t allowance_;
-    std::size_t spent_ = 0;
+    const std::vector<JWRawPoint>& m_points;
+    Circle m_circle{JWRawPoint(0, 0), 0};
+    double m_tolerance;
+    std::size_t m_allowance;
+    std::size_t m_spent = 0;
 };
 
 /// The largest squared distance from a centre. Four running maxima, so that none waits for the one

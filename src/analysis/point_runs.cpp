@@ -30,9 +30,9 @@ PointRuns::PointRuns(const JWGeometry* geometry) {
     switch (geometry->getGeometryType()) {
         case JWGeometryMultiPoint: {
             const auto& members = static_cast<const JWMultiPoint&>(*geometry).getPointList();
-            copies_.reserve(members.size());
-            for (const JWPoint& p : members) copies_.push_back(p.getRawPoint());
-            add(copies_.data(), copies_.size());
+            m_copies.reserve(members.size());
+            for (const JWPoint& p : members) m_copies.push_back(p.getRawPoint());
+            add(m_copies.data(), m_copies.size());
             break;
         }
         case JWGeometryLineString:
@@ -61,8 +61,8 @@ PointRuns::PointRuns(const JWGeometry* geometry) {
 
 void PointRuns::add(const JWRawPoint* points, std::size_t n) {
     if (n == 0) return;
-    runs_.push_back({points, points + n});
-    count_ += n;
+    m_runs.push_back({points, points + n});
+    m_count += n;
 }
 
 void PointRuns::add(const JWPointSequence& sequence) {
@@ -78,9 +78,9 @@ void PointRuns::copyPointed(const std::vector<Pointer>& points, int n) {
     if (!holds(points, n)) return;
     const auto end = points.begin() + n;
     if (std::find(points.begin(), end, nullptr) != end) return;
-    copies_.reserve(static_cast<std::size_t>(n));
-    for (auto p = points.begin(); p != end; ++p) copies_.push_back(rawPoint(*p));
-    add(copies_.data(), copies_.size());
+    m_copies.reserve(static_cast<std::size_t>(n));
+    for (auto p = points.begin(); p != end; ++p) m_copies.push_back(rawPoint(*p));
+    add(m_copies.data(), m_copies.size());
 }
 
 }  // namespace jws::detail

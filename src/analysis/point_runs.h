@@ -28,18 +28,18 @@ class PointRuns {
     /// n points in a row, which must outlive the runs.
     PointRuns(const JWRawPoint* points, std::size_t n) { add(points, n); }
 
-    std::size_t count() const { return count_; }
-    const JWRawPoint& first() const { return *runs_.front().begin; }
+    std::size_t count() const { return m_count; }
+    const JWRawPoint& first() const { return *m_runs.front().begin; }
 
     /// Calls `body(begin, end)` for each run, in order; none is empty.
     template <class Body>
     void forEachRun(Body&& body) const {
-        for (const Run& run : runs_) body(run.begin, run.end);
+        for (const Run& run : m_runs) body(run.begin, run.end);
     }
     /// Calls `body(point)` for each point, in order.
     template <class Body>
     void forEach(Body&& body) const {
-        for (const Run& run : runs_) {
+        for (const Run& run : m_runs) {
             for (const JWRawPoint* p = run.begin; p != run.end; ++p) body(*p);
         }
     }
@@ -59,9 +59,9 @@ class PointRuns {
     template <class Pointer>
     void copyPointed(const std::vector<Pointer>& points, int n);
 
-    std::vector<Run> runs_;
-    std::vector<JWRawPoint> copies_;
-    std::size_t count_ = 0;
+    std::vector<Run> m_runs;
+    std::vector<JWRawPoint> m_copies;
+    std::size_t m_count = 0;
 };
 
 }  // namespace jws::detail

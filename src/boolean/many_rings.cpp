@@ -16,28 +16,28 @@ class EngineSets {
     void add(const RingViews& rings) {
         for (const RingView& ring : rings) {
             auto* points = const_cast<JWRawPoint*>(ring.points);  // the engine only reads operands
-            contours_.push_back({ring.count, reinterpret_cast<gpc_vertex*>(points)});
+            m_contours.push_back({ring.count, reinterpret_cast<gpc_vertex*>(points)});
         }
-        ends_.push_back(contours_.size());
+        m_ends.push_back(m_contours.size());
     }
     /// The sets added so far; good until the next `add`.
     const std::vector<const ::gpc_polygon*>& polygons() {
-        polygons_.clear();
-        pointers_.clear();
+        m_polygons.clear();
+        m_pointers.clear();
         std::size_t from = 0;
-        for (const std::size_t end : ends_) {
-            polygons_.push_back({static_cast<int>(end - from), nullptr, contours_.data() + from});
+        for (const std::size_t end : m_ends) {
+            m_polygons.push_back({static_cast<int>(end - from), nullptr, m_contours.data() + from});
             from = end;
         }
-        for (const ::gpc_polygon& polygon : polygons_) pointers_.push_back(&polygon);
-        return pointers_;
+        for (const ::gpc_polygon& polygon : m_polygons) m_pointers.push_back(&polygon);
+        return m_pointers;
     }
 
   private:
-    std::vector<gpc_vertex_list> contours_;
-    std::vector<std::size_t> ends_;
-    std::vector<::gpc_polygon> polygons_;
-    std::vector<const ::gpc_polygon*> pointers_;
+    std::vector<gpc_vertex_list> m_contours;
+    std::vector<std::size_t> m_ends;
+    std::vector<::gpc_polygon> m_polygons;
+    std::vector<const ::gpc_polygon*> m_pointers;
 };
 
 }  // namespace

@@ -110,9 +110,9 @@ gpc_op engineOperation(enumJWBooleanType type) {
 }  // namespace
 
 RingView ClippedContours::view(int i) const {
-    const gpc_vertex_list& contour = polygon_.contour[i];
+    const gpc_vertex_list& contour = m_polygon.contour[i];
     return {reinterpret_cast<const JWRawPoint*>(contour.vertex), contour.num_vertices,
-            polygon_.hole[i]};
+            m_polygon.hole[i]};
 }
 
 RingViews ClippedContours::views() const {
@@ -127,7 +127,7 @@ JWRing ClippedContours::ring(int i) const {
     return {contour.points, contour.count};
 }
 
-ClippedContours::ClippedContours(const ::gpc_polygon& polygon, int failure) : polygon_(polygon) {
+ClippedContours::ClippedContours(const ::gpc_polygon& polygon, int failure) : m_polygon(polygon) {
     if (failure == ENOMEM) throw std::bad_alloc();
     if (failure == ERANGE) throw ClipFailure();
     if (failure == ECANCELED) Pulse::throwAgain();

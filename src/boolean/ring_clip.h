@@ -25,28 +25,28 @@ class ClippedContours {
     /// Takes over what the engine has made. `failure` is its errno value: 0, EDOM, which becomes
     /// the thread's last error, ENOMEM, ERANGE or ECANCELED, which are thrown.
     ClippedContours(const ::gpc_polygon& polygon, int failure);
-    ClippedContours(ClippedContours&& other) noexcept : polygon_(other.polygon_) {
-        other.polygon_ = {};
+    ClippedContours(ClippedContours&& other) noexcept : m_polygon(other.m_polygon) {
+        other.m_polygon = {};
     }
     ClippedContours(const ClippedContours&) = delete;
     ClippedContours& operator=(ClippedContours&& other) noexcept {
-        std::swap(polygon_, other.polygon_);
+        std::swap(m_polygon, other.m_polygon);
         return *this;
     }
     ~ClippedContours() {
-        if (polygon_.num_contours > 0) gpc_free_polygon(&polygon_);
+        if (m_polygon.num_contours > 0) gpc_free_polygon(&m_polygon);
     }
 
-    int count() const { return polygon_.num_contours; }
+    int count() const { return m_polygon.num_contours; }
     RingView view(int i) const;
-    int hole(int i) const { return polygon_.hole[i]; }
+    int hole(int i) const { return m_polygon.hole[i]; }
     /// Views of all contours; valid as long as this object is.
     RingViews views() const;
     /// Makes the closed ring of contour i, its envelope up to date.
     JWRing ring(int i) const;
 
   private:
-    ::gpc_polygon polygon_ = {};
+    ::gpc_polygon m_polygon = {};
 };
 
 /// The area that contours enclose, holes taken off.

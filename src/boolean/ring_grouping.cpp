@@ -30,7 +30,7 @@ namespace bg = boost::geometry;
 /// Finds rings by a point that they contain.
 class RingFinder {
   public:
-    explicit RingFinder(const std::vector<JWRing>& rings) : rings_(rings) {
+    explicit RingFinder(const std::vector<JWRing>& rings) : m_rings(rings) {
         if (rings.size() <= kScanned) return;
         std::vector<Entry> entries;
         entries.reserve(rings.size());
@@ -40,27 +40,27 @@ class RingFinder {
             entries.emplace_back(Box(Point(e.minX, e.minY), Point(e.maxX, e.maxY)),
                                  static_cast<int>(i));
         }
-        tree_ = Tree(entries);
+        m_tree = Tree(entries);
     }
 
     /// Returns the first ring whose envelope contains `p` and for which `test(index)` holds; -1 if
     /// there is none.
     template <class Test>
     int first(const JWRawPoint& p, Test test) {
-        if (rings_.size() <= kScanned) {
-            for (std::size_t i = 0; i < rings_.size(); ++i) {
+        if (m_rings.size() <= kScanned) {
+            for (std::size_t i = 0; i < m_rings.size(); ++i) {
                 const int index = static_cast<int>(i);
-                if (rings_[i].getEnvelop().contains(p) && test(index)) return index;
+                if (m_rings[i].getEnvelop().contains(p) && test(index)) return index;
             }
             return -1;
         }
-        found_.clear();
+        m_found.clear();
         const Box place(Point(p.x, p.y), Point(p.x, p.y));
-        for (auto it = tree_.qbegin(bg::index::intersects(place)); it != tree_.qend(); ++it) {
-            found_.push_back(it->second);
+        for (auto it = m_tree.qbegin(bg::index::intersects(place)); it != m_tree.qend(); ++it) {
+            m_found.push_back(it->second);
         }
-        std::sort(found_.begin(), found_.end());
-        for (const int index : found_) {
+        std::sort(m_found.begin(), m_found.end());
+        for (const int index : m_found) {
             if (test(index)) return index;
         }
         return -1;
@@ -73,9 +73,9 @@ class RingFinder {
     using Tree = bg::index::rtree<Entry, bg::index::rstar<16>>;
     static constexpr std::size_t kScanned = 32;
 
-    const std::vector<JWRing>& rings_;
-    Tree tree_;
-    std::vector<int> found_;
+    const std::vector<JWRing>& m_rings;
+    Tree m_tree;
+    std::vector<int> m_found;
 };
 
 enum class Place { Outside, On, Inside };
@@ -83,16 +83,16 @@ enum class Place { Outside, On, Inside };
 /// Where points lie in each of some rings.
 class RingPlaces {
   public:
-    explicit RingPlaces(const std::vector<JWRing>& rings) : rings_(rings), asked_(rings.size()) {}
+    explicit RingPlaces(const std::vector<JWRing>& rings) : m_rings(rings), m_asked(rings.size()) {}
 
     Place of(const JWRawPoint& p, int index) {
-        const JWRing& ring = rings_[index];
+        const JWRing& ring = m_rings[index];
         const JWRawPoint* points = ring.getPointsPtr();
         const int edges = ring.getPointCount() - 1;
         if (edges < 3) return Place::Outside;
         ExactCrossings crossings(p);
         const auto meets = [&](int i) { return crossings.meetsEdge(points[i], points[i + 1]); };
-        Asked& asked = asked_[index];
+        Asked& asked = m_asked[index];
         if (edges >= kIndexed && !asked.tree && ++asked.times > kWalks) {
             asked.tree = std::make_unique<EdgeTree>(points, edges);
         }
@@ -123,8 +123,8 @@ class RingPlaces {
         std::unique_ptr<EdgeTree> tree;
     };
 
-    const std::vector<JWRing>& rings_;
-    std::vector<Asked> asked_;
+    const std::vector<JWRing>& m_rings;
+    std::vector<Asked> m_asked;
 };
 
 }  // namespace

@@ -52,15 +52,15 @@ struct FarthestPoint::Segment {
 };
 
 void FarthestPoint::setLine(const JWRawPoint* points, std::size_t n) {
-    points_ = points;
-    n_ = n;
-    tieAllowance_ = kFreeTies + n * logarithm(n);
-    levels_.clear();
+    m_points = points;
+    m_n = n;
+    m_tieAllowance = kFreeTies + n * logarithm(n);
+    m_levels.clear();
     if (n > kLongRange) buildTree();
 }
 
 FarthestPoint::Found FarthestPoint::find(std::size_t first, std::size_t last, double tolerance) {
-    const Segment segment(points_[first], points_[last]);
+    const Segment segment(m_points[first], m_points[last]);
     const bool isLong = last - first > kLongRange;
     const Found found =
         isLong ? search(segment, first, last, tolerance) : scan(segment, first, last, tolerance);
@@ -69,17 +69,17 @@ FarthestPoint::Found FarthestPoint::find(std::size_t first, std::size_t last, do
 
 void FarthestPoint::keep(double tolerance, std::vector<std::size_t>& kept) {
     kept.assign(1, 0);
-    ranges_.assign(1, {0, n_ - 1});
-    while (!ranges_.empty()) {
-        const auto [first, last] = ranges_.back();
-        ranges_.pop_back();
+    m_ranges.assign(1, {0, m_n - 1});
+    while (!m_ranges.empty()) {
+        const auto [first, last] = m_ranges.back();
+        m_ranges.pop_back();
         const Found found = find(first, last, tolerance);
         if (found.distance <= tolerance) {
             kept.push_back(last);
             continue;
         }
-        ranges_.emplace_back(found.index, last);
-        ranges_.emplace_back(first, found.index);
+        m_ranges.emplace_back(found.index, last);
+        m_ranges.emplace_back(first, found.index);
     }
 }
 
@@ -89,10 +89,10 @@ FarthestPoint::Found FarthestPoint::scan(const Segment& segment, std::size_t fir
                                          std::size_t last, double tolerance) {
     double squares[kBlock];
     double largest = 0;
-    blockLargest_.clear();
+    m_blockLargest.clear();
     for (std::size_t begin = first + 1; begin < last; begin += kBlock) {
         const std::size_t size = std::min(kBlock, last - begin);
-        const JWRawPoint* p = points_ + begin;
+        const JWRawPoint* p = m_points + begin;
         for (std::size_t i = 0; i < size; ++i) squares[i] = segment.square(p[i]);
         double most[4] = {0, 0, 0, 0};
         std::size_t i = 0;
@@ -102,8 +102,8 @@ FarthestPoint::Found FarthestPoint::scan(const Segment& segment, std::size_t fir
             }
         }
         for (; i < size; ++i) most[0] = std::max(most[0], squares[i]);
-        blockLargest_.push_back(std::max(std::max(most[0], most[1]), std::max(most[2], most[3])));
-        largest = std::max(largest, blockLargest_.back());
+        m_blockLargest.push_back(std::max(std::max(most[0], most[1]), std::max(most[2], most[3])));
+        largest = std::max(largest, m_blockLargest.back());
     }
     const double distance = std::sqrt(largest);
     const double rounding = segment.rounding(distance);
@@ -112,8 +112,8 @@ FarthestPoint::Found FarthestPoint::scan(const Segment& segment, std::size_t fir
     const bool bounded = rounding < 1e150 && rounding > 1e-150;
     const double limit = bounded ? std::max(0.0, distance - 2 * rounding) : 0;
     Ties ties;
-    for (std::size_t block = 0; block < blockLargest_.size(); ++block) {
-        if (blockLargest_[block] < limit * limit) continue;
+    for (std::size_t block = 0; block < m_blockLargest.size(); ++block) {
+        if (m_blockLargest[block] < limit * limit) continue;
         const std::size_t begin = first + 1 + block * kBlock;
         settle(segment, begin, std::min(begin + kBlock, last), limit, ties);
     }
@@ -124,8 +124,8 @@ FarthestPoint::Found FarthestPoint::scan(const Segment& segment, std::size_t fir
 void FarthestPoint::settle(const Segment& segment, std::size_t begin, std::size_t end, double limit,
                            Ties& ties) const {
     for (std::size_t i = begin; i < end; ++i) {
-        if (segment.square(points_[i]) < limit * limit) continue;
-        const double distance = segmentDistance(points_[i], segment.a, segment.b);
+        if (segment.square(m_points[i]) < limit * limit) continue;
+        const double distance = segmentDistance(m_points[i], segment.a, segment.b);
         if (distance > ties.best.distance) ties.best = {i, distance};
         ++ties.count;
     }
@@ -182,30 +182,30 @@ double bound(const Segment& segment, const Box& box) {
 /// points ahead, or 60, 120 and so on. Lines that go up and down with a period of 2, 3, 5 or 6
 /// points are in the same phase there, and the rectangle fits them closely.
 std::size_t FarthestPoint::chordEnd(std::size_t begin, std::size_t size) const {
-    return std::min(begin + size - size / 16, n_ - 1);
+    return std::min(begin + size - size / 16, m_n - 1);
 }
 
 void FarthestPoint::buildTree() {
-    levels_.emplace_back();
-    for (std::size_t begin = 0; begin < n_; begin += kLeaf) {
-        const std::size_t end = std::min(begin + kLeaf, n_);
-        levels_[0].push_back(
-            boxAlong(points_[begin], points_[chordEnd(begin, kLeaf)], [&](const auto& body) {
-                for (std::size_t i = begin; i < end; ++i) body(points_[i]);
+    m_levels.emplace_back();
+    for (std::size_t begin = 0; begin < m_n; begin += kLeaf) {
+        const std::size_t end = std::min(begin + kLeaf, m_n);
+        m_levels[0].push_back(
+            boxAlong(m_points[begin], m_points[chordEnd(begin, kLeaf)], [&](const auto& body) {
+                for (std::size_t i = begin; i < end; ++i) body(m_points[i]);
             }));
     }
-    for (std::size_t size = 2 * kLeaf; levels_.back().size() > 1; size *= 2) {
-        const std::vector<Box>& below = levels_.back();
+    for (std::size_t size = 2 * kLeaf; m_levels.back().size() > 1; size *= 2) {
+        const std::vector<Box>& below = m_levels.back();
         std::vector<Box> level;
         for (std::size_t child = 0; child < below.size(); child += 2) {
             const std::size_t begin = child / 2 * size;
             level.push_back(
-                boxAlong(points_[begin], points_[chordEnd(begin, size)], [&](const auto& body) {
+                boxAlong(m_points[begin], m_points[chordEnd(begin, size)], [&](const auto& body) {
                     forEachCorner(below[child], body);
                     if (child + 1 < below.size()) forEachCorner(below[child + 1], body);
                 }));
         }
-        levels_.push_back(std::move(level));
+        m_levels.push_back(std::move(level));
     }
 }
 
@@ -231,7 +231,7 @@ double FarthestPoint::largestIn(const Segment& segment, std::size_t level, std::
         const Span span(level, node, begin, end);
         double most = 0;
         for (std::size_t i = span.begin; i < span.end; ++i) {
-            const double square = segment.square(points_[i]);
+            const double square = segment.square(m_points[i]);
             most = square > most ? square : most;
         }
         return std::max(best, std::sqrt(most));
@@ -240,8 +240,8 @@ double FarthestPoint::largestIn(const Segment& segment, std::size_t level, std::
     for (std::size_t child = 0; child < 2; ++child) {
         const std::size_t index = 2 * node + child;
         const bool meets =
-            index < levels_[level - 1].size() && !Span(level - 1, index, begin, end).empty();
-        bounds[child] = meets ? bound(segment, levels_[level - 1][index]) : -1;
+            index < m_levels[level - 1].size() && !Span(level - 1, index, begin, end).empty();
+        bounds[child] = meets ? bound(segment, m_levels[level - 1][index]) : -1;
     }
     const std::size_t nearer = bounds[1] > bounds[0] ? 1 : 0;
     for (std::size_t child : {nearer, 1 - nearer}) {
@@ -256,23 +256,23 @@ double FarthestPoint::largestIn(const Segment& segment, std::size_t level, std::
 void FarthestPoint::settleIn(const Segment& segment, std::size_t level, std::size_t node,
                              std::size_t begin, std::size_t end, double limit, Ties& ties) {
     const Span span(level, node, begin, end);
-    if (node >= levels_[level].size() || span.empty()) return;
-    if (tieAllowance_ == 0 && ties.count > kFewTies) return;
-    if (bound(segment, levels_[level][node]) < limit) return;
+    if (node >= m_levels[level].size() || span.empty()) return;
+    if (m_tieAllowance == 0 && ties.count > kFewTies) return;
+    if (bound(segment, m_levels[level][node]) < limit) return;
     if (level > 0) {
         settleIn(segment, level - 1, 2 * node, begin, end, limit, ties);
         settleIn(segment, level - 1, 2 * node + 1, begin, end, limit, ties);
         return;
     }
     settle(segment, span.begin, span.end, limit, ties);
-    tieAllowance_ -= std::min(tieAllowance_, span.end - span.begin);
+    m_tieAllowance -= std::min(m_tieAllowance, span.end - span.begin);
 }
 
 FarthestPoint::Found FarthestPoint::search(const Segment& segment, std::size_t first,
                                            std::size_t last, double tolerance) {
-    const std::size_t root = levels_.size() - 1;
+    const std::size_t root = m_levels.size() - 1;
     // No value met here is off by more than this: corners and plain distances included.
-    const double rounding = 2 * segment.rounding(bound(segment, levels_[root][0]));
+    const double rounding = 2 * segment.rounding(bound(segment, m_levels[root][0]));
     if (!(rounding < 1e150 && rounding > 1e-150)) return scan(segment, first, last, tolerance);
     const double floor = tolerance - 4 * rounding;
     const double largest =

@@ -67,12 +67,12 @@ class FarthestPoint {
     void settleIn(const Segment& segment, std::size_t level, std::size_t node, std::size_t begin,
                   std::size_t end, double limit, Ties& ties);
 
-    const JWRawPoint* points_ = nullptr;
-    std::size_t n_ = 0;
-    std::size_t tieAllowance_ = 0;
-    std::vector<std::pair<std::size_t, std::size_t>> ranges_;
-    std::vector<double> blockLargest_;
-    std::vector<std::vector<Box>> levels_;  ///< level 0: runs of kLeaf points; each level halves
+    const JWRawPoint* m_points = nullptr;
+    std::size_t m_n = 0;
+    std::size_t m_tieAllowance = 0;
+    std::vector<std::pair<std::size_t, std::size_t>> m_ranges;
+    std::vector<double> m_blockLargest;
+    std::vector<std::vector<Box>> m_levels;  ///< level 0: runs of kLeaf points; each level halves
 };
 
 }  // namespace jws::detail

@@ -13,32 +13,33 @@ namespace jws {
 
 class Scaling {
   public:
-    Scaling(const JWRawPoint& center, double sx, double sy) : center_(center), sx_(sx), sy_(sy) {}
-    JWRawPoint vector(const JWRawPoint& v) const { return {v.x * sx_, v.y * sy_}; }
+    Scaling(const JWRawPoint& center, double sx, double sy)
+        : m_center(center), m_sx(sx), m_sy(sy) {}
+    JWRawPoint vector(const JWRawPoint& v) const { return {v.x * m_sx, v.y * m_sy}; }
     JWRawPoint operator()(const JWRawPoint& p) const {
-        return {center_.x + (p.x - center_.x) * sx_, center_.y + (p.y - center_.y) * sy_};
+        return {m_center.x + (p.x - m_center.x) * m_sx, m_center.y + (p.y - m_center.y) * m_sy};
     }
 
   private:
-    JWRawPoint center_;
-    double sx_, sy_;
+    JWRawPoint m_center;
+    double m_sx, m_sy;
 };
 
 class Rotation {
   public:
     Rotation(const JWRawPoint& center, double angle)
-        : center_(center), cos_(std::cos(angle)), sin_(std::sin(angle)) {}
+        : m_center(center), m_cos(std::cos(angle)), m_sin(std::sin(angle)) {}
     JWRawPoint vector(const JWRawPoint& v) const {
-        return {v.x * cos_ - v.y * sin_, v.x * sin_ + v.y * cos_};
+        return {v.x * m_cos - v.y * m_sin, v.x * m_sin + v.y * m_cos};
     }
     JWRawPoint operator()(const JWRawPoint& p) const {
-        const JWRawPoint v = vector({p.x - center_.x, p.y - center_.y});
-        return {center_.x + v.x, center_.y + v.y};
+        const JWRawPoint v = vector({p.x - m_center.x, p.y - m_center.y});
+        return {m_center.x + v.x, m_center.y + v.y};
     }
 
   private:
-    JWRawPoint center_;
-    double cos_, sin_;
+    JWRawPoint m_center;
+    double m_cos, m_sin;
 };
 
 /// The rectangle of n points. NaN coordinates are skipped; where an axis has no other, and for no

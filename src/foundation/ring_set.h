@@ -95,29 +95,29 @@ inline JWEnvelop envelopOf(const JWGeometry& geometry) {
 class RingSet {
   public:
     void clear() {
-        emptyKept(points_);
-        emptyKept(ends_);
-        emptyKept(holes_);
+        emptyKept(m_points);
+        emptyKept(m_ends);
+        emptyKept(m_holes);
     }
-    void addPoint(const JWRawPoint& p) { points_.push_back(p); }
+    void addPoint(const JWRawPoint& p) { m_points.push_back(p); }
     void addPoints(const JWRawPoint* first, int count) {
-        points_.insert(points_.end(), first, first + count);
+        m_points.insert(m_points.end(), first, first + count);
     }
     /// Ends the ring of the points added since the last one.
     void endRing(int hole) {
-        ends_.push_back(points_.size());
-        holes_.push_back(hole);
+        m_ends.push_back(m_points.size());
+        m_holes.push_back(hole);
     }
-    int count() const { return static_cast<int>(ends_.size()); }
+    int count() const { return static_cast<int>(m_ends.size()); }
     RingView view(int i) const {
-        const std::size_t from = i == 0 ? 0 : ends_[i - 1];
-        return {points_.data() + from, static_cast<int>(ends_[i] - from), holes_[i]};
+        const std::size_t from = i == 0 ? 0 : m_ends[i - 1];
+        return {m_points.data() + from, static_cast<int>(m_ends[i] - from), m_holes[i]};
     }
 
   private:
-    std::vector<JWRawPoint> points_;
-    std::vector<std::size_t> ends_;
-    std::vector<int> holes_;
+    std::vector<JWRawPoint> m_points;
+    std::vector<std::size_t> m_ends;
+    std::vector<int> m_holes;
 };
 
 }  // namespace jws::detail

@@ -39,15 +39,15 @@ struct Header {
 
 class Reader {
   public:
-    Reader(const unsigned char* bytes, std::size_t length) : at_(bytes), left_(length) {}
+    Reader(const unsigned char* bytes, std::size_t length) : m_at(bytes), m_left(length) {}
 
-    enumJWDataErr error() const { return error_; }
-    std::size_t left() const { return left_; }
+    enumJWDataErr error() const { return m_error; }
+    std::size_t left() const { return m_left; }
 
     bool header(Header& h) {
         if (!enough(1, kHeaderSize)) return false;
-        if (*at_ > 1) return fail(JWDataErrCorruptData);
-        h.swap = (*at_ == JWWKBLittleEndian) != machineIsLittleEndian();
+        if (*m_at > 1) return fail(JWDataErrCorruptData);
+        h.swap = (*m_at == JWWKBLittleEndian) != machineIsLittleEndian();
         skip(1);
         std::uint32_t type = word<std::uint32_t>(h.swap);
         h.hasZ = (type & 0x80000000u) != 0;
@@ -106,7 +106,7 @@ class Reader {
     bool body(const Header& h, JWGeometryBag& bag) {
         std::size_t n;
         if (!count(h, kHeaderSize + kCountSize, n)) return false;
-        if (++depth_ > kMaxDepth) return fail(JWDataErrCorruptData);
+        if (++m_depth > kMaxDepth) return fail(JWDataErrCorruptData);
         bag.reserve(static_cast<int>(n));
         JWEnvelop all = JWEnvelop::invalid();
         for (std::size_t i = 0; i < n; ++i) {
@@ -118,7 +118,7 @@ class Reader {
             bag.addGeometry(std::move(made));
         }
         bag.setEnvelop(all);
-        --depth_;
+        --m_depth;
         return true;
     }
 
@@ -161,25 +161,25 @@ class Reader {
     }
 
     bool fail(enumJWDataErr err) {
-        error_ = err;
+        m_error = err;
         return false;
     }
 
   private:
     /// Tells whether n items of at least `size` bytes can still follow.
     bool enough(std::size_t n, std::size_t size) {
-        return n <= left_ / size || fail(JWDataErrNotEnoughData);
+        return n <= m_left / size || fail(JWDataErrNotEnoughData);
     }
 
     void skip(std::size_t n) {
-        at_ += n;
-        left_ -= n;
+        m_at += n;
+        m_left -= n;
     }
 
     template <class Word>
     Word word(bool swap) {
         Word value;
-        std::memcpy(&value, at_, sizeof value);
+        std::memcpy(&value, m_at, sizeof value);
         skip(sizeof value);
         return swap ? swapped(value) : value;
     }
@@ -205,10 +205,10 @@ class Reader {
         std::size_t n;
         if (!count(h, stride, n)) return false;
         list.clear();
-        list.reserve(n + (closing_ && !repeatsFirst(n, stride) ? 1 : 0));
+        list.reserve(n + (m_closing && !repeatsFirst(n, stride) ? 1 : 0));
         list.resize(n);
         if (!h.swap && stride == kPointSize) {
-            if (n > 0) std::memcpy(static_cast<void*>(list.data()), at_, n * kPointSize);
+            if (n > 0) std::memcpy(static_cast<void*>(list.data()), m_at, n * kPointSize);
             skip(n * kPointSize);
             return true;
         }
@@ -221,13 +221,13 @@ class Reader {
     }
 
     bool repeatsFirst(std::size_t n, std::size_t stride) const {
-        return n == 0 || std::memcmp(at_, at_ + (n - 1) * stride, kPointSize) == 0;
+        return n == 0 || std::memcmp(m_at, m_at + (n - 1) * stride, kPointSize) == 0;
     }
 
     bool ringBody(const Header& h, JWRing& ring) {
-        closing_ = true;
+        m_closing = true;
         const bool read = points(h, ring.getPointList());
-        closing_ = false;
+        m_closing = false;
         if (!read) return false;
         ring.closeRing();
         ring.updateEnvelop();
@@ -265,11 +265,11 @@ class Reader {
         return made;
     }
 
-    const unsigned char* at_;
-    std::size_t left_;
-    enumJWDataErr error_ = JWDataErrNone;
-    int depth_ = 0;
-    bool closing_ = false;  ///< the points to be read are a ring's
+    const unsigned char* m_at;
+    std::size_t m_left;
+    enumJWDataErr m_error = JWDataErrNone;
+    int m_depth = 0;
+    bool m_closing = false;  ///< the points to be read are a ring's
 };
 
 template <class Class>

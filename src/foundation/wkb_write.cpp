@@ -16,9 +16,9 @@ namespace {
 class Writer {
   public:
     Writer(enumJWWKBByteOrder order, unsigned char* bytes)
-        : at_(bytes),
-          order_(order),
-          swap_((order == JWWKBLittleEndian) != machineIsLittleEndian()) {}
+        : m_at(bytes),
+          m_order(order),
+          m_swap((order == JWWKBLittleEndian) != machineIsLittleEndian()) {}
 
     void geometry(const JWGeometry& g) {
         switch (g.getGeometryType()) {
@@ -72,15 +72,15 @@ class Writer {
     }
 
     void header(int type) {
-        *at_++ = static_cast<unsigned char>(order_);
+        *m_at++ = static_cast<unsigned char>(m_order);
         word<std::uint32_t>(type);
     }
 
     void points(const JWRawPoint* p, int n) {
         word<std::uint32_t>(n);
-        if (!swap_) {
-            if (n > 0) std::memcpy(at_, p, n * kPointSize);
-            at_ += n * kPointSize;
+        if (!m_swap) {
+            if (n > 0) std::memcpy(m_at, p, n * kPointSize);
+            m_at += n * kPointSize;
             return;
         }
         for (int i = 0; i < n; ++i) {
@@ -91,9 +91,9 @@ class Writer {
 
     template <class Word>
     void word(Word value) {
-        if (swap_) value = swapped(value);
-        std::memcpy(at_, &value, sizeof value);
-        at_ += sizeof value;
+        if (m_swap) value = swapped(value);
+        std::memcpy(m_at, &value, sizeof value);
+        m_at += sizeof value;
     }
 
     void real(double value) {
@@ -102,9 +102,9 @@ class Writer {
         word(bits);
     }
 
-    unsigned char* at_;
-    enumJWWKBByteOrder order_;
-    bool swap_;
+    unsigned char* m_at;
+    enumJWWKBByteOrder m_order;
+    bool m_swap;
 };
 
 std::size_t listSize(std::size_t n) { return kCountSize + n * kPointSize; }

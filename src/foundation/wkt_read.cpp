@@ -110,13 +110,13 @@ class Reader : public Words {
     bool body(const Header& h, JWMultiPolygon& polygons) { return members(h, polygons); }
 
     bool body(const Header&, JWGeometryBag& bag) {
-        if (++depth_ > kMaxDepth) return fail(JWDataErrCorruptData);
+        if (++m_depth > kMaxDepth) return fail(JWDataErrCorruptData);
         const bool read = list([&] {
             Header member;
             if (!header(member)) return false;
             return bag.addGeometry(geometry(member));
         });
-        --depth_;
+        --m_depth;
         return read;
     }
 
@@ -200,7 +200,7 @@ class Reader : public Words {
         return made;
     }
 
-    int depth_ = 0;
+    int m_depth = 0;
 };
 
 template <class Class>

@@ -17,19 +17,19 @@ namespace jws::wkt {
 
 class Words {
   public:
-    explicit Words(const char* text) : at_(text), end_(text + std::strlen(text)) {}
+    explicit Words(const char* text) : m_at(text), m_end(text + std::strlen(text)) {}
 
-    enumJWDataErr error() const { return error_; }
-    const char* position() const { return at_; }
+    enumJWDataErr error() const { return m_error; }
+    const char* position() const { return m_at; }
 
     /// True when nothing but white space is left.
     bool atEnd() {
         skipSpace();
-        return at_ == end_;
+        return m_at == m_end;
     }
 
     bool fail(enumJWDataErr err) {
-        if (error_ == JWDataErrNone) error_ = err;
+        if (m_error == JWDataErrNone) m_error = err;
         return false;
     }
 
@@ -39,40 +39,40 @@ class Words {
     /// The next sign that is no white space; 0 at the end.
     char peek() {
         skipSpace();
-        return at_ < end_ ? *at_ : '\0';
+        return m_at < m_end ? *m_at : '\0';
     }
 
     /// Reads letters, as capitals; empty when there is none.
     std::string word() {
         skipSpace();
         std::string letters;
-        while (at_ < end_ && isLetter(*at_)) letters.push_back(upper(*at_++));
+        while (m_at < m_end && isLetter(*m_at)) letters.push_back(upper(*m_at++));
         return letters;
     }
 
     bool skipIf(char c) {
         skipSpace();
-        if (at_ == end_ || *at_ != c) return false;
-        ++at_;
+        if (m_at == m_end || *m_at != c) return false;
+        ++m_at;
         return true;
     }
 
     /// This word stands here.
     bool isWord(std::string_view expected) {
-        const char* start = at_;
+        const char* start = m_at;
         const bool is = skipWord(expected);
-        at_ = start;
+        m_at = start;
         return is;
     }
     /// Skips this word when it stands here.
     bool skipWord(std::string_view expected) {
         skipSpace();
         const auto size = static_cast<std::ptrdiff_t>(expected.size());
-        if (end_ - at_ < size || (end_ - at_ > size && isLetter(at_[size]))) return false;
+        if (m_end - m_at < size || (m_end - m_at > size && isLetter(m_at[size]))) return false;
         for (std::ptrdiff_t i = 0; i < size; ++i) {
-            if (upper(at_[i]) != expected[static_cast<std::size_t>(i)]) return false;
+            if (upper(m_at[i]) != expected[static_cast<std::size_t>(i)]) return false;
         }
-        at_ += size;
+        m_at += size;
         return true;
     }
 
@@ -81,13 +81,14 @@ class Words {
 
     bool number(double& value) {
         skipSpace();
-        if (end_ - at_ > 1 && at_[0] == '+' && at_[1] != '-') ++at_;
-        const auto [next, err] = std::from_chars(at_, end_, value);
+        if (m_end - m_at > 1 && m_at[0] == '+' && m_at[1] != '-') ++m_at;
+        const auto [next, err] = std::from_chars(m_at, m_end, value);
         if (err == std::errc::invalid_argument) return unexpected();
-        if (err == std::errc::result_out_of_range) value = outOfRange(at_, next);
-        at_ = next;
+        if (err == std::errc::result_out_of_range) value = outOfRange(m_at, next);
+        m_at = next;
         // Numbers stand apart: "1-2" and "1.2.3" are not two.
-        return at_ == end_ || isSpace(*at_) || std::strchr(",);", *at_) != nullptr || unexpected();
+        return m_at == m_end || isSpace(*m_at) || std::strchr(",);", *m_at) != nullptr ||
+               unexpected();
     }
 
   private:
@@ -98,7 +99,7 @@ class Words {
     static bool isLetter(char c) { return upper(c) >= 'A' && upper(c) <= 'Z'; }
 
     void skipSpace() {
-        while (at_ < end_ && isSpace(*at_)) ++at_;
+        while (m_at < m_end && isSpace(*m_at)) ++m_at;
     }
 
     /// A number too large for a double is infinite, one too small is zero: which of the two, says
@@ -124,9 +125,9 @@ class Words {
         return negative ? -size : size;
     }
 
-    const char* at_;
-    const char* end_;
-    enumJWDataErr error_ = JWDataErrNone;
+    const char* m_at;
+    const char* m_end;
+    enumJWDataErr m_error = JWDataErrNone;
 };
 
 }  // namespace jws::wkt

@@ -14,45 +14,45 @@ namespace {
 
 class Writer {
   public:
-    explicit Writer(std::string& out) : out_(out) {}
+    explicit Writer(std::string& out) : m_out(out) {}
 
     bool geometry(const JWGeometry& g) {
         switch (g.getGeometryType()) {
             case JWGeometryPoint: {
                 const auto& p = static_cast<const JWPoint&>(g);
-                out_ += "POINT ";
+                m_out += "POINT ";
                 point(p);
                 return true;
             }
             case JWGeometryLine: {
                 const auto& line = static_cast<const JWLine&>(g);
                 const JWRawPoint ends[2] = {line.getFromPoint(), line.getToPoint()};
-                out_ += "LINESTRING ";
+                m_out += "LINESTRING ";
                 points(ends, line.isEmpty() ? 0 : 2);
                 return true;
             }
             case JWGeometryLineString:
-                out_ += "LINESTRING ";
+                m_out += "LINESTRING ";
                 sequence(static_cast<const JWLineString&>(g));
                 return true;
             case JWGeometryRing:
-                out_ += "LINEARRING ";
+                m_out += "LINEARRING ";
                 sequence(static_cast<const JWRing&>(g));
                 return true;
             case JWGeometryPolygon:
-                out_ += "POLYGON ";
+                m_out += "POLYGON ";
                 polygon(static_cast<const JWPolygon&>(g));
                 return true;
             case JWGeometryMultiPoint:
-                out_ += "MULTIPOINT ";
+                m_out += "MULTIPOINT ";
                 return list(static_cast<const JWMultiPoint&>(g).getMemberList(),
                             [this](const JWPoint& p) { point(p); });
             case JWGeometryMultiLineString:
-                out_ += "MULTILINESTRING ";
+                m_out += "MULTILINESTRING ";
                 return list(static_cast<const JWMultiLineString&>(g).getMemberList(),
                             [this](const JWLineString& line) { sequence(line); });
             case JWGeometryMultiPolygon:
-                out_ += "MULTIPOLYGON ";
+                m_out += "MULTIPOLYGON ";
                 return list(static_cast<const JWMultiPolygon&>(g).getMemberList(),
                             [this](const JWPolygon& p) { polygon(p); });
             case JWGeometryGeometryBag:
@@ -75,52 +75,52 @@ class Writer {
     }
 
     bool bag(const JWGeometryBag& b) {
-        out_ += "GEOMETRYCOLLECTION ";
+        m_out += "GEOMETRYCOLLECTION ";
         if (b.isEmpty()) {
-            out_ += "EMPTY";
+            m_out += "EMPTY";
             return true;
         }
         for (int i = 0; i < b.getGeometryCount(); ++i) {
-            out_ += i == 0 ? "(" : ", ";
+            m_out += i == 0 ? "(" : ", ";
             if (!geometry(*b.getGeometryPtrAt(i))) return false;
         }
-        out_ += ')';
+        m_out += ')';
         return true;
     }
 
     template <class Items, class Write>
     bool list(const Items& items, const Write& write) {
         if (items.empty()) {
-            out_ += "EMPTY";
+            m_out += "EMPTY";
             return true;
         }
         const char* before = "(";
         for (const auto& item : items) {
-            out_ += before;
+            m_out += before;
             write(item);
             before = ", ";
         }
-        out_ += ')';
+        m_out += ')';
         return true;
     }
 
     void points(const JWRawPoint* p, int n) {
-        if (n == 0) out_ += "EMPTY";
+        if (n == 0) m_out += "EMPTY";
         for (int i = 0; i < n; ++i) {
-            out_ += i == 0 ? "(" : ", ";
+            m_out += i == 0 ? "(" : ", ";
             number(p[i].x);
-            out_ += ' ';
+            m_out += ' ';
             number(p[i].y);
         }
-        if (n > 0) out_ += ')';
+        if (n > 0) m_out += ')';
     }
 
     void number(double value) {
         char text[32];
-        out_.append(text, std::to_chars(text, text + sizeof text, value).ptr);
+        m_out.append(text, std::to_chars(text, text + sizeof text, value).ptr);
     }
 
-    std::string& out_;
+    std::string& m_out;
 };
 
 }  // namespace

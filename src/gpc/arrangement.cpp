@@ -27,128 +27,128 @@ inline bool isRightward(const Point& origin, const Point& p) { return origin < p
 }  // namespace
 
 void Arrangement::build(Noder& noder, bool depth) {
-    depth_ = depth;
-    noder_ = &noder;
-    set_ = &noder.result();
+    m_depth = depth;
+    m_noder = &noder;
+    m_set = &noder.result();
     makeRuns();
     gatherHalfEdges();
-    for (std::uint32_t n = 0; n < nodes_.size(); ++n) sortAround(n);
-    for (std::uint32_t n = 0; n < nodes_.size(); ++n) mergeEqual(n);
-    visited_.fill(nodes_.size(), 0);
-    offset_.clear();
-    for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
-        if (!visited_[n]) labelComponent(n, static_cast<std::uint32_t>(offset_.size()), noder);
+    for (std::uint32_t n = 0; n < m_nodes.size(); ++n) sortAround(n);
+    for (std::uint32_t n = 0; n < m_nodes.size(); ++n) mergeEqual(n);
+    m_visited.fill(m_nodes.size(), 0);
+    m_offset.clear();
+    for (std::uint32_t n = 0; n < m_nodes.size(); ++n) {
+        if (!m_visited[n]) labelComponent(n, static_cast<std::uint32_t>(m_offset.size()), noder);
     }
-    for (Run& r : runs_) {
+    for (Run& r : m_runs) {
         if (r.from == kNone) {
             labelWhole(r, noder);
         } else if (!r.merged) {
-            r.left = combine(r.left, offset_[r.component - 1]);
+            r.left = combine(r.left, m_offset[r.component - 1]);
         }
     }
 }
 
 void Arrangement::growTable(std::size_t size) {
-    table_.fill(size, 0);
+    m_table.fill(size, 0);
     const std::size_t mask = size - 1;
-    for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
-        std::size_t i = hashOf(nodes_[n].p) & mask;
-        while (table_[i] != 0) i = (i + 1) & mask;
-        table_[i] = n + 1;
+    for (std::uint32_t n = 0; n < m_nodes.size(); ++n) {
+        std::size_t i = hashOf(m_nodes[n].p) & mask;
+        while (m_table[i] != 0) i = (i + 1) & mask;
+        m_table[i] = n + 1;
     }
 }
 
 std::uint32_t Arrangement::nodeAt(const Point& p, std::uint64_t hash) {
-    if (2 * (nodes_.size() + 1) > table_.size()) growTable(table_.size() * 2);
-    const std::size_t mask = table_.size() - 1;
+    if (2 * (m_nodes.size() + 1) > m_table.size()) growTable(m_table.size() * 2);
+    const std::size_t mask = m_table.size() - 1;
     std::size_t i = hash & mask;
-    for (; table_[i] != 0; i = (i + 1) & mask) {
-        Point& q = nodes_[table_[i] - 1].p;
+    for (; m_table[i] != 0; i = (i + 1) & mask) {
+        Point& q = m_nodes[m_table[i] - 1].p;
         if (q == p) {
             if (std::signbit(q.x) != std::signbit(p.x)) q.x = 0;
             if (std::signbit(q.y) != std::signbit(p.y)) q.y = 0;
-            return table_[i] - 1;
+            return m_table[i] - 1;
         }
     }
-    nodes_.push({p, 0, 0});
-    table_[i] = static_cast<std::uint32_t>(nodes_.size());
-    return table_[i] - 1;
+    m_nodes.push({p, 0, 0});
+    m_table[i] = static_cast<std::uint32_t>(m_nodes.size());
+    return m_table[i] - 1;
 }
 
 // Gives every meeting point its node. What lies at random places in memory is asked for in advance.
 void Arrangement::makeNodes() {
-    nodes_.clear();
-    meetings_.clear();
-    const ContourSet& set = *set_;
+    m_nodes.clear();
+    m_meetings.clear();
+    const ContourSet& set = *m_set;
     for (const Contour& c : set.contours) {
         for (std::uint32_t i = c.first; i < c.last; ++i) {
-            if (set.flags[i] & kMeeting) meetings_.push({hashOf(set.points[i]), i, kNone});
+            if (set.flags[i] & kMeeting) m_meetings.push({hashOf(set.points[i]), i, kNone});
         }
     }
     std::size_t size = 64;
-    while (size < meetings_.size()) size *= 2;
-    table_.fill(size, 0);
-    const std::size_t count = meetings_.size();
+    while (size < m_meetings.size()) size *= 2;
+    m_table.fill(size, 0);
+    const std::size_t count = m_meetings.size();
     for (std::size_t k = 0; k < count; ++k) {
-        const std::size_t mask = table_.size() - 1;
-        if (k + 2 * kAhead < count) prefetch(&table_[meetings_[k + 2 * kAhead].hash & mask]);
+        const std::size_t mask = m_table.size() - 1;
+        if (k + 2 * kAhead < count) prefetch(&m_table[m_meetings[k + 2 * kAhead].hash & mask]);
         if (k + kAhead < count) {
-            const std::uint32_t node = table_[meetings_[k + kAhead].hash & mask];
-            if (node != 0) prefetch(&nodes_[node - 1]);
+            const std::uint32_t node = m_table[m_meetings[k + kAhead].hash & mask];
+            if (node != 0) prefetch(&m_nodes[node - 1]);
         }
-        meetings_[k].node = nodeAt(set.points[meetings_[k].point], meetings_[k].hash);
+        m_meetings[k].node = nodeAt(set.points[m_meetings[k].point], m_meetings[k].hash);
     }
 }
 
 void Arrangement::makeRuns() {
     makeNodes();
-    const ContourSet& set = *set_;
-    const std::size_t count = meetings_.size();
-    runs_.clear();
-    runs_.reserve(count + set.contours.size());
+    const ContourSet& set = *m_set;
+    const std::size_t count = m_meetings.size();
+    m_runs.clear();
+    m_runs.reserve(count + set.contours.size());
     std::size_t k = 0;
     for (std::uint32_t c = 0; c < set.contours.size(); ++c) {
         const Contour& contour = set.contours[c];
         const std::uint32_t n = contour.last - contour.first;
-        if (k == count || meetings_[k].point >= contour.last) {
-            runs_.push({kNone, kNone, c, contour.first, n, contour.operand, 0, 0, false, kNone});
+        if (k == count || m_meetings[k].point >= contour.last) {
+            m_runs.push({kNone, kNone, c, contour.first, n, contour.operand, 0, 0, false, kNone});
             continue;
         }
-        const Meeting& start = meetings_[k];
-        for (; k < count && meetings_[k].point < contour.last; ++k) {
-            const Meeting& at = meetings_[k];
-            const bool ends = k + 1 == count || meetings_[k + 1].point >= contour.last;
-            const Meeting& next = ends ? start : meetings_[k + 1];
+        const Meeting& start = m_meetings[k];
+        for (; k < count && m_meetings[k].point < contour.last; ++k) {
+            const Meeting& at = m_meetings[k];
+            const bool ends = k + 1 == count || m_meetings[k + 1].point >= contour.last;
+            const Meeting& next = ends ? start : m_meetings[k + 1];
             const std::uint32_t inner = (ends ? n : 0) + next.point - at.point - 1;
-            runs_.push({at.node, next.node, c, set.next(contour, at.point), inner, contour.operand,
-                        0, 0, false, kNone});
+            m_runs.push({at.node, next.node, c, set.next(contour, at.point), inner, contour.operand,
+                         0, 0, false, kNone});
         }
     }
 }
 
 void Arrangement::gatherHalfEdges() {
-    for (const Run& r : runs_) {
+    for (const Run& r : m_runs) {
         if (r.from == kNone) continue;
-        ++nodes_[r.from].count;
-        ++nodes_[r.to].count;
+        ++m_nodes[r.from].count;
+        ++m_nodes[r.to].count;
     }
     std::uint32_t total = 0;
-    cursor_.resize(nodes_.size());
-    for (std::uint32_t n = 0; n < nodes_.size(); ++n) {
-        nodes_[n].first = cursor_[n] = total;
-        total += nodes_[n].count;
+    m_cursor.resize(m_nodes.size());
+    for (std::uint32_t n = 0; n < m_nodes.size(); ++n) {
+        m_nodes[n].first = m_cursor[n] = total;
+        total += m_nodes[n].count;
     }
-    around_.resize(total);
-    for (std::uint32_t r = 0; r < runs_.size(); ++r) {
-        if (runs_[r].from == kNone) continue;
-        around_[cursor_[runs_[r].from]++] = 2 * r;
-        around_[cursor_[runs_[r].to]++] = 2 * r + 1;
+    m_around.resize(total);
+    for (std::uint32_t r = 0; r < m_runs.size(); ++r) {
+        if (m_runs[r].from == kNone) continue;
+        m_around[m_cursor[m_runs[r].from]++] = 2 * r;
+        m_around[m_cursor[m_runs[r].to]++] = 2 * r + 1;
     }
 }
 
 Point Arrangement::directionOf(HalfEdge h) const {
-    const Run& r = runs_[h >> 1];
-    if (r.count == 0) return nodes_[(h & 1) ? r.from : r.to].p;
+    const Run& r = m_runs[h >> 1];
+    if (r.count == 0) return m_nodes[(h & 1) ? r.from : r.to].p;
     return pointOf(r, (h & 1) ? r.count - 1 : 0);
 }
 
@@ -162,10 +162,10 @@ bool Arrangement::before(const Point& origin, const Point& a, const Point& b) co
 }
 
 void Arrangement::sortAround(std::uint32_t node) {
-    const Node& n = nodes_[node];
-    HalfEdge* h = around_.data() + n.first;
-    directions_.resize(n.count);
-    Point* d = directions_.data();
+    const Node& n = m_nodes[node];
+    HalfEdge* h = m_around.data() + n.first;
+    m_directions.resize(n.count);
+    Point* d = m_directions.data();
     if (n.count <= 16) {
         for (std::uint32_t i = 0; i < n.count; ++i) {
             const HalfEdge edge = h[i];
@@ -191,20 +191,20 @@ void Arrangement::sortAround(std::uint32_t node) {
 // Runs that lie on each other are single edges between the same two nodes. The first stands for
 // all; the others leave the arrangement.
 void Arrangement::mergeEqual(std::uint32_t node) {
-    Node& n = nodes_[node];
-    HalfEdge* h = around_.data() + n.first;
+    Node& n = m_nodes[node];
+    HalfEdge* h = m_around.data() + n.first;
     std::uint32_t kept = 0;
     for (std::uint32_t i = 0; i < n.count; ++i) {
-        Run& r = runs_[h[i] >> 1];
+        Run& r = m_runs[h[i] >> 1];
         const std::uint32_t far = (h[i] & 1) ? r.from : r.to;
         bool equal = false;
         if (kept > 0 && r.count == 0) {
             const HalfEdge other = h[kept - 1];
-            Run& s = runs_[other >> 1];
+            Run& s = m_runs[other >> 1];
             equal = s.count == 0 && ((other & 1) ? s.from : s.to) == far;
             if (equal && node < far) {
                 const bool sameWay = ((h[i] ^ other) & 1) == 0;
-                s.step = depth_ ? s.step + (sameWay ? r.step : -r.step) : s.step ^ r.step;
+                s.step = m_depth ? s.step + (sameWay ? r.step : -r.step) : s.step ^ r.step;
                 r.merged = true;
                 r.twin = s.twin;
                 s.twin = h[i] >> 1;
@@ -216,21 +216,21 @@ void Arrangement::mergeEqual(std::uint32_t node) {
 }
 
 std::size_t Arrangement::bytes() const {
-    return runs_.bytes() + nodes_.bytes() + meetings_.bytes() + table_.bytes() + around_.bytes() +
-           queue_.bytes();
+    return m_runs.bytes() + m_nodes.bytes() + m_meetings.bytes() + m_table.bytes() +
+           m_around.bytes() + m_queue.bytes();
 }
 
 void Arrangement::release() {
-    runs_.release();
-    nodes_.release();
-    meetings_.release();
-    table_.release();
-    around_.release();
-    directions_.release();
-    visited_.release();
-    queue_.release();
-    offset_.release();
-    cursor_.release();
+    m_runs.release();
+    m_nodes.release();
+    m_meetings.release();
+    m_table.release();
+    m_around.release();
+    m_directions.release();
+    m_visited.release();
+    m_queue.release();
+    m_offset.release();
+    m_cursor.release();
 }
 
 }  // namespace jws::gpc

@@ -38,32 +38,32 @@ class Arrangement {
     /// inside on its left and adds its operand to what lies there.
     void build(Noder& noder, bool depth);
 
-    const ContourSet& set() const { return *set_; }
-    Noder& noder() const { return *noder_; }
-    Buffer<Run>& runs() { return runs_; }
-    const Buffer<Run>& runs() const { return runs_; }
-    const Buffer<Node>& nodes() const { return nodes_; }
-    const Buffer<HalfEdge>& around() const { return around_; }
+    const ContourSet& set() const { return *m_set; }
+    Noder& noder() const { return *m_noder; }
+    Buffer<Run>& runs() { return m_runs; }
+    const Buffer<Run>& runs() const { return m_runs; }
+    const Buffer<Node>& nodes() const { return m_nodes; }
+    const Buffer<HalfEdge>& around() const { return m_around; }
     /// The edges of `set()` that the run starts and ends with; not for a whole contour.
     std::uint32_t firstEdge(const Run& r) const {
-        const Contour& c = set_->contours[r.contour];
+        const Contour& c = m_set->contours[r.contour];
         return r.firstPoint == c.first ? c.last - 1 : r.firstPoint - 1;
     }
     std::uint32_t lastEdge(const Run& r) const {
         if (r.count == 0) return firstEdge(r);
-        const Contour& c = set_->contours[r.contour];
+        const Contour& c = m_set->contours[r.contour];
         const std::uint32_t i = r.firstPoint + r.count - 1;
         return i < c.last ? i : i - (c.last - c.first);
     }
     /// The run's inner point k.
     Point pointOf(const Run& r, std::uint32_t k) const {
-        const Contour& c = set_->contours[r.contour];
+        const Contour& c = m_set->contours[r.contour];
         const std::uint32_t i = r.firstPoint + k;
-        return set_->points[i < c.last ? i : i - (c.last - c.first)];
+        return m_set->points[i < c.last ? i : i - (c.last - c.first)];
     }
     std::int32_t rightOf(const Run& r) const { return combine(r.left, -r.step); }
     std::uint32_t nodeOf(HalfEdge h) const {
-        return (h & 1) ? runs_[h >> 1].to : runs_[h >> 1].from;
+        return (h & 1) ? m_runs[h >> 1].to : m_runs[h >> 1].from;
     }
     std::size_t bytes() const;
     void release();
@@ -77,7 +77,7 @@ class Arrangement {
     };
 
     std::int32_t combine(std::int32_t state, std::int32_t step) const {
-        return depth_ ? state + step : state ^ (step < 0 ? -step : step);
+        return m_depth ? state + step : state ^ (step < 0 ? -step : step);
     }
     std::uint32_t nodeAt(const Point& p, std::uint64_t hash);
     void growTable(std::size_t size);
@@ -93,19 +93,19 @@ class Arrangement {
     void labelComponent(std::uint32_t start, std::uint32_t component, Noder& noder);
     std::int32_t outside(const Point& p, Noder& noder) const;
 
-    Noder* noder_ = nullptr;
-    const ContourSet* set_ = nullptr;
-    bool depth_ = false;
-    Buffer<Run> runs_;
-    Buffer<Node> nodes_;
-    Buffer<Meeting> meetings_;     // in the order of the points
-    Buffer<std::uint32_t> table_;  // by the hash of the place: 1 + node, or 0
-    Buffer<HalfEdge> around_;
-    Buffer<Point> directions_;
-    Buffer<std::uint32_t> visited_;
-    Buffer<std::uint32_t> queue_;  // nodes of a component, found and not yet labelled
-    Buffer<std::int32_t> offset_;
-    Buffer<std::uint32_t> cursor_;
+    Noder* m_noder = nullptr;
+    const ContourSet* m_set = nullptr;
+    bool m_depth = false;
+    Buffer<Run> m_runs;
+    Buffer<Node> m_nodes;
+    Buffer<Meeting> m_meetings;     // in the order of the points
+    Buffer<std::uint32_t> m_table;  // by the hash of the place: 1 + node, or 0
+    Buffer<HalfEdge> m_around;
+    Buffer<Point> m_directions;
+    Buffer<std::uint32_t> m_visited;
+    Buffer<std::uint32_t> m_queue;  // nodes of a component, found and not yet labelled
+    Buffer<std::int32_t> m_offset;
+    Buffer<std::uint32_t> m_cursor;
 };
 
 }  // namespace jws::gpc

@@ -15,12 +15,12 @@ constexpr std::size_t kAhead = 8;
 }  // namespace
 
 std::int32_t Arrangement::outside(const Point& p, Noder& noder) const {
-    return depth_ ? noder.depthLeftOf(p) : noder.parityLeftOf(p);
+    return m_depth ? noder.depthLeftOf(p) : noder.parityLeftOf(p);
 }
 
 void Arrangement::labelWhole(Run& r, Noder& noder) {
-    const Contour& c = set_->contours[r.contour];
-    const Point* p = set_->points.data();
+    const Contour& c = m_set->contours[r.contour];
+    const Point* p = m_set->points.data();
     std::uint32_t least = c.first;
     for (std::uint32_t i = c.first + 1; i < c.last; ++i) {
         if (p[i] < p[least]) least = i;
@@ -33,24 +33,24 @@ void Arrangement::labelWhole(Run& r, Noder& noder) {
 
 // Asks for what the nodes that wait in the queue lead to.
 void Arrangement::fetchAhead(std::size_t head) const {
-    if (head + 3 * kAhead < queue_.size()) prefetch(&nodes_[queue_[head + 3 * kAhead]]);
-    if (head + 2 * kAhead < queue_.size()) {
-        prefetch(&around_[nodes_[queue_[head + 2 * kAhead]].first]);
+    if (head + 3 * kAhead < m_queue.size()) prefetch(&m_nodes[m_queue[head + 3 * kAhead]]);
+    if (head + 2 * kAhead < m_queue.size()) {
+        prefetch(&m_around[m_nodes[m_queue[head + 2 * kAhead]].first]);
     }
-    if (head + kAhead < queue_.size()) {
-        const Node& n = nodes_[queue_[head + kAhead]];
-        for (std::uint32_t i = 0; i < n.count; ++i) prefetch(&runs_[around_[n.first + i] >> 1]);
+    if (head + kAhead < m_queue.size()) {
+        const Node& n = m_nodes[m_queue[head + kAhead]];
+        for (std::uint32_t i = 0; i < n.count; ++i) prefetch(&m_runs[m_around[n.first + i] >> 1]);
     }
 }
 
 // Labels relative to the sector that starts the walk, and finds the offset that makes them
 // absolute.
 void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, Noder& noder) {
-    queue_.clear();
-    queue_.push(start);
-    visited_[start] = 1;
+    m_queue.clear();
+    m_queue.push(start);
+    m_visited[start] = 1;
     bool haveSector = false;
-    Point least = nodes_[start].p;
+    Point least = m_nodes[start].p;
     std::int32_t westOfLeast = 0;
     const auto takeLeast = [&](const Point& p, std::int32_t west) {
         if (!haveSector || p < least) {
@@ -59,32 +59,32 @@ void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, N
             westOfLeast = west;
         }
     };
-    for (std::size_t head = 0; head < queue_.size(); ++head) {
+    for (std::size_t head = 0; head < m_queue.size(); ++head) {
         fetchAhead(head);
-        const Node n = nodes_[queue_[head]];
-        const HalfEdge* h = around_.data() + n.first;
+        const Node n = m_nodes[m_queue[head]];
+        const HalfEdge* h = m_around.data() + n.first;
         // A run that is labelled already tells where to start; the very first node starts at 0.
         std::uint32_t known = n.count;
         for (std::uint32_t i = 0; i < n.count && known == n.count; ++i) {
-            if (runs_[h[i] >> 1].component == component + 1) known = i;
+            if (m_runs[h[i] >> 1].component == component + 1) known = i;
         }
         std::int32_t state = 0;  // of the sector clockwise before h[i]
         std::uint32_t i = 0;
         if (known < n.count) {
-            const Run& r = runs_[h[known] >> 1];
+            const Run& r = m_runs[h[known] >> 1];
             state = (h[known] & 1) ? r.left : combine(r.left, -r.step);
             i = known;
         }
         for (std::uint32_t k = 0; k < n.count; ++k, i = i + 1 == n.count ? 0 : i + 1) {
-            Run& r = runs_[h[i] >> 1];
+            Run& r = m_runs[h[i] >> 1];
             const bool forward = (h[i] & 1) == 0;
             if (i == 0) takeLeast(n.p, state);
             const std::int32_t after = combine(state, forward ? r.step : -r.step);
             if (r.component != component + 1) {
                 r.component = component + 1;
                 r.left = forward ? after : state;
-                const Contour& c = set_->contours[r.contour];
-                const Point* p = set_->points.data();
+                const Contour& c = m_set->contours[r.contour];
+                const Point* p = m_set->points.data();
                 std::uint32_t j = r.firstPoint;
                 for (std::uint32_t m = 0; m < r.count; ++m) {
                     if (p[j] < least) {
@@ -95,9 +95,9 @@ void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, N
                     if (++j == c.last) j = c.first;
                 }
                 const std::uint32_t far = forward ? r.to : r.from;
-                if (!visited_[far]) {
-                    visited_[far] = 1;
-                    queue_.push(far);
+                if (!m_visited[far]) {
+                    m_visited[far] = 1;
+                    m_queue.push(far);
                 }
             }
             assert(r.left == (forward ? after : state));
@@ -105,7 +105,7 @@ void Arrangement::labelComponent(std::uint32_t start, std::uint32_t component, N
         }
     }
     const std::int32_t west = outside(least, noder);
-    offset_.push(depth_ ? west - westOfLeast : west ^ westOfLeast);
+    m_offset.push(m_depth ? west - westOfLeast : west ^ westOfLeast);
 }
 
 }  // namespace jws::gpc

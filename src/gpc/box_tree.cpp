@@ -53,46 +53,46 @@ inline int senseOf(const Point& p, const Point& q) {
 }  // namespace
 
 void BoxTree::build(ContourSet& set, double margin) {
-    margin_ = margin;
-    nodes_.clear();
-    group_.clear();
+    m_margin = margin;
+    m_nodes.clear();
+    m_group.clear();
     if (set.contours.empty()) return;
-    nodes_.reserve(set.points.size() / 5 + 2 * set.contours.size());
+    m_nodes.reserve(set.points.size() / 5 + 2 * set.contours.size());
     for (std::uint32_t c = 0; c < set.contours.size(); ++c) {
         set.contours[c].tree = buildContour(set, c);
     }
-    root_ = set.contours.size() == 1 ? set.contours[0].tree : buildGroups(set);
+    m_root = set.contours.size() == 1 ? set.contours[0].tree : buildGroups(set);
 }
 
 // Puts levels of parents over the nodes from `from` to the end, until one is left; `finish` sets
 // what is particular to a kind of parent. Returns the root.
 template <class Finish>
 std::uint32_t BoxTree::buildLevels(std::uint32_t from, Finish finish) {
-    std::uint32_t to = static_cast<std::uint32_t>(nodes_.size());
+    std::uint32_t to = static_cast<std::uint32_t>(m_nodes.size());
     while (to - from > 1) {
         for (std::uint32_t i = from; i < to; i += kFanout) {
             const std::uint32_t end = std::min(i + kFanout, to);
-            Node parent = nodes_[i];
+            Node parent = m_nodes[i];
             for (std::uint32_t k = i + 1; k < end; ++k) {
-                parent.box.include(nodes_[k].box);
-                parent.unchecked |= nodes_[k].unchecked;
-                parent.active |= nodes_[k].active;
-                parent.sense |= nodes_[k].sense;
+                parent.box.include(m_nodes[k].box);
+                parent.unchecked |= m_nodes[k].unchecked;
+                parent.active |= m_nodes[k].active;
+                parent.sense |= m_nodes[k].sense;
             }
             parent.first = i;
             parent.last = end;
             finish(parent);
-            nodes_.push(parent);
+            m_nodes.push(parent);
         }
         from = to;
-        to = static_cast<std::uint32_t>(nodes_.size());
+        to = static_cast<std::uint32_t>(m_nodes.size());
     }
     return from;
 }
 
 std::uint32_t BoxTree::buildContour(const ContourSet& set, std::uint32_t c) {
     const Contour& contour = set.contours[c];
-    std::uint32_t from = static_cast<std::uint32_t>(nodes_.size());
+    std::uint32_t from = static_cast<std::uint32_t>(m_nodes.size());
     for (std::uint32_t e = contour.first; e < contour.last; e += kLeafEdges) {
         const std::uint32_t end = std::min(e + kLeafEdges, contour.last);
         Box box;
@@ -106,42 +106,42 @@ std::uint32_t BoxTree::buildContour(const ContourSet& set, std::uint32_t c) {
             common &= set.flags[i];
             sense |= senseOf(set.points[i], set.points[i + 1]);
         }
-        box.grow(margin_);
-        nodes_.push({box, e, end, e, end, c, kLeaf, static_cast<std::uint8_t>(sense),
-                     (flags & kUnchecked) != 0, (common & kDouble) == 0});
+        box.grow(m_margin);
+        m_nodes.push({box, e, end, e, end, c, kLeaf, static_cast<std::uint8_t>(sense),
+                      (flags & kUnchecked) != 0, (common & kDouble) == 0});
     }
     return buildLevels(from, [this](Node& parent) {
-        parent.lastEdge = nodes_[parent.last - 1].lastEdge;
+        parent.lastEdge = m_nodes[parent.last - 1].lastEdge;
         parent.kind = kChain;
     });
 }
 
 std::uint32_t BoxTree::buildGroups(const ContourSet& set) {
     const std::uint32_t count = static_cast<std::uint32_t>(set.contours.size());
-    order_.resize(count);
-    for (std::uint32_t c = 0; c < count; ++c) order_[c] = c;
+    m_order.resize(count);
+    for (std::uint32_t c = 0; c < count; ++c) m_order[c] = c;
     if (count > kFanout) {
         Box all;
-        for (const Contour& c : set.contours) all.include(nodes_[c.tree].box);
+        for (const Contour& c : set.contours) all.include(m_nodes[c.tree].box);
         const double width = std::max(all.maxX - all.minX, all.maxY - all.minY);
         const double scale = width > 0 ? 65535.0 / width : 0;
-        keys_.resize(count);
+        m_keys.resize(count);
         for (std::uint32_t c = 0; c < count; ++c) {
-            const Box& b = nodes_[set.contours[c].tree].box;
+            const Box& b = m_nodes[set.contours[c].tree].box;
             const std::uint64_t key = hilbertKey(cellOf(b.minX / 2 + b.maxX / 2, all.minX, scale),
                                                  cellOf(b.minY / 2 + b.maxY / 2, all.minY, scale));
-            keys_[c] = key << 32 | c;
+            m_keys[c] = key << 32 | c;
         }
-        std::sort(keys_.begin(), keys_.end());
+        std::sort(m_keys.begin(), m_keys.end());
         for (std::uint32_t c = 0; c < count; ++c) {
-            order_[c] = static_cast<std::uint32_t>(keys_[c]);
+            m_order[c] = static_cast<std::uint32_t>(m_keys[c]);
         }
     }
     // Children must lie together, so the contours' nodes are copied in order.
-    std::uint32_t from = static_cast<std::uint32_t>(nodes_.size());
+    std::uint32_t from = static_cast<std::uint32_t>(m_nodes.size());
     for (std::uint32_t c = 0; c < count; ++c) {
-        const Node copy = nodes_[set.contours[order_[c]].tree];
-        nodes_.push(copy);
+        const Node copy = m_nodes[set.contours[m_order[c]].tree];
+        m_nodes.push(copy);
     }
     return buildLevels(from, [](Node& parent) {
         parent.kind = kGroup;
@@ -152,18 +152,18 @@ std::uint32_t BoxTree::buildGroups(const ContourSet& set) {
 }
 
 int BoxTree::parityLeftOf(const ContourSet& set, const Point& p) const {
-    return nodes_.empty() ? 0 : parity(set, nodes_[root_], p);
+    return m_nodes.empty() ? 0 : parity(set, m_nodes[m_root], p);
 }
 
 int BoxTree::depthLeftOf(const ContourSet& set, const Point& p) const {
-    return nodes_.empty() ? 0 : depth(set, nodes_[root_], p);
+    return m_nodes.empty() ? 0 : depth(set, m_nodes[m_root], p);
 }
 
 int BoxTree::parity(const ContourSet& set, const Node& n, const Point& p) const {
     if (!n.box.holds(p)) return 0;
     if (n.kind != kGroup) return downLeftOf(set, n, p) & 1 ? set.contours[n.contour].operand : 0;
     int odd = 0;
-    for (std::uint32_t i = n.first; i < n.last; ++i) odd ^= parity(set, nodes_[i], p);
+    for (std::uint32_t i = n.first; i < n.last; ++i) odd ^= parity(set, m_nodes[i], p);
     return odd;
 }
 
@@ -171,7 +171,7 @@ int BoxTree::depth(const ContourSet& set, const Node& n, const Point& p) const {
     if (!n.box.holds(p)) return 0;
     if (n.kind != kGroup) return downLeftOf(set, n, p) * set.contours[n.contour].operand;
     int sum = 0;
-    for (std::uint32_t i = n.first; i < n.last; ++i) sum += depth(set, nodes_[i], p);
+    for (std::uint32_t i = n.first; i < n.last; ++i) sum += depth(set, m_nodes[i], p);
     return sum;
 }
 
@@ -181,7 +181,7 @@ int BoxTree::downLeftOf(const ContourSet& set, const Node& n, const Point& p) co
     if (p.x > n.box.maxX) return (q[n.firstEdge].y > p.y) - (q[n.lastEdge].y > p.y);
     int down = 0;
     if (n.kind == kChain) {
-        for (std::uint32_t i = n.first; i < n.last; ++i) down += downLeftOf(set, nodes_[i], p);
+        for (std::uint32_t i = n.first; i < n.last; ++i) down += downLeftOf(set, m_nodes[i], p);
         return down;
     }
     for (std::uint32_t i = n.first; i < n.last; ++i) {

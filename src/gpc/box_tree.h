@@ -35,13 +35,13 @@ class BoxTree {
     /// directions are not compared with themselves.
     template <class Visit>
     void joinSelf(const ContourSet& set, Visit& visit) const {
-        if (!nodes_.empty() && nodes_[root_].unchecked) joinNode(set, nodes_[root_], visit);
+        if (!m_nodes.empty() && m_nodes[m_root].unchecked) joinNode(set, m_nodes[m_root], visit);
     }
 
     /// Calls `visit(i)` for each edge whose box meets `box`.
     template <class Visit>
     void query(const ContourSet& set, const Box& box, const Visit& visit) const {
-        if (!nodes_.empty()) queryNode(set, nodes_[root_], box, visit);
+        if (!m_nodes.empty()) queryNode(set, m_nodes[m_root], box, visit);
     }
 
     /// Operands an odd number of whose edges lies left of `p` (strictly, on the horizontal
@@ -51,14 +51,14 @@ class BoxTree {
     /// operand.
     int depthLeftOf(const ContourSet& set, const Point& p) const;
 
-    const Node& node(std::uint32_t i) const { return nodes_[i]; }
+    const Node& node(std::uint32_t i) const { return m_nodes[i]; }
 
-    std::size_t bytes() const { return nodes_.bytes() + order_.bytes() + keys_.bytes(); }
+    std::size_t bytes() const { return m_nodes.bytes() + m_order.bytes() + m_keys.bytes(); }
     void release() {
-        nodes_.release();
-        order_.release();
-        keys_.release();
-        group_.release();
+        m_nodes.release();
+        m_order.release();
+        m_keys.release();
+        m_group.release();
     }
 
   private:
@@ -87,12 +87,12 @@ class BoxTree {
     int parity(const ContourSet& set, const Node& n, const Point& p) const;
     int depth(const ContourSet& set, const Node& n, const Point& p) const;
 
-    Buffer<Node> nodes_;
-    Buffer<std::uint32_t> order_;
-    Buffer<std::uint64_t> keys_;
-    Buffer<Node> group_;
-    double margin_ = 0;
-    std::uint32_t root_ = 0;
+    Buffer<Node> m_nodes;
+    Buffer<std::uint32_t> m_order;
+    Buffer<std::uint64_t> m_keys;
+    Buffer<Node> m_group;
+    double m_margin = 0;
+    std::uint32_t m_root = 0;
 };
 
 /// Tells whether edge ab, which passes the height of `p`, does so strictly left of it.
@@ -125,8 +125,8 @@ void BoxTree::queryNode(const ContourSet& set, const Node& n, const Box& box,
     if (!n.box.overlaps(box)) return;
     for (std::uint32_t i = n.first; i < n.last; ++i) {
         if (n.kind != kLeaf) {
-            queryNode(set, nodes_[i], box, visit);
-        } else if (edgeBox(set.points[i], set.points[i + 1], margin_).overlaps(box)) {
+            queryNode(set, m_nodes[i], box, visit);
+        } else if (edgeBox(set.points[i], set.points[i + 1], m_margin).overlaps(box)) {
             visit(i);
         }
     }
@@ -140,10 +140,10 @@ void BoxTree::joinNode(const ContourSet& set, const Node& n, Visit& visit) const
         return;
     }
     for (std::uint32_t i = n.first; i < n.last; ++i) {
-        const Node& a = nodes_[i];
+        const Node& a = m_nodes[i];
         if (a.unchecked) joinNode(set, a, visit);
         for (std::uint32_t j = i + 1; j < n.last; ++j) {
-            const Node& b = nodes_[j];
+            const Node& b = m_nodes[j];
             if ((a.unchecked | b.unchecked) & a.active & b.active & a.box.overlaps(b.box)) {
                 joinPair(set, a, b, visit);
             }
@@ -167,7 +167,7 @@ void BoxTree::joinPair(const ContourSet& set, const Node& a, const Node& b, Visi
     const Node& open = openA ? a : b;
     const Node& other = openA ? b : a;
     for (std::uint32_t i = open.first; i < open.last; ++i) {
-        const Node& child = nodes_[i];
+        const Node& child = m_nodes[i];
         if ((child.unchecked | other.unchecked) & child.active & child.box.overlaps(other.box)) {
             joinPair(set, child, other, visit);
         }
@@ -180,7 +180,7 @@ void BoxTree::joinLeaf(const ContourSet& set, const Node& n, Visit& visit) const
     const std::uint8_t* f = set.flags.data();
     Box boxes[kLeafEdges];
     for (std::uint32_t i = n.first; i < n.last; ++i) {
-        const Box box = edgeBox(p[i], p[i + 1], margin_);
+        const Box box = edgeBox(p[i], p[i + 1], m_margin);
         for (std::uint32_t j = n.first; j < i; ++j) {
             if (box.overlaps(boxes[j - n.first]) && isDue(f[i] | f[j])) {
                 visit(j, n.contour, i, n.contour);
@@ -198,13 +198,13 @@ void BoxTree::joinLeaves(const ContourSet& set, const Node& a, const Node& b, Vi
     std::uint32_t edges[kLeafEdges];
     std::uint32_t count = 0;
     for (std::uint32_t i = a.first; i < a.last; ++i) {
-        boxes[count] = edgeBox(p[i], p[i + 1], margin_);
+        boxes[count] = edgeBox(p[i], p[i + 1], m_margin);
         edges[count] = i;
         count += boxes[count].overlaps(b.box);
     }
     if (count == 0) return;
     for (std::uint32_t j = b.first; j < b.last; ++j) {
-        const Box box = edgeBox(p[j], p[j + 1], margin_);
+        const Box box = edgeBox(p[j], p[j + 1], m_margin);
         if (!box.overlaps(a.box)) continue;
         for (std::uint32_t k = 0; k < count; ++k) {
             if (box.overlaps(boxes[k]) && isDue(f[edges[k]] | f[j])) {

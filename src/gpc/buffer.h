@@ -49,73 +49,73 @@ class Buffer {
     Buffer() = default;
     Buffer(const Buffer&) = delete;
     Buffer& operator=(const Buffer&) = delete;
-    ~Buffer() { std::free(data_); }
+    ~Buffer() { std::free(m_data); }
 
-    T* data() { return data_; }
-    const T* data() const { return data_; }
-    std::size_t size() const { return size_; }
-    bool empty() const { return size_ == 0; }
-    T& operator[](std::size_t i) { return data_[i]; }
-    const T& operator[](std::size_t i) const { return data_[i]; }
-    T* begin() { return data_; }
-    T* end() { return data_ + size_; }
-    const T* begin() const { return data_; }
-    const T* end() const { return data_ + size_; }
-    T& back() { return data_[size_ - 1]; }
+    T* data() { return m_data; }
+    const T* data() const { return m_data; }
+    std::size_t size() const { return m_size; }
+    bool empty() const { return m_size == 0; }
+    T& operator[](std::size_t i) { return m_data[i]; }
+    const T& operator[](std::size_t i) const { return m_data[i]; }
+    T* begin() { return m_data; }
+    T* end() { return m_data + m_size; }
+    const T* begin() const { return m_data; }
+    const T* end() const { return m_data + m_size; }
+    T& back() { return m_data[m_size - 1]; }
 
-    void clear() { size_ = 0; }
+    void clear() { m_size = 0; }
     void reserve(std::size_t n) {
-        if (n > capacity_) grow(n);
+        if (n > m_capacity) grow(n);
     }
     /// Sets the size; elements beyond the former size have no defined value.
     void resize(std::size_t n) {
         reserve(n);
-        size_ = n;
+        m_size = n;
     }
     /// Sets the size and every byte of every element to `byte`.
     void fill(std::size_t n, unsigned char byte) {
         resize(n);
-        if (n > 0) std::memset(static_cast<void*>(data_), byte, n * sizeof(T));
+        if (n > 0) std::memset(static_cast<void*>(m_data), byte, n * sizeof(T));
     }
     void push(const T& value) {
-        if (size_ == capacity_) {
+        if (m_size == m_capacity) {
             const T copy = value;
-            grow(size_ + 1);
-            data_[size_++] = copy;
+            grow(m_size + 1);
+            m_data[m_size++] = copy;
             return;
         }
-        data_[size_++] = value;
+        m_data[m_size++] = value;
     }
-    void pop() { --size_; }
+    void pop() { --m_size; }
     void swap(Buffer& other) {
-        std::swap(data_, other.data_);
-        std::swap(size_, other.size_);
-        std::swap(capacity_, other.capacity_);
+        std::swap(m_data, other.m_data);
+        std::swap(m_size, other.m_size);
+        std::swap(m_capacity, other.m_capacity);
     }
 
-    std::size_t bytes() const { return capacity_ * sizeof(T); }
+    std::size_t bytes() const { return m_capacity * sizeof(T); }
     void release() {
-        std::free(data_);
-        data_ = nullptr;
-        size_ = capacity_ = 0;
+        std::free(m_data);
+        m_data = nullptr;
+        m_size = m_capacity = 0;
     }
 
   private:
     void grow(std::size_t n) {
-        const std::size_t half = capacity_ + capacity_ / 2;
+        const std::size_t half = m_capacity + m_capacity / 2;
         const std::size_t wanted = n > half ? n : half;
         const std::size_t capacity = wanted < 16 ? 16 : wanted;
         if (capacity > static_cast<std::size_t>(-1) / 2 / sizeof(T)) throw std::bad_alloc();
-        T* grown = static_cast<T*>(std::realloc(static_cast<void*>(data_), capacity * sizeof(T)));
+        T* grown = static_cast<T*>(std::realloc(static_cast<void*>(m_data), capacity * sizeof(T)));
         if (!grown) throw std::bad_alloc();
         adviseLarge(grown, capacity * sizeof(T));
-        data_ = grown;
-        capacity_ = capacity;
+        m_data = grown;
+        m_capacity = capacity;
     }
 
-    T* data_ = nullptr;
-    std::size_t size_ = 0;
-    std::size_t capacity_ = 0;
+    T* m_data = nullptr;
+    std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
 };
 
 }  // namespace jws::gpc

@@ -22,8 +22,8 @@ class PreparedOperand {
     explicit PreparedOperand(const gpc_polygon& polygon);
 
     /// False if a coordinate is not finite: clipping then gives an empty result.
-    bool isFinite() const { return finite_; }
-    const Box& box() const { return box_; }
+    bool isFinite() const { return m_finite; }
+    const Box& box() const { return m_box; }
 
     /// Appends the contours to `set`, as `ContourSet::add` does with the polygon itself.
     void addTo(ContourSet& set, int operand, const Scale& scale, const Box* window) const;
@@ -31,10 +31,10 @@ class PreparedOperand {
   private:
     void addNode(ContourSet& set, const BoxTree::Node& n, const Scale& scale,
                  const Box& window) const;
-    ContourSet set_;
-    BoxTree tree_;
-    Box box_;
-    bool finite_ = true;
+    ContourSet m_set;
+    BoxTree m_tree;
+    Box m_box;
+    bool m_finite = true;
 };
 
 /// An operand of `clip`: a polygon or a prepared one.

@@ -21,19 +21,19 @@ namespace jws::gpc {
 
 void ContourBuilder::build(const Arrangement& arrangement, Rule rule, const Scale& unscale,
                            gpc_polygon& result) {
-    arrangement_ = &arrangement;
-    rule_ = rule;
-    unscale_ = unscale;
+    m_arrangement = &arrangement;
+    m_rule = rule;
+    m_unscale = unscale;
     choose();
     link();
     trace();
     dropInner();
-    if (loops_.empty()) return;
-    const std::size_t count = loops_.size();
+    if (m_loops.empty()) return;
+    const std::size_t count = m_loops.size();
     result.hole = static_cast<int*>(std::malloc(count * sizeof(int)));
     result.contour = static_cast<gpc_vertex_list*>(std::malloc(count * sizeof(gpc_vertex_list)));
     if (!result.hole || !result.contour) throw std::bad_alloc();
-    for (Loop& loop : loops_) {
+    for (Loop& loop : m_loops) {
         loop.vertices = static_cast<gpc_vertex*>(std::malloc(loop.points * sizeof(gpc_vertex)));
         if (!loop.vertices) throw std::bad_alloc();
         gpc_vertex_list& list = result.contour[result.num_contours++];
@@ -42,13 +42,13 @@ void ContourBuilder::build(const Arrangement& arrangement, Rule rule, const Scal
         copy(loop, loop.vertices);
         measure(loop);
     }
-    order_.resize(count);
-    for (std::size_t i = 0; i < count; ++i) order_[i] = static_cast<std::uint32_t>(i);
-    std::sort(order_.begin(), order_.end(), [this](std::uint32_t a, std::uint32_t b) {
-        return comesBefore(loops_[a], loops_[b]);
+    m_order.resize(count);
+    for (std::size_t i = 0; i < count; ++i) m_order[i] = static_cast<std::uint32_t>(i);
+    std::sort(m_order.begin(), m_order.end(), [this](std::uint32_t a, std::uint32_t b) {
+        return comesBefore(m_loops[a], m_loops[b]);
     });
     for (std::size_t i = 0; i < count; ++i) {
-        Loop& loop = loops_[order_[i]];
+        Loop& loop = m_loops[m_order[i]];
         place(loop);
         result.contour[i].vertex = loop.vertices;
         result.contour[i].num_vertices = static_cast<int>(loop.points);
@@ -57,62 +57,62 @@ void ContourBuilder::build(const Arrangement& arrangement, Rule rule, const Scal
 }
 
 void ContourBuilder::choose() {
-    const auto& runs = arrangement_->runs();
-    direction_.resize(runs.size());
+    const auto& runs = m_arrangement->runs();
+    m_direction.resize(runs.size());
     for (std::size_t r = 0; r < runs.size(); ++r) {
-        direction_[r] = 0;
+        m_direction[r] = 0;
         if (runs[r].merged || runs[r].step == 0) continue;
-        const bool left = rule_.holds(runs[r].left);
-        const bool right = rule_.holds(arrangement_->rightOf(runs[r]));
-        if (left != right) direction_[r] = left ? 1 : -1;
+        const bool left = m_rule.holds(runs[r].left);
+        const bool right = m_rule.holds(m_arrangement->rightOf(runs[r]));
+        if (left != right) m_direction[r] = left ? 1 : -1;
     }
 }
 
 void ContourBuilder::link() {
-    next_.resize(arrangement_->runs().size());
-    for (const Arrangement::Node& n : arrangement_->nodes()) {
-        const Arrangement::HalfEdge* h = arrangement_->around().data() + n.first;
+    m_next.resize(m_arrangement->runs().size());
+    for (const Arrangement::Node& n : m_arrangement->nodes()) {
+        const Arrangement::HalfEdge* h = m_arrangement->around().data() + n.first;
         std::uint32_t leaving = Arrangement::kNone;
         std::uint32_t firstArriving = Arrangement::kNone;
         for (std::uint32_t i = 0; i < n.count; ++i) {
             const std::uint32_t run = h[i] >> 1;
             if (!isChosen(run)) continue;
-            const bool leaves = (direction_[run] > 0) == ((h[i] & 1) == 0);
+            const bool leaves = (m_direction[run] > 0) == ((h[i] & 1) == 0);
             if (leaves) {
                 leaving = run;
             } else if (leaving == Arrangement::kNone) {
                 firstArriving = run;
             } else {
-                next_[run] = leaving;
+                m_next[run] = leaving;
             }
         }
-        if (firstArriving != Arrangement::kNone) next_[firstArriving] = leaving;
+        if (firstArriving != Arrangement::kNone) m_next[firstArriving] = leaving;
     }
 }
 
 void ContourBuilder::trace() {
-    const auto& runs = arrangement_->runs();
-    onPath_.fill(arrangement_->nodes().size(), 0);
-    visits_.fill(arrangement_->nodes().size(), 0);
-    steps_.clear();
-    loops_.clear();
+    const auto& runs = m_arrangement->runs();
+    m_onPath.fill(m_arrangement->nodes().size(), 0);
+    m_visits.fill(m_arrangement->nodes().size(), 0);
+    m_steps.clear();
+    m_loops.clear();
     for (std::uint32_t start = 0; start < runs.size(); ++start) {
         if (!isChosen(start)) continue;
         if (runs[start].from == Arrangement::kNone) {
-            path_.clear();
-            path_.push(start);
+            m_path.clear();
+            m_path.push(start);
             emit(0);
             continue;
         }
-        if (direction_[start] > 1 || direction_[start] < -1) continue;
-        path_.clear();
-        for (std::uint32_t run = start; direction_[run] == 1 || direction_[run] == -1;
-             run = next_[run]) {
+        if (m_direction[start] > 1 || m_direction[start] < -1) continue;
+        m_path.clear();
+        for (std::uint32_t run = start; m_direction[run] == 1 || m_direction[run] == -1;
+             run = m_next[run]) {
             const std::uint32_t node = startOf(run);
-            if (onPath_[node] != 0) emit(onPath_[node] - 1);
-            path_.push(run);
-            onPath_[node] = static_cast<std::uint32_t>(path_.size());
-            direction_[run] = static_cast<std::int8_t>(2 * direction_[run]);
+            if (m_onPath[node] != 0) emit(m_onPath[node] - 1);
+            m_path.push(run);
+            m_onPath[node] = static_cast<std::uint32_t>(m_path.size());
+            m_direction[run] = static_cast<std::int8_t>(2 * m_direction[run]);
         }
         emit(0);
     }
@@ -120,35 +120,35 @@ void ContourBuilder::trace() {
 
 // Takes the loop that ends the path off it.
 void ContourBuilder::emit(std::uint32_t from) {
-    if (path_.size() == from) return;
-    const auto& runs = arrangement_->runs();
+    if (m_path.size() == from) return;
+    const auto& runs = m_arrangement->runs();
     Loop loop{};
-    loop.first = static_cast<std::uint32_t>(steps_.size());
+    loop.first = static_cast<std::uint32_t>(m_steps.size());
     std::uint32_t points = 0;
-    for (std::size_t i = from; i < path_.size(); ++i) {
-        const std::uint32_t run = path_[i];
-        steps_.push(run);
+    for (std::size_t i = from; i < m_path.size(); ++i) {
+        const std::uint32_t run = m_path[i];
+        m_steps.push(run);
         points += runs[run].count;
         if (runs[run].from == Arrangement::kNone) continue;
         ++points;
-        onPath_[startOf(run)] = 0;
-        ++visits_[startOf(run)];
+        m_onPath[startOf(run)] = 0;
+        ++m_visits[startOf(run)];
     }
-    path_.resize(from);
-    loop.last = static_cast<std::uint32_t>(steps_.size());
+    m_path.resize(from);
+    loop.last = static_cast<std::uint32_t>(m_steps.size());
     loop.points = points;
-    if (points >= 3) loops_.push(loop);
+    if (points >= 3) m_loops.push(loop);
 }
 
 void ContourBuilder::append(const Arrangement& arrangement, Rule rule, ContourSet& set,
                             std::int32_t operand) {
-    arrangement_ = &arrangement;
-    rule_ = rule;
+    m_arrangement = &arrangement;
+    m_rule = rule;
     choose();
     link();
     trace();
     dropInner();
-    for (const Loop& loop : loops_) {
+    for (const Loop& loop : m_loops) {
         const std::size_t first = set.points.size();
         set.points.resize(first + loop.points);
         copy(loop, set.points.data() + first);
@@ -158,15 +158,15 @@ void ContourBuilder::append(const Arrangement& arrangement, Rule rule, ContourSe
 
 template <class Vertex>
 void ContourBuilder::copy(const Loop& loop, Vertex* out) const {
-    const ContourSet& set = arrangement_->set();
+    const ContourSet& set = m_arrangement->set();
     const Point* p = set.points.data();
     const auto put = [&](const Point& q) { *out++ = {q.x, q.y}; };
     for (std::uint32_t s = loop.first; s < loop.last; ++s) {
-        const Arrangement::Run& r = arrangement_->runs()[steps_[s]];
+        const Arrangement::Run& r = m_arrangement->runs()[m_steps[s]];
         const Contour& c = set.contours[r.contour];
-        const bool forward = direction_[steps_[s]] > 0;
-        if (r.from != Arrangement::kNone && !dropped_[s]) {
-            put(arrangement_->nodes()[forward ? r.from : r.to].p);
+        const bool forward = m_direction[m_steps[s]] > 0;
+        if (r.from != Arrangement::kNone && !m_dropped[s]) {
+            put(m_arrangement->nodes()[forward ? r.from : r.to].p);
         }
         if (r.count == 0) continue;
         const std::uint32_t beforeWrap = std::min(r.count, c.last - r.firstPoint);
@@ -184,19 +184,19 @@ void ContourBuilder::copy(const Loop& loop, Vertex* out) const {
 }
 
 void ContourBuilder::release() {
-    direction_.release();
-    next_.release();
-    onPath_.release();
-    visits_.release();
-    path_.release();
-    steps_.release();
-    loops_.release();
-    dropped_.release();
-    chain_.release();
-    inner_.release();
-    shared_.release();
-    turned_.release();
-    order_.release();
+    m_direction.release();
+    m_next.release();
+    m_onPath.release();
+    m_visits.release();
+    m_path.release();
+    m_steps.release();
+    m_loops.release();
+    m_dropped.release();
+    m_chain.release();
+    m_inner.release();
+    m_shared.release();
+    m_turned.release();
+    m_order.release();
 }
 
 }  // namespace jws::gpc

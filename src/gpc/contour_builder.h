@@ -41,12 +41,12 @@ class ContourBuilder {
     /// Appends the contours to `set` instead, in no particular order, inside on their left.
     void append(const Arrangement& arrangement, Rule rule, ContourSet& set, std::int32_t operand);
 
-    std::size_t bytes() const { return path_.bytes() + next_.bytes() + steps_.bytes(); }
+    std::size_t bytes() const { return m_path.bytes() + m_next.bytes() + m_steps.bytes(); }
     void release();
 
   private:
     struct Loop {
-        std::uint32_t first;  ///< its runs: steps_[first, last)
+        std::uint32_t first;  ///< its runs: m_steps[first, last)
         std::uint32_t last;
         std::uint32_t points;
         gpc_vertex* vertices;
@@ -68,8 +68,8 @@ class ContourBuilder {
     void straighten(Loop& loop, std::uint32_t end, const Point& from, const Point& to);
     bool mayStraighten(const Point& from, const Point& to);
     std::uint32_t startOf(std::uint32_t run) const {
-        const Arrangement::Run& r = arrangement_->runs()[run];
-        return direction_[run] > 0 ? r.from : r.to;
+        const Arrangement::Run& r = m_arrangement->runs()[run];
+        return m_direction[run] > 0 ? r.from : r.to;
     }
     template <class Vertex>
     void copy(const Loop& loop, Vertex* out) const;
@@ -77,24 +77,24 @@ class ContourBuilder {
     void place(Loop& loop);
     bool comesBefore(Loop& a, Loop& b);
     WideArea wideOf(Loop& loop);
-    bool isChosen(std::uint32_t run) const { return direction_[run] != 0; }
+    bool isChosen(std::uint32_t run) const { return m_direction[run] != 0; }
 
-    const Arrangement* arrangement_ = nullptr;
-    Rule rule_{};
-    Scale unscale_;
-    Buffer<std::int8_t> direction_;  // of each run: 0 not in the result, 1 forward, -1 back
-    Buffer<std::uint32_t> next_;     // the run that follows
-    Buffer<std::uint32_t> onPath_;   // of each node: 1 + position on the path, or 0
-    Buffer<std::uint32_t> visits_;   // of each node: contours through it
-    Buffer<std::uint32_t> path_;
-    Buffer<std::uint32_t> steps_;
-    Buffer<std::uint8_t> dropped_;  // of each of steps_: the point it starts with is no corner
-    Buffer<std::uint32_t> chain_;   // edges of the input that run through the points just dropped
-    Buffer<Point> inner_;           // these points
-    Buffer<Loop> loops_;
-    Buffer<std::uint8_t> shared_;
-    Buffer<Point> turned_;
-    Buffer<std::uint32_t> order_;
+    const Arrangement* m_arrangement = nullptr;
+    Rule m_rule{};
+    Scale m_unscale;
+    Buffer<std::int8_t> m_direction;  // of each run: 0 not in the result, 1 forward, -1 back
+    Buffer<std::uint32_t> m_next;     // the run that follows
+    Buffer<std::uint32_t> m_onPath;   // of each node: 1 + position on the path, or 0
+    Buffer<std::uint32_t> m_visits;   // of each node: contours through it
+    Buffer<std::uint32_t> m_path;
+    Buffer<std::uint32_t> m_steps;
+    Buffer<std::uint8_t> m_dropped;  // of each of m_steps: the point it starts with is no corner
+    Buffer<std::uint32_t> m_chain;   // edges of the input that run through the points just dropped
+    Buffer<Point> m_inner;           // these points
+    Buffer<Loop> m_loops;
+    Buffer<std::uint8_t> m_shared;
+    Buffer<Point> m_turned;
+    Buffer<std::uint32_t> m_order;
 };
 
 }  // namespace jws::gpc

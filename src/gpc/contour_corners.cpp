@@ -16,17 +16,17 @@ namespace jws::gpc {
 // in a row must lie on one edge, lest a slow bend be straightened step by step; and they stay if
 // the straight line would pass another vertex too closely, or is there already.
 void ContourBuilder::dropInner() {
-    dropped_.fill(steps_.size(), 0);
-    for (Loop& loop : loops_) dropInner(loop);
+    m_dropped.fill(m_steps.size(), 0);
+    for (Loop& loop : m_loops) dropInner(loop);
 }
 
 void ContourBuilder::dropInner(Loop& loop) {
-    const auto& runs = arrangement_->runs();
+    const auto& runs = m_arrangement->runs();
     const std::uint32_t count = loop.last - loop.first;
     if (count < 2) return;
-    const std::uint32_t* steps = steps_.data() + loop.first;
+    const std::uint32_t* steps = m_steps.data() + loop.first;
     const auto pointAt = [&](std::uint32_t k) {
-        return arrangement_->nodes()[startOf(steps[k])].p;
+        return m_arrangement->nodes()[startOf(steps[k])].p;
     };
     // From the smallest point that follows a vertex of the input; if there is none, from the
     // smallest of all, which stays.
@@ -41,21 +41,21 @@ void ContourBuilder::dropInner(Loop& loop) {
     }
     const auto innerPoint = [&](std::uint32_t run, bool first) {
         const Arrangement::Run& r = runs[run];
-        return arrangement_->pointOf(r, first == (direction_[run] > 0) ? 0 : r.count - 1);
+        return m_arrangement->pointOf(r, first == (m_direction[run] > 0) ? 0 : r.count - 1);
     };
     Point from = keepStart ? pointAt(start) : innerPoint(steps[(start + count - 1) % count], false);
-    inner_.clear();
-    chain_.clear();
+    m_inner.clear();
+    m_chain.clear();
     for (std::uint32_t i = 0; i < count; ++i) {
         const std::uint32_t k = (start + i) % count;
         const std::uint32_t before = steps[(k + count - 1) % count];
         const Point p = pointAt(k);
-        if ((i == 0 && keepStart) || visits_[startOf(steps[k])] > 1 ||
+        if ((i == 0 && keepStart) || m_visits[startOf(steps[k])] > 1 ||
             !continues(before, steps[k], p)) {
             straighten(loop, start + i, from, p);
             from = p;
         } else {
-            inner_.push(p);
+            m_inner.push(p);
         }
         if (runs[steps[k]].count == 0) continue;
         straighten(loop, start + i + 1, from, innerPoint(steps[k], true));
@@ -64,28 +64,28 @@ void ContourBuilder::dropInner(Loop& loop) {
     straighten(loop, start + count, from, pointAt(start));
 }
 
-// Drops the points gathered in `inner_`, which start the steps before step `end`.
+// Drops the points gathered in `m_inner`, which start the steps before step `end`.
 void ContourBuilder::straighten(Loop& loop, std::uint32_t end, const Point& from, const Point& to) {
     const std::uint32_t count = loop.last - loop.first;
-    const std::uint32_t inner = static_cast<std::uint32_t>(inner_.size());
+    const std::uint32_t inner = static_cast<std::uint32_t>(m_inner.size());
     if (inner > 0 && loop.points >= inner + 3 && mayStraighten(from, to)) {
         loop.points -= inner;
-        for (std::uint32_t i = end - inner; i < end; ++i) dropped_[loop.first + i % count] = 1;
+        for (std::uint32_t i = end - inner; i < end; ++i) m_dropped[loop.first + i % count] = 1;
     }
-    inner_.clear();
-    chain_.clear();
+    m_inner.clear();
+    m_chain.clear();
 }
 
 bool ContourBuilder::mayStraighten(const Point& from, const Point& to) {
-    Noder& noder = arrangement_->noder();
+    Noder& noder = m_arrangement->noder();
     bool exact = true;
-    for (const Point& p : inner_) {
+    for (const Point& p : m_inner) {
         if (orientation(from, to, p) == 0) continue;
         if (!noder.nearness().holds(p, from, to)) return false;
         exact = false;
     }
     if (exact) return true;
-    std::sort(inner_.begin(), inner_.end());
+    std::sort(m_inner.begin(), m_inner.end());
     const double reach = 2 * noder.nearness().reach;
     const double dx = to.x - from.x;
     const double dy = to.y - from.y;
@@ -97,7 +97,7 @@ bool ContourBuilder::mayStraighten(const Point& from, const Point& to) {
             return;
         }
         if (std::fabs(dx * (p.y - from.y) - dy * (p.x - from.x)) > limit) return;
-        clear = clear && std::binary_search(inner_.begin(), inner_.end(), p);
+        clear = clear && std::binary_search(m_inner.begin(), m_inner.end(), p);
     });
     return clear;
 }
@@ -105,34 +105,34 @@ bool ContourBuilder::mayStraighten(const Point& from, const Point& to) {
 // Tells whether an edge of the input, through all points dropped just before, runs on through `p`;
 // leaves those that do in the chain.
 bool ContourBuilder::continues(std::uint32_t before, std::uint32_t run, const Point& p) {
-    const Arrangement& a = *arrangement_;
+    const Arrangement& a = *m_arrangement;
     const Noder& noder = a.noder();
     const ContourSet& origin = noder.origin();
     const auto edgeOf = [&](std::uint32_t r, bool end) {
         return noder.originOf(end ? a.lastEdge(a.runs()[r]) : a.firstEdge(a.runs()[r]));
     };
-    const std::size_t known = chain_.size();
+    const std::size_t known = m_chain.size();
     std::size_t kept = 0;
     for (std::uint32_t r = before; r != Arrangement::kNone; r = a.runs()[r].twin) {
-        const std::uint32_t edge = edgeOf(r, direction_[before] > 0);
+        const std::uint32_t edge = edgeOf(r, m_direction[before] > 0);
         bool leaves = false;
         for (std::uint32_t q = run; q != Arrangement::kNone; q = a.runs()[q].twin) {
-            leaves = leaves || edgeOf(q, direction_[run] < 0) == edge;
+            leaves = leaves || edgeOf(q, m_direction[run] < 0) == edge;
         }
         if (!leaves) continue;
         const Point& from = origin.points[edge];
         const Point& to = origin.points[edge + 1];
         if (orientation(from, to, p) != 0 && !noder.nearness().holds(p, from, to)) continue;
         if (known == 0) {
-            chain_.push(edge);
+            m_chain.push(edge);
             continue;
         }
         for (std::size_t i = kept; i < known; ++i) {
-            if (chain_[i] == edge) std::swap(chain_[kept++], chain_[i]);
+            if (m_chain[i] == edge) std::swap(m_chain[kept++], m_chain[i]);
         }
     }
-    if (known > 0) chain_.resize(kept);
-    return !chain_.empty();
+    if (known > 0) m_chain.resize(kept);
+    return !m_chain.empty();
 }
 
 }  // namespace jws::gpc

@@ -46,13 +46,13 @@ void ContourBuilder::measure(Loop& loop) {
 WideArea ContourBuilder::wideOf(Loop& loop) {
     if (!loop.measuredWide) {
         const std::uint32_t n = loop.points;
-        turned_.resize(n);
+        m_turned.resize(n);
         for (std::uint32_t i = 0; i < n; ++i) {
             const std::uint32_t k = loop.least + (loop.hole ? n - i : i);
             const gpc_vertex& v = loop.vertices[k < n ? k : k - n];
-            turned_[i] = {v.x, v.y};
+            m_turned[i] = {v.x, v.y};
         }
-        loop.wide = wideArea(turned_.data(), static_cast<int>(n));
+        loop.wide = wideArea(m_turned.data(), static_cast<int>(n));
         loop.measuredWide = true;
     }
     return loop.wide;
@@ -78,30 +78,30 @@ bool ContourBuilder::comesBefore(Loop& a, Loop& b) {
 
 // Turns the contour to its starting vertex and gives it its own scale again.
 void ContourBuilder::place(Loop& loop) {
-    const auto& runs = arrangement_->runs();
+    const auto& runs = m_arrangement->runs();
     const std::uint32_t n = loop.points;
     std::uint32_t start = loop.least;
     bool any = false;
     std::uint32_t position = 0;
     for (std::uint32_t s = loop.first; s < loop.last; ++s) {
-        const Arrangement::Run& r = runs[steps_[s]];
+        const Arrangement::Run& r = runs[m_steps[s]];
         if (r.from == Arrangement::kNone) break;
-        if (visits_[startOf(steps_[s])] > 1) {
-            if (!any) shared_.fill(n, 0);
+        if (m_visits[startOf(m_steps[s])] > 1) {
+            if (!any) m_shared.fill(n, 0);
             any = true;
-            shared_[position] = 1;
+            m_shared[position] = 1;
         }
-        position += r.count + (dropped_[s] ? 0 : 1);
+        position += r.count + (m_dropped[s] ? 0 : 1);
     }
     if (any) {
         const std::uint32_t middle = (n + 2) / 2;
         bool found = false;
         for (std::uint32_t i = 0; i < n; ++i) {
             const std::uint32_t k = loop.least + i < n ? loop.least + i : loop.least + i - n;
-            if (shared_[k]) continue;
+            if (m_shared[k]) continue;
             if (!found) start = k;
             found = true;
-            if (!shared_[(k + middle) % n]) {
+            if (!m_shared[(k + middle) % n]) {
                 start = k;
                 break;
             }
@@ -109,7 +109,7 @@ void ContourBuilder::place(Loop& loop) {
     }
     if (start != 0) std::rotate(loop.vertices, loop.vertices + start, loop.vertices + n);
     for (std::uint32_t i = 0; i < n; ++i) {
-        const Point p = unscale_(loop.vertices[i].x, loop.vertices[i].y);
+        const Point p = m_unscale(loop.vertices[i].x, loop.vertices[i].y);
         loop.vertices[i] = {p.x, p.y};
     }
 }

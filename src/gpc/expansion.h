@@ -48,13 +48,13 @@ inline int sign(double v) { return (v > 0) - (v < 0); }
 /// A sum of up to 192 terms without error.
 class ExactSum {
   public:
-    void add(double term) { sum_.add(term); }
+    void add(double term) { m_sum.add(term); }
     /// Adds the product of two numbers.
     void addProduct(Two a, Two b) {
-        sum_.addProduct(a.l, b.l);
-        sum_.addProduct(a.l, b.h);
-        sum_.addProduct(a.h, b.l);
-        sum_.addProduct(a.h, b.h);
+        m_sum.addProduct(a.l, b.l);
+        m_sum.addProduct(a.l, b.h);
+        m_sum.addProduct(a.h, b.l);
+        m_sum.addProduct(a.h, b.h);
     }
     /// Adds the product of three numbers.
     void addProduct(Two a, Two b, double c) {
@@ -64,21 +64,21 @@ class ExactSum {
         for (const double u : left) {
             for (const double v : right) {
                 const Two uv = twoProduct(u, v);
-                sum_.addProduct(uv.l, c);
-                sum_.addProduct(uv.h, c);
+                m_sum.addProduct(uv.l, c);
+                m_sum.addProduct(uv.h, c);
             }
         }
     }
-    int sign() const { return sum_.sign(); }
+    int sign() const { return m_sum.sign(); }
     /// The sum to within the precision of two doubles.
     Two value() const {
         Two sum = {0, 0};
-        for (int i = 0; i < sum_.size(); ++i) sum = gpc::add(sum, {sum_.part(i), 0});
+        for (int i = 0; i < m_sum.size(); ++i) sum = gpc::add(sum, {m_sum.part(i), 0});
         return sum;
     }
 
   private:
-    detail::Expansion<192> sum_;
+    detail::Expansion<192> m_sum;
 };
 
 inline Two cross(Two ax, Two ay, Two bx, Two by) {

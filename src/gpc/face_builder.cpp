@@ -27,90 +27,90 @@
 namespace jws::gpc {
 
 bool FaceBuilder::build(const Arrangement& arrangement, const Scale& unscale, gpc_polygon& faces) {
-    arrangement_ = &arrangement;
+    m_arrangement = &arrangement;
     choose();
     while (!trace()) {
     }
     bool cuts = false;
-    for (std::size_t r = 0; r < keep_.size() && !cuts; ++r) {
-        cuts = keep_[r] && arrangement.runs()[r].step == 0;
+    for (std::size_t r = 0; r < m_keep.size() && !cuts; ++r) {
+        cuts = m_keep[r] && arrangement.runs()[r].step == 0;
     }
     if (!cuts) return false;
     findFaces();
     // By face, its outer contour first.
-    order_.resize(loops_.size());
-    for (std::size_t i = 0; i < order_.size(); ++i) order_[i] = static_cast<std::uint32_t>(i);
-    std::sort(order_.begin(), order_.end(), [this](std::uint32_t a, std::uint32_t b) {
-        const std::uint32_t faceA = cycles_[loops_[a].cycle], faceB = cycles_[loops_[b].cycle];
+    m_order.resize(m_loops.size());
+    for (std::size_t i = 0; i < m_order.size(); ++i) m_order[i] = static_cast<std::uint32_t>(i);
+    std::sort(m_order.begin(), m_order.end(), [this](std::uint32_t a, std::uint32_t b) {
+        const std::uint32_t faceA = m_cycles[m_loops[a].cycle], faceB = m_cycles[m_loops[b].cycle];
         if (faceA != faceB) return faceA < faceB;
-        return loops_[a].isOuter != loops_[b].isOuter ? loops_[a].isOuter : a < b;
+        return m_loops[a].isOuter != m_loops[b].isOuter ? m_loops[a].isOuter : a < b;
     });
-    const std::size_t count = loops_.size();
+    const std::size_t count = m_loops.size();
     faces.hole = static_cast<int*>(std::malloc(count * sizeof(int)));
     faces.contour = static_cast<gpc_vertex_list*>(std::malloc(count * sizeof(gpc_vertex_list)));
     if (!faces.hole || !faces.contour) throw std::bad_alloc();
-    outerOf_.fill(arrangement.nodes().size(), 0);
-    for (const std::uint32_t i : order_)
-        write(loops_[i], loops_[i].isOuter ? 0 : 1, unscale, faces);
+    m_outerOf.fill(arrangement.nodes().size(), 0);
+    for (const std::uint32_t i : m_order)
+        write(m_loops[i], m_loops[i].isOuter ? 0 : 1, unscale, faces);
     return true;
 }
 
 bool FaceBuilder::isCutter(std::uint32_t run) const {
-    const auto& runs = arrangement_->runs();
+    const auto& runs = m_arrangement->runs();
     for (; run != kNone; run = runs[run].twin) {
-        if (arrangement_->set().contours[runs[run].contour].operand == 0) return true;
+        if (m_arrangement->set().contours[runs[run].contour].operand == 0) return true;
     }
     return false;
 }
 
 // Keeps the boundary of the area and the lines within it.
 void FaceBuilder::choose() {
-    const auto& runs = arrangement_->runs();
-    keep_.resize(runs.size());
+    const auto& runs = m_arrangement->runs();
+    m_keep.resize(runs.size());
     for (std::uint32_t r = 0; r < runs.size(); ++r) {
         const bool bounds = runs[r].step != 0;
-        keep_[r] = !runs[r].merged && (bounds || ((runs[r].left & 1) && isCutter(r)));
+        m_keep[r] = !runs[r].merged && (bounds || ((runs[r].left & 1) && isCutter(r)));
     }
 }
 
 void FaceBuilder::link() {
-    next_.resize(2 * keep_.size());
-    for (std::uint32_t r = 0; r < keep_.size(); ++r) {
-        if (arrangement_->runs()[r].from != kNone) continue;
-        next_[2 * r] = 2 * r;
-        next_[2 * r + 1] = 2 * r + 1;
+    m_next.resize(2 * m_keep.size());
+    for (std::uint32_t r = 0; r < m_keep.size(); ++r) {
+        if (m_arrangement->runs()[r].from != kNone) continue;
+        m_next[2 * r] = 2 * r;
+        m_next[2 * r + 1] = 2 * r + 1;
     }
-    for (const Arrangement::Node& n : arrangement_->nodes()) {
-        const HalfEdge* h = arrangement_->around().data() + n.first;
+    for (const Arrangement::Node& n : m_arrangement->nodes()) {
+        const HalfEdge* h = m_arrangement->around().data() + n.first;
         HalfEdge clockwise = kNone, first = kNone;
         for (std::uint32_t i = 0; i < n.count; ++i) {
-            if (!keep_[h[i] >> 1]) continue;
+            if (!m_keep[h[i] >> 1]) continue;
             if (first == kNone) {
                 first = h[i];
             } else {
-                next_[h[i] ^ 1] = clockwise;
+                m_next[h[i] ^ 1] = clockwise;
             }
             clockwise = h[i];
         }
-        if (first != kNone) next_[first ^ 1] = clockwise;
+        if (first != kNone) m_next[first ^ 1] = clockwise;
     }
 }
 
 // Makes the walks; false, and the runs are gone, where one passes both sides of a run.
 bool FaceBuilder::trace() {
     link();
-    cycle_.fill(next_.size(), 0xFF);
-    onPath_.fill(arrangement_->nodes().size(), 0);
-    steps_.clear();
-    loops_.clear();
-    cycles_.clear();
-    for (HalfEdge h = 0; h < next_.size(); ++h) {
-        if (isFace(h) && cycle_[h] == kNone) splitCycle(h);
+    m_cycle.fill(m_next.size(), 0xFF);
+    m_onPath.fill(m_arrangement->nodes().size(), 0);
+    m_steps.clear();
+    m_loops.clear();
+    m_cycles.clear();
+    for (HalfEdge h = 0; h < m_next.size(); ++h) {
+        if (isFace(h) && m_cycle[h] == kNone) splitCycle(h);
     }
     bool clean = true;
-    for (std::uint32_t r = 0; r < keep_.size(); ++r) {
-        if (!keep_[r] || cycle_[2 * r] == kNone || cycle_[2 * r] != cycle_[2 * r + 1]) continue;
-        keep_[r] = 0;
+    for (std::uint32_t r = 0; r < m_keep.size(); ++r) {
+        if (!m_keep[r] || m_cycle[2 * r] == kNone || m_cycle[2 * r] != m_cycle[2 * r + 1]) continue;
+        m_keep[r] = 0;
         clean = false;
     }
     return clean;
@@ -118,18 +118,18 @@ bool FaceBuilder::trace() {
 
 // Walks from `start` on and takes a loop off the path whenever it comes back to a node.
 void FaceBuilder::splitCycle(HalfEdge start) {
-    const auto cycle = static_cast<std::uint32_t>(cycles_.size());
-    cycles_.push(kNone);
-    path_.clear();
-    for (HalfEdge h = start; cycle_[h] == kNone; h = next_[h]) {
-        cycle_[h] = cycle;
-        const std::uint32_t node = arrangement_->nodeOf(h);
+    const auto cycle = static_cast<std::uint32_t>(m_cycles.size());
+    m_cycles.push(kNone);
+    m_path.clear();
+    for (HalfEdge h = start; m_cycle[h] == kNone; h = m_next[h]) {
+        m_cycle[h] = cycle;
+        const std::uint32_t node = m_arrangement->nodeOf(h);
         if (node != kNone) {
-            if (onPath_[node] != 0) addLoop(onPath_[node] - 1, cycle);
-            path_.push(h);
-            onPath_[node] = static_cast<std::uint32_t>(path_.size());
+            if (m_onPath[node] != 0) addLoop(m_onPath[node] - 1, cycle);
+            m_path.push(h);
+            m_onPath[node] = static_cast<std::uint32_t>(m_path.size());
         } else {
-            path_.push(h);
+            m_path.push(h);
         }
     }
     addLoop(0, cycle);
@@ -138,46 +138,46 @@ void FaceBuilder::splitCycle(HalfEdge start) {
 /// Calls `visit(p)` for the point a half-edge leaves from and for its inner points, in order.
 template <class Visit>
 void FaceBuilder::forPoints(HalfEdge h, const Visit& visit) const {
-    const Arrangement::Run& r = arrangement_->runs()[h >> 1];
-    if (r.from != kNone) visit(arrangement_->nodes()[arrangement_->nodeOf(h)].p);
+    const Arrangement::Run& r = m_arrangement->runs()[h >> 1];
+    if (r.from != kNone) visit(m_arrangement->nodes()[m_arrangement->nodeOf(h)].p);
     for (std::uint32_t k = 0; k < r.count; ++k) {
-        visit(arrangement_->pointOf(r, (h & 1) ? r.count - 1 - k : k));
+        visit(m_arrangement->pointOf(r, (h & 1) ? r.count - 1 - k : k));
     }
 }
 
 // Takes the end of the path off it. A loop of fewer than three points goes there and back.
 void FaceBuilder::addLoop(std::uint32_t from, std::uint32_t cycle) {
     Loop loop{};
-    loop.first = static_cast<std::uint32_t>(steps_.size());
+    loop.first = static_cast<std::uint32_t>(m_steps.size());
     loop.cycle = cycle;
-    turned_.clear();
-    for (std::size_t i = from; i < path_.size(); ++i) {
-        steps_.push(path_[i]);
-        forPoints(path_[i], [this](const Point& p) { turned_.push(p); });
-        const std::uint32_t node = arrangement_->nodeOf(path_[i]);
-        if (node != kNone) onPath_[node] = 0;
+    m_turned.clear();
+    for (std::size_t i = from; i < m_path.size(); ++i) {
+        m_steps.push(m_path[i]);
+        forPoints(m_path[i], [this](const Point& p) { m_turned.push(p); });
+        const std::uint32_t node = m_arrangement->nodeOf(m_path[i]);
+        if (node != kNone) m_onPath[node] = 0;
     }
-    path_.resize(from);
-    loop.last = static_cast<std::uint32_t>(steps_.size());
-    loop.points = static_cast<std::uint32_t>(turned_.size());
+    m_path.resize(from);
+    loop.last = static_cast<std::uint32_t>(m_steps.size());
+    loop.points = static_cast<std::uint32_t>(m_turned.size());
     if (loop.points < 3) return;
-    const Point* p = turned_.data();
-    const std::size_t n = turned_.size();
+    const Point* p = m_turned.data();
+    const std::size_t n = m_turned.size();
     const auto least = static_cast<std::size_t>(std::min_element(p, p + n) - p);
     loop.least = p[least];
     loop.isOuter = orientation(p[(least + n - 1) % n], p[least], p[(least + 1) % n]) > 0;
-    if (loop.isOuter) cycles_[cycle] = static_cast<std::uint32_t>(loops_.size());
-    loops_.push(loop);
+    if (loop.isOuter) m_cycles[cycle] = static_cast<std::uint32_t>(m_loops.size());
+    m_loops.push(loop);
 }
 
 void FaceBuilder::gatherEdges() {
-    edges_.clear();
-    for (std::uint32_t r = 0; r < keep_.size(); ++r) {
-        if (!keep_[r]) continue;
-        const Arrangement::Run& run = arrangement_->runs()[r];
+    m_edges.clear();
+    for (std::uint32_t r = 0; r < m_keep.size(); ++r) {
+        if (!m_keep[r]) continue;
+        const Arrangement::Run& run = m_arrangement->runs()[r];
         const auto add = [&](const Point& a, const Point& b) {
-            if (a.x < b.x) edges_.push({a, b, cycle_[2 * r]});
-            if (a.x > b.x) edges_.push({b, a, cycle_[2 * r + 1]});
+            if (a.x < b.x) m_edges.push({a, b, m_cycle[2 * r]});
+            if (a.x > b.x) m_edges.push({b, a, m_cycle[2 * r + 1]});
         };
         bool started = false;
         Point first{}, last{};
@@ -187,7 +187,7 @@ void FaceBuilder::gatherEdges() {
             started = true;
             last = p;
         });
-        add(last, run.from == kNone ? first : arrangement_->nodes()[run.to].p);
+        add(last, run.from == kNone ? first : m_arrangement->nodes()[run.to].p);
     }
 }
 
@@ -212,60 +212,62 @@ struct FaceBuilder::Below {
 class FaceBuilder::Sweep {
   public:
     explicit Sweep(const Buffer<Edge>& edges) {
-        starts_.reserve(edges.size());
-        for (const Edge& e : edges) starts_.push(&e);
-        ends_.reserve(edges.size());
-        for (const Edge& e : edges) ends_.push(&e);
-        std::sort(starts_.begin(), starts_.end(),
+        m_starts.reserve(edges.size());
+        for (const Edge& e : edges) m_starts.push(&e);
+        m_ends.reserve(edges.size());
+        for (const Edge& e : edges) m_ends.push(&e);
+        std::sort(m_starts.begin(), m_starts.end(),
                   [](const Edge* a, const Edge* b) { return a->left.x < b->left.x; });
-        std::sort(ends_.begin(), ends_.end(),
+        std::sort(m_ends.begin(), m_ends.end(),
                   [](const Edge* a, const Edge* b) { return a->right.x < b->right.x; });
     }
 
     const Edge* below(const Point& p) {
-        while (start_ < starts_.size() && starts_[start_]->left.x < p.x) {
-            const Edge* next = starts_[start_++];
+        while (m_start < m_starts.size() && m_starts[m_start]->left.x < p.x) {
+            const Edge* next = m_starts[m_start++];
             removeUpTo(next->left.x);
-            passed_.insert(next);
+            m_passed.insert(next);
         }
-        while (end_ < ends_.size() && ends_[end_]->right.x < p.x) passed_.erase(ends_[end_++]);
-        const auto above = passed_.lower_bound(p);
-        return above == passed_.begin() ? nullptr : *std::prev(above);
+        while (m_end < m_ends.size() && m_ends[m_end]->right.x < p.x)
+            m_passed.erase(m_ends[m_end++]);
+        const auto above = m_passed.lower_bound(p);
+        return above == m_passed.begin() ? nullptr : *std::prev(above);
     }
 
   private:
     void removeUpTo(double x) {
-        while (end_ < ends_.size() && ends_[end_]->right.x <= x) passed_.erase(ends_[end_++]);
+        while (m_end < m_ends.size() && m_ends[m_end]->right.x <= x)
+            m_passed.erase(m_ends[m_end++]);
     }
 
-    Buffer<const Edge*> starts_, ends_;
-    std::size_t start_ = 0, end_ = 0;
-    std::set<const Edge*, Below> passed_;
+    Buffer<const Edge*> m_starts, m_ends;
+    std::size_t m_start = 0, m_end = 0;
+    std::set<const Edge*, Below> m_passed;
 };
 
 // Gives each walk around an island the outer loop of the face that it lies in.
 void FaceBuilder::findFaces() {
-    order_.clear();
-    for (std::uint32_t i = 0; i < loops_.size(); ++i) {
-        if (cycles_[loops_[i].cycle] == kNone) order_.push(i);
+    m_order.clear();
+    for (std::uint32_t i = 0; i < m_loops.size(); ++i) {
+        if (m_cycles[m_loops[i].cycle] == kNone) m_order.push(i);
     }
-    if (order_.empty()) return;
+    if (m_order.empty()) return;
     gatherEdges();
-    Sweep sweep(edges_);
-    std::sort(order_.begin(), order_.end(), [this](std::uint32_t a, std::uint32_t b) {
-        return loops_[a].least < loops_[b].least;
+    Sweep sweep(m_edges);
+    std::sort(m_order.begin(), m_order.end(), [this](std::uint32_t a, std::uint32_t b) {
+        return m_loops[a].least < m_loops[b].least;
     });
-    for (const std::uint32_t i : order_) {
-        std::uint32_t& face = cycles_[loops_[i].cycle];
+    for (const std::uint32_t i : m_order) {
+        std::uint32_t& face = m_cycles[m_loops[i].cycle];
         if (face != kNone) continue;
-        const Edge* below = sweep.below(loops_[i].least);
-        if (below != nullptr && below->above != kNone) face = cycles_[below->above];
+        const Edge* below = sweep.below(m_loops[i].least);
+        if (below != nullptr && below->above != kNone) face = m_cycles[below->above];
     }
 }
 
 // A hole starts at a point that is not on its outer contour.
 void FaceBuilder::write(const Loop& loop, int hole, const Scale& unscale, gpc_polygon& faces) {
-    const std::uint32_t mark = cycles_[loop.cycle] + 1;
+    const std::uint32_t mark = m_cycles[loop.cycle] + 1;
     gpc_vertex_list& list = faces.contour[faces.num_contours];
     list.vertex = static_cast<gpc_vertex*>(std::malloc(loop.points * sizeof(gpc_vertex)));
     if (!list.vertex) throw std::bad_alloc();
@@ -274,13 +276,13 @@ void FaceBuilder::write(const Loop& loop, int hole, const Scale& unscale, gpc_po
     gpc_vertex* out = list.vertex;
     gpc_vertex* start = nullptr;
     for (std::uint32_t s = loop.first; s < loop.last; ++s) {
-        const std::uint32_t node = arrangement_->nodeOf(steps_[s]);
+        const std::uint32_t node = m_arrangement->nodeOf(m_steps[s]);
         bool shared = false;
         if (node != kNone) {
-            shared = hole && outerOf_[node] == mark;
-            if (!hole) outerOf_[node] = mark;
+            shared = hole && m_outerOf[node] == mark;
+            if (!hole) m_outerOf[node] = mark;
         }
-        forPoints(steps_[s], [&](const Point& p) {
+        forPoints(m_steps[s], [&](const Point& p) {
             if (!shared && start == nullptr) start = out;
             shared = false;
             const Point q = unscale(p.x, p.y);
@@ -291,18 +293,18 @@ void FaceBuilder::write(const Loop& loop, int hole, const Scale& unscale, gpc_po
 }
 
 void FaceBuilder::release() {
-    keep_.release();
-    next_.release();
-    cycle_.release();
-    onPath_.release();
-    path_.release();
-    steps_.release();
-    loops_.release();
-    cycles_.release();
-    edges_.release();
-    order_.release();
-    outerOf_.release();
-    turned_.release();
+    m_keep.release();
+    m_next.release();
+    m_cycle.release();
+    m_onPath.release();
+    m_path.release();
+    m_steps.release();
+    m_loops.release();
+    m_cycles.release();
+    m_edges.release();
+    m_order.release();
+    m_outerOf.release();
+    m_turned.release();
 }
 
 }  // namespace jws::gpc

@@ -18,7 +18,8 @@ class FaceBuilder {
     bool build(const Arrangement& arrangement, const Scale& unscale, gpc_polygon& faces);
 
     std::size_t bytes() const {
-        return keep_.bytes() + next_.bytes() + cycles_.bytes() + steps_.bytes() + edges_.bytes();
+        return m_keep.bytes() + m_next.bytes() + m_cycles.bytes() + m_steps.bytes() +
+               m_edges.bytes();
     }
     void release();
 
@@ -28,7 +29,7 @@ class FaceBuilder {
 
     /// A simple closed part of the walk along a face.
     struct Loop {
-        std::uint32_t first;  ///< its half-edges: steps_[first, last)
+        std::uint32_t first;  ///< its half-edges: m_steps[first, last)
         std::uint32_t last;
         std::uint32_t cycle;
         std::uint32_t points;
@@ -56,24 +57,25 @@ class FaceBuilder {
     template <class Visit>
     void forPoints(HalfEdge h, const Visit& visit) const;
     std::int32_t leftOf(HalfEdge h) const {
-        const Arrangement::Run& r = arrangement_->runs()[h >> 1];
-        return (h & 1) ? arrangement_->rightOf(r) : r.left;
+        const Arrangement::Run& r = m_arrangement->runs()[h >> 1];
+        return (h & 1) ? m_arrangement->rightOf(r) : r.left;
     }
-    bool isFace(HalfEdge h) const { return keep_[h >> 1] && (leftOf(h) & 1); }
+    bool isFace(HalfEdge h) const { return m_keep[h >> 1] && (leftOf(h) & 1); }
 
-    const Arrangement* arrangement_ = nullptr;
-    Buffer<std::uint8_t> keep_;     // of each run
-    Buffer<HalfEdge> next_;         // of each half-edge
-    Buffer<std::uint32_t> cycle_;   // of each half-edge
-    Buffer<std::uint32_t> onPath_;  // of each node: 1 + position on the path, or 0
-    Buffer<HalfEdge> path_;
-    Buffer<HalfEdge> steps_;
-    Buffer<Loop> loops_;
-    Buffer<std::uint32_t> cycles_;  // of each cycle: its outer loop, or kNone; then the face's
-    Buffer<Edge> edges_;
-    Buffer<std::uint32_t> order_;
-    Buffer<std::uint32_t> outerOf_;  // of each node: 1 + the outer contour that was through it last
-    Buffer<Point> turned_;
+    const Arrangement* m_arrangement = nullptr;
+    Buffer<std::uint8_t> m_keep;     // of each run
+    Buffer<HalfEdge> m_next;         // of each half-edge
+    Buffer<std::uint32_t> m_cycle;   // of each half-edge
+    Buffer<std::uint32_t> m_onPath;  // of each node: 1 + position on the path, or 0
+    Buffer<HalfEdge> m_path;
+    Buffer<HalfEdge> m_steps;
+    Buffer<Loop> m_loops;
+    Buffer<std::uint32_t> m_cycles;  // of each cycle: its outer loop, or kNone; then the face's
+    Buffer<Edge> m_edges;
+    Buffer<std::uint32_t> m_order;
+    Buffer<std::uint32_t>
+        m_outerOf;  // of each node: 1 + the outer contour that was through it last
+    Buffer<Point> m_turned;
 };
 
 }  // namespace jws::gpc

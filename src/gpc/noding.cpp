@@ -53,34 +53,34 @@ constexpr std::size_t kNoLimit = static_cast<std::size_t>(-1);
 }  // namespace
 
 void Noder::run(ContourSet& source, int exponent, double aspect) {
-    source_ = &source;
-    doubles_.clear();
-    grid_.fit(exponent - 53);
-    near_ = {2 * grid_.step, aspect};
-    stray_ = near_.within(kStray * grid_.step);
-    snapped_ = false;
-    tight_ = 32 * grid_.step;
-    radius_ = 0x1p13 * grid_.step;
-    scans_ = 0;
-    snapped_ = !bend();
-    if (!snapped_) return;
+    m_source = &source;
+    m_doubles.clear();
+    m_grid.fit(exponent - 53);
+    m_near = {2 * m_grid.step, aspect};
+    m_stray = m_near.within(kStray * m_grid.step);
+    m_snapped = false;
+    m_tight = 32 * m_grid.step;
+    m_radius = 0x1p13 * m_grid.step;
+    m_scans = 0;
+    m_snapped = !bend();
+    if (!m_snapped) return;
     snap();
     if (check()) throw std::logic_error("edges cross after snap rounding");
 }
 
 // Splits edges where they meet, until that leaves nothing to split; false if it takes too long.
 bool Noder::bend() {
-    set_ = source_;
-    for (std::uint8_t& f : set_->flags) f |= kUnchecked;
-    most_ = kNoLimit;
-    for (pass_ = 1; check(); ++pass_) {
-        if (splits_.size() > most_) return false;
-        most_ = (most_ == kNoLimit ? set_->points.size() + splits_.size() : most_) / 2;
-        if (pass_ == 1) findCrowds();
-        const std::size_t before = set_->points.size();
+    m_set = m_source;
+    for (std::uint8_t& f : m_set->flags) f |= kUnchecked;
+    m_most = kNoLimit;
+    for (m_pass = 1; check(); ++m_pass) {
+        if (m_splits.size() > m_most) return false;
+        m_most = (m_most == kNoLimit ? m_set->points.size() + m_splits.size() : m_most) / 2;
+        if (m_pass == 1) findCrowds();
+        const std::size_t before = m_set->points.size();
         const bool any = rebuild();
-        treeIsFresh_ = false;
-        if (strayed_ || (pass_ == 1 && isHeap(set_->points.size() - before))) return false;
+        m_treeIsFresh = false;
+        if (m_strayed || (m_pass == 1 && isHeap(m_set->points.size() - before))) return false;
         if (!any) return true;
         findDoubles();
     }
@@ -89,25 +89,25 @@ bool Noder::bend() {
 
 // Starts again from the source and snap rounds it.
 void Noder::snap() {
-    doubles_.clear();
-    most_ = kNoLimit;
-    set_ = source_;
-    set_->flags.fill(set_->points.size(), kUnchecked);
-    active_ = 1;  // so that the first target is 0
+    m_doubles.clear();
+    m_most = kNoLimit;
+    m_set = m_source;
+    m_set->flags.fill(m_set->points.size(), kUnchecked);
+    m_active = 1;  // so that the first target is 0
     for (int round = 1; round <= kRounds; ++round) {
-        const int target = 1 - active_;
-        tree_.build(*set_, near_.reach);
-        rounder_.run(*set_, tree_, grid_, round == 1, work_[target], parents_[target]);
+        const int target = 1 - m_active;
+        m_tree.build(*m_set, m_near.reach);
+        m_rounder.run(*m_set, m_tree, m_grid, round == 1, m_work[target], m_parents[target]);
         if (round > 1) {
-            if (work_[target].points.size() == set_->points.size()) break;
-            for (std::uint32_t& parent : parents_[target]) parent = parents_[active_][parent];
-            if (!keepsToOrigin(work_[target], parents_[target])) break;
+            if (m_work[target].points.size() == m_set->points.size()) break;
+            for (std::uint32_t& parent : m_parents[target]) parent = m_parents[m_active][parent];
+            if (!keepsToOrigin(m_work[target], m_parents[target])) break;
         }
-        active_ = target;
-        set_ = &work_[target];
-        if (set_->points.size() > kBundle * source_->points.size()) break;
+        m_active = target;
+        m_set = &m_work[target];
+        if (m_set->points.size() > kBundle * m_source->points.size()) break;
     }
-    set_->flags.fill(set_->points.size(), kUnchecked);
+    m_set->flags.fill(m_set->points.size(), kUnchecked);
     findDoubles();
 }
 
@@ -125,33 +125,33 @@ bool Noder::keepsToOrigin(const ContourSet& set, const Buffer<std::uint32_t>& pa
 std::size_t Noder::countConflicts() {
     const auto meetings = [this] {
         std::size_t count = 0;
-        for (const std::uint8_t f : set_->flags) count += (f & kMeeting) != 0;
+        for (const std::uint8_t f : m_set->flags) count += (f & kMeeting) != 0;
         return count;
     };
     const std::size_t before = meetings();
-    for (std::uint8_t& f : set_->flags) f = static_cast<std::uint8_t>((f | kUnchecked) & ~kDouble);
-    doubles_.clear();
-    most_ = kNoLimit;
-    pass_ = 2;
+    for (std::uint8_t& f : m_set->flags) f = static_cast<std::uint8_t>((f | kUnchecked) & ~kDouble);
+    m_doubles.clear();
+    m_most = kNoLimit;
+    m_pass = 2;
     check();
-    return splits_.size() + meetings() - before;
+    return m_splits.size() + meetings() - before;
 }
 
 // A ray or two are shot quicker without building a tree for them.
 bool Noder::useTree() {
     constexpr std::size_t kFewEdges = 300;
-    if (!treeIsFresh_ && set_->points.size() > kFewEdges && ++scans_ > 2) {
-        tree_.build(*set_, near_.reach);
-        treeIsFresh_ = true;
+    if (!m_treeIsFresh && m_set->points.size() > kFewEdges && ++m_scans > 2) {
+        m_tree.build(*m_set, m_near.reach);
+        m_treeIsFresh = true;
     }
-    return treeIsFresh_;
+    return m_treeIsFresh;
 }
 
 std::int32_t Noder::parityLeftOf(const Point& p) {
-    if (useTree()) return tree_.parityLeftOf(*set_, p);
+    if (useTree()) return m_tree.parityLeftOf(*m_set, p);
     std::int32_t odd = 0;
-    const Point* q = set_->points.data();
-    for (const Contour& c : set_->contours) {
+    const Point* q = m_set->points.data();
+    for (const Contour& c : m_set->contours) {
         for (std::uint32_t i = c.first; i < c.last; ++i) {
             if ((q[i].y > p.y) != (q[i + 1].y > p.y) && isLeftOf(q[i], q[i + 1], p)) {
                 odd ^= c.operand;
@@ -162,10 +162,10 @@ std::int32_t Noder::parityLeftOf(const Point& p) {
 }
 
 std::int32_t Noder::depthLeftOf(const Point& p) {
-    if (useTree()) return tree_.depthLeftOf(*set_, p);
+    if (useTree()) return m_tree.depthLeftOf(*m_set, p);
     std::int32_t depth = 0;
-    const Point* q = set_->points.data();
-    for (const Contour& c : set_->contours) {
+    const Point* q = m_set->points.data();
+    for (const Contour& c : m_set->contours) {
         for (std::uint32_t i = c.first; i < c.last; ++i) {
             if ((q[i].y > p.y) != (q[i + 1].y > p.y) && isLeftOf(q[i], q[i + 1], p)) {
                 depth += q[i].y > p.y ? c.operand : -c.operand;
@@ -176,28 +176,28 @@ std::int32_t Noder::depthLeftOf(const Point& p) {
 }
 
 std::size_t Noder::bytes() const {
-    std::size_t sum = tree_.bytes() + splits_.bytes() + firstSplit_.bytes() + rounder_.bytes();
+    std::size_t sum = m_tree.bytes() + m_splits.bytes() + m_firstSplit.bytes() + m_rounder.bytes();
     for (int i = 0; i < 2; ++i) {
-        sum += work_[i].points.bytes() + work_[i].flags.bytes() + parents_[i].bytes();
+        sum += m_work[i].points.bytes() + m_work[i].flags.bytes() + m_parents[i].bytes();
     }
     return sum;
 }
 
 void Noder::release() {
-    tree_.release();
+    m_tree.release();
     for (int i = 0; i < 2; ++i) {
-        work_[i].points.release();
-        work_[i].flags.release();
-        work_[i].contours.release();
-        parents_[i].release();
+        m_work[i].points.release();
+        m_work[i].flags.release();
+        m_work[i].contours.release();
+        m_parents[i].release();
     }
-    rounder_.release();
-    splits_.release();
-    firstSplit_.release();
-    sorted_.release();
-    table_.release();
-    doubles_.release();
-    standIns_.release();
+    m_rounder.release();
+    m_splits.release();
+    m_firstSplit.release();
+    m_sorted.release();
+    m_table.release();
+    m_doubles.release();
+    m_standIns.release();
 }
 
 }  // namespace jws::gpc

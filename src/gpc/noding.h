@@ -19,15 +19,15 @@ class Noder {
 
     /// The split contours, with `kMeeting` at every point where more than two edge ends come
     /// together. Valid until the next run.
-    const ContourSet& result() const { return *set_; }
+    const ContourSet& result() const { return *m_set; }
 
     /// The edge of `origin()` that an edge of the result is a piece of.
     std::uint32_t originOf(std::uint32_t edge) const {
-        return set_ == source_ ? edge : parents_[active_][edge];
+        return m_set == m_source ? edge : m_parents[m_active][edge];
     }
-    const ContourSet& origin() const { return *source_; }
+    const ContourSet& origin() const { return *m_source; }
     /// How far off an edge may pass a vertex and yet be cut there.
-    const Nearness& nearness() const { return near_; }
+    const Nearness& nearness() const { return m_near; }
 
     /// Compares every pair once more and counts what the run has missed: 0, always. For tests.
     std::size_t countConflicts();
@@ -37,14 +37,14 @@ class Noder {
     template <class Visit>
     void forEdgesFrom(const Point& a, const Point& b, double reach, const Visit& visit) {
         const Box box = edgeBox(a, b, reach);
-        const Point* p = set_->points.data();
+        const Point* p = m_set->points.data();
         if (useTree()) {
-            tree_.query(*set_, box, [&](std::uint32_t edge) {
+            m_tree.query(*m_set, box, [&](std::uint32_t edge) {
                 if (box.holds(p[edge])) visit(p[edge], p[edge + 1]);
             });
             return;
         }
-        for (const Contour& c : set_->contours) {
+        for (const Contour& c : m_set->contours) {
             for (std::uint32_t i = c.first; i < c.last; ++i) {
                 if (box.holds(p[i])) visit(p[i], p[i + 1]);
             }
@@ -81,62 +81,62 @@ class Noder {
     void crossClosely(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1);
     bool cutAt(std::uint32_t edge, std::uint32_t end, std::uint32_t point, std::uint32_t by);
     void cross(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1);
-    void mark(std::uint32_t point) { set_->flags[point] |= kMeeting; }
+    void mark(std::uint32_t point) { m_set->flags[point] |= kMeeting; }
     void split(std::uint32_t edge, const Point& p, bool moved, std::uint32_t by);
     void suspect(std::uint32_t i, std::uint32_t j) {
-        if (pass_ > 1) return;
-        set_->flags[i] |= kSuspect;
-        set_->flags[j] |= kSuspect;
+        if (m_pass > 1) return;
+        m_set->flags[i] |= kSuspect;
+        m_set->flags[j] |= kSuspect;
     }
     bool isHeap(std::size_t made) const;
     void findCrowds();
     /// After snap rounding an edge is cut at what lies on it only.
     bool isNear(const Point& p, const Point& a, const Point& b) const {
-        return !snapped_ && near_.holds(p, a, b);
+        return !m_snapped && m_near.holds(p, a, b);
     }
     void touch(std::uint32_t edge, std::uint32_t point, bool moved, std::uint32_t by) {
         mark(point);
-        split(edge, set_->points[point], moved, by);
+        split(edge, m_set->points[point], moved, by);
     }
     bool bend();
     void snap();
     bool rebuild();
     void findDoubles();
     std::uint32_t splitsOf(std::uint32_t edge) const {
-        const bool isDouble = (set_->flags[edge] & kDouble) != 0;
-        return firstSplit_[isDouble ? standIns_[edge] : edge];
+        const bool isDouble = (m_set->flags[edge] & kDouble) != 0;
+        return m_firstSplit[isDouble ? m_standIns[edge] : edge];
     }
     bool sortSplits(std::uint32_t edge);
     /// Tells whether `p` lies by the edge of the source.
     bool keepsTo(std::uint32_t edge, const Point& p) const {
-        return stray_.holdsOnLine(p, source_->points[edge], source_->points[edge + 1]);
+        return m_stray.holdsOnLine(p, m_source->points[edge], m_source->points[edge + 1]);
     }
     bool keepsToOrigin(const ContourSet& set, const Buffer<std::uint32_t>& parents) const;
 
-    ContourSet* source_ = nullptr;
-    ContourSet* set_ = nullptr;
-    BoxTree tree_;
-    ContourSet work_[2];
-    Buffer<std::uint32_t> parents_[2];  // of each edge of work_: the source's edge it is part of
-    int active_ = 0;
-    CrossingGrid grid_;
-    SnapRounder rounder_;
-    int pass_ = 0;
-    std::size_t most_ = 0;  // splits that this pass may make
-    bool snapped_ = false;  // edges are cut at what lies on them only
-    bool treeIsFresh_ = false;
-    int scans_ = 0;   // rays answered without the tree
-    Nearness near_;   // within which edges are cut at vertices
-    Nearness stray_;  // beyond which no edge is led from its own line
-    bool strayed_ = false;
-    double tight_ = 0;   // beyond which plain sums tell that they are not
-    double radius_ = 0;  // within which edges are suspect
-    Buffer<SplitPoint> splits_;
-    Buffer<std::uint32_t> firstSplit_;  // of each edge: 1 + index into splits_, or 0
-    Buffer<SplitPoint> sorted_;
-    Buffer<DirectedEdge> table_;      // unchecked edges by their ends
-    Buffer<std::uint32_t> doubles_;   // double edges
-    Buffer<std::uint32_t> standIns_;  // of each double edge: the one that is compared
+    ContourSet* m_source = nullptr;
+    ContourSet* m_set = nullptr;
+    BoxTree m_tree;
+    ContourSet m_work[2];
+    Buffer<std::uint32_t> m_parents[2];  // of each edge of m_work: the source's edge it is part of
+    int m_active = 0;
+    CrossingGrid m_grid;
+    SnapRounder m_rounder;
+    int m_pass = 0;
+    std::size_t m_most = 0;  // splits that this pass may make
+    bool m_snapped = false;  // edges are cut at what lies on them only
+    bool m_treeIsFresh = false;
+    int m_scans = 0;   // rays answered without the tree
+    Nearness m_near;   // within which edges are cut at vertices
+    Nearness m_stray;  // beyond which no edge is led from its own line
+    bool m_strayed = false;
+    double m_tight = 0;   // beyond which plain sums tell that they are not
+    double m_radius = 0;  // within which edges are suspect
+    Buffer<SplitPoint> m_splits;
+    Buffer<std::uint32_t> m_firstSplit;  // of each edge: 1 + index into m_splits, or 0
+    Buffer<SplitPoint> m_sorted;
+    Buffer<DirectedEdge> m_table;      // unchecked edges by their ends
+    Buffer<std::uint32_t> m_doubles;   // double edges
+    Buffer<std::uint32_t> m_standIns;  // of each double edge: the one that is compared
 };
 
 }  // namespace jws::gpc

@@ -40,38 +40,38 @@ bool opens(double ex, double ey, double fx, double fy, double reach) {
 
 // Compares all unchecked edges with their surroundings; true if there is something to split.
 bool Noder::check() {
-    splits_.clear();
-    firstSplit_.fill(set_->points.size(), 0);
-    tree_.build(*set_, near_.reach);
-    treeIsFresh_ = true;
+    m_splits.clear();
+    m_firstSplit.fill(m_set->points.size(), 0);
+    m_tree.build(*m_set, m_near.reach);
+    m_treeIsFresh = true;
     detail::StepCounter pace;
     const auto visit = [this, &pace](std::uint32_t i, std::uint32_t ci, std::uint32_t j,
                                      std::uint32_t cj) {
         pace.step();
-        if (splits_.size() > most_) return;  // too many to go on from
-        if (j == i + 1 && ci == cj && isPlainCorner(set_->points.data() + i)) return;
-        meet(i, set_->contours[ci], j, set_->contours[cj]);
+        if (m_splits.size() > m_most) return;  // too many to go on from
+        if (j == i + 1 && ci == cj && isPlainCorner(m_set->points.data() + i)) return;
+        meet(i, m_set->contours[ci], j, m_set->contours[cj]);
     };
-    tree_.joinSelf(*set_, visit);
-    return !splits_.empty();
+    m_tree.joinSelf(*m_set, visit);
+    return !m_splits.empty();
 }
 
 void Noder::split(std::uint32_t edge, const Point& p, bool moved, std::uint32_t by) {
-    splits_.push({p, firstSplit_[edge], by, moved});
-    firstSplit_[edge] = static_cast<std::uint32_t>(splits_.size());
+    m_splits.push({p, m_firstSplit[edge], by, moved});
+    m_firstSplit[edge] = static_cast<std::uint32_t>(m_splits.size());
 }
 
 // Tells whether the edges p[0] p[1] and p[1] p[2] of a contour meet in nothing but p[1], and at an
 // angle that bending does not close.
 bool Noder::isPlainCorner(const Point* p) const {
-    return opens(p[0].x - p[1].x, p[0].y - p[1].y, p[2].x - p[1].x, p[2].y - p[1].y, radius_);
+    return opens(p[0].x - p[1].x, p[0].y - p[1].y, p[2].x - p[1].x, p[2].y - p[1].y, m_radius);
 }
 
 // The four sums are distances of ends from the other edge's line, times that edge's length.
 void Noder::meet(std::uint32_t i, const Contour& ci, std::uint32_t j, const Contour& cj) {
-    const std::uint32_t i1 = set_->next(ci, i);
-    const std::uint32_t j1 = set_->next(cj, j);
-    const Point* p = set_->points.data();
+    const std::uint32_t i1 = m_set->next(ci, i);
+    const std::uint32_t j1 = m_set->next(cj, j);
+    const Point* p = m_set->points.data();
     const Point a = p[i];
     const Point b = p[i1];
     const Point c = p[j];
@@ -98,13 +98,13 @@ void Noder::meet(std::uint32_t i, const Contour& ci, std::uint32_t j, const Cont
     const double offA = std::fabs(sumA) / f;
     const double offB = std::fabs(sumB) / f;
     const double nearest = std::min(std::min(offA, offB), std::min(offC, offD));
-    if (nearest <= radius_) {
+    if (nearest <= m_radius) {
         suspect(i, j);
-        if (nearest <= tight_) {
-            bool cut = offC <= tight_ && cutAt(i, i1, j, j);
-            cut |= offD <= tight_ && cutAt(i, i1, j1, j);
-            cut |= offA <= tight_ && cutAt(j, j1, i, i);
-            cut |= offB <= tight_ && cutAt(j, j1, i1, i);
+        if (nearest <= m_tight) {
+            bool cut = offC <= m_tight && cutAt(i, i1, j, j);
+            cut |= offD <= m_tight && cutAt(i, i1, j1, j);
+            cut |= offA <= m_tight && cutAt(j, j1, i, i);
+            cut |= offB <= m_tight && cutAt(j, j1, i1, i);
             if (!cut) crossClosely(i, i1, j, j1);
             return;
         }
@@ -116,7 +116,7 @@ void Noder::meet(std::uint32_t i, const Contour& ci, std::uint32_t j, const Cont
 
 // The same for edges of which one has an end hardly off the other's line and yet not on that edge.
 void Noder::crossClosely(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1) {
-    const Point* p = set_->points.data();
+    const Point* p = m_set->points.data();
     if (orientation(p[i], p[i1], p[j]) * orientation(p[i], p[i1], p[j1]) >= 0) return;
     if (orientation(p[j], p[j1], p[i]) * orientation(p[j], p[j1], p[i1]) >= 0) return;
     suspect(i, j);
@@ -125,9 +125,9 @@ void Noder::crossClosely(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std
 
 // Splits an edge at a vertex that it passes through or closely by.
 bool Noder::cutAt(std::uint32_t edge, std::uint32_t end, std::uint32_t point, std::uint32_t by) {
-    const Point& a = set_->points[edge];
-    const Point& b = set_->points[end];
-    const Point& p = set_->points[point];
+    const Point& a = m_set->points[edge];
+    const Point& b = m_set->points[end];
+    const Point& p = m_set->points[point];
     const bool on = orientation(a, b, p) == 0;
     if (!(on ? isWithin(p, a, b) : isNear(p, a, b))) return false;
     touch(edge, point, !on, by);
@@ -142,16 +142,16 @@ void Noder::meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint
         mark(shared);
         mark(sharedOther);
     }
-    const Point s = set_->points[shared];
-    const Point u = set_->points[farI];
-    const Point w = set_->points[farJ];
+    const Point s = m_set->points[shared];
+    const Point u = m_set->points[farI];
+    const Point w = m_set->points[farJ];
     const double ex = u.x - s.x;
     const double ey = u.y - s.y;
     const double fx = w.x - s.x;
     const double fy = w.y - s.y;
-    if (opens(ex, ey, fx, fy, radius_)) return;
+    if (opens(ex, ey, fx, fy, m_radius)) return;
     suspect(i, j);
-    if (opens(ex, ey, fx, fy, tight_)) return;
+    if (opens(ex, ey, fx, fy, m_tight)) return;
     if (u == w) {
         mark(farI);
         mark(farJ);
@@ -175,8 +175,8 @@ void Noder::meetAtEnd(std::uint32_t shared, std::uint32_t sharedOther, std::uint
 }
 
 void Noder::cross(std::uint32_t i, std::uint32_t i1, std::uint32_t j, std::uint32_t j1) {
-    const Point* p = set_->points.data();
-    const Point at = crossingPoint(p[i], p[i1], p[j], p[j1], grid_);
+    const Point* p = m_set->points.data();
+    const Point at = crossingPoint(p[i], p[i1], p[j], p[j1], m_grid);
     const bool moved = !isOnAxial(at, p[i], p[i1]) || !isOnAxial(at, p[j], p[j1]);
     if (at == p[i]) {
         mark(i);

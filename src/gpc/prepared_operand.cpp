@@ -12,26 +12,26 @@
 namespace jws::gpc {
 
 PreparedOperand::PreparedOperand(const gpc_polygon& polygon) {
-    finite_ = boundsOf(polygon, box_);
-    if (!finite_) return;
-    set_.add(polygon, 1, Scale(), nullptr);
-    set_.flags.fill(set_.points.size(), 0);
-    tree_.build(set_, 0);
+    m_finite = boundsOf(polygon, m_box);
+    if (!m_finite) return;
+    m_set.add(polygon, 1, Scale(), nullptr);
+    m_set.flags.fill(m_set.points.size(), 0);
+    m_tree.build(m_set, 0);
 }
 
 void PreparedOperand::addTo(ContourSet& set, int operand, const Scale& scale,
                             const Box* window) const {
-    for (const Contour& c : set_.contours) {
+    for (const Contour& c : m_set.contours) {
         const std::size_t first = set.points.size();
         if (!window) {
             const std::uint32_t n = c.last - c.first;
             set.points.resize(first + n);
             for (std::uint32_t i = 0; i < n; ++i) {
-                const Point& p = set_.points[c.first + i];
+                const Point& p = m_set.points[c.first + i];
                 set.points[first + i] = scale(p.x, p.y);
             }
         } else {
-            const BoxTree::Node& root = tree_.node(c.tree);
+            const BoxTree::Node& root = m_tree.node(c.tree);
             if (isBeyond(scale(root.box), *window)) continue;
             addNode(set, root, scale, *window);
             if (set.points.size() < first + 3) {
@@ -47,7 +47,7 @@ void PreparedOperand::addTo(ContourSet& set, int operand, const Scale& scale,
 void PreparedOperand::addNode(ContourSet& set, const BoxTree::Node& n, const Scale& scale,
                               const Box& window) const {
     const auto put = [&](std::uint32_t i) {
-        const Point& p = set_.points[i];
+        const Point& p = m_set.points[i];
         set.points.push(scale(p.x, p.y));
     };
     if (n.lastEdge - n.firstEdge > 2 && isOneSided(scale(n.box), window)) {
@@ -60,7 +60,7 @@ void PreparedOperand::addNode(ContourSet& set, const BoxTree::Node& n, const Sca
         if (n.kind == BoxTree::kLeaf) {
             put(i);
         } else {
-            addNode(set, tree_.node(i), scale, window);
+            addNode(set, m_tree.node(i), scale, window);
         }
     }
 }

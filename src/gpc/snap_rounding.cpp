@@ -45,9 +45,9 @@ bool crossProperly(const Point& a, const Point& b, const Point& c, const Point& 
 
 void SnapRounder::run(const ContourSet& from, const BoxTree& tree, const CrossingGrid& grid,
                       bool crossing, ContourSet& to, Buffer<std::uint32_t>& parents) {
-    grid_ = grid;
-    spots_.clear();
-    crowd_ = kFewSpots;
+    m_grid = grid;
+    m_spots.clear();
+    m_crowd = kFewSpots;
     addVertices(from);
     if (crossing) addCrossings(from, tree);
     compact();
@@ -58,9 +58,9 @@ void SnapRounder::run(const ContourSet& from, const BoxTree& tree, const Crossin
     for (const Contour& c : from.contours) {
         const std::size_t first = to.points.size();
         for (std::uint32_t i = c.first; i < c.last; ++i) {
-            sortStops(from.points[i], from.points[i + 1], firstStop_[i]);
-            for (std::size_t k = 0; k + 1 < way_.size(); ++k) {
-                to.points.push(way_[k]);
+            sortStops(from.points[i], from.points[i + 1], m_firstStop[i]);
+            for (std::size_t k = 0; k + 1 < m_way.size(); ++k) {
+                to.points.push(m_way[k]);
                 parents.push(i);
             }
         }
@@ -80,7 +80,7 @@ void SnapRounder::run(const ContourSet& from, const BoxTree& tree, const Crossin
 void SnapRounder::addVertices(const ContourSet& from) {
     for (const Contour& c : from.contours) {
         for (std::uint32_t i = c.first; i < c.last; ++i) {
-            add({pixelOf(from.points[i], grid_), from.points[i]});
+            add({pixelOf(from.points[i], m_grid), from.points[i]});
         }
     }
 }
@@ -91,36 +91,36 @@ void SnapRounder::addCrossings(const ContourSet& from, const BoxTree& tree) {
     const auto visit = [&](std::uint32_t i, std::uint32_t, std::uint32_t j, std::uint32_t) {
         pace.step();
         if (!crossProperly(p[i], p[i + 1], p[j], p[j + 1])) return;
-        const Point pixel = crossingPixel(p[i], p[i + 1], p[j], p[j + 1], grid_);
+        const Point pixel = crossingPixel(p[i], p[i + 1], p[j], p[j + 1], m_grid);
         add({pixel, pixel});
     };
     tree.joinSelf(from, visit);
 }
 
 void SnapRounder::add(const Spot& spot) {
-    spots_.push(spot);
-    if (spots_.size() < crowd_) return;
+    m_spots.push(spot);
+    if (m_spots.size() < m_crowd) return;
     compact();
-    crowd_ = std::max(kFewSpots, 2 * spots_.size());
+    m_crowd = std::max(kFewSpots, 2 * m_spots.size());
 }
 
 void SnapRounder::compact() {
-    std::sort(spots_.begin(), spots_.end(), [](const Spot& s, const Spot& t) {
+    std::sort(m_spots.begin(), m_spots.end(), [](const Spot& s, const Spot& t) {
         return s.pixel < t.pixel || (s.pixel == t.pixel && s.at < t.at);
     });
-    const Spot* end = std::unique(spots_.begin(), spots_.end(), [](const Spot& s, const Spot& t) {
+    const Spot* end = std::unique(m_spots.begin(), m_spots.end(), [](const Spot& s, const Spot& t) {
         return s.pixel == t.pixel && s.at == t.at;
     });
-    spots_.resize(static_cast<std::size_t>(end - spots_.begin()));
+    m_spots.resize(static_cast<std::size_t>(end - m_spots.begin()));
 }
 
 // Tells whether the eight pixels around are cold.
 bool SnapRounder::isAlone(const Point& pixel) const {
-    for (const double x : {pixel.x - grid_.step, pixel.x, pixel.x + grid_.step}) {
+    for (const double x : {pixel.x - m_grid.step, pixel.x, pixel.x + m_grid.step}) {
         const Spot* s = std::lower_bound(
-            spots_.begin(), spots_.end(), Point{x, pixel.y - grid_.step},
+            m_spots.begin(), m_spots.end(), Point{x, pixel.y - m_grid.step},
             [](const Spot& spot, const Point& least) { return spot.pixel < least; });
-        for (; s != spots_.end() && s->pixel.x == x && s->pixel.y <= pixel.y + grid_.step; ++s) {
+        for (; s != m_spots.end() && s->pixel.x == x && s->pixel.y <= pixel.y + m_grid.step; ++s) {
             if (s->pixel != pixel) return false;
         }
     }
@@ -128,39 +128,39 @@ bool SnapRounder::isAlone(const Point& pixel) const {
 }
 
 void SnapRounder::chooseHotPoints() {
-    hot_.clear();
-    for (std::size_t i = 0, end = 0; i < spots_.size(); i = end) {
-        const Spot& s = spots_[i];
-        for (end = i + 1; end < spots_.size() && spots_[end].pixel == s.pixel;) ++end;
+    m_hot.clear();
+    for (std::size_t i = 0, end = 0; i < m_spots.size(); i = end) {
+        const Spot& s = m_spots[i];
+        for (end = i + 1; end < m_spots.size() && m_spots[end].pixel == s.pixel;) ++end;
         const bool keeps = end == i + 1 && s.at != s.pixel && isAlone(s.pixel);
-        hot_.push(keeps ? s.at : s.pixel);
+        m_hot.push(keeps ? s.at : s.pixel);
     }
 }
 
 void SnapRounder::stopEdges(const ContourSet& from, const BoxTree& tree) {
-    stops_.clear();
-    firstStop_.fill(from.points.size(), 0);
+    m_stops.clear();
+    m_firstStop.fill(from.points.size(), 0);
     detail::StepCounter pace;
-    for (std::uint32_t k = 0; k < hot_.size(); ++k) {
-        const Point h = hot_[k];
+    for (std::uint32_t k = 0; k < m_hot.size(); ++k) {
+        const Point h = m_hot[k];
         pace.step();
-        tree.query(from, edgeBox(h, h, grid_.step), [&](std::uint32_t edge) {
-            if (!entersPixel(from.points[edge], from.points[edge + 1], h, grid_.step)) return;
-            stops_.push({k, firstStop_[edge]});
-            firstStop_[edge] = static_cast<std::uint32_t>(stops_.size());
+        tree.query(from, edgeBox(h, h, m_grid.step), [&](std::uint32_t edge) {
+            if (!entersPixel(from.points[edge], from.points[edge + 1], h, m_grid.step)) return;
+            m_stops.push({k, m_firstStop[edge]});
+            m_firstStop[edge] = static_cast<std::uint32_t>(m_stops.size());
         });
     }
 }
 
-// Puts an edge's stops into way_, in order from a to b: of two squares that do not overlap, one
+// Puts an edge's stops into m_way, in order from a to b: of two squares that do not overlap, one
 // lies wholly before the other in x or in y, where their middles are further apart.
 void SnapRounder::sortStops(const Point& a, const Point& b, std::uint32_t first) {
-    way_.clear();
-    for (std::uint32_t s = first; s != 0; s = stops_[s - 1].next)
-        way_.push(hot_[stops_[s - 1].hot]);
+    m_way.clear();
+    for (std::uint32_t s = first; s != 0; s = m_stops[s - 1].next)
+        m_way.push(m_hot[m_stops[s - 1].hot]);
     const bool right = a.x < b.x;
     const bool up = a.y < b.y;
-    std::sort(way_.begin(), way_.end(), [=](const Point& u, const Point& v) {
+    std::sort(m_way.begin(), m_way.end(), [=](const Point& u, const Point& v) {
         const double x = std::fabs(u.x - v.x);
         const double y = std::fabs(u.y - v.y);
         return x >= y ? x > 0 && (u.x < v.x) == right : (u.y < v.y) == up;
@@ -168,11 +168,11 @@ void SnapRounder::sortStops(const Point& a, const Point& b, std::uint32_t first)
 }
 
 void SnapRounder::release() {
-    spots_.release();
-    hot_.release();
-    stops_.release();
-    firstStop_.release();
-    way_.release();
+    m_spots.release();
+    m_hot.release();
+    m_stops.release();
+    m_firstStop.release();
+    m_way.release();
 }
 
 }  // namespace jws::gpc

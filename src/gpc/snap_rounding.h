@@ -18,7 +18,7 @@ class SnapRounder {
     void run(const ContourSet& from, const BoxTree& tree, const CrossingGrid& grid, bool crossing,
              ContourSet& to, Buffer<std::uint32_t>& parents);
 
-    std::size_t bytes() const { return spots_.bytes() + hot_.bytes() + stops_.bytes(); }
+    std::size_t bytes() const { return m_spots.bytes() + m_hot.bytes() + m_stops.bytes(); }
     void release();
 
   private:
@@ -29,7 +29,7 @@ class SnapRounder {
     };
     /// A hot point on the way of an edge.
     struct Stop {
-        std::uint32_t hot;  ///< its place in `hot_`
+        std::uint32_t hot;  ///< its place in `m_hot`
         std::uint32_t next;
     };
 
@@ -42,13 +42,13 @@ class SnapRounder {
     void stopEdges(const ContourSet& from, const BoxTree& tree);
     void sortStops(const Point& a, const Point& b, std::uint32_t first);
 
-    CrossingGrid grid_;
-    Buffer<Spot> spots_;
-    std::size_t crowd_ = 0;  // spots at which repetitions are dropped again
-    Buffer<Point> hot_;
-    Buffer<Stop> stops_;
-    Buffer<std::uint32_t> firstStop_;  // of each edge: 1 + index into stops_, or 0
-    Buffer<Point> way_;
+    CrossingGrid m_grid;
+    Buffer<Spot> m_spots;
+    std::size_t m_crowd = 0;  // spots at which repetitions are dropped again
+    Buffer<Point> m_hot;
+    Buffer<Stop> m_stops;
+    Buffer<std::uint32_t> m_firstStop;  // of each edge: 1 + index into m_stops, or 0
+    Buffer<Point> m_way;
 };
 
 }  // namespace jws::gpc

@@ -85,7 +85,8 @@ class MapResults {
 using FeatureMap = std::function<void(const JWFeature& feature, MapResults& results)>;
 
 struct LayerMapJob {
-    LayerMapJob(FeatureInput& input_, FeatureOutput& output_) : input(input_), output(output_) {}
+    LayerMapJob(FeatureInput& m_input, FeatureOutput& m_output)
+        : input(m_input), output(m_output) {}
 
     FeatureInput& input;
     FeatureOutput& output;

@@ -85,17 +85,17 @@ struct Tally {
 
 class Campaign {
   public:
-    explicit Campaign(const CampaignSettings& settings) : settings_(settings) {
+    explicit Campaign(const CampaignSettings& settings) : m_settings(settings) {
         for (const std::string& name : settings.families) {
             const ClipFamily* family = familyNamed(name);
             if (!family) throw std::invalid_argument("no family is called " + name);
-            families_.push_back(family);
+            m_families.push_back(family);
         }
-        if (families_.empty()) {
-            for (const ClipFamily& family : clipFamilies()) families_.push_back(&family);
+        if (m_families.empty()) {
+            for (const ClipFamily& family : clipFamilies()) m_families.push_back(&family);
         }
-        tallies_.resize(families_.size());
-        total_ = settings.only < 0 ? settings.pairs : families_.size();
+        m_tallies.resize(m_families.size());
+        m_total = settings.only < 0 ? settings.pairs : m_families.size();
     }
 
     std::uint64_t run() {
@@ -104,8 +104,8 @@ class Campaign {
         }
         for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, askToEnd);
         const double start = secondsNow();
-        std::vector<InHand> hands(static_cast<std::size_t>(settings_.threads));
-        std::atomic<int> running{settings_.threads};
+        std::vector<InHand> hands(static_cast<std::size_t>(m_settings.threads));
+        std::atomic<int> running{m_settings.threads};
         std::vector<std::thread> team;
         for (InHand& hand : hands) {
             team.emplace_back([&] {
@@ -125,30 +125,30 @@ class Campaign {
   private:
     void work(InHand& hand) {
         inHand = &hand;
-        std::vector<Tally> mine(families_.size());
+        std::vector<Tally> mine(m_families.size());
         for (;;) {
-            const std::uint64_t first = next_.fetch_add(kChunk);
-            if (first >= total_ || askedToEnd) break;
-            for (std::uint64_t i = first; i < std::min(first + kChunk, total_); ++i) {
+            const std::uint64_t first = m_next.fetch_add(kChunk);
+            if (first >= m_total || askedToEnd) break;
+            for (std::uint64_t i = first; i < std::min(first + kChunk, m_total); ++i) {
                 if (askedToEnd) break;
-                const std::size_t f = i % families_.size();
-                const std::uint64_t pair = settings_.only < 0
-                                               ? i / families_.size()
-                                               : static_cast<std::uint64_t>(settings_.only);
-                one(*families_[f], pair, mine[f], hand);
+                const std::size_t f = i % m_families.size();
+                const std::uint64_t pair = m_settings.only < 0
+                                               ? i / m_families.size()
+                                               : static_cast<std::uint64_t>(m_settings.only);
+                one(*m_families[f], pair, mine[f], hand);
             }
         }
-        const std::lock_guard<std::mutex> lock(mutex_);
-        for (std::size_t f = 0; f < mine.size(); ++f) tallies_[f].add(mine[f]);
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        for (std::size_t f = 0; f < mine.size(); ++f) m_tallies[f].add(mine[f]);
     }
 
     void one(const ClipFamily& family, std::uint64_t number, Tally& tally, InHand& hand) {
         std::snprintf(hand.name, sizeof hand.name, "--family %s --seed %llu --pair %llu",
-                      family.name, static_cast<unsigned long long>(settings_.seed),
+                      family.name, static_cast<unsigned long long>(m_settings.seed),
                       static_cast<unsigned long long>(number));
         const double start = secondsNow();
         hand.since = secondsWorked() + 1e-9;
-        RandomRings random = generatorOf(family, settings_.seed, number);
+        RandomRings random = generatorOf(family, m_settings.seed, number);
         const RingPair pair = family.make(random);
         const Miss miss = check(pair, random);
         tally.seconds += secondsNow() - start;
@@ -156,27 +156,27 @@ class Campaign {
         if (miss) {
             ++tally.misses;
             ++tally.kinds[kindOf(miss)];
-            if (tally.misses <= static_cast<std::uint64_t>(settings_.show)) {
+            if (tally.misses <= static_cast<std::uint64_t>(m_settings.show)) {
                 print(hand.name, pair, random, miss);
             }
         }
         hand.since = 0;
-        ++done_;
+        ++m_done;
     }
 
     Miss check(const RingPair& pair, RandomRings random) const {
-        return checkPair(pair, random, {settings_.geos});
+        return checkPair(pair, random, {m_settings.geos});
     }
 
     void print(const char* name, RingPair pair, const RandomRings& random, Miss miss) {
-        if (settings_.reduce) {
+        if (m_settings.reduce) {
             const std::string kind = kindOf(miss);
             pair = reduced(pair, [&](const RingPair& smaller) {
                 return kindOf(check(smaller, random)) == kind;
             });
             miss = check(pair, random);
         }
-        const std::lock_guard<std::mutex> lock(mutex_);
+        const std::lock_guard<std::mutex> lock(m_mutex);
         std::printf("# MISS %s\n# %s: %s\n%s\n%s\n\n", name, miss.operation.c_str(),
                     miss.what.c_str(), wktOf(pair.a).c_str(), wktOf(pair.b).c_str());
         std::fflush(stdout);
@@ -184,17 +184,17 @@ class Campaign {
 
     void watch(const InHand& hand) {
         const double since = hand.since;
-        const double most = settings_.limit * settings_.threads;
-        if (since == 0 || settings_.reduce || secondsWorked() - since < most) return;
-        std::printf("# HANG over %g s in %s\n", settings_.limit, hand.name);
+        const double most = m_settings.limit * m_settings.threads;
+        if (since == 0 || m_settings.reduce || secondsWorked() - since < most) return;
+        std::printf("# HANG over %g s in %s\n", m_settings.limit, hand.name);
         std::fflush(stdout);
         std::_Exit(1);
     }
 
     void tellProgress() {
-        const std::uint64_t done = done_;
-        if (done < told_ + kTold) return;
-        told_ = done;
+        const std::uint64_t done = m_done;
+        if (done < m_told + kTold) return;
+        m_told = done;
         std::printf("# %llu pairs done\n", static_cast<unsigned long long>(done));
         std::fflush(stdout);
     }
@@ -202,9 +202,9 @@ class Campaign {
     std::uint64_t summarize(double elapsed) const {
         std::printf("%-22s %10s %8s %10s\n", "family", "pairs", "misses", "pairs/s");
         Tally all;
-        for (std::size_t f = 0; f < families_.size(); ++f) {
-            const Tally& t = tallies_[f];
-            std::printf("%-22s %10llu %8llu %10.0f\n", families_[f]->name,
+        for (std::size_t f = 0; f < m_families.size(); ++f) {
+            const Tally& t = m_tallies[f];
+            std::printf("%-22s %10llu %8llu %10.0f\n", m_families[f]->name,
                         static_cast<unsigned long long>(t.pairs),
                         static_cast<unsigned long long>(t.misses),
                         static_cast<double>(t.pairs) / std::max(t.seconds, 1e-9));
@@ -216,20 +216,20 @@ class Campaign {
         }
         std::printf("%llu pairs, seed %llu, %llu misses; %.0f s, %.0f pairs/s on %d threads\n",
                     static_cast<unsigned long long>(all.pairs),
-                    static_cast<unsigned long long>(settings_.seed),
+                    static_cast<unsigned long long>(m_settings.seed),
                     static_cast<unsigned long long>(all.misses), elapsed,
-                    static_cast<double>(all.pairs) / elapsed, settings_.threads);
+                    static_cast<double>(all.pairs) / elapsed, m_settings.threads);
         return all.misses;
     }
 
-    const CampaignSettings& settings_;
-    std::vector<const ClipFamily*> families_;
-    std::vector<Tally> tallies_;
-    std::uint64_t total_ = 0;
-    std::atomic<std::uint64_t> next_{0};
-    std::atomic<std::uint64_t> done_{0};
-    std::uint64_t told_ = 0;  // of them, at the last word
-    std::mutex mutex_;
+    const CampaignSettings& m_settings;
+    std::vector<const ClipFamily*> m_families;
+    std::vector<Tally> m_tallies;
+    std::uint64_t m_total = 0;
+    std::atomic<std::uint64_t> m_next{0};
+    std::atomic<std::uint64_t> m_done{0};
+    std::uint64_t m_told = 0;  // of them, at the last word
+    std::mutex m_mutex;
 };
 
 }  // namespace

@@ -29,10 +29,10 @@ constexpr std::size_t kMostPoints = 96;
 /// Bytes until they run out.
 class Bytes {
   public:
-    Bytes(const std::uint8_t* data, std::size_t size) : at_(data), end_(data + size) {}
+    Bytes(const std::uint8_t* data, std::size_t size) : m_at(data), m_end(data + size) {}
 
-    bool done() const { return at_ == end_; }
-    std::uint8_t next() { return done() ? std::uint8_t{0} : *at_++; }
+    bool done() const { return m_at == m_end; }
+    std::uint8_t next() { return done() ? std::uint8_t{0} : *m_at++; }
     double real() {
         std::uint8_t raw[sizeof(double)];
         for (std::uint8_t& byte : raw) byte = next();
@@ -42,8 +42,8 @@ class Bytes {
     }
 
   private:
-    const std::uint8_t* at_;
-    const std::uint8_t* end_;
+    const std::uint8_t* m_at;
+    const std::uint8_t* m_end;
 };
 
 double moved(double value, int places) {

@@ -91,32 +91,32 @@ bool passThrough(const Corner& c, const Corner& d) {
 /// All corners, sorted by place; the checks on them and what they tell about contours.
 class Contours {
   public:
-    explicit Contours(const ClipResult& result) : result_(result) {
+    explicit Contours(const ClipResult& result) : m_result(result) {
         for (std::size_t c = 0; c < result.contours.size(); ++c) {
             const Ring& ring = result.contours[c];
             const std::size_t n = ring.size();
-            shared_.emplace_back(n, false);
+            m_shared.emplace_back(n, false);
             for (std::size_t i = 0; i < n; ++i) {
-                corners_.push_back({ring[(i + n - 1) % n], ring[i], ring[(i + 1) % n], c, i});
+                m_corners.push_back({ring[(i + n - 1) % n], ring[i], ring[(i + 1) % n], c, i});
             }
         }
-        std::sort(corners_.begin(), corners_.end(), [](const Corner& a, const Corner& b) {
+        std::sort(m_corners.begin(), m_corners.end(), [](const Corner& a, const Corner& b) {
             return a.at < b.at || (a.at == b.at && a.contour < b.contour);
         });
     }
 
     std::string fault() {
-        for (const Ring& ring : result_.contours) {
+        for (const Ring& ring : m_result.contours) {
             if (ring.size() < 3) return "a contour of fewer than three vertices";
             for (const JWRawPoint& p : ring) {
                 if (!std::isfinite(p.x) || !std::isfinite(p.y)) return "a vertex is not finite";
             }
         }
-        for (std::size_t i = 1; i < corners_.size(); ++i) {
-            const Corner &c = corners_[i - 1], &d = corners_[i];
+        for (std::size_t i = 1; i < m_corners.size(); ++i) {
+            const Corner &c = m_corners[i - 1], &d = m_corners[i];
             if (c.at == d.at && c.contour == d.contour) return text("a vertex twice", c.at);
         }
-        std::string found = edgeFault(corners_);
+        std::string found = edgeFault(m_corners);
         if (found.empty()) found = meetingFault();
         if (found.empty()) found = nestingFault();
         if (found.empty()) found = startFault();
@@ -125,15 +125,15 @@ class Contours {
 
   private:
     std::string meetingFault() {
-        for (std::size_t first = 0, last; first < corners_.size(); first = last) {
+        for (std::size_t first = 0, last; first < m_corners.size(); first = last) {
             last = first + 1;
-            while (last < corners_.size() && corners_[last].at == corners_[first].at) ++last;
+            while (last < m_corners.size() && m_corners[last].at == m_corners[first].at) ++last;
             if (last == first + 1) continue;
             for (std::size_t i = first; i < last; ++i) {
-                shared_[corners_[i].contour][corners_[i].index] = true;
+                m_shared[m_corners[i].contour][m_corners[i].index] = true;
                 for (std::size_t k = first; k < i; ++k) {
-                    if (passThrough(corners_[i], corners_[k])) {
-                        return text("contours pass through one another", corners_[i].at);
+                    if (passThrough(m_corners[i], m_corners[k])) {
+                        return text("contours pass through one another", m_corners[i].at);
                     }
                 }
             }
@@ -169,7 +169,7 @@ class Contours {
 
     /// Whether contour `inner` lies in contour `outer`.
     bool isWithin(std::size_t inner, std::size_t outer) const {
-        const Ring &ring = result_.contours[inner], &around = result_.contours[outer];
+        const Ring &ring = m_result.contours[inner], &around = m_result.contours[outer];
         for (const JWRawPoint& p : ring) {
             const int side = locate(p, around);
             if (side != 0) return side > 0;
@@ -179,8 +179,8 @@ class Contours {
         const std::size_t i = static_cast<std::size_t>(
             std::find(around.begin(), around.end(), ring[0]) - around.begin());
         const JWRawPoint &before = around[(i + n - 1) % n], &after = around[(i + 1) % n];
-        return result_.holes[outer] ? between(ring[0], before, after, ring[1])
-                                    : between(ring[0], after, before, ring[1]);
+        return m_result.holes[outer] ? between(ring[0], before, after, ring[1])
+                                     : between(ring[0], after, before, ring[1]);
     }
 
     static bool isCounterClockwise(const Ring& ring) {
@@ -191,13 +191,13 @@ class Contours {
     }
 
     std::string nestingFault() const {
-        const std::size_t count = result_.contours.size();
+        const std::size_t count = m_result.contours.size();
         std::vector<Box> boxes;
-        for (const Ring& ring : result_.contours) boxes.push_back(boxOf(ring));
+        for (const Ring& ring : m_result.contours) boxes.push_back(boxOf(ring));
         for (std::size_t i = 0; i < count; ++i) {
-            const bool hole = result_.holes[i] == 1;
-            if (isCounterClockwise(result_.contours[i]) == hole) {
-                return text("a hole flag against the direction", result_.contours[i][0]);
+            const bool hole = m_result.holes[i] == 1;
+            if (isCounterClockwise(m_result.contours[i]) == hole) {
+                return text("a hole flag against the direction", m_result.contours[i][0]);
             }
             int depth = 0;
             for (std::size_t j = 0; j < count; ++j) {
@@ -207,34 +207,34 @@ class Contours {
                     continue;
                 }
                 ++depth;
-                if (j < i) return text("a contour after one around it", result_.contours[i][0]);
+                if (j < i) return text("a contour after one around it", m_result.contours[i][0]);
             }
             if ((depth % 2 == 1) != hole) {
-                return text("a wrong hole flag", result_.contours[i][0]);
+                return text("a wrong hole flag", m_result.contours[i][0]);
             }
         }
         return {};
     }
 
     std::string startFault() const {
-        for (std::size_t c = 0; c < shared_.size(); ++c) {
-            const std::vector<bool>& shared = shared_[c];
+        for (std::size_t c = 0; c < m_shared.size(); ++c) {
+            const std::vector<bool>& shared = m_shared[c];
             const std::size_t n = shared.size(), middle = (n + 2) / 2;
             if (!shared[0] && !shared[middle % n]) continue;
             for (std::size_t i = 0; i < n; ++i) {
                 if (shared[i]) continue;
-                if (shared[0]) return text("a contour starts shared", result_.contours[c][0]);
+                if (shared[0]) return text("a contour starts shared", m_result.contours[c][0]);
                 if (!shared[(i + middle) % n]) {
-                    return text("a contour's middle is shared", result_.contours[c][0]);
+                    return text("a contour's middle is shared", m_result.contours[c][0]);
                 }
             }
         }
         return {};
     }
 
-    const ClipResult& result_;
-    std::vector<Corner> corners_;
-    std::vector<std::vector<bool>> shared_;
+    const ClipResult& m_result;
+    std::vector<Corner> m_corners;
+    std::vector<std::vector<bool>> m_shared;
 };
 
 }  // namespace

@@ -9,26 +9,27 @@ namespace jwtest {
 /// An operand in the interface's form, with the memory behind it.
 class GpcOperand {
   public:
-    explicit GpcOperand(const Rings& rings) : holes_(rings.size(), 1) {
+    explicit GpcOperand(const Rings& rings) : m_holes(rings.size(), 1) {
         std::size_t count = 0;
         for (const Ring& ring : rings) count += ring.size();
-        vertices_.reserve(count);
+        m_vertices.reserve(count);
         for (const Ring& ring : rings) {
-            lists_.push_back({static_cast<int>(ring.size()), vertices_.data() + vertices_.size()});
-            for (const jws::JWRawPoint& p : ring) vertices_.push_back({p.x, p.y});
+            m_lists.push_back(
+                {static_cast<int>(ring.size()), m_vertices.data() + m_vertices.size()});
+            for (const jws::JWRawPoint& p : ring) m_vertices.push_back({p.x, p.y});
         }
-        polygon_ = {static_cast<int>(rings.size()), holes_.data(), lists_.data()};
+        m_polygon = {static_cast<int>(rings.size()), m_holes.data(), m_lists.data()};
     }
     GpcOperand(const GpcOperand&) = delete;
     GpcOperand& operator=(const GpcOperand&) = delete;
 
-    gpc_polygon* polygon() { return &polygon_; }
+    gpc_polygon* polygon() { return &m_polygon; }
 
   private:
-    std::vector<gpc_vertex> vertices_;
-    std::vector<gpc_vertex_list> lists_;
-    std::vector<int> holes_;
-    gpc_polygon polygon_;
+    std::vector<gpc_vertex> m_vertices;
+    std::vector<gpc_vertex_list> m_lists;
+    std::vector<int> m_holes;
+    gpc_polygon m_polygon;
 };
 
 /// Reads a result and frees it.

@@ -17,10 +17,10 @@ namespace jwtest {
 /// Numbers come from SplitMix64 (Steele, Lea, Flood 2014): cheap to seed, once for every pair.
 class RandomRings {
   public:
-    explicit RandomRings(std::uint64_t seed) : state_(seed) {}
+    explicit RandomRings(std::uint64_t seed) : m_state(seed) {}
 
     std::uint64_t bits() {
-        std::uint64_t z = (state_ += 0x9E3779B97F4A7C15U);
+        std::uint64_t z = (m_state += 0x9E3779B97F4A7C15U);
         z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9U;
         z = (z ^ (z >> 27)) * 0x94D049BB133111EBU;
         return z ^ (z >> 31);
@@ -153,7 +153,7 @@ class RandomRings {
 
   private:
     static constexpr double kTurn = 6.283185307179586;
-    std::uint64_t state_;
+    std::uint64_t m_state;
 };
 
 }  // namespace jwtest
