@@ -15,6 +15,19 @@
 #include "gpc/expansion.h"
 
 namespace jws::gpc {
+namespace {
+
+/// Tells whether the line ab passes `p` within `reach`; rounding depends on the order of a and b.
+inline bool passes(const Point& p, const Point& a, const Point& b, double reach) {
+    const long double dx = static_cast<long double>(b.x) - a.x;
+    const long double dy = static_cast<long double>(b.y) - a.y;
+    const long double cross =
+        dx * (static_cast<long double>(p.y) - a.y) - dy * (static_cast<long double>(p.x) - a.x);
+    return std::fabs(cross) <= reach * (std::fabs(dx) + std::fabs(dy));
+}
+
+}  // namespace
+
 int orientationExact(const Point& a, const Point& b, const Point& c) {
     const Two ax = twoDiff(a.x, c.x);
     const Two by = twoDiff(b.y, c.y);
@@ -34,22 +47,21 @@ int orientationExact(const Point& a, const Point& b, const Point& c) {
 
 // A long double holds differences of coordinates exactly and places the point within a thousandth
 // of a unit. What lies between the ends does not depend on the reach, so that a smaller reach finds
-// nothing that a larger one would not.
+// nothing that a larger one would not. Of two diagonal edges from one point, each may have the
+// other's end beside it, as they are measured along different axes: then only the edge along x
+// counts, lest they be cut in turns for ever.
 bool Nearness::holds(const Point& p, Point a, Point b) const {
     if (b < a) std::swap(a, b);
     const double low = std::min(a.y, b.y);
     const double high = std::max(a.y, b.y);
     const double beyond =
         std::max(std::max(a.x - p.x, p.x - b.x) * aspect, std::max(low - p.y, p.y - high));
-    if (beyond > 0) {
-        const bool alongX = isAlongX(a, b);
-        if (!(alongX ? p.x > a.x && p.x < b.x : p.y > low && p.y < high)) return false;
-        if (beyond * 8 > (alongX ? (b.x - a.x) * aspect : high - low)) return false;
-        if (!alongX && (isAlongXBy(a, p, b) || isAlongXBy(b, p, a))) return false;
-    } else if (p == a || p == b) {
-        return false;
-    }
-    return holdsOnLine(p, a, b);
+    if (beyond <= 0) return p != a && p != b && passes(p, a, b, reach);
+    const bool alongX = isAlongX(a, b);
+    if (!(alongX ? p.x > a.x && p.x < b.x : p.y > low && p.y < high)) return false;
+    if (beyond * 8 > (alongX ? (b.x - a.x) * aspect : high - low)) return false;
+    if (!passes(p, a, b, reach)) return false;
+    return alongX || !(isAlongXBy(a, p, b) || isAlongXBy(b, p, a));
 }
 
 // Tells whether the edge ap is measured along x and holds b.
@@ -59,11 +71,7 @@ bool Nearness::isAlongXBy(const Point& a, const Point& p, const Point& b) const 
 
 bool Nearness::holdsOnLine(const Point& p, Point a, Point b) const {
     if (b < a) std::swap(a, b);
-    const long double dx = static_cast<long double>(b.x) - a.x;
-    const long double dy = static_cast<long double>(b.y) - a.y;
-    const long double cross =
-        dx * (static_cast<long double>(p.y) - a.y) - dy * (static_cast<long double>(p.x) - a.x);
-    return std::fabs(cross) <= reach * (std::fabs(dx) + std::fabs(dy));
+    return passes(p, a, b, reach);
 }
 
 void CrossingGrid::fit(int exponent) {
