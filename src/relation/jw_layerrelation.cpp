@@ -55,6 +55,10 @@ class PairTable {
         row->setFieldValue(2, JWLayerRelation::relationNames(pair.matrix).c_str());
         row->setFieldValue(3, pair.matrix.text().c_str());
         if (!m_output.write(row, nullptr)) throw LayerFailure();
+        if (!m_output.lostValues().empty()) {  // a pair without its features says nothing
+            JWReport::setError(JWErrorFormatUnfit, m_output.lostValues().front());
+            throw LayerFailure();
+        }
         ++report.written;
     }
 
