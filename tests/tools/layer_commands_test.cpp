@@ -133,6 +133,54 @@ TEST_F(LayerCommands, AreasBeyondAllNumbersAreSaidNotToBeChecked) {
     }
 }
 
+TEST_F(LayerCommands, ValuesThatAFormatCannotHoldAreLeftOutAndListed) {
+    const std::string text(300, 'x');
+    write("long.geojson", geoJson({{0, 0, 2, 2, text}, {1, 0, 3, 2, "short"}}));
+    for (const Arguments& command :
+         {Arguments{"self-union", "long.geojson"}, Arguments{"dissolve", "long.geojson"},
+          Arguments{"simplify", "long.geojson", "--tolerance", "0.001"}}) {
+        SCOPED_TRACE(command[0]);
+        Arguments all = command;
+        all.insert(all.begin() + 2, "out.shp");
+        all.push_back("--overwrite");
+        if (all[0] == "dissolve") all.insert(all.end(), {"--by", "name"});
+        const Outcome outcome = run(all);
+        EXPECT_EQ(4, outcome.status);
+        EXPECT_NE(std::string::npos, outcome.err.find("the value of field name is too long for a "
+                                                      "shapefile; it is left out"))
+            << outcome.err;
+        EXPECT_EQ(std::string::npos, outcome.err.find("warning")) << outcome.err;
+        EXPECT_NEAR(all[0] == "self-union" ? 6 : 8, layer("out.shp", "out").area, 1e-12);
+    }
+}
+
+TEST_F(LayerCommands, RefusedResultsAreNoFaultOfTheAreas) {
+    // Beyond 180 degrees KML has no place for them.
+    write("far.geojson", geoJson({{170, 0, 172, 2, "in"}, {190, 0, 192, 2, "out"}}));
+    write("bow.geojson", geoJsonFeature("Polygon", "[[[5,5],[7,7],[7,5],[5,7],[5,5]]]"));
+    const struct {
+        Arguments arguments;
+        int status;
+        long long features;
+        double refused;
+    } rows[] = {{{"erase", "far.geojson", "b.geojson"}, 4, 1, 4},
+                {{"dissolve", "far.geojson", "--by", "name"}, 4, 1, 4},
+                {{"erase", "bow.geojson", "b.geojson"}, 4, 1, 0}};  // the driver drops it
+    for (const auto& row : rows) {
+        Arguments all = row.arguments;
+        SCOPED_TRACE(all[0] + all[1]);
+        all.insert(all.begin() + (all[0] == "dissolve" ? 2 : 3), "out.kml");
+        all.insert(all.end(), {"--overwrite", "--json"});
+        const Outcome outcome = run(all);
+        EXPECT_EQ(row.status, outcome.status) << outcome.err;
+        const json object = parse(outcome);
+        EXPECT_EQ(row.features, object["output"]["features"]);
+        EXPECT_NEAR(row.refused, object["account"]["refused_area"].get<double>(), 1e-12);
+        EXPECT_GE(1e-12, object["account"]["residual"].get<double>());
+        EXPECT_TRUE(object["account"]["warning"].is_null());
+    }
+}
+
 TEST_F(LayerCommands, DissolveKeepsApartWhatLiesApart) {
     write("far.geojson", geoJson({{0, 0, 1, 1, "x"}, {5, 5, 6, 6, "x"}, {1, 0, 2, 1, "x"}}));
     const struct {

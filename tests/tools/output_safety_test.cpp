@@ -167,6 +167,10 @@ TEST_F(OutputSafety, OverwriteKeepsPermissionsAndFollowsLinks) {
     struct stat status {};
     ASSERT_EQ(0, ::stat(path("real.gpkg").c_str(), &status));
     EXPECT_EQ(0640u, status.st_mode & 0777u);
+    std::filesystem::create_symlink("later.gpkg", directory() / "dangling.gpkg");
+    EXPECT_EQ(0, intersect("dangling.gpkg", {"--output-layer", "x"}).status);
+    EXPECT_TRUE(std::filesystem::is_symlink(directory() / "dangling.gpkg"));
+    EXPECT_EQ(2, layer("later.gpkg", "x").features);
 }
 
 TEST_F(OutputSafety, InputThroughALinkIsStillAnInput) {
@@ -176,6 +180,52 @@ TEST_F(OutputSafety, InputThroughALinkIsStillAnInput) {
     EXPECT_EQ(2, intersect("link.geojson", {"--overwrite"}).status);
     EXPECT_EQ(2, intersect("hard.geojson", {"--overwrite"}).status);
     EXPECT_EQ(before, read("a.geojson") + read("b.geojson"));
+}
+
+TEST_F(OutputSafety, FilesOfAnInputAreNotReplaced) {
+    writeNowhere("in.shp", {{0, 0, 2, 2, "left"}});
+    write("points.csv", "0,0,0,0\n1,1,2,2\n");
+    std::filesystem::create_directory(path("all"));
+    std::filesystem::copy(path("in.dbf"), path("all/in.dbf"));
+    std::filesystem::copy(path("in.shp"), path("all/in.shp"));
+    std::filesystem::copy(path("in.shx"), path("all/in.shx"));
+    const Arguments rows[] = {
+        {"self-union", "in.shp", "in.dbf", "-f", "CSV"},
+        {"self-union", "in.shp", "in.dbf"},
+        {"self-union", "in.shp", "in.shx", "-f", "GeoJSON"},
+        {"self-union", "in.shp", "IN.gpkg/../in.dbf", "-f", "GPKG"},
+        {"self-union", "all", "all/in.dbf", "-f", "GPKG"},
+        {"self-union", "all", "all/in.shp"},
+        {"transform", "a.geojson", "points.csv", "--gcp", "points.csv"},
+    };
+    std::filesystem::create_directory(path("IN.gpkg"));
+    const Names before = listing();
+    const std::string content = read("in.dbf") + read("in.shx") + read("points.csv");
+    for (Arguments row : rows) {
+        SCOPED_TRACE(row[2]);
+        row.push_back("--overwrite");
+        const Outcome outcome = run(row);
+        EXPECT_EQ(2, outcome.status) << outcome.err;
+        EXPECT_NE(std::string::npos, outcome.err.find("input")) << outcome.err;
+    }
+    EXPECT_EQ(before, listing());
+    EXPECT_EQ(content, read("in.dbf") + read("in.shx") + read("points.csv"));
+}
+
+TEST_F(OutputSafety, PointsKeepTheirHeights) {
+    write("z.geojson", geoJsonFeature("Point", "[1,2,3.5]"));
+    const struct {
+        Arguments arguments;
+        const char* point;
+    } rows[] = {{{"transform", "z.geojson", "out.gpkg", "--move", "1,1"}, "POINT Z (2 3 3.5)"},
+                {{"clip", "z.geojson", "out.gpkg", "--bbox", "0,0,9,9"}, "POINT Z (1 2 3.5)"},
+                {{"to-points", "z.geojson", "out.gpkg"}, "POINT (1 2)"}};
+    for (const auto& row : rows) {
+        Arguments all = row.arguments;
+        all.push_back("--overwrite");
+        EXPECT_EQ(0, run(all).status) << all[0];
+        EXPECT_EQ(row.point, layer("out.gpkg", "out").first) << all[0];
+    }
 }
 
 TEST_F(OutputSafety, AppendAddsALayerAndKeepsTheOthers) {
@@ -192,8 +242,8 @@ TEST_F(OutputSafety, AppendAddsALayerAndKeepsTheOthers) {
     EXPECT_EQ(before, read("store.gpkg"));
 
     EXPECT_EQ(
-        0, intersect("store.gpkg", {"--append", "--overwrite", "--output-layer", "pieces"}).status);
-    EXPECT_NEAR(2, layer("store.gpkg", "pieces").area, 1e-12);
+        0, intersect("store.gpkg", {"--append", "--overwrite", "--output-layer", "PIECES"}).status);
+    EXPECT_NEAR(2, layer("store.gpkg", "PIECES").area, 1e-12);
     EXPECT_NEAR(9, layer("store.gpkg", "store").area, 1e-12);
     EXPECT_EQ((Names{"a.geojson", "b.geojson", "store.gpkg"}), listing());
 }

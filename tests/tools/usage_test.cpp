@@ -31,9 +31,18 @@ class Usage : public ProgramTest {
         write("cut.geojson", whole.substr(0, whole.size() * 2 / 3));
         writePackage("two.gpkg", "first", {{0, 0, 2, 2, "a"}});
         writePackage("two.gpkg", "second", {{0, 0, 2, 2, "a"}});
+        write("wide.geojson", wide());
         write("old.gpkg", "old");
         write("half.dbf", "old");
         std::filesystem::create_directory(directory() / "folder.gpkg");
+    }
+
+    /// A square with 1,200 attributes.
+    static std::string wide() {
+        std::string text = geoJson({{0, 0, 2, 2, "a"}}), fields;
+        for (int i = 0; i < 1200; ++i) fields += "\"f" + std::to_string(i) + "\":1,";
+        const std::string name = "\"name\"";
+        return text.replace(text.rfind(name), 0, fields);
     }
 
     void check(const Row& row) {
@@ -130,6 +139,14 @@ TEST_F(Usage, InputsAndOutputs) {
         {{"intersect", "a.geojson", "b.geojson", ""}, 2, "OUTPUT"},
         {{"intersect", "a.geojson", "b.geojson", "out.xyz"}, 2, "'.xyz'"},
         {{"intersect", "a.geojson", "b.geojson", "out.xlsx"}, 2, "XLSX does not hold polygons"},
+        {{"intersect", "a.geojson", "b.geojson", "out.txt"}, 2, "'.txt'"},
+        {{"intersect", "a.geojson", "b.geojson", "out.txt", "-f", "CSV"}, 2, "ends in .csv"},
+        {{"intersect", "a.geojson", "b.geojson", "out", "-f", "ESRI Shapefile"}, 2, "ends in .shp"},
+        {{"intersect", "a.geojson", "b.geojson", "out.shp", "--output-layer", "other"},
+         2,
+         "calls the layer out"},
+        {{"intersect", "wide.geojson", "wide.geojson", "out.gpkg"}, 2, "too many columns"},
+        {{"intersect", "wide.geojson", "wide.geojson", "out.sqlite"}, 2, "too many columns"},
         {{"intersect", "a.geojson", "b.geojson", "out.kml", "-f", "KML"}, 2, "fields of its own"},
     };
     for (const Row& row : rows) check(row);

@@ -100,6 +100,7 @@ int runToPoints(const Settings& settings) {
                             &report);
                     },
                     AccountOfNothing};
+    job.makesPoints = true;
     return runLayerJob(settings, job);
 }
 

@@ -6,6 +6,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "output_file.h"
 
@@ -25,6 +26,8 @@ class InputLayer {
     JWFeatureLayer& layer() { return *m_layer; }
     const std::string& path() const { return m_path; }
     std::string layerName() const { return m_layer->getLayerName(); }
+    /// All files that the input consists of.
+    std::vector<std::string> files() const { return m_source->getFiles(); }
     /// Null when there is none.
     const JWSpatialReference* reference() const { return m_layer->getSpatialReference(); }
     /// What the layer may hold: 3 polygons, 1 points, 2 lines, 0 any, 100 none; multi-types count

@@ -65,6 +65,9 @@ OutputRequest outputOf(const Settings& settings, const LayerJob& job) {
     request.append = settings.append;
     request.inputs = {settings.input};
     if (job.takesOverlay) request.inputs.push_back(settings.overlay);
+    for (const TransformStep& step : settings.transform.steps) {
+        if (!step.file.empty()) request.inputs.push_back(step.file);
+    }
     return request;
 }
 
@@ -101,11 +104,12 @@ JobFiles::JobFiles(const Settings& settings, const LayerJob& job)
         b.emplace(settings.overlay, settings.overlayLayer);
         if (!job.anyOverlay) b->requirePolygons();
         requireSameReference(a, *b);
-        output.checkInputLayer(b->path(), b->layerName());
+        output.checkInputLayer(b->path(), b->layerName(), b->files());
     }
-    output.checkInputLayer(a.path(), a.layerName());
+    output.checkInputLayer(a.path(), a.layerName(), a.files());
     if (b) b->restrictTo(settings.overlayWhere, nullptr);
-    result = &output.createLayer(type, a.reference());
+    const bool keepsPoints = a.kind() == JWWKBPoint && !job.makesPoints;
+    result = &output.createLayer(type, a.reference(), keepsPoints ? &a.layer() : nullptr);
 }
 
 /// Why the operation failed.

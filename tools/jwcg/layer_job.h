@@ -40,7 +40,8 @@ struct LayerJob {
     enumAccount account = AccountOfAreas;
     /// Adds what the command has to say besides, once it is done; may be empty.
     std::function<void(RunSummary& summary)> describe = {};
-    bool anyOverlay = false;  ///< takes an overlay of any geometries, not of polygons only
+    bool anyOverlay = false;   ///< takes an overlay of any geometries, not of polygons only
+    bool makesPoints = false;  ///< the points of the output are not those of the input
 };
 
 /// A job on two layers that writes none.

@@ -29,6 +29,17 @@ bool contains(const std::vector<std::string>& names, const std::string& name) {
                        [&](const std::string& other) { return sameName(other, name); });
 }
 
+/// What a path leads to through links, whether it is there or not.
+fs::path behindLinks(fs::path path) {
+    std::error_code error;
+    for (int i = 0; i < 40 && fs::is_symlink(fs::symlink_status(path, error)); ++i) {
+        const fs::path target = fs::read_symlink(path, error);
+        if (error) break;
+        path = path.parent_path() / target;  // an absolute target stands alone
+    }
+    return path;
+}
+
 /// Reads every feature back and returns their number, −1 when reading fails. Those that the format
 /// took but did not keep the geometry of go into `lost`, if they had one.
 std::int64_t countByReading(JWFeatureLayer& layer, bool hasGeometries,
@@ -74,6 +85,7 @@ void OutputFile::checkDestination() {
     m_destination = m_request.path;
     if (m_destination.filename().empty()) m_destination = m_destination.parent_path();
     m_format = chooseFormat(m_destination, m_request.format);
+    m_destination = behindLinks(m_destination);
     m_exists = fs::exists(m_destination, error);
     if (error) throw usage(m_request.path + ": " + error.message());
     if (m_exists) {
@@ -140,9 +152,15 @@ void OutputFile::checkInputs() const {
     }
 }
 
-void OutputFile::checkInputLayer(const std::string& path, const std::string& layer) const {
+void OutputFile::checkInputLayer(const std::string& path, const std::string& layer,
+                                 const std::vector<std::string>& files) const {
     if (sameName(layer, m_layerName) && destinationIs(path)) {
         throw usage(m_request.path + ": layer " + m_layerName + " is also an input");
+    }
+    if (m_request.append) return;
+    for (const std::string& file : files) {
+        if (!destinationIs(file)) continue;
+        throw usage(m_request.path + ": would replace " + file + ", a file of the input " + path);
     }
 }
 
@@ -164,17 +182,27 @@ void OutputFile::open() {
 }
 
 JWFeatureLayer& OutputFile::createLayer(enumJWWKBGeometryType type,
-                                        const JWSpatialReference* reference) {
+                                        const JWSpatialReference* reference,
+                                        const JWFeatureLayer* like) {
     throwIfInterrupted();
     open();
     m_hasGeometries = type != JWWKBNone;
-    m_layer.reset(
-        m_source->createLayer(m_layerName.c_str(), type, reference, layerOptions(m_format, type)));
+    m_layer.reset(m_source->createLayer(m_layerName.c_str(), type, reference,
+                                        layerOptions(m_format, type), like));
     if (!m_layer) throw writeFailure();
+    checkFiles();
     checkLayer(type);
     m_layerName = m_layer->getLayerName();
     throwIfInterrupted();
     return *m_layer;
+}
+
+/// Some formats make a directory where the ending is not theirs.
+void OutputFile::checkFiles() const {
+    if (isFileGeodatabase(m_destination) || !fs::is_directory(m_work->output())) return;
+    const std::string ending = endingOf(m_format);
+    throw usage(m_request.path + ": a file of format " + m_format + " needs a name that ends in ." +
+                ending);
 }
 
 /// Some formats create another layer than the one asked for.
@@ -192,6 +220,11 @@ void OutputFile::checkLayer(enumJWWKBGeometryType wanted) const {
             continue;
         }
         throw usage(m_request.path + ": format " + m_format + " does not hold " + kind.name);
+    }
+    const std::string name = m_layer->getLayerName();
+    if (!m_request.layer.empty() && !takesSeveralLayers(m_format) && name != m_request.layer) {
+        throw usage(m_request.path + ": format " + m_format + " calls the layer " + name +
+                    ", not what --output-layer says");
     }
     if (m_layer->getFieldsDefnPtr()->getFieldCount() > 0) {
         throw usage(m_request.path + ": format " + m_format +
@@ -243,7 +276,12 @@ std::vector<JWRejectedFeature> OutputFile::verify(std::int64_t features) const {
                                    ? layer->getFeatureCount64()
                                    : countByReading(*layer, m_hasGeometries, lost);
     if (found < 0) throw incomplete("it cannot be read back");
-    if (found != features) {
+    if (found > features) {
+        throw CommandFailure(ExitInternal, m_request.path + ": the file holds " +
+                                               std::to_string(found) + " features where " +
+                                               std::to_string(features) + " were written");
+    }
+    if (found < features) {
         throw incomplete("it holds " + std::to_string(found) + " of " + std::to_string(features) +
                          " features");
     }

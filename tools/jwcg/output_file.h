@@ -45,12 +45,16 @@ class OutputFile {
     explicit OutputFile(OutputRequest request);
     ~OutputFile();
 
-    /// Throws CommandFailure (usage) when the output would replace this layer of an input.
-    void checkInputLayer(const std::string& path, const std::string& layer) const;
+    /// Throws CommandFailure (usage) when the output would replace this layer of an input, or one
+    /// of the files that the input consists of.
+    void checkInputLayer(const std::string& path, const std::string& layer,
+                         const std::vector<std::string>& files) const;
 
     /// Starts the output: makes the hidden directory and the layer in it, of this type, under
-    /// `reference` (may be null). Throws CommandFailure when that cannot be done.
-    JWFeatureLayer& createLayer(enumJWWKBGeometryType type, const JWSpatialReference* reference);
+    /// `reference` (may be null); points keep the z and m that `like` has. Throws CommandFailure
+    /// when that cannot be done.
+    JWFeatureLayer& createLayer(enumJWWKBGeometryType type, const JWSpatialReference* reference,
+                                const JWFeatureLayer* like);
     /// Ends the output: closes it, verifies that `features` features are in it, and moves it to its
     /// final place. Returns features whose geometry the format did not keep: those without one, if
     /// there are more than were written so. Throws CommandFailure; the destination is unharmed
@@ -72,6 +76,7 @@ class OutputFile {
     void checkInputs() const;
     void checkAppend();
     void open();
+    void checkFiles() const;
     void checkLayer(enumJWWKBGeometryType wanted) const;
     std::vector<JWRejectedFeature> verify(std::int64_t features) const;
     void checkUnchanged() const;

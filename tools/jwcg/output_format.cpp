@@ -103,10 +103,19 @@ std::string chooseFormat(const fs::path& path, const std::string& format) {
     }
     if (path.extension().empty()) return "GPKG";
     const std::string name = find(JWDataSource::driverForPath(path.c_str()));
-    if (!name.empty()) return name;
+    // ".txt" says nothing of the one format that claims it.
+    if (!name.empty() && lower(path.extension().string()) != ".txt") return name;
     throw CommandFailure(ExitUsage, path.string() + ": no format has the ending '" +
                                         path.extension().string() +
                                         "'; name one with --output-format: " + join(known));
+}
+
+std::string endingOf(const std::string& format) {
+    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName(format.c_str());
+    const char* endings =
+        driver != nullptr ? driver->GetMetadataItem(GDAL_DMD_EXTENSIONS) : nullptr;
+    const std::string list = endings != nullptr ? endings : "";
+    return list.substr(0, list.find(' '));
 }
 
 std::vector<fs::path> possibleFilesOf(const fs::path& path) {

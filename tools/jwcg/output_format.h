@@ -22,6 +22,9 @@ std::vector<std::string> writableFormats();
 /// (usage) naming the known formats when there is none.
 std::string chooseFormat(const std::filesystem::path& path, const std::string& format);
 
+/// The ending that files of a format have first of all, without a dot.
+std::string endingOf(const std::string& format);
+
 /// The format name that is made of several files: all files beside `path` that belong to it,
 /// itself first whether or not it exists, the others only as far as they exist. A shapefile's
 /// table, projection and indexes; a database's journals.
