@@ -217,8 +217,8 @@ TEST_F(OutputSafety, PointsKeepTheirHeights) {
     const struct {
         Arguments arguments;
         const char* point;
-    } rows[] = {{{"transform", "z.geojson", "out.gpkg", "--move", "1,1"}, "POINT Z (2 3 3.5)"},
-                {{"clip", "z.geojson", "out.gpkg", "--bbox", "0,0,9,9"}, "POINT Z (1 2 3.5)"},
+    } rows[] = {{{"transform", "z.geojson", "out.gpkg", "--move", "1,1"}, "POINT (2 3 3.5)"},
+                {{"clip", "z.geojson", "out.gpkg", "--bbox", "0,0,9,9"}, "POINT (1 2 3.5)"},
                 {{"to-points", "z.geojson", "out.gpkg"}, "POINT (1 2)"}};
     for (const auto& row : rows) {
         Arguments all = row.arguments;
