@@ -168,8 +168,6 @@ bool parseClock(const char* at, unionJWField& out) {
     return parseZone(at, out.date.timeZone);
 }
 
-std::int64_t floorDivide(std::int64_t a, std::int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
-
 }  // namespace
 
 char* copyText(const char* text) {
@@ -283,23 +281,6 @@ std::string valueText(enumJWFieldType type, const unionJWField& value) {
             return dateText(type, value);
     }
     return std::string();
-}
-
-int daysOfMonth(int year, int month) {
-    static const int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-    return days[month - 1] + (month == 2 && leap ? 1 : 0);
-}
-
-std::int64_t minutesOf(const unionJWField& value) {
-    const auto& date = value.date;
-    const std::int64_t before = date.year - 1;  // whole years
-    std::int64_t days = before * 365 + floorDivide(before, 4) - floorDivide(before, 100) +
-                        floorDivide(before, 400) + date.day;
-    for (int month = 1; month < date.month && month <= 12; ++month)
-        days += daysOfMonth(date.year, month);
-    const int quarters = date.timeZone > 1 ? date.timeZone - 100 : 0;
-    return (days * 24 + date.hour) * 60 + date.minute - quarters * 15;
 }
 
 bool parseInteger(const char* text, std::int64_t& out) { return parseNumber(text, out); }

@@ -138,11 +138,12 @@ enumJWGeometryType JWFeature::getGeometryType() const {
 bool JWFeature::isGeometryEmpty() const { return !m_geometry || m_geometry->isEmpty(); }
 
 void JWFeature::setGeometry(const JWGeometry* geometry) {
-    m_geometry.reset(geometry != nullptr ? geometry->clone() : nullptr);
+    setGeometryDirectly(geometry != nullptr ? geometry->clone() : nullptr);
 }
 
 void JWFeature::setGeometryDirectly(JWGeometry* geometry, bool updateEnvelop) {
     if (geometry != m_geometry.get()) m_geometry.reset(geometry);
+    m_isGeometryUnread = m_isGeometryUnread && geometry == nullptr;
     if (updateEnvelop && m_geometry) m_geometry->updateEnvelop();
 }
 

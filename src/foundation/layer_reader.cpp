@@ -150,7 +150,7 @@ bool LayerReader::sees(OGRFeature& feature) const {
 /// GeoJSON is read some features ahead, so that a complaint may be about any of those to come.
 void LayerReader::lookAgain(OGRFeature* feature, GdalErrors& errors) {
     if (!m_secondLook || feature == nullptr) return;
-    if (errors.failed() && m_source->isDriver("GeoJSON")) {
+    if (errors.failed() && m_source->isDriver("GeoJSON") && m_secondLook->open()) {
         m_source->suspectGeometries();
         errors.clear();
     }

@@ -100,6 +100,7 @@ SecondLook::SecondLook(std::string path, std::string driver, const OGRLayer& lay
 /// A table then has the texts of its geometries as a field.
 bool SecondLook::open() {
     if (m_opened) return m_layer != nullptr;
+    const GdalErrors quiet;
     m_opened = true;
     CPLStringList options;
     options.AddString(m_isTable ? "KEEP_GEOM_COLUMNS=YES" : "NATIVE_DATA=YES");
@@ -117,10 +118,10 @@ bool SecondLook::open() {
 
 bool SecondLook::findsMore(const OGRFeature& feature) {
     if (m_isTable && feature.GetGeometryRef() != nullptr) return false;
-    const GdalErrors quiet;
     if (!open()) return false;
+    const GdalErrors quiet;
     const OGRFeatureUniquePtr source(m_layer->GetFeature(feature.GetFID()));
-    if (!source) return false;
+    if (!source) return true;
     return m_isTable ? !isBlank(source->GetFieldAsString(m_textField))
                      : !isWhole(feature.GetGeometryRef(), source->GetNativeData());
 }

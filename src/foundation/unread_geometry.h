@@ -27,13 +27,13 @@ class SecondLook {
     }
     SecondLook(std::string path, std::string driver, const OGRLayer& layer);
 
+    /// Opens the file unless it is open; false when it cannot be opened again.
+    bool open();
     /// The source has a geometry for this feature, as its driver handed it out, that was not read,
-    /// or not whole.
+    /// or not whole. False for a file that cannot be opened again.
     bool findsMore(const OGRFeature& feature);
 
   private:
-    bool open();
-
     std::string m_path;
     bool m_isTable;
     OGRFeatureDefn& m_definition;
