@@ -69,8 +69,7 @@ struct JWBufferOptions {
 /// - Nothing throws.
 /// - Rings of more than three points that are not closed count as closed by a straight edge.
 /// - Rings that are handed out are closed and their envelopes up to date. Rings of a union are
-/// simple, do not cross one
-///   another and touch at points only.
+///   simple, do not cross one another and touch at points only.
 /// - The `_mp` and `_mp1` forms work with the fixed team of eight threads and give the result of
 ///   the plain forms bit for bit. Shared out are groups of neighbouring segments and the members of
 ///   multipolygons; a ring that is grown from its one side (below) is the caller's thread's.

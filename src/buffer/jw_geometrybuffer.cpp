@@ -86,12 +86,14 @@ class TakenGroups {
     }
 
     std::size_t count() const { return m_groups.size(); }
-    /// Hands on what a group's rings hold; those that are null or without points are left out.
+    /// Hands on what a group's rings hold, closed; those that are null or without points are left
+    /// out.
     FlaggedRings group(std::size_t i, const Flags& flags) const {
         FlaggedRings taken;
         for (std::size_t k = 0; k < m_groups[i].size(); ++k) {
             JWRing* ring = m_groups[i][k];
             if (ring == nullptr || ring->isEmpty()) continue;
+            ring->closeRing();
             taken.add(std::move(*ring), k < flags.size() ? flags[k] : 0);
         }
         return taken;

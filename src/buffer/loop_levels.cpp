@@ -49,8 +49,8 @@ bool LoopLevels::takeLoop(const RingView& loop) {
 }
 
 bool LoopLevels::findCrossings() {
-    m_crossings.clear();
-    m_passes.clear();
+    emptyKept(m_crossings);
+    emptyKept(m_passes);
     const auto isUncertain = [&](int i, int j) { return !takePair(i, j); };
     return !m_pairs.search(m_points.data(), edgeCount(), isUncertain);
 }
@@ -115,7 +115,7 @@ bool LoopLevels::setLevels() {
     const int turn = orientationSign(p[before], p[lowest], p[lowest + 1]);
     if (turn != 1 && turn != -1) return false;
     int level = 0;
-    m_levels.clear();
+    emptyKept(m_levels);
     for (const Pass& pass : m_passes) {
         const bool otherGoesLeft = m_crossings[pass.crossing].leftwards == (pass.which == 0);
         level += otherGoesLeft ? 1 : -1;
@@ -154,7 +154,7 @@ void LoopLevels::addWay(std::size_t pass) {
 
 /// Each way goes on behind the same crossing's other pass.
 void LoopLevels::addCircle(std::size_t start) {
-    m_ring.clear();
+    emptyKept(m_ring);
     for (std::size_t i = start; !m_isDone[i];) {
         m_isDone[i] = true;
         addWay(i);

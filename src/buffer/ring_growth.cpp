@@ -17,6 +17,7 @@ namespace {
 constexpr double kThin = 0.01;
 constexpr double kHalfEdge = 0.131;
 constexpr std::size_t kMostBesides = 2;  // of so many shapes, one that goes whole
+constexpr std::size_t kMostInARow = 12;  // of these, neighbours: all may overlap one another
 constexpr int kFew = 48;                 // segments compared without a tree
 
 double distanceBetween(const Shape& a, const Shape& b) {
@@ -94,7 +95,7 @@ bool isInteriorLeft(const std::vector<Shape>& ring) {
 }
 
 /// Appends the shapes that no loop stands for, those of short segments and of their neighbours.
-/// False when there are more than `most` or a point among them.
+/// False when there are more than `most`, too many in a row, or a point among them.
 bool addShapesBeside(const Shapes& run, std::size_t most, Outline& shapes) {
     const std::size_t n = run.list.size();
     const auto isShort = [&](std::size_t i) {
@@ -102,10 +103,13 @@ bool addShapesBeside(const Shapes& run, std::size_t most, Outline& shapes) {
     };
     JWRawPoint corners[2 * kMostCapCorners + 4];
     bool before = isShort(n - 1), here = isShort(0);
+    std::size_t inARow = 0;
     for (std::size_t i = 0; i < n; ++i) {
         const bool next = isShort(i + 1);
-        if (before || here || next) {
-            if (most-- == 0 || run.list[i].isCircle()) return false;
+        const bool isBeside = before || here || next;
+        inARow = isBeside ? inARow + 1 : 0;
+        if (isBeside) {
+            if (most-- == 0 || inARow > kMostInARow || run.list[i].isCircle()) return false;
             writeCorners(run.list[i], run.distance, run.arcs, corners);
             shapes.addPoints(corners, run.arcs.capsuleCorners());
             shapes.endRing(0);

@@ -67,8 +67,9 @@ bool isPolygonal(enumJWGeometryType type) {
 RingViews closedRings(const JWGeometry& area) {
     RingViews rings;
     everyVertexList(area, [&](const JWRawPoint* points, std::size_t n) {
+        if (n < 4) return true;
         const auto count = static_cast<int>(points[0] == points[n - 1] ? n - 1 : n);
-        if (n >= 4) rings.push_back({points, count, 0});
+        rings.push_back({points, count, 0});
         return true;
     });
     return rings;

@@ -46,10 +46,11 @@ int orientationExact(const Point& a, const Point& b, const Point& c) {
 }
 
 // A long double holds differences of coordinates exactly and places the point within a thousandth
-// of a unit. What lies between the ends does not depend on the reach, so that a smaller reach finds
-// nothing that a larger one would not. Of two diagonal edges from one point, each may have the
-// other's end beside it, as they are measured along different axes: then only the edge along x
-// counts, lest they be cut in turns for ever.
+// of a unit. What lies between the ends hardly depends on the reach. Of two diagonal edges from one
+// point, each may have the other's end beside it, as they are measured along different axes: then
+// only the edge along x counts, lest the two be cut in turns. That there are such edges is not
+// asked: a vertex that might be the end of one is not held, so that a sliver of some units may
+// stay.
 bool Nearness::holds(const Point& p, Point a, Point b) const {
     if (b < a) std::swap(a, b);
     const double low = std::min(a.y, b.y);

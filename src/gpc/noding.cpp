@@ -4,10 +4,10 @@
 //
 // Edges whose boxes meet are compared with exact predicates. A vertex on another edge splits it
 // there; a proper crossing splits both edges at the crossing point, rounded to the unit u, the last
-// place of the largest coordinate. A vertex that an edge passes within 2u splits it too: rounded
-// crossings come back as vertices when a result is clipped once more, and edges meant to coincide
-// would leave slivers thinner than the rounding. Where that happens a crossing of the two edges
-// waits: mostly there is none left afterwards.
+// place of the largest coordinate. A vertex that an edge passes within 2u splits it too, as a rule:
+// rounded crossings come back as vertices when a result is clipped once more, and edges meant to
+// coincide would leave slivers thinner than the rounding. Where that happens a crossing of the two
+// edges waits: mostly there is none left afterwards.
 //
 // Splitting bends an edge by a hair, and a bent edge may have come to lie across a neighbour, so
 // the pieces of bent edges are compared with everything around them again, until a pass finds

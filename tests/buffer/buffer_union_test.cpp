@@ -297,6 +297,7 @@ TEST(RingSets, TeamReduce) {
         Reduction r;
         r.groups = {ringsOf(a), {}, ringsOf(b), {nullptr}, ringsOf(far)};
         r.groups[0].push_back(nullptr);
+        r.groups[2][0]->deletePointAt(4);  // the closing one
         r.groupFlags = {{0, 1, 0}, {}, {0}};
         EXPECT_EQ(reduce(&r.groups, &r.groupFlags, r.rings, r.flags), 1);
         EXPECT_TRUE(r.groups.empty() && r.groupFlags.empty());

@@ -83,6 +83,18 @@ TEST(ClipDispatch, EveryPairOfKinds) {
     }
 }
 
+TEST(ClipDispatch, RingsWithoutPointsAreNone) {
+    auto square = fromWktAs<JWPolygon>(kSquare);
+    const JWPolygon plain = square;
+    square.addRing(JWRing());
+    for (const auto& [target, cutter] : {std::pair(&square, &plain), {&plain, &square}}) {
+        ClipLists<JWGeometry> pieces;
+        EXPECT_EQ(JWGeometryClip::geometryClipByGeometry(target, cutter, pieces.pieces, true, true),
+                  1);
+        EXPECT_EQ(pieces.pieces.size(), 1u);
+    }
+}
+
 TEST(ClipPoints, InsideThenOutsideWithTheBoundaryInside) {
     auto points = fromWktAs<JWMultiPoint>(
         "MULTIPOINT ((50 50),(5 5),(0 0),(10 5),(4 4),(5 4),(4.5 4.5),(-1 0))");
