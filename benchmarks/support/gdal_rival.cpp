@@ -39,7 +39,7 @@ GDALDatasetUniquePtr createSource(const char* driverName, const std::string& pat
 void intersect(OGRLayer& a, OGRLayer& b, GDALDataset& target) {
     OGRLayer* result = target.CreateLayer("result", a.GetSpatialRef(), wkbUnknown, nullptr);
     if (result == nullptr) fail("cannot create the result layer");
-    const char* const options[] = {"INPUT_PREFIX=m_a", "METHOD_PREFIX=m_b",
+    const char* const options[] = {"INPUT_PREFIX=a_", "METHOD_PREFIX=b_",
                                    "USE_PREPARED_GEOMETRIES=NO",
                                    "KEEP_LOWER_DIMENSION_GEOMETRIES=NO", nullptr};
     if (a.Intersection(&b, result, const_cast<char**>(options)) != OGRERR_NONE) {

@@ -85,9 +85,9 @@ TEST(ClipDispatch, EveryPairOfKinds) {
 
 TEST(ClipDispatch, RingsWithoutPointsAreNone) {
     auto square = fromWktAs<JWPolygon>(kSquare);
-    const JWPolygon plain = square;
+    auto plain = square;
     square.addRing(JWRing());
-    for (const auto& [target, cutter] : {std::pair(&square, &plain), {&plain, &square}}) {
+    for (const auto& [target, cutter] : {std::pair(&square, &plain), std::pair(&plain, &square)}) {
         ClipLists<JWGeometry> pieces;
         EXPECT_EQ(JWGeometryClip::geometryClipByGeometry(target, cutter, pieces.pieces, true, true),
                   1);

@@ -52,9 +52,9 @@ TEST_F(LayerCommands, EachGivesItsResultAndAccount) {
          {"name", "count", "first_name"}},
         {"dissolve self.geojson", 1, 8, {}},
         {"dissolve b.geojson", 2, 5, {}},
-        {"merge a.geojson b.geojson --prefix-a m_a", 2, 11, {"a_name", "name"}},
+        {"merge a.geojson b.geojson --prefix-a a_", 2, 11, {"a_name", "name"}},
         {"update a.geojson b.geojson --attributes fid", 4, 11, {"FID_a", "FID_b"}},
-        {"intersect a.geojson b.geojson --prefix-a m_a --prefix-b m_b", 2, 2, {"a_name", "b_name"}},
+        {"intersect a.geojson b.geojson --prefix-a a_ --prefix-b b_", 2, 2, {"a_name", "b_name"}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.command);
