@@ -3,23 +3,18 @@
 // A layer of the lines between the polygons of another: the layer is read as a whole, its rings are
 // taken apart into lines, and the lines are written in their order. A team decodes the polygons,
 // compares their boundaries, and makes the features of lines while others are written.
-#include <algorithm>
-#include <atomic>
-#include <chrono>
-
 #include "convert/conversion_run.h"
 #include "convert/layer_conversion.h"
 #include "convert/shared_lines.h"
 #include "foundation/pulse.h"
 #include "layers/block_filter.h"
+#include "layers/layer_run.h"
 #include "layers/ordered_walk.h"
 #include "layers/ordered_work.h"
 #include "layers/pending_result.h"
 
 namespace jws::detail {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 /// The polygons beside a line, by their positions; -1 for none.
 struct Neighbours {
@@ -33,6 +28,7 @@ struct Neighbours {
 struct LineChunk : WorkChunk {
     std::vector<std::size_t> lines;
     std::vector<PendingResult> results;
+    std::size_t bytes = 0;  ///< of the results
 
     std::size_t size() const { return lines.size(); }
 };
@@ -46,10 +42,11 @@ class SharedLineRun {
           m_namesNeighbours(namesNeighbours),
           m_options(options),
           m_report(report),
+          m_run(report, 2 * input.count()),
           m_team(options.threads) {}
 
-    void run();
-    bool isStopped() const { return m_stopped; }
+    /// Returns the number of lines written.
+    std::int64_t run();
 
   private:
     static constexpr std::size_t kLinesInChunk = 128;
@@ -58,11 +55,7 @@ class SharedLineRun {
     void read();
     void findLines();
     void writeLines();
-    void write();
     void take(const std::shared_ptr<const JWFeature>& feature, GeometryCheck check);
-    bool keepOn() { return JWReport::progress(m_report.readA + m_linesDone, m_total); }
-    /// Ends the run because the progress callback asked to; on any thread.
-    [[noreturn]] void stop();
     Neighbours besideOf(std::size_t line) const;
     bool takeLines(LineChunk& chunk);
     void makeResults(LineChunk& chunk) const;
@@ -74,11 +67,9 @@ class SharedLineRun {
     bool m_namesNeighbours;
     const JWConvertOptions& m_options;
     JWLayerReport& m_report;
+    LayerRun m_run;
     Team m_team;
     ResultSchema m_schema;
-    std::int64_t m_total = 0;
-    std::int64_t m_linesDone = 0;
-    std::atomic<bool> m_stopped{false};
 
     std::vector<std::shared_ptr<const JWFeature>> m_polygons;
     RingViews m_rings;
@@ -99,15 +90,8 @@ void SharedLineRun::createSchema() {
     m_schema.create(m_output);
 }
 
-void SharedLineRun::stop() {
-    m_stopped = true;
-    JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
-    throw LayerFailure();
-}
-
 void SharedLineRun::read() {
     const std::int64_t count = m_input.count();
-    m_total = 2 * count;
     using Chunk = FeatureChunk<GeometryCheck>;
     const auto check = [](Chunk& chunk) {
         for (std::size_t i = 0; i < chunk.size(); ++i)
@@ -117,19 +101,15 @@ void SharedLineRun::read() {
         take(chunk.feature(i), chunk.slots[i]);
     };
     OrderedWalk<GeometryCheck> walk(m_team, m_input,
-                                    {check, finish, [this] { return keepOn(); }, {}, 128});
+                                    {check, finish, [this] { return m_run.keepOn(); }, {}, 128});
     const Blocks blocks(count, m_options.blockSize);
     for (std::int64_t i = 0; i < blocks.number(); ++i)
-        if (!walk.run(blocks.first(i) - 1, blocks.size())) stop();
+        if (!walk.run(blocks.first(i) - 1, blocks.size())) m_run.stop();
 }
 
 void SharedLineRun::take(const std::shared_ptr<const JWFeature>& feature, GeometryCheck check) {
-    ++m_report.readA;
-    if (check == GeometryCheck::Empty) ++m_report.emptyA;
-    const std::string reason = reasonOf(check, *feature, AreaKind);
-    if (!reason.empty())
-        m_report.rejected.push_back(
-            {m_input.source(), m_input.name(), feature->getFID64(), reason});
+    m_run.countRead(m_input, *feature, check, AreaKind);
+    m_run.addDone(1);
     if (check != GeometryCheck::Usable) return;
     appendRings(*feature->getGeometryPtr(), m_rings);
     m_owners.resize(m_rings.size(), static_cast<int>(m_polygons.size()));
@@ -138,9 +118,7 @@ void SharedLineRun::take(const std::shared_ptr<const JWFeature>& feature, Geomet
 }
 
 void SharedLineRun::findLines() {
-    const Pulse pulse([this] {
-        if (!keepOn()) stop();
-    });
+    const Pulse pulse([this] { m_run.beat(); });
     try {
         m_lines = findSharedLines(m_rings, m_owners, m_options.tolerance, m_options.threads);
     } catch (const std::bad_alloc&) {
@@ -167,9 +145,10 @@ bool SharedLineRun::takeLines(LineChunk& chunk) {
 }
 
 void SharedLineRun::makeResults(LineChunk& chunk) const {
-    for (const std::size_t line : chunk.lines) chunk.results.push_back(makeResult(line));
-    if (m_team.size() == 1) return;
-    for (PendingResult& result : chunk.results) result.record = m_output.prepare(*result.feature);
+    for (const std::size_t line : chunk.lines) {
+        chunk.results.push_back(makeResult(line));
+        chunk.bytes += prepareEarly(chunk.results.back(), m_team.size() > 1 ? &m_output : nullptr);
+    }
 }
 
 PendingResult SharedLineRun::makeResult(std::size_t line) const {
@@ -195,49 +174,36 @@ PendingResult SharedLineRun::makeResult(std::size_t line) const {
 void SharedLineRun::writeLine(LineChunk& chunk, std::size_t i) {
     const auto first = static_cast<std::size_t>(besideOf(chunk.lines[i]).first());
     writeResult(m_output, chunk.results[i], m_input, m_polygons[first]->getFID64(), m_report);
-    m_linesDone = static_cast<std::int64_t>(chunk.lines[i]) + 1;
+    m_run.setDone(m_report.readA + static_cast<std::int64_t>(chunk.lines[i]) + 1);
 }
 
 void SharedLineRun::writeLines() {
     const std::size_t count = m_lines.lines.count();
-    m_total = m_report.readA + static_cast<std::int64_t>(count);
-    const auto sizeOf = [](const LineChunk& chunk) {
-        std::size_t bytes = 0;
-        for (const PendingResult& result : chunk.results) bytes += result.feature->memorySize();
-        return bytes;
+    m_run.setSteps(m_report.readA + static_cast<std::int64_t>(count));
+    const auto prepare = [this](LineChunk& chunk, std::size_t i) {
+        return std::size_t{prepareResult(chunk.results[i], m_output) ? 1U : 0U};
     };
+    const auto sizeOf = [](const LineChunk& chunk) { return chunk.bytes; };
     OrderedWork<LineChunk> work(m_team,
                                 {[this](LineChunk& chunk) { return takeLines(chunk); },
                                  [this](LineChunk& chunk) { makeResults(chunk); },
                                  [this](LineChunk& chunk, std::size_t i) { writeLine(chunk, i); },
-                                 [this] { return keepOn(); },
-                                 {},
+                                 [this] { return m_run.keepOn(); },
+                                 prepare,
                                  {},
                                  sizeOf});
-    if (!work.run((count + kLinesInChunk - 1) / kLinesInChunk)) stop();
+    if (!work.run((count + kLinesInChunk - 1) / kLinesInChunk)) m_run.stop();
 }
 
-void SharedLineRun::write() {
-    m_output.begin();
-    try {
-        writeLines();
-        m_output.commit();
-    } catch (...) {
-        m_output.rollback();
-        m_report.written = 0;
-        throw;
+std::int64_t SharedLineRun::run() {
+    {
+        const Stopwatch watch(m_report.secondsIndex);
+        read();
+        findLines();
+        createSchema();
     }
-}
-
-void SharedLineRun::run() {
-    const Clock::time_point start = Clock::now();
-    read();
-    findLines();
-    createSchema();
-    const Clock::time_point found = Clock::now();
-    write();
-    m_report.secondsIndex = std::chrono::duration<double>(found - start).count();
-    m_report.secondsOverlay = std::chrono::duration<double>(Clock::now() - found).count();
+    const Stopwatch watch(m_report.secondsOverlay);
+    return m_run.transact(m_output, [this] { writeLines(); });
 }
 
 }  // namespace
@@ -245,17 +211,11 @@ void SharedLineRun::run() {
 int convertToSharedLines(const char* function, JWFeatureLayer* in, JWFeatureLayer* out,
                          bool namesNeighbours, const JWConvertOptions& options,
                          JWLayerReport* report) {
-    return convertLayers(function, in, out, report,
-                         [&](FeatureInput& input, FeatureOutput& output, JWLayerReport& account) {
-                             SharedLineRun run(input, output, namesNeighbours, options, account);
-                             try {
-                                 run.run();
-                             } catch (...) {
-                                 account.cancelled = run.isStopped();
-                                 throw;
-                             }
-                             return account.written;
-                         });
+    return convertLayers(
+        function, in, out, report,
+        [&](FeatureInput& input, FeatureOutput& output, JWLayerReport& account) {
+            return SharedLineRun(input, output, namesNeighbours, options, account).run();
+        });
 }
 
 }  // namespace jws::detail

@@ -4,7 +4,8 @@
 //
 // A loop over n items is cut into chunks of neighbouring items, which workers take in order.
 // Workers write only into slots of their own items; whatever must happen one at a time (reading a
-// layer, writing results) goes through `exclusive`, a critical section that must not be nested.
+// layer, writing results) goes through `exclusive`, a critical section that must not be nested, or
+// through `exclusiveReading`, where reading need not wait for writing.
 // What a loop computes therefore does not depend on the number of threads, nor on who takes which
 // chunk. An exception in a worker stops the loop and is thrown again by the caller's thread.
 //

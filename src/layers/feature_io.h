@@ -4,8 +4,9 @@
 // or from feature classes in memory, results go to either; the driver and its operations know only
 // the three interfaces below, so that every form of an operation has one body.
 //
-// None of the classes locks anything: the driver calls them from one thread at a time, but for
-// `decode` and `prepare`.
+// None of the classes locks anything. One thread at a time reads, and one at a time writes; both at
+// once only where input and output are apart. `decode`, `prepare`, `name` and `source` may be
+// called at any time, by many threads.
 #ifndef JW_LAYERS_FEATURE_IO_H
 #define JW_LAYERS_FEATURE_IO_H
 

@@ -49,7 +49,9 @@ class MapRun {
                  {[this](Chunk& chunk) { mapChunk(chunk); },
                   [this](Chunk& chunk, std::size_t i) { write(chunk, i); },
                   [this] { return m_run.keepOn(); },
-                  {},
+                  [this](Chunk& chunk, std::size_t i) {
+                      return chunk.slots[i].results.prepare(m_job.output);
+                  },
                   32,
                   [this](Chunk& chunk, std::size_t i) { writePart(chunk, i); },
                   {},
@@ -95,6 +97,7 @@ void MapRun::mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i,
     const JWFeature& feature = *chunk.feature(i);
     MapSlot& slot = chunk.slots[i];
     slot.check = checkGeometry(feature, m_job.kinds);
+    if (m_team.size() > 1) slot.results.prepareEarlyFor(m_job.output);
     MapResults results(m_job.schema, feature, chunk.position(i), slot.results, slot.failures, grew);
     if (slot.check == GeometryCheck::Usable) {
         slot.inputArea = areaOf(*feature.getGeometryPtr());
@@ -103,7 +106,7 @@ void MapRun::mapFeature(const FeatureMap& map, Chunk& chunk, std::size_t i,
     } else if (slot.check == GeometryCheck::Empty && m_job.keepsEmpty) {
         results.add(nullptr);
     }
-    if (m_team.size() > 1) slot.results.prepareEarly(m_job.output);
+    slot.results.complete(grew);
 }
 
 void MapRun::writeResults(Chunk& chunk, std::size_t i) {

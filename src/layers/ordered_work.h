@@ -2,18 +2,20 @@
 //
 // Work of a team on chunks, finished in order. A worker takes the next chunk and works on it; then
 // it finishes the chunks that are done from the front, in order, unless another worker is at that.
-// Taking and finishing (which is where results are written) happen one at a time inside the
-// critical section, and overlap the work of the others.
+// Taking and finishing (which is where results are written) happen one at a time, and overlap the
+// work of the others: inside the critical section, or each in its own where they may meet.
 //
 // What a worker allocates it also gives back, soon if possible: memory that one thread takes and
 // another one returns has the two contend for the allocator, and what lies about grows cold. So a
-// chunk is made and let go by one and the same worker, and the output's form of a result is made,
-// by the worker that is going to write it, a few results ahead.
+// chunk is made and let go by one and the same worker. The output's form of a result is made a few
+// results ahead by the worker that is going to write it, and gone when it is written; the form of
+// small ones may as well come and go with the chunk.
 //
 // What waits to be finished is bounded. Work tells how much its chunk holds. At the front, a chunk
 // that holds much has what is there of it finished before its work goes on. Behind the front, a
 // worker waits while all that is held is more than allowed, to take a further chunk or, with a
-// chunk that holds much itself, for its turn to come. The chunk at the front never waits.
+// chunk that holds much itself, for its turn to come. The chunk at the front never waits. What is
+// finished counts until its maker lets it go, which it does whenever it has made something.
 //
 // Guarantees. Chunks are taken and finished in order, each once, and within a chunk in its own
 // order, whatever the number of threads. Cost. Memory for the limit, and for as many chunks as
@@ -21,10 +23,10 @@
 #ifndef JW_LAYERS_ORDERED_WORK_H
 #define JW_LAYERS_ORDERED_WORK_H
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -39,7 +41,8 @@ namespace jws::detail {
 /// What every chunk carries for the work on it.
 struct WorkChunk {
     std::size_t number = 0;
-    std::size_t held = 0;  ///< bytes of what waits in it
+    std::size_t held = 0;                     ///< bytes of what waits in it
+    std::deque<std::size_t>* mine = nullptr;  ///< chunks of its maker, to be let go in order
 };
 
 struct WorkLimits {
@@ -62,7 +65,7 @@ class OrderedWork {
         /// Called every now and then inside the critical section; false stops the work.
         std::function<bool()> keepOn;
         /// Prepares place i for `finish`, shortly before and outside of the critical section, and
-        /// returns how many results it has; may be empty. Not called for a single worker.
+        /// returns how many results that was; may be empty. Not called for a single worker.
         std::function<std::size_t(Chunk&, std::size_t i)> prepare = {};
         /// Finishes what place i has so far, its work being under way, and lets go what the chunk
         /// holds; those before it are finished. Inside the critical section; empty where `grew` is
@@ -95,6 +98,7 @@ class OrderedWork {
     /// To be told by `work` when place i of its chunk holds so many bytes more, those before it
     /// being done. May finish what is there, or wait.
     void grew(Chunk& chunk, std::size_t i, std::size_t bytes) {
+        letGo(*chunk.mine);
         hold(chunk, bytes);
         if (chunk.held < m_actions.limits.part) return;
         if (chunk.number != m_front) {
@@ -112,7 +116,7 @@ class OrderedWork {
     struct Abandoned {};
 
     void takePart() {
-        std::vector<std::size_t> mine;
+        std::deque<std::size_t> mine;
         try {
             for (std::size_t i = 0; take(i, mine);) {
                 mine.push_back(i);
@@ -140,7 +144,7 @@ class OrderedWork {
     }
 
     /// Takes the next chunk; false when there is none.
-    bool take(std::size_t& index, std::vector<std::size_t>& mine) {
+    bool take(std::size_t& index, std::deque<std::size_t>& mine) {
         waitUntil([&] {
             letGo(mine);
             return m_held <= m_actions.limits.waiting || m_taken == m_front;
@@ -151,6 +155,7 @@ class OrderedWork {
             index = m_taken;
             auto chunk = std::make_unique<Chunk>();
             chunk->number = index;
+            chunk->mine = &mine;
             m_atEnd = true;  // also when it throws: nobody takes after that
             taken = m_actions.take(*chunk);
             m_atEnd = !taken;
@@ -170,7 +175,7 @@ class OrderedWork {
     template <class Condition>
     void waitUntil(Condition&& holds) {
         while (!holds()) {
-            if (m_stopped || m_failed) throw Abandoned();
+            endIfOver();
             finishDone();
             Pulse::tick();
             std::this_thread::sleep_for(std::chrono::microseconds(500));
@@ -198,7 +203,6 @@ class OrderedWork {
         Chunk& chunk = *m_chunks[m_front];
         finishUpTo(chunk, chunk.size());
         if (m_finished < chunk.size()) return;
-        release(chunk);
         m_finished = 0;
         ++m_front;
     }
@@ -220,26 +224,25 @@ class OrderedWork {
     /// Finishes what is there of a chunk at the front, whose work has come to place i. Nobody else
     /// finishes anything: the front is not done.
     void finishBeginning(Chunk& chunk, std::size_t i) {
-        while (m_finished < i && !m_stopped) finishUpTo(chunk, i);
-        if (!m_stopped) {
-            prepare(chunk, i);
-            exclusive([&] {
-                m_actions.finishPart(chunk, i);
-                if (!m_actions.keepOn()) m_stopped = true;
-            });
-            release(chunk);
-        }
-        if (m_stopped) throw Abandoned();
+        for (endIfOver(); m_finished < i; endIfOver()) finishUpTo(chunk, i);
+        prepare(chunk, i);
+        exclusive([&] {
+            m_actions.finishPart(chunk, i);
+            if (!m_actions.keepOn()) m_stopped = true;
+        });
+        release(chunk);
+        endIfOver();
     }
 
-    void letGo(std::vector<std::size_t>& mine) {
-        const std::size_t front = m_front;
-        const auto kept = std::remove_if(mine.begin(), mine.end(), [&](std::size_t i) {
-            if (i >= front) return false;
-            m_chunks[i].reset();
-            return true;
-        });
-        mine.erase(kept, mine.end());
+    void endIfOver() const {
+        if (m_stopped || m_failed) throw Abandoned();
+    }
+
+    void letGo(std::deque<std::size_t>& mine) {
+        for (; !mine.empty() && mine.front() < m_front; mine.pop_front()) {
+            release(*m_chunks[mine.front()]);
+            m_chunks[mine.front()].reset();
+        }
     }
 
     const Team& m_team;

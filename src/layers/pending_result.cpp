@@ -6,6 +6,8 @@
 namespace jws::detail {
 namespace {
 
+constexpr std::size_t kSmall = 4096;  // bytes of a result that may lie about in both forms
+
 /// Writes a result and accounts for it, but for refusals, which go to a list.
 void write(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
            std::int64_t fid, JWLayerReport& report, std::vector<JWRejectedFeature>& refusals) {
@@ -27,9 +29,24 @@ void write(FeatureOutput& output, PendingResult& result, const FeatureInput& inp
     } else {
         throw LayerFailure();
     }
+    if (!result.isPreparedEarly) result.record.reset();
 }
 
 }  // namespace
+
+bool prepareResult(PendingResult& result, const FeatureOutput& output) {
+    if (result.isPreparedEarly) return false;
+    result.record = output.prepare(*result.feature);
+    return true;
+}
+
+std::size_t prepareEarly(PendingResult& result, const FeatureOutput* output) {
+    const std::size_t bytes = result.feature->memorySize();
+    if (output == nullptr || bytes > kSmall) return bytes;
+    prepareResult(result, *output);
+    result.isPreparedEarly = true;
+    return result.record ? 2 * bytes : bytes;
+}
 
 void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInput& input,
                  std::int64_t fid, JWLayerReport& report) {
@@ -37,21 +54,25 @@ void writeResult(FeatureOutput& output, PendingResult& result, const FeatureInpu
 }
 
 void PendingResults::add(PendingResult&& result, const Growth& grew) {
-    if (!m_waiting.empty()) grew(m_waiting.back().feature->memorySize());
+    complete(grew);
     m_waiting.push_back(std::move(result));
     ++m_count;
 }
 
+void PendingResults::complete(const Growth& grew) {
+    if (!m_waiting.empty()) grew(prepareEarly(m_waiting.back(), m_early));
+}
+
 std::size_t PendingResults::prepare(const FeatureOutput& output) {
-    for (PendingResult& result : m_waiting) result.record = output.prepare(*result.feature);
-    return m_waiting.size();
+    std::size_t prepared = 0;
+    for (PendingResult& result : m_waiting) prepared += prepareResult(result, output) ? 1 : 0;
+    return prepared;
 }
 
 void PendingResults::write(FeatureOutput& output, const FeatureInput& input, std::int64_t fid,
                            JWLayerReport& report) {
     for (PendingResult& result : m_waiting) {
         detail::write(output, result, input, fid, report, m_refusals);
-        if (!m_isPreparedEarly) result.record.reset();
     }
 }
 

@@ -148,6 +148,7 @@ void DissolveRun::makeFeatures(std::size_t group,
         result.areaMade += piece.area;
         result.pieces.add(std::move(piece), grew);
     }
+    result.pieces.complete(grew);
 }
 
 void DissolveRun::writePieces(Groups& groups, std::size_t i) {

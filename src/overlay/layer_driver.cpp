@@ -142,6 +142,7 @@ void OverlayRun::process(const OverlayPass& pass, OrderedWalk<Slot>& walk, Chunk
             }
         }
         for (; begin < end; ++begin) {
+            atHand = begin;
             Slot& slot = chunk.slots[begin];
             surroundings.startFeature(slot.pairs);
             const std::shared_ptr<const JWFeature>& feature = chunk.feature(begin);
@@ -149,11 +150,12 @@ void OverlayRun::process(const OverlayPass& pass, OrderedWalk<Slot>& walk, Chunk
                 Emitter(m_job.schema, others(pass).input(), m_options.multipart, slot, grew)
                     .emitEmpty(*feature);
             }
-            if (slot.check != AreaCheck::Usable) continue;
-            OverlayFeature subject = {chunk.position(begin), feature,
-                                      Area(*feature->getGeometryPtr(), feature)};
-            atHand = begin;
-            overlay(pass, subject, surroundings, slot, grew);
+            if (slot.check == AreaCheck::Usable) {
+                OverlayFeature subject = {chunk.position(begin), feature,
+                                          Area(*feature->getGeometryPtr(), feature)};
+                overlay(pass, subject, surroundings, slot, grew);
+            }
+            slot.results.complete(grew);
         }
     }
 }
@@ -166,7 +168,8 @@ void OverlayRun::overlay(const OverlayPass& pass, OverlayFeature& subject,
     try {
         pass.operation(subject, surroundings, emitter);
     } catch (const ClipFailure& failure) {
-        emitter.reject(failure.what());
+        // One whose area could not be resolved is listed for that.
+        if (!slot.isUnresolved) emitter.reject(failure.what());
     }
 }
 

@@ -1,69 +1,22 @@
 // SPDX-License-Identifier: MIT
 //
-// The walk under all layer operations, over a made-up operand that knows what is done to it.
+// The walk under all layer operations, over a made-up operand.
 #include "layers/ordered_walk.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <numeric>
 #include <string>
 #include <thread>
 
-#include "foundation/feature_layer_impl.h"
+#include "layers/numbers.h"
 
 using namespace jws;
 using namespace jws::detail;
 
 namespace {
-
-/// Features numbered from 0, every third of which comes undecoded. It may have more or fewer than
-/// it states, and break off.
-class Numbers : public FeatureInput {
-  public:
-    std::int64_t stated = 0;
-    std::int64_t actual = 0;
-    std::int64_t breaksAt = -1;
-    mutable std::atomic<std::int64_t> decoded{0};
-    std::atomic<int> readers{0};
-
-    const char* name() const override { return "numbers"; }
-    const char* source() const override { return ""; }
-    std::int64_t count() override { return stated; }
-    enumJWWKBGeometryType geometryType() const override { return JWWKBPoint; }
-    const JWFields* fields() const override { return nullptr; }
-    bool identifiersFitInt() override { return true; }
-    void read(std::int64_t first, std::int64_t count, bool decode,
-              std::vector<JWReadFeature>& features) override {
-        EXPECT_EQ(0, readers++) << "one thread reads at a time";
-        EXPECT_EQ(m_next, first) << "in one go";
-        for (; m_next < std::min(first + count, actual); ++m_next) {
-            if (m_next == breaksAt) throw std::runtime_error("cannot be read");
-            JWReadFeature read{numbered(m_next), nullptr};
-            if (m_next % 3 == 0 && !decode) read.record = std::make_shared<JWSourceRecord>();
-            features.push_back(std::move(read));
-        }
-        --readers;
-    }
-    void readAt(std::int64_t position, JWReadFeature& feature) override {
-        feature.feature = numbered(position);
-    }
-    void decode(std::int64_t position, JWReadFeature& feature) const override {
-        EXPECT_EQ(position, feature.feature->getFID64());
-        feature.record.reset();
-        ++decoded;
-    }
-    bool keep(std::int64_t, const std::shared_ptr<const JWFeature>&) override { return true; }
-    void rewindTo(std::int64_t position) { m_next = position; }
-
-  private:
-    static std::shared_ptr<const JWFeature> numbered(std::int64_t number) {
-        auto feature = std::make_shared<JWFeature>(nullptr);
-        feature->setFID64(number);
-        return feature;
-    }
-    std::int64_t m_next = 0;
-};
 
 struct Course {
     std::int64_t worked = 0;
@@ -126,7 +79,7 @@ TEST_F(OrderedWalkThreads, EveryFeatureOnceInOrderWhateverTheTeamAndTheSourceSta
                 {1000, 0, 0, 1000}};
     for (const auto& row : rows) {
         for (const int threads : {1, 2, 8}) {
-            for (const std::int64_t chunkSize : {1, 7, 256}) {
+            for (const std::int64_t chunkSize : {-1, 1, -7, 7, -256, 256}) {
                 SCOPED_TRACE(std::to_string(row.stated) + " " + std::to_string(row.actual) + " " +
                              std::to_string(row.first) + " " + std::to_string(threads));
                 input.stated = row.stated;
@@ -136,7 +89,8 @@ TEST_F(OrderedWalkThreads, EveryFeatureOnceInOrderWhateverTheTeamAndTheSourceSta
                 finished.clear();
                 const Team team(threads);
                 Walk::Actions what = actions();
-                what.chunkSize = chunkSize;
+                what.chunkSize = std::abs(chunkSize);
+                what.takesApart = chunkSize < 0;
                 Walk walk(team, input, what);
                 EXPECT_TRUE(walk.run(row.first, row.count));
                 const std::int64_t end =
@@ -163,7 +117,7 @@ TEST_F(OrderedWalkThreads, AStopOrAFailureEndsTheWalkInOrder) {
                 {-1, -1, 600, INT64_MAX, "finish"},
                 {-1, -1, -1, 600, nullptr}};
     for (const auto& row : rows) {
-        for (const int threads : {1, 2, 8}) {
+        for (const int threads : {1, 2, -2, 8, -8}) {
             input.stated = input.actual = 100000;
             input.rewindTo(0);
             input.readers = 0;
@@ -172,8 +126,10 @@ TEST_F(OrderedWalkThreads, AStopOrAFailureEndsTheWalkInOrder) {
             failsAt = row.failsAt;
             finishFailsAt = row.finishFailsAt;
             stopsAfter = row.stopsAfter;
-            const Team team(threads);
-            Walk walk(team, input, actions());
+            const Team team(std::abs(threads));
+            Walk::Actions what = actions();
+            what.takesApart = threads < 0;
+            Walk walk(team, input, what);
             std::string thrown;
             try {
                 EXPECT_FALSE(walk.run(0, INT64_MAX / 2));
@@ -201,12 +157,24 @@ class OrderedWalkResultsThreads : public testing::Test {
     };
     using Walk = OrderedWalk<Results>;
     static constexpr std::size_t kBytes = 10, kPart = 200, kWaiting = 1000;
+    static constexpr std::int64_t kTooMany = 100000;
 
     static std::int64_t resultsOf(std::int64_t position) {
         return position == 0 ? 700 : position % 7 == 0 ? 90 : position % 5;
     }
 
+    /// Ends early once a feature behind has failed, and by itself after far too many.
+    void resultsBesideAFailure(Walk& walk, Walk::Chunk& chunk) {
+        while (!hasFailed) std::this_thread::yield();
+        for (std::int64_t k = 0; k < kTooMany; ++k) {
+            if (k % 1000 == 0) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            chunk.slots[0].waiting.push_back(k);
+            walk.grew(chunk, 0, kBytes);
+        }
+    }
+
     void work(Walk& walk, Walk::Chunk& chunk) {
+        if (failsAt > 0 && chunk.position(0) == 0) resultsBesideAFailure(walk, chunk);
         for (std::size_t i = 0; i < chunk.size(); ++i) {
             const std::int64_t position = chunk.position(i);
             // The rest could be through with everything before the first feature is.
@@ -219,7 +187,10 @@ class OrderedWalkResultsThreads : public testing::Test {
                 }
                 walk.grew(chunk, i, kBytes);
             }
-            if (position == failsAt) throw std::logic_error("work");
+            if (position == failsAt) {
+                hasFailed = true;
+                throw std::logic_error("work");
+            }
         }
     }
     void write(Results& results) {
@@ -232,6 +203,7 @@ class OrderedWalkResultsThreads : public testing::Test {
         input.rewindTo(0);
         written.clear();
         held = mostHeld = 0;
+        hasFailed = false;
         const Team team(threads);
         Walk walk(team, input,
                   {[&](Walk::Chunk& chunk) { work(walk, chunk); },
@@ -247,6 +219,7 @@ class OrderedWalkResultsThreads : public testing::Test {
     Numbers input;
     std::vector<std::int64_t> written;
     std::atomic<std::size_t> held{0}, mostHeld{0};
+    std::atomic<bool> hasFailed{false};
     std::int64_t failsAt = -1;
     std::int64_t stopsAfter = INT64_MAX;
 };
@@ -276,6 +249,14 @@ TEST_F(OrderedWalkResultsThreads, AFailureOrAStopAtTheFrontEndsThoseThatWait) {
         stopsAfter = 50;
         EXPECT_FALSE(run(threads));
         EXPECT_GE(150u, written.size());
+    }
+}
+
+TEST_F(OrderedWalkResultsThreads, AFailureBehindTheFrontEndsIt) {
+    failsAt = 9;
+    for (const int threads : {2, 8}) {
+        EXPECT_THROW(run(threads), std::logic_error);
+        EXPECT_GT(static_cast<std::size_t>(kTooMany), written.size());
     }
 }
 
