@@ -7,8 +7,6 @@
 // united neighbours first, which is the union that buffers of many parts go through anyway; they
 // are gathered in the order of the layer, so that the result depends on nothing else.
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -19,6 +17,7 @@
 #include "layers/block_filter.h"
 #include "layers/layer_checks.h"
 #include "layers/layer_map.h"
+#include "layers/layer_run.h"
 
 namespace jws {
 
@@ -103,105 +102,86 @@ std::int64_t bufferEach(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferO
 class BufferGathering {
   public:
     BufferGathering(const LayerBuffer& buffer, FeatureInput& input, const JWBufferOptions& options,
-                    JWLayerReport& report)
+                    LayerRun& run)
         : m_buffer(buffer),
           m_input(input),
           m_team(options.threads),
-          m_report(report),
-          m_total(input.count()),
-          m_isFew(m_total < m_team.size()),
-          m_blocks(m_total, options.blockSize) {}
+          m_run(run),
+          m_isFew(input.count() < m_team.size()),
+          m_blocks(input.count(), options.blockSize) {}
 
     /// Null when no feature has a buffer. Throws LayerFailure.
     std::unique_ptr<JWGeometry> unite() {
-        const Pulse pulse([this] { beat(); });
-        try {
-            for (std::int64_t block = 0; block < m_blocks.number(); ++block) {
-                m_input.readBlock(m_blocks.first(block) - 1, m_blocks.size(), m_features);
-                bufferBlock();
-                beat();
-            }
-            if (m_buffers.empty()) return nullptr;
-            if (isTooSmall(m_leastDistance, m_largest)) refuse(kTooSmallForUnion);
-            std::unique_ptr<JWGeometry> united =
-                polygonize(uniteGroups(std::move(m_buffers), m_team));
-            if (!united) refuse(kTooSmallForUnion);
-            return united;
-        } catch (...) {
-            m_report.cancelled = m_stopped;
-            throw;
+        const Pulse pulse([this] { m_run.beat(); });
+        for (std::int64_t block = 0; block < m_blocks.number(); ++block) {
+            m_input.readBlock(m_blocks.first(block) - 1, m_blocks.size(), m_features);
+            bufferBlock();
+            m_run.beat();
         }
+        if (m_buffers.empty()) return nullptr;
+        if (isTooSmall(m_leastDistance, m_largest)) refuse(kTooSmallForUnion);
+        std::unique_ptr<JWGeometry> united = polygonize(uniteGroups(std::move(m_buffers), m_team));
+        if (!united) refuse(kTooSmallForUnion);
+        return united;
     }
 
   private:
     static constexpr const char* kTooSmallForUnion =
         "a distance is too small for the precision of the layer's largest coordinate";
 
-    /// On any thread.
-    void beat() {
-        if (!m_stopped && JWReport::progress(m_done, m_total)) return;
-        m_stopped = true;
-        JWReport::setError(JWErrorCancelled, "the run was stopped; nothing was written");
-        throw LayerFailure();
-    }
+    /// What becomes of a feature.
+    struct Made {
+        GeometryCheck check = GeometryCheck::Usable;
+        FlaggedRings rings;
+        std::string failure;
+    };
 
     void bufferBlock() {
-        std::vector<FlaggedRings> made(m_features.size());
-        std::vector<std::string> reasons(m_features.size());
+        std::vector<Made> made(m_features.size());
         const Team alone(1);
         parallelChunks(m_isFew ? alone : m_team, static_cast<std::int64_t>(m_features.size()), 16,
                        [&](std::int64_t begin, std::int64_t end) {
                            for (auto i = static_cast<std::size_t>(begin);
                                 i < static_cast<std::size_t>(end); ++i)
-                               bufferOne(*m_features[i], m_isFew ? m_team : alone, made[i],
-                                         reasons[i]);
+                               bufferOne(*m_features[i], m_isFew ? m_team : alone, made[i]);
                            return true;
                        });
-        for (std::size_t i = 0; i < made.size(); ++i) take(*m_features[i], made[i], reasons[i]);
+        for (std::size_t i = 0; i < made.size(); ++i) take(*m_features[i], made[i]);
     }
 
-    void bufferOne(const JWFeature& feature, const Team& team, FlaggedRings& made,
-                   std::string& reason) {
+    void bufferOne(const JWFeature& feature, const Team& team, Made& made) const {
         Pulse::tick();
-        ++m_done;
-        const GeometryCheck check = checkGeometry(feature, kKinds);
-        reason = reasonOf(check, feature, kKinds);
-        if (check != GeometryCheck::Usable) return;
+        m_run.addDone(1);
+        made.check = checkGeometry(feature, kKinds);
+        if (made.check != GeometryCheck::Usable) return;
         try {
-            made = m_buffer.make(feature, team);
+            made.rings = m_buffer.make(feature, team);
         } catch (const BadBuffer& bad) {
-            reason = bad.what();
+            made.failure = bad.what();
         } catch (const ClipFailure& failure) {
-            reason = failure.what();
+            made.failure = failure.what();
         }
     }
 
-    void take(const JWFeature& feature, FlaggedRings& made, const std::string& reason) {
-        ++m_report.readA;
-        if (feature.isGeometryEmpty() && reason.empty()) ++m_report.emptyA;
-        if (!reason.empty()) {
-            m_report.rejected.push_back(
-                {m_input.source(), m_input.name(), feature.getFID64(), reason});
-        }
-        if (made.empty()) return;
+    void take(const JWFeature& feature, Made& made) {
+        m_run.countRead(m_input, feature, made.check, kKinds);
+        if (!made.failure.empty()) m_run.reject(m_input, feature.getFID64(), made.failure);
+        if (made.rings.empty()) return;
         m_leastDistance = std::min(m_leastDistance, m_buffer.distanceOf(feature));
-        for (const JWRing& ring : made.rings) {
+        for (const JWRing& ring : made.rings.rings) {
             const JWEnvelop e = ring.getEnvelop();
             for (const double v : {e.minX, e.minY, e.maxX, e.maxY})
                 m_largest = std::max(m_largest, std::fabs(v));
         }
-        m_buffers.push_back(std::move(made));
+        m_buffers.push_back(std::move(made.rings));
     }
 
     const LayerBuffer& m_buffer;
     FeatureInput& m_input;
     Team m_team;
-    JWLayerReport& m_report;
-    std::int64_t m_total;
+    LayerRun& m_run;
     bool m_isFew;  ///< features: each is then buffered by the whole team
     Blocks m_blocks;
-    std::atomic<std::int64_t> m_done{0};
-    std::atomic<bool> m_stopped{false};
     std::vector<std::shared_ptr<const JWFeature>> m_features;
     std::vector<FlaggedRings> m_buffers;
     double m_leastDistance = HUGE_VAL;
@@ -213,10 +193,12 @@ std::int64_t bufferAll(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferOp
     const std::unique_ptr<FeatureInput> input = inputFrom(in);
     const std::unique_ptr<FeatureOutput> output = outputTo(out);
     const LayerBuffer buffer(options, *input);
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point start = Clock::now();
-    std::unique_ptr<JWGeometry> united = BufferGathering(buffer, *input, options, report).unite();
-    report.secondsOverlay = std::chrono::duration<double>(Clock::now() - start).count();
+    LayerRun run(report, input->count());
+    std::unique_ptr<JWGeometry> united;
+    {
+        const Stopwatch watch(report.secondsOverlay);
+        united = BufferGathering(buffer, *input, options, run).unite();
+    }
     ResultSchema schema;
     output->setGeometryType(JWWKBMultiPolygon);
     schema.create(*output);
@@ -224,17 +206,7 @@ std::int64_t bufferAll(JWFeatureLayer& in, JWFeatureLayer& out, const JWBufferOp
     PendingResult result;
     result.area = areaOf(*united);
     result.feature = schema.makeFeature(std::move(united), {nullptr}, result.lostField);
-    output->begin();
-    try {
-        writeResult(*output, result, *input, -1, report);
-        output->commit();
-    } catch (...) {
-        output->rollback();
-        report.written = 0;
-        report.area = 0;
-        throw;
-    }
-    return report.written;
+    return run.transact(*output, [&] { writeResult(*output, result, *input, -1, report); });
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The course of a run over layers, the same for every operation: how far it is and whether it is to
-// stop, which features it reads and leaves out, how long its phases take, and the one transaction
-// in which everything is written or nothing.
+// The course of a run over layers: how far it is and whether it is to stop, which features it reads
+// and leaves out, how long its phases take, and the one transaction in which everything is written
+// or nothing.
 #ifndef JW_LAYERS_LAYER_RUN_H
 #define JW_LAYERS_LAYER_RUN_H
 

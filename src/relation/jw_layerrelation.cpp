@@ -111,6 +111,9 @@ std::int64_t JWLayerRelation::relateLayers(JWFeatureLayer* a, JWFeatureLayer* b,
             target->rollback();
             JWReport::setError(failure.error.kind, failure.error.text, failure.error.feature);
             result = -1;
+        } catch (...) {
+            target->rollback();
+            throw;
         }
         if (report != nullptr) report->written = result < 0 ? 0 : rows.written;
         return result;

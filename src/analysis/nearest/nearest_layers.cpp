@@ -2,7 +2,6 @@
 #include "analysis/nearest/nearest_layers.h"
 
 #include <algorithm>
-#include <chrono>
 #include <climits>
 #include <mutex>
 
@@ -10,18 +9,13 @@
 #include "foundation/parallel.h"
 #include "foundation/vertex_lists.h"
 #include "layers/geometry_check.h"
+#include "layers/layer_run.h"
 #include "layers/pending_result.h"
 
 namespace jws::detail {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr std::int64_t kBlock = 16384;  // sources answered at a time
-
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 /// Why a feature takes no part; empty for one that does, and for one without a geometry.
 struct Refusal {
@@ -152,14 +146,20 @@ void FoundConnections::findChunk(const NearestFinder& find, std::size_t begin, s
 class NearestRun {
   public:
     NearestRun(NearestJob& job, JWLayerReport& report)
-        : m_job(job), m_report(report), m_team(job.threads), m_total(job.source.count()) {}
+        : m_job(job),
+          m_report(report),
+          m_team(job.threads),
+          m_total(job.source.count()),
+          m_run(report, m_total) {}
 
+    /// Returns the number of connections written.
+    std::int64_t run();
+
+  private:
     void readTargets();
     void requireSources();
     void createFields();
     void answerAll();
-
-  private:
     /// Leaves what takes part; null in the place of any other feature.
     void select(FeatureInput& input, unsigned kinds, FeatureList& features, std::int64_t& read,
                 std::int64_t& empty);
@@ -167,7 +167,7 @@ class NearestRun {
     void writeConnection(const JWFeature& source, const ShortestRecord& connection, int rank);
     bool keepOn() {
         bool going = true;
-        exclusive([&] { going = JWReport::progress(m_report.readA, m_total); });
+        exclusive([&] { going = m_run.keepOn(); });
         return going;
     }
     [[noreturn]] void fail(enumJWErrorKind kind, const std::string& text) {
@@ -182,6 +182,7 @@ class NearestRun {
     JWLayerReport& m_report;
     Team m_team;
     std::int64_t m_total;
+    LayerRun m_run;
     FeatureList m_targets;
     JWFields* m_schema = nullptr;
     std::int64_t m_unanswered = 0;
@@ -193,9 +194,7 @@ void NearestRun::select(FeatureInput& input, unsigned kinds, FeatureList& featur
         ++read;
         const Refusal refusal = refusalOf(*feature, kinds, m_job.method);
         if (refusal.check == GeometryCheck::Empty) ++empty;
-        if (!refusal.reason.empty())
-            m_report.rejected.push_back(
-                {input.source(), input.name(), feature->getFID64(), refusal.reason});
+        if (!refusal.reason.empty()) m_run.reject(input, feature->getFID64(), refusal.reason);
         if (refusal.check != GeometryCheck::Usable) feature.reset();
     }
 }
@@ -271,10 +270,8 @@ void NearestRun::answerAll() {
     for (std::int64_t first = 0; first < m_total; first += size) {
         m_job.source.readBlock(first, size, sources);
         select(m_job.source, m_job.method.sourceKinds(), sources, m_report.readA, m_report.emptyA);
-        if (!found.find(m_team, m_job.method, sources, [&] { return keepOn(); })) {
-            m_report.cancelled = true;
-            fail(JWErrorCancelled, "the run was stopped; nothing was written");
-        }
+        m_run.setDone(m_report.readA);
+        if (!found.find(m_team, m_job.method, sources, [&] { return keepOn(); })) m_run.stop();
         for (std::size_t i = 0; i < sources.size(); ++i)
             if (sources[i]) write(*sources[i], found.of(i));
     }
@@ -283,26 +280,21 @@ void NearestRun::answerAll() {
                            " have no answer: " + m_job.method.whyNone();
 }
 
+std::int64_t NearestRun::run() {
+    {
+        const Stopwatch watch(m_report.secondsIndex);
+        readTargets();
+    }
+    const Stopwatch watch(m_report.secondsOverlay);
+    requireSources();
+    createFields();
+    return m_run.transact(m_job.output, [this] { answerAll(); });
+}
+
 }  // namespace
 
 std::int64_t runNearest(NearestJob& job, JWLayerReport& report) {
-    NearestRun run(job, report);
-    const Clock::time_point start = Clock::now();
-    run.readTargets();
-    report.secondsIndex = secondsSince(start);
-    run.requireSources();
-    run.createFields();
-    job.output.begin();
-    try {
-        run.answerAll();
-        job.output.commit();
-    } catch (...) {
-        job.output.rollback();
-        report.written = 0;
-        throw;
-    }
-    report.secondsOverlay = secondsSince(start) - report.secondsIndex;
-    return report.written;
+    return NearestRun(job, report).run();
 }
 
 void findNearestPairs(const JWFeatureClass& source, const JWFeatureClass& target,
