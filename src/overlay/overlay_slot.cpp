@@ -7,22 +7,32 @@
 namespace jws::detail {
 namespace {
 
-int partsOf(const JWGeometry& geometry) {
-    if (geometry.getGeometryType() != JWGeometryMultiPolygon) return 1;
-    return static_cast<const JWMultiPolygon&>(geometry).getPolygonCount();
+bool isMulti(const JWGeometry& geometry) {
+    return geometry.getGeometryType() == JWGeometryMultiPolygon;
 }
 
 }  // namespace
 
 void Emitter::emitCopy(const OverlayFeature& self, const JWFeature* a, const JWFeature* b,
                        std::int64_t joined) {
-    ++m_slot.copies;
+    const Values values = {a, b, joined};
     // Parts that overlap, or lie in one another, are not what the feature encloses.
-    if (!m_multipart && partsOf(self.geometry()) > 1) {
-        return emitBuilt(buildArea(clipRings(self.area.rings(), {}, JWBooleanUnion), 0),
-                         {a, b, joined});
+    if (!m_multipart && isMulti(self.geometry()) &&
+        static_cast<const JWMultiPolygon&>(self.geometry()).getPolygonCount() > 1) {
+        emitParts(self, values);
+    } else {
+        add(std::unique_ptr<JWGeometry>(self.geometry().clone()), values, m_slot.inputArea);
     }
-    add(std::unique_ptr<JWGeometry>(self.geometry().clone()), {a, b, joined}, m_slot.inputArea);
+    ++m_slot.copies;
+}
+
+/// A join copies one feature for each that it overlaps: the engine is asked once.
+void Emitter::emitParts(const OverlayFeature& self, const Values& values) {
+    if (!m_whole.geometry) {
+        m_whole = buildArea(clipRings(self.area.rings(), {}, JWBooleanUnion), 0);
+    }
+    std::unique_ptr<JWGeometry> copy(m_whole.geometry ? m_whole.geometry->clone() : nullptr);
+    emitBuilt({std::move(copy), m_whole.area, m_whole.dropped}, values);
 }
 
 void Emitter::emit(BuiltArea&& built, const JWFeature* a, const JWFeature* b) {
@@ -40,15 +50,16 @@ void Emitter::emitBuilt(BuiltArea&& built, const Values& values) {
 }
 
 double Emitter::add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area) {
-    if (m_multipart || partsOf(*geometry) == 1) {
+    if (m_multipart || !isMulti(*geometry)) {
         addResult(std::move(geometry), values, area);
         return area;
     }
     double sum = 0;
     auto& parts = static_cast<JWMultiPolygon&>(*geometry);
+    const bool isOne = parts.getPolygonCount() == 1;
     for (int i = 0; i < parts.getPolygonCount(); ++i) {
         auto part = std::make_unique<JWPolygon>(std::move(*parts.getPolygonPtrAt(i)));
-        const double partArea = part->getArea();
+        const double partArea = isOne ? area : part->getArea();
         addResult(std::move(part), values, partArea);
         sum += partArea;
     }

@@ -51,7 +51,8 @@ class Emitter {
 
     /// Adds the feature at hand as it is, with the attributes of `a` and `b`, either of which may
     /// be null; `joined` goes into the count field, if there is one. Where its parts become
-    /// features of their own, they are those of what it encloses by the even-odd rule.
+    /// features of their own, they are those of what it encloses by the even-odd rule. Throws
+    /// ClipFailure.
     void emitCopy(const OverlayFeature& self, const JWFeature* a, const JWFeature* b,
                   std::int64_t joined = 0);
     /// Adds a result without a geometry, with the attributes of `a`.
@@ -81,6 +82,7 @@ class Emitter {
         std::int64_t joined;
     };
     void emitBuilt(BuiltArea&& built, const Values& values);
+    void emitParts(const OverlayFeature& self, const Values& values);
     /// Adds a geometry of a known area, in parts if need be; returns the area of what it added.
     double add(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);
     void addResult(std::unique_ptr<JWGeometry> geometry, const Values& values, double area);
@@ -90,6 +92,7 @@ class Emitter {
     bool m_multipart;
     Slot& m_slot;
     const Growth& m_grew;
+    BuiltArea m_whole;  ///< what the feature at hand encloses, if copies of it were taken apart
 };
 
 }  // namespace jws::detail
