@@ -203,15 +203,14 @@ class JW_API JWFeatureLayer : public JWLayer {
     /// features that could be stored with a loss only: a geometry of a kind that the layer does not
     /// hold, or with holes but an empty outer ring; a coordinate that is not finite (not in
     /// memory), or outside of longitudes and latitudes in KML without a projected reference; a
-    /// number, text or date too large for its field, in a shapefile also a real that the field's
-    /// decimals (15) change by more than a millionth, NaN where the format has none; an identifier
-    /// that is taken. Returns false with the last error set then; the feature is unchanged either
-    /// way.
+    /// number, text or date too large for its field, in a shapefile also a real below all of 15
+    /// decimals, NaN where the format has none; an identifier that is taken. Returns false with the
+    /// last error set then; the feature is unchanged either way.
     ///
-    /// Left to the formats: GML and KML write 15 digits, GeoJSON 15 decimals, shapefiles 15
-    /// decimals of reals (coordinates exactly); shapefiles drop blanks around texts and know no
-    /// empty text, MapInfo and GMT know no missing value and store 0 or "" for it. Databases,
-    /// FlatGeobuf, CSV and memory keep the bits of coordinates and reals.
+    /// Left to the formats: GML and KML write 15 digits, GeoJSON 15 decimals, shapefiles
+    /// the decimals of the field, or 15, of reals (coordinates exactly); shapefiles drop blanks
+    /// around texts and know no empty text, MapInfo and GMT know no missing value and store 0 or ""
+    /// for it. Databases, FlatGeobuf, CSV and memory keep the bits of coordinates and reals.
     bool createFeature(const JWFeature* feature, bool keepFID = false);
     /// Converts a feature into the layer's own form, so that `createFeature` with it has less left
     /// to do. Any number of threads may do this while one of them writes. Returns null where that

@@ -81,7 +81,9 @@ class Writer {
 
 class TextGeometry : public OGRPoint {
   public:
-    explicit TextGeometry(std::string text) : OGRPoint(0, 0), m_text(std::move(text)) {}
+    /// `point`: where it lies, for a driver that asks points for their coordinates.
+    TextGeometry(const OGRPoint& point, std::string text)
+        : OGRPoint(point), m_text(std::move(text)) {}
     using OGRGeometry::exportToWkt;
     std::string exportToWkt(const OGRWktOptions&, OGRErr* error) const override {
         if (error != nullptr) *error = OGRERR_NONE;
@@ -98,7 +100,9 @@ class TextGeometry : public OGRPoint {
 std::unique_ptr<OGRGeometry> asExactText(const OGRGeometry& geometry) {
     Writer writer(geometry.Is3D() != 0, geometry.IsMeasured() != 0);
     writer.geometry(geometry);
-    return std::make_unique<TextGeometry>(writer.take());
+    const bool isPoint = wkbFlatten(geometry.getGeometryType()) == wkbPoint;
+    return std::make_unique<TextGeometry>(isPoint ? *geometry.toPoint() : OGRPoint(0, 0),
+                                          writer.take());
 }
 
 }  // namespace jws::detail

@@ -6,9 +6,9 @@
 // that is not finite. KML is in degrees, and its drivers bring other longitudes into their range.
 #include "foundation/format_limits.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "foundation/vertex_lists.h"
@@ -20,7 +20,7 @@ namespace {
 constexpr int realWidth = 24;  // of shapefiles, where the field states none
 constexpr int realDecimals = 15;
 constexpr long long integerEnd = 1000000000000000000;  // of 18 digits, sign included
-constexpr double mostRounding = 1e-6;                  // of a value, by its last decimal
+constexpr double mostCut = 1e-6;                       // of a value, by digits left out
 
 /// No vertex is NaN or infinite; an empty point, which is NaN twice, is no vertex.
 bool areFiniteOrEmpty(const JWRawPoint* points, std::size_t n) {
@@ -33,6 +33,27 @@ bool areDegrees(const JWRawPoint* points, std::size_t n) {
         within = within && !(std::fabs(points[i].x) > 180 || std::fabs(points[i].y) > 90);
     }
     return within;
+}
+
+/// A real is written with its field's decimals, as the field's owner wants it, and cut behind the
+/// field's width.
+const char* lossOfReal(const OGRFieldDefn& field, double value) {
+    if (!std::isfinite(value)) return "is not a finite number";
+    const int width = field.GetWidth() > 0 ? field.GetWidth() : realWidth;
+    const int decimals = field.GetWidth() > 0 ? field.GetPrecision() : realDecimals;
+    char text[512];
+    const char* end =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals).ptr;
+    const char* point = std::find<const char*>(text, end, '.');
+    if (point - text > width) return "is too long for a shapefile";
+    double kept = 0;
+    std::from_chars(text, std::min<const char*>(end, text + width), kept);
+    if (end - text > width && std::fabs(kept - value) > mostCut * std::fabs(value)) {
+        return "is too long for a shapefile";
+    }
+    return kept == 0 && value != 0 && decimals >= realDecimals
+               ? "is too small for the decimals of a shapefile"
+               : nullptr;
 }
 
 }  // namespace
@@ -80,20 +101,8 @@ const char* FormatLimits::lossInShapefile(const OGRFieldDefn& field, const OGRFi
         case OFTDate:
             return value.Date.Year < 0 || value.Date.Year > 9999 ? "is too far off for a shapefile"
                                                                  : nullptr;
-        case OFTReal: {
-            if (!std::isfinite(value.Real)) return "is not a finite number";
-            const int width = field.GetWidth() > 0 ? field.GetWidth() : realWidth;
-            const int decimals = field.GetWidth() > 0 ? field.GetPrecision() : realDecimals;
-            if (std::snprintf(nullptr, 0, "%.0f", value.Real) > width) {
-                return "is too long for a shapefile";
-            }
-            const double unit = std::pow(10, -decimals);
-            return std::fabs(value.Real) * mostRounding < unit / 2 &&
-                           std::fabs(std::round(value.Real / unit) * unit - value.Real) >
-                               std::fabs(value.Real) * mostRounding
-                       ? "is too small for the decimals of a shapefile"
-                       : nullptr;
-        }
+        case OFTReal:
+            return lossOfReal(field, value.Real);
         default:
             return nullptr;
     }

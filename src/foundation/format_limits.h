@@ -35,8 +35,8 @@ class FormatLimits {
     /// Why a geometry cannot be stored; null when nothing is against it. Cost: a pass over its
     /// vertices.
     const char* refusalOf(const JWGeometry& geometry) const;
-    /// What is wrong with value `k`, which is set; null when it comes back as it is, but for the
-    /// last digits of numbers that the format keeps in decimals.
+    /// What is wrong with value `k`, which is set; null when it comes back as it is, or rounded to
+    /// the decimals of its field.
     const char* lossOf(const OGRFeature& feature, int k) const;
 
   private:

@@ -165,13 +165,16 @@ TEST_F(WriteTest, ValuesComeBackOrAreRefused) {
         enumJWFieldType type;
         unionJWField value;
         bool kept;
+        int width = 0, precision = 0;
     } const rows[] = {
         {"v.shp", JWFieldReal, realOf(123456789.125), true},
         {"v.shp", JWFieldReal, realOf(-1e22), true},
         {"v.shp", JWFieldReal, realOf(1e25), false},
+        {"v.shp", JWFieldReal, realOf(1234.56), true, 10, 2},
+        {"v.shp", JWFieldReal, realOf(1234.56), false, 5, 2},
         {"v.shp", JWFieldReal, realOf(0), true},
         {"v.shp", JWFieldReal, realOf(2e-15), true},
-        {"v.shp", JWFieldReal, realOf(1.23456789e-11), false},
+        {"v.shp", JWFieldReal, realOf(1.2345e-11), true},
         {"v.shp", JWFieldReal, realOf(-1e-300), false},
         {"v.shp", JWFieldReal, realOf(nan), false},
         {"v.shp", JWFieldInteger64, longOf(999999999999999999), true},
@@ -201,7 +204,7 @@ TEST_F(WriteTest, ValuesComeBackOrAreRefused) {
         }
         std::filesystem::remove(path(row.file));
         LayerPtr layer = newLayer(row.file, JWWKBPoint);
-        ASSERT_TRUE(layer->createField(JWField("value", row.type)));
+        ASSERT_TRUE(layer->createField(JWField("value", row.type, row.width, row.precision)));
         ASSERT_TRUE(layer->createField(JWField("n", JWFieldInteger)));
         auto* schema = new JWFields;
         schema->addField(JWField("value", row.type));
