@@ -340,6 +340,22 @@ TEST_F(LayerOperations, PartsAndAreasOfCopiesAreThoseOfTheEvenOddRule) {
     }
 }
 
+TEST_F(LayerOperations, EveryRowOfAJoinHasAllPartsOfTheFeature) {
+    LayerPtr a = layerOf(
+        "a", {{1, "MULTIPOLYGON(((0 0,10 0,10 10,0 10,0 0)),((5 0,15 0,15 10,5 10,5 0)))", "A"},
+              {2, "MULTIPOLYGON(((0 20,10 20,10 30,0 30,0 20)))", "M"}});
+    LayerPtr b = layerOf(
+        "b", {{1, box(0, 0, 2, 2), "B"}, {2, box(1, 1, 3, 40), "C"}, {3, box(11, 0, 12, 1), "D"}});
+    JWOverlayOptions options;
+    options.rowPerPair = true;
+    options.multipart = false;
+    EXPECT_EQ(areas("join", *a, *b, options), (Rows{"50|A|B|3", "50|A|B|3", "50|A|C|3", "50|A|C|3",
+                                                    "50|A|D|3", "50|A|D|3", "100|M|C|1"}));
+    for (const std::string& row : run("join", *a, *b, options)) {
+        EXPECT_EQ(row.substr(0, 7), "POLYGON") << row;
+    }
+}
+
 TEST_F(LayerOperations, ChecksInTheOrderMissingThenFieldsThenReferences) {
     LayerPtr a = layerOf("a", {}, "name", "EPSG:4326"), b = layerOf("b", {}, "name", "EPSG:32633");
     LayerPtr withFields = layerOf("out", {}), empty = emptyLayer("out");
