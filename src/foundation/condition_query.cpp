@@ -3,8 +3,8 @@
 // OGR's evaluator takes a comparison with a missing number or text for false, but fails over a
 // missing date. A feature that lacks some is therefore asked another form of the condition, in
 // which comparisons with them are the constant false; forms are made when they are first needed.
-// Over lists the evaluator crashes: conditions that compare them are refused, and so are those that
-// compare a date with a text that is none.
+// Over lists the evaluator crashes: conditions that compare them are refused, unless they are cast
+// to texts first, and so are those that compare a date with a text that is none.
 #include "foundation/condition_query.h"
 
 #include <ogr_swq.h>
@@ -34,6 +34,11 @@ bool isTextWithoutDate(const swq_expr_node* node) {
     OGRField date;
     return node->eNodeType == SNT_CONSTANT && !node->is_null && node->string_value != nullptr &&
            OGRParseDate(node->string_value, &date, 0) == FALSE;
+}
+
+/// What a list or bytes may stand in.
+bool takesLists(const swq_expr_node& node) {
+    return node.nOperation == SWQ_ISNULL || node.nOperation == SWQ_CAST;
 }
 
 void makeFalse(swq_expr_node& node) {
@@ -98,7 +103,7 @@ void ConditionQuery::inspect(const swq_expr_node& node) {
     if (comparesDatesItself(node)) addFields(node, m_dated);
     for (int i = 0; i < node.nSubExprCount; ++i) {
         const swq_expr_node& operand = *node.papoSubExpr[i];
-        if (isField(operand) && operand.field_type == SWQ_OTHER && node.nOperation != SWQ_ISNULL) {
+        if (isField(operand) && operand.field_type == SWQ_OTHER && !takesLists(node)) {
             m_fault = "field " +
                       std::string(m_definition->GetFieldDefn(operand.field_index)->GetNameRef()) +
                       " holds lists or bytes, which cannot be compared";

@@ -21,16 +21,31 @@ bool isWordCharacter(char c) {
            static_cast<unsigned char>(c) >= 0x80;
 }
 
-/// Replaces the word `word` outside of quotes, ignoring case; returns whether there was any.
-bool replaceWord(std::string& text, const char* word, const std::string& by) {
+const char* const quotes = "'\"`";
+const char* const quotesOfSqlite = "'\"`[";
+
+/// The place of the quote that closes the one at `i`, npos for none. One that is doubled inside
+/// closes and opens again.
+std::size_t closingQuote(const std::string& text, std::size_t i) {
+    return text.find(text[i] == '[' ? ']' : text[i], i + 1);
+}
+
+/// Replaces the word `word` outside of quotes, ignoring case; returns whether there was any. With
+/// `asName` also where it stands in double quotes.
+bool replaceWord(std::string& text, const char* word, const std::string& by,
+                 const std::string& marks, bool asName = false) {
     std::string out;
     bool replaced = false;
     for (std::size_t i = 0; i < text.size();) {
         const char c = text[i];
         std::size_t end = i + 1;
-        if (c == '\'' || c == '"' || c == '`') {
-            end = std::min(text.find(c, i + 1), text.size() - 1) + 1;
-            out.append(text, i, end - i);
+        if (marks.find(c) != std::string::npos) {
+            end = std::min(closingQuote(text, i), text.size() - 1) + 1;
+            const std::string found = text.substr(i, end - i);
+            const bool same =
+                asName && sameName(found.c_str(), ('"' + std::string(word) + '"').c_str());
+            replaced |= same;
+            out += same ? by : found;
         } else if (isWordCharacter(c)) {
             while (end < text.size() && isWordCharacter(text[end])) ++end;
             const std::string found = text.substr(i, end - i);
@@ -48,12 +63,12 @@ bool replaceWord(std::string& text, const char* word, const std::string& by) {
 
 /// Why a database would not take `text` for one condition but obey what stands behind it, or leave
 /// it out, without a word; empty when it is one condition.
-std::string faultAsOneCondition(const std::string& text) {
+std::string faultAsOneCondition(const std::string& text, const std::string& marks) {
     int depth = 0;
     for (std::size_t i = 0; i < text.size() && depth >= 0; ++i) {
         const char c = text[i];
-        if (c == '\'' || c == '"' || c == '`') {
-            i = text.find(c, i + 1);
+        if (marks.find(c) != std::string::npos) {
+            i = closingQuote(text, i);
             if (i == std::string::npos) return "a quote is not closed";
         } else if (c == ';') {
             return "it has a ';'";
@@ -74,16 +89,23 @@ LayerCondition::LayerCondition(const JWSourceHandle& source, OGRLayer& layer, co
     if (m_text.empty()) return;
     std::string text = m_text;
     const char* column = layer.GetFIDColumn();
-    const int attribute = layer.GetLayerDefn()->GetFieldIndex("fid");
+    OGRFeatureDefn& fields = *layer.GetLayerDefn();
+    const int attribute = fields.GetFieldIndex("fid");
     const bool isStatement = !here && source.isDatabase();
     const bool hasColumn = isStatement && *column != '\0';
+    const std::string marks = isStatement && (source.isDriver("SQLite") || source.isDriver("GPKG"))
+                                  ? quotesOfSqlite
+                                  : quotes;
     if (hasColumn && !sameName(column, "fid")) {
-        replaceWord(text, "fid", "\"" + std::string(column) + "\"");
+        replaceWord(text, "fid", "\"" + std::string(column) + "\"", marks);
+    }
+    if (!isStatement && *column != '\0' && fields.GetFieldIndex(column) < 0) {
+        replaceWord(text, column, "fid", marks, true);
     }
     const bool asksFid = !hasColumn && (attribute >= 0 || source.isDatabase() || here) &&
-                         replaceWord(text, "fid", "fid");
+                         replaceWord(text, "fid", "fid", marks);
     if (isStatement && !asksFid) {
-        m_fault = faultAsOneCondition(m_text);
+        m_fault = faultAsOneCondition(m_text, marks);
         m_forDriver = "(" + text + ")";
         return;
     }

@@ -4,8 +4,9 @@
 // indexes, in parentheses, so that nothing but a condition is understood; the word "fid" is
 // replaced by the name of its identifier column. Views without one are treated like other sources.
 // There a condition is in OGR's own dialect, in which "fid" names the identifier unless an
-// attribute has that name. It goes to the driver too, but for "fid" beside such an attribute and
-// for dates, which are seen to here.
+// attribute has that name, and so does the name of the identifier column, where there is one. It
+// goes to the driver too, but for "fid" beside such an attribute and for dates, which are seen to
+// here.
 #ifndef JW_FOUNDATION_LAYER_CONDITION_H
 #define JW_FOUNDATION_LAYER_CONDITION_H
 

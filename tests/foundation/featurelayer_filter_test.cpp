@@ -36,8 +36,12 @@ TEST_F(FilterTest, FidNamesTheIdentifierInEverySource) {
         {"a.gpkg", "", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}},
         {"a.shp", nullptr, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}},
         {"a.gpkg", "fid > 100", {}},
+        {"a.gdb", "fid <= 2", {0, 1}},
+        {"a.gdb", "objectid < 3 or \"OBJECTID\" = 5 or 'OBJECTID' = 'x'", {0, 1, 4}},
+        {"a.gpkg", "[n] in (select 8 as [it's;])", {8}},
+        {"a.sqlite", "[n] > 7 or n = '['", {8, 9}},
     };
-    for (const char* file : {"a.gpkg", "a.sqlite", "a.shp", "a.geojson", "a.csv"}) {
+    for (const char* file : {"a.gpkg", "a.sqlite", "a.shp", "a.geojson", "a.csv", "a.gdb"}) {
         writeSquares(file, 10);
     }
     for (const auto& row : rows) {
@@ -128,6 +132,7 @@ TEST_F(FilterTest, DatesThatAreMissingAndLists) {
         {"d in ('2021/05/01')", {2}},
         {"t >= '2019/05/01 09:00:00' or d > '2020/01/01'", {0, 2}},
         {"l is not null", {0}},
+        {"l is not null and cast(l as character(40)) like '%1%'", {0}},
     };
     for (const char* file : {"d.geojson", "d.shp", "d.fgb", "d.csv", "d.gpkg"}) {
         for (const auto& row : rows) {
