@@ -114,8 +114,8 @@ struct JWLayerReport {
     /// exact arithmetic. What got lost between a clip and the result counts as well, results that
     /// the output refused do not. 0 when nothing was checked.
     double residual = 0;
-    /// One sentence when the residual is above 1e-9 of the input area, or when areas are not finite
-    /// and could not be checked; empty otherwise.
+    /// One sentence when the residual is above 1e-9 of the area of the features that it is about,
+    /// or when areas are not finite and could not be checked; empty otherwise.
     std::string warning;
 
     /// Features that were read but could not be processed, or were refused by the result layer.

@@ -72,10 +72,9 @@ void reportRejected(const std::vector<JWRejectedFeature>& rejected) {
     JWReport::setError(JWErrorFeatureRejected, text, first.fid);
 }
 
-void judge(JWLayerReport& report) {
+void judge(JWLayerReport& report, double input) {
     constexpr double most = 1e-9;
-    const double input = report.areaA + report.areaB;
-    if (!std::isfinite(input) || !std::isfinite(report.residual)) {
+    if (!std::isfinite(report.areaA + report.areaB) || !std::isfinite(report.residual)) {
         report.residual = 0;
         report.warning = "the areas are beyond all numbers and were not checked";
         return;

@@ -68,8 +68,9 @@ int accountedLayers(const char* function, JWFeatureLayer* a, JWFeatureLayer* b,
     });
 }
 
-/// Judges the residual of a run whose areas were checked: a warning above 1e-9 of the input area.
-void judge(JWLayerReport& report);
+/// Judges the residual of a run whose areas were checked: a warning above 1e-9 of `input`, the area
+/// of the features that the residual is about.
+void judge(JWLayerReport& report, double input);
 
 }  // namespace jws::detail
 

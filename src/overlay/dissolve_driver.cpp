@@ -63,7 +63,7 @@ std::int64_t runDissolve(FeatureInput& input, FeatureOutput& output, DissolveKin
                          JWLayerReport& report) {
     report = JWLayerReport();
     DissolveRun(input, output, kind, fields, options, report).run();
-    if (kind == DissolveKind::Areas) judge(report);
+    if (kind == DissolveKind::Areas) judge(report, report.areaA);
     return report.written;
 }
 

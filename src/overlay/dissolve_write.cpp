@@ -168,7 +168,7 @@ void DissolveRun::writeResult(Groups& groups, std::size_t i) {
     writePieces(groups, i);
     result.pieces.reportRefusals(m_report);
     m_report.areaA += result.areaBefore;
-    m_report.areaOverlap += result.overlap;
+    m_report.areaOverlap += std::max(0.0, result.overlap);  // but for rounding
     m_report.areaDropped += result.dropped;
     m_report.residual +=
         std::fabs(result.areaBefore - result.overlap - result.dropped - result.areaMade);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "overlay/layer_entry.h"
 
+#include <algorithm>
+
 #include "foundation/api_guard.h"
 #include "layers/layer_checks.h"
 
@@ -49,7 +51,9 @@ std::int64_t runJob(const LayerOperation& operation, FeatureInput& a, FeatureInp
                       operation.passes(options, first.count())};
     const std::int64_t written = runLayerOverlay(job, options, report);
     if (options.checkAreas && operation.changesAreas) {
-        judge(report);
+        const bool ofBoth = joined || std::any_of(job.passes.begin(), job.passes.end(),
+                                                  [](const OverlayPass& p) { return p.overB; });
+        judge(report, ofBoth ? report.areaA + report.areaB : report.areaA);
     } else {
         report.residual = 0;
     }

@@ -221,7 +221,9 @@ void OutputFile::checkLayer(enumJWWKBGeometryType wanted) const {
         }
         throw usage(m_request.path + ": format " + m_format + " does not hold " + kind.name);
     }
-    const std::string name = m_layer->getLayerName();
+    // A CSV file's layer is called after it as soon as it is read.
+    const std::string name =
+        m_format == "CSV" ? m_destination.stem().string() : m_layer->getLayerName();
     if (!m_request.layer.empty() && !takesSeveralLayers(m_format) && name != m_request.layer) {
         throw usage(m_request.path + ": format " + m_format + " calls the layer " + name +
                     ", not what --output-layer says");
