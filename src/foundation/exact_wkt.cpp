@@ -81,9 +81,10 @@ class Writer {
 
 class TextGeometry : public OGRPoint {
   public:
-    /// `point`: where it lies, for a driver that asks points for their coordinates.
-    TextGeometry(const OGRPoint& point, std::string text)
-        : OGRPoint(point), m_text(std::move(text)) {}
+    /// `point`: where it lies, if it is one, for a driver that asks points for their coordinates.
+    TextGeometry(OGRwkbGeometryType type, const OGRPoint& point, std::string text)
+        : OGRPoint(point), m_type(type), m_text(std::move(text)) {}
+    OGRwkbGeometryType getGeometryType() const override { return m_type; }
     using OGRGeometry::exportToWkt;
     std::string exportToWkt(const OGRWktOptions&, OGRErr* error) const override {
         if (error != nullptr) *error = OGRERR_NONE;
@@ -92,6 +93,7 @@ class TextGeometry : public OGRPoint {
     OGRPoint* clone() const override { return new TextGeometry(*this); }
 
   private:
+    OGRwkbGeometryType m_type;
     std::string m_text;
 };
 
@@ -100,8 +102,9 @@ class TextGeometry : public OGRPoint {
 std::unique_ptr<OGRGeometry> asExactText(const OGRGeometry& geometry) {
     Writer writer(geometry.Is3D() != 0, geometry.IsMeasured() != 0);
     writer.geometry(geometry);
-    const bool isPoint = wkbFlatten(geometry.getGeometryType()) == wkbPoint;
-    return std::make_unique<TextGeometry>(isPoint ? *geometry.toPoint() : OGRPoint(0, 0),
+    const OGRwkbGeometryType type = geometry.getGeometryType();
+    const bool isPoint = wkbFlatten(type) == wkbPoint;
+    return std::make_unique<TextGeometry>(type, isPoint ? *geometry.toPoint() : OGRPoint(0, 0),
                                           writer.take());
 }
 

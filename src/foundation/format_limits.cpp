@@ -19,6 +19,7 @@ namespace {
 
 constexpr int realWidth = 24;  // of shapefiles, where the field states none
 constexpr int realDecimals = 15;
+constexpr int fieldBytes = 255;                        // of any field at most
 constexpr long long integerEnd = 1000000000000000000;  // of 18 digits, sign included
 constexpr double mostCut = 1e-6;                       // of a value, by digits left out
 
@@ -39,18 +40,19 @@ bool areDegrees(const JWRawPoint* points, std::size_t n) {
 /// field's width.
 const char* lossOfReal(const OGRFieldDefn& field, double value) {
     if (!std::isfinite(value)) return "is not a finite number";
-    const int width = field.GetWidth() > 0 ? field.GetWidth() : realWidth;
-    const int decimals = field.GetWidth() > 0 ? field.GetPrecision() : realDecimals;
-    char text[512];
+    const int width = std::min(field.GetWidth() > 0 ? field.GetWidth() : realWidth, fieldBytes);
+    const int decimals =
+        std::min(field.GetWidth() > 0 ? field.GetPrecision() : realDecimals, fieldBytes);
+    char text[640];  // 309 digits before the point
     const char* end =
         std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals).ptr;
-    const char* point = std::find<const char*>(text, end, '.');
-    if (point - text > width) return "is too long for a shapefile";
-    double kept = 0;
-    std::from_chars(text, std::min<const char*>(end, text + width), kept);
-    if (end - text > width && std::fabs(kept - value) > mostCut * std::fabs(value)) {
+    if (std::find<const char*>(text, end, '.') - text > width) {
         return "is too long for a shapefile";
     }
+    double whole = 0, kept = 0;
+    std::from_chars(text, end, whole);
+    std::from_chars(text, std::min<const char*>(end, text + width), kept);
+    if (std::fabs(kept - whole) > mostCut * std::fabs(whole)) return "is too long for a shapefile";
     return kept == 0 && value != 0 && decimals >= realDecimals
                ? "is too small for the decimals of a shapefile"
                : nullptr;

@@ -48,7 +48,8 @@ class LayerRun {
     void reject(const FeatureInput& input, std::int64_t fid, const std::string& reason);
 
     /// Writes by `body` in one transaction, which nothing is left of when it throws: neither
-    /// results nor what the report says of them. Returns the number of features written.
+    /// results nor the report's figures of them (its list of rejected features stays). Returns the
+    /// number of features written.
     template <class Body>
     std::int64_t transact(FeatureOutput& output, Body&& body) {
         output.begin();

@@ -28,11 +28,9 @@ void Emitter::emitCopy(const OverlayFeature& self, const JWFeature* a, const JWF
 
 /// A join copies one feature for each that it overlaps: the engine is asked once.
 void Emitter::emitParts(const OverlayFeature& self, const Values& values) {
-    if (!m_whole.geometry) {
-        m_whole = buildArea(clipRings(self.area.rings(), {}, JWBooleanUnion), 0);
-    }
-    std::unique_ptr<JWGeometry> copy(m_whole.geometry ? m_whole.geometry->clone() : nullptr);
-    emitBuilt({std::move(copy), m_whole.area, m_whole.dropped}, values);
+    if (!m_whole) m_whole = buildArea(clipRings(self.area.rings(), {}, JWBooleanUnion), 0);
+    std::unique_ptr<JWGeometry> copy(m_whole->geometry ? m_whole->geometry->clone() : nullptr);
+    emitBuilt({std::move(copy), m_whole->area, m_whole->dropped}, values);
 }
 
 void Emitter::emit(BuiltArea&& built, const JWFeature* a, const JWFeature* b) {

@@ -6,6 +6,7 @@
 #define JW_OVERLAY_OVERLAY_SLOT_H
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -92,7 +93,8 @@ class Emitter {
     bool m_multipart;
     Slot& m_slot;
     const Growth& m_grew;
-    BuiltArea m_whole;  ///< what the feature at hand encloses, if copies of it were taken apart
+    std::optional<BuiltArea>
+        m_whole;  ///< what the feature at hand encloses, if copies of it were taken apart
 };
 
 }  // namespace jws::detail
