@@ -98,7 +98,7 @@ std::unique_ptr<JWGeometry> AreaClip::partOfLines(const JWGeometry& lines, ClipS
 }
 
 std::unique_ptr<JWGeometry> AreaClip::partOfArea(const JWGeometry& area, ClipSide side) const {
-    const Area target(area);
+    const Area target(closedRings(area));
     if (side == ClipSide::Inside)
         return std::move(buildArea(intersectAreas(target, m_area), 0).geometry);
     RingSet shortened;

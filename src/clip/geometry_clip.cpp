@@ -63,7 +63,14 @@ bool isPolygonal(enumJWGeometryType type) {
     return type == JWGeometryPolygon || type == JWGeometryMultiPolygon;
 }
 
-/// The rings of an area, closed; those that are too short are left out.
+template <class Geometry>
+void moveInto(MarkedPieces<JWGeometry>& all, MarkedPieces<Geometry>&& pieces) {
+    for (MarkedPiece<Geometry>& piece : pieces)
+        all.push_back({std::move(piece.geometry), piece.inside});
+}
+
+}  // namespace
+
 RingViews closedRings(const JWGeometry& area) {
     RingViews rings;
     everyVertexList(area, [&](const JWRawPoint* points, std::size_t n) {
@@ -74,14 +81,6 @@ RingViews closedRings(const JWGeometry& area) {
     });
     return rings;
 }
-
-template <class Geometry>
-void moveInto(MarkedPieces<JWGeometry>& all, MarkedPieces<Geometry>&& pieces) {
-    for (MarkedPiece<Geometry>& piece : pieces)
-        all.push_back({std::move(piece.geometry), piece.inside});
-}
-
-}  // namespace
 
 void checkOperand(const JWGeometry& geometry, bool forWeird) {
     if (geometry.isEmpty()) throw ClipRefused("a geometry is empty");

@@ -30,6 +30,9 @@ struct EmptyClip : ClipRefused {
     EmptyClip() : ClipRefused("the result is empty") {}
 };
 
+/// The rings of an area as they are, closed; those of fewer than four points are left out.
+RingViews closedRings(const JWGeometry& area);
+
 /// A piece with its marker: 1 inside, 0 outside.
 template <class Geometry>
 struct MarkedPiece {

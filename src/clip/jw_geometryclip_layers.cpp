@@ -250,7 +250,7 @@ bool writeParts(JWFeatureLayer& in, JWFeatureLayer& out, const JWEnvelop& envelo
 int clipLayerByRectangle(const JWFeatureLayer* in, JWFeatureLayer* out, const JWEnvelop& envelope,
                          const char* name, int threads) {
     if (in == nullptr || out == nullptr) return refused(name, "a layer is null");
-    if (in == out) return refused(name, "the result is the operand");
+    if (out->isOnLayerOf(*in)) return refused(name, "the result is the operand");
     if (!out->isUpdateMode()) return refused(name, "the result is not open for writing");
     if (!isClipRectangle(envelope)) return refused(name, "the rectangle is not valid and finite");
     JWReport::clearError();

@@ -111,7 +111,7 @@ bool JWFeatureLayer::Impl::createField(const JWField& field) {
         limits.fieldTypes(driver != nullptr
                               ? driver->GetMetadataItem(GDAL_DMD_CREATIONFIELDDATATYPES)
                               : nullptr));
-    constexpr auto textBytes = static_cast<int>(limits.shapefileTextBytes);
+    constexpr auto textBytes = static_cast<int>(detail::FormatLimits::shapefileTextBytes);
     if (limits.isShapefile() && made->GetType() == OFTString && made->GetWidth() > textBytes) {
         made->SetWidth(textBytes);
     }

@@ -231,6 +231,11 @@ TEST(ClipFeatures, AreasAreReadAsTheyAreAndNotAsStored) {
     ASSERT_EQ(out.getFeatureCount(), 1);
     EXPECT_EQ(toWkt(*normalized(*out.getFeatureAt(0)->getGeometryPtr())),
               toWkt(*normalized(*fromWkt("POLYGON ((5 0.5,8 2,5 3.5,5 0.5))"))));
+    JWFeatureClass within;
+    JWEnvelop rectangle(5, 0, 20, 4);
+    ASSERT_EQ(JWGeometryClip::featureClassClipByEnvelop(targets.list, within, rectangle), 1);
+    EXPECT_EQ(toWkt(*normalized(*within.getFeatureAt(0)->getGeometryPtr())),
+              toWkt(*normalized(*out.getFeatureAt(0)->getGeometryPtr())));
 }
 
 TEST(ClipFeatures, ByRectangle) {
